@@ -1,0 +1,132 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "framework/cim_reference.h"
+#include "framework/export.h"
+
+namespace NQZMVTQ20 {
+
+/// One CIM value: null, a scalar, or an array of scalars of one type (DSP0004, 5.1.2). A value
+/// type: copying an array shares its immutable elements and costs O(1) whatever its length.
+class VTQ_EXPORT TCIMValue {
+ public:
+  /// The element type of a value. Whether a value is an array is said by the value.
+  class VTQ_EXPORT TCIMType {
+   public:
+    /// The framework's type codes.
+    enum ECIMType : int {
+      kNull = 0,
+      kBoolean = 1,
+      kUint8 = 2,
+      kSint8 = 3,
+      kUint16 = 4,
+      kSint16 = 5,
+      kUint32 = 6,
+      kSint32 = 7,
+      kUint64 = 8,
+      kSint64 = 9,
+      kReal32 = 10,
+      kReal64 = 11,
+      kString = 13,
+      kDateTime = 14,
+      kReference = 15,
+    };
+
+    explicit TCIMType(ECIMType code) noexcept : code_(code) {}
+
+    ECIMType GetCode() const noexcept { return code_; }
+    /// The CIM name of the type ("uint16", "string", ...; "null" for kNull).
+    const char* GetName() const noexcept;
+
+    friend bool operator==(TCIMType left, TCIMType right) noexcept {
+      return left.code_ == right.code_;
+    }
+
+   private:
+    ECIMType code_;
+  };
+
+  using TArray = std::vector<TCIMValue>;
+
+  /// The null value.
+  TCIMValue() noexcept;
+  /// A string; a null pointer gives the null value.
+  explicit TCIMValue(const char* text);
+  explicit TCIMValue(std::string text);
+  explicit TCIMValue(bool value) noexcept;
+  explicit TCIMValue(unsigned char value) noexcept;
+  explicit TCIMValue(signed char value) noexcept;
+  explicit TCIMValue(unsigned short value) noexcept;
+  explicit TCIMValue(short value) noexcept;
+  explicit TCIMValue(unsigned int value) noexcept;
+  explicit TCIMValue(int value) noexcept;
+  explicit TCIMValue(unsigned long value) noexcept;
+  explicit TCIMValue(long value) noexcept;
+  explicit TCIMValue(float value) noexcept;
+  explicit TCIMValue(double value) noexcept;
+  /// A reference; the null reference gives the null value.
+  explicit TCIMValue(TCIMReference reference) noexcept;
+  /// An array, see Set.
+  TCIMValue(TCIMType type, std::uint32_t count, TArray elements);
+
+  /// A datetime in its 25-character CIM form (DSP0004, 5.2.4). Throws TVTQException when `text`
+  /// has another length.
+  static TCIMValue DateTime(std::string text);
+
+  /// Makes this value an array of `type` holding `elements`, which it takes over. An empty array
+  /// is not null. Throws TVTQException, leaving the value as it was, when `count` is not the
+  /// number of elements, or an element is neither null nor a scalar of `type`.
+  void Set(TCIMType type, std::uint32_t count, TArray elements);
+
+  bool IsNull() const noexcept;
+  bool IsArray() const noexcept;
+  /// The type of the scalar or of the array's elements.
+  TCIMType GetType() const noexcept;
+
+  /// Integers. Every integer type converts to every other as long as the number fits. Throws
+  /// TVTQException when the value is null, an array, not an integer, or does not fit.
+  explicit operator unsigned char() const;
+  explicit operator signed char() const;
+  explicit operator unsigned short() const;
+  explicit operator short() const;
+  explicit operator unsigned int() const;
+  explicit operator int() const;
+  explicit operator unsigned long() const;
+  explicit operator long() const;
+  /// Throws TVTQException unless the value is a boolean.
+  explicit operator bool() const;
+  /// Throws TVTQException unless the value is a real32 or real64.
+  explicit operator double() const;
+  /// The text of a string or datetime, the path text of a reference. Throws TVTQException for
+  /// everything else, null included.
+  explicit operator std::string() const;
+
+  /// The text of a string or datetime without a copy; valid as long as this value is unchanged.
+  /// Throws TVTQException for everything else.
+  const std::string& GetString() const;
+  /// Throws TVTQException unless the value is a reference.
+  const TCIMReference& GetReference() const;
+  /// The elements; valid as long as any copy of this value lives. Throws TVTQException unless the
+  /// value is an array.
+  const TArray& GetArray() const;
+
+  /// Equal type, shape and content; null equals null only.
+  friend VTQ_EXPORT bool operator==(const TCIMValue& left, const TCIMValue& right) noexcept;
+
+ private:
+  using TData = std::variant<std::monostate, bool, std::uint64_t, std::int64_t, double, std::string,
+                             TCIMReference, std::shared_ptr<const TArray>>;
+
+  template <class Integer>
+  Integer ToInteger() const;
+
+  TCIMType type_;
+  TData data_;
+};
+
+}  // namespace NQZMVTQ20

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+namespace NQZMVTQ20 {
+
+/// What every plug-in implements. A plug-in makes one object on the heap when its library is
+/// loaded and registers it; the framework owns it from then on and ends its life with
+/// PrepareForUnload. All calls come on one thread, in the order Init, queries, DeInit,
+/// PrepareForUnload. The order of the declarations is the binary interface.
+class IPluginCallbacks {
+ public:
+  virtual ~IPluginCallbacks() = default;
+
+  /// The kind of plug-in; 0 is a data provider.
+  virtual int GetType() = 0;
+  virtual std::string GetName() = 0;
+  virtual std::string GetVersion() = 0;
+  virtual std::string GetInterfaceVersion() = 0;
+  /// Destroys the object itself. The library is unloaded next; nothing of it may be used after.
+  virtual void PrepareForUnload() = 0;
+  virtual void Init() = 0;
+  virtual void DeInit() = 0;
+};
+
+}  // namespace NQZMVTQ20
