@@ -1,0 +1,17 @@
+# Warnings, sanitizers and symbol binding that every target of the project is compiled with.
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(PCIINFO_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(PCIINFO_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+  # g++ sees uninitialised variables in instrumented library templates (<regex>) that are none.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-maybe-uninitialized)
+  endif()
+endif()
+# A library with unique symbols is never unloaded.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options(-fno-gnu-unique)
+endif()

@@ -1,0 +1,53 @@
+#include "runtime/bios_id.h"
+
+#include <algorithm>
+
+#include "framework/exception.h"
+#include "framework/os_specific.h"
+#include "runtime/smbios_access.h"
+
+namespace vtq {
+
+namespace {
+
+constexpr int kBiosInformation = 0;
+constexpr std::size_t kVersionOffset = 5;
+
+using Bytes = std::span<const std::uint8_t>;
+
+// String `number`, counted from 1, of a whole structure. Empty when it has none.
+std::string StringOf(Bytes structure, int number) {
+  Bytes strings = structure.subspan(structure[1]);
+  for (int current = 1; !strings.empty() && strings[0] != 0; ++current) {
+    const auto end = std::find(strings.begin(), strings.end(), 0);
+    if (current == number) return {strings.begin(), end};
+    strings = strings.subspan(static_cast<std::size_t>(end - strings.begin()) + 1);
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string BiosVersion(const SmBiosTable& table) {
+  SmBiosWalk walk(table);
+  while (const std::optional<Bytes> structure = walk.Next()) {
+    if ((*structure)[0] != kBiosInformation) continue;
+    if ((*structure)[1] <= kVersionOffset) return {};
+    return StringOf(*structure, (*structure)[kVersionOffset]);
+  }
+  return {};
+}
+
+}  // namespace vtq
+
+namespace NQZMVTQ20 {
+
+std::string TOSSpecific::GetBiosID() {
+  try {
+    return vtq::BiosVersion(vtq::LoadSmBiosTable(vtq::kSmBiosDirectory));
+  } catch (const TVTQException&) {
+    return {};
+  }
+}
+
+}  // namespace NQZMVTQ20

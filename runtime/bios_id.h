@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "framework/export.h"
+#include "runtime/smbios_table.h"
+
+namespace vtq {
+
+/// The BIOS version text of the table's first BIOS information structure (DSP0134, 7.1: the string
+/// whose number stands at offset 5); empty when one of these is missing.
+VTQ_EXPORT std::string BiosVersion(const SmBiosTable& table);
+
+}  // namespace vtq

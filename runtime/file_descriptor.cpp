@@ -1,0 +1,18 @@
+#include "runtime/file_descriptor.h"
+
+#include <cerrno>
+
+namespace vtq {
+
+ssize_t AppendFrom(int descriptor, std::string& text) {
+  // What a pipe holds at most by default.
+  char chunk[65536];
+  ssize_t count = 0;
+  do {
+    count = ::read(descriptor, chunk, sizeof chunk);
+  } while (count < 0 && errno == EINTR);
+  if (count > 0) text.append(chunk, static_cast<std::size_t>(count));
+  return count;
+}
+
+}  // namespace vtq

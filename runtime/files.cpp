@@ -1,0 +1,55 @@
+#include "runtime/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "framework/exception.h"
+#include "framework/os_specific.h"
+#include "runtime/file_descriptor.h"
+#include "runtime/service_failures.h"
+
+namespace vtq {
+
+namespace {
+
+[[noreturn]] void ThrowUnreadable(const std::string& path, int error) {
+  throw NQZMVTQ20::TVTQException("the file " + path + " cannot be read: " + std::strerror(error),
+                                 StatusOfErrno(error));
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.IsOpen()) ThrowUnreadable(path, errno);
+  std::string content;
+  ssize_t count = 0;
+  // Until nothing more comes: the kernel's own files state a size of 0 or of a whole page.
+  do {
+    count = AppendFrom(file.Get(), content);
+  } while (count > 0);
+  if (count < 0) ThrowUnreadable(path, errno);
+  return content;
+}
+
+}  // namespace vtq
+
+namespace NQZMVTQ20 {
+
+std::string TOSSpecific::CaptureFile(const std::string& path) {
+  try {
+    return vtq::ReadFile(path);
+  } catch (const TVTQException& failure) {
+    vtq::FailService(failure.what(), failure.GetStatusCode());
+  }
+}
+
+bool TOSSpecific::FileExists(const std::string& path) noexcept {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0;
+}
+
+}  // namespace NQZMVTQ20

@@ -1,0 +1,33 @@
+#include "runtime/host_name.h"
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+#include <vector>
+
+namespace vtq {
+
+namespace {
+
+// The names of one line of a hosts file: the address and what follows a `#` are left out.
+std::vector<std::string> NamesOf(const std::string& line) {
+  std::istringstream words(line.substr(0, line.find('#')));
+  std::string address;
+  words >> address;
+  return {std::istream_iterator<std::string>(words), {}};
+}
+
+}  // namespace
+
+std::string QualifiedHostName(const std::string& host, std::istream& hostsFile) {
+  if (host.empty() || host == "localhost" || host.find('.') != std::string::npos) return host;
+  std::string line;
+  while (std::getline(hostsFile, line)) {
+    const std::vector<std::string> names = NamesOf(line);
+    const bool isListed = std::find(names.begin(), names.end(), host) != names.end();
+    if (isListed && names.front().starts_with(host + ".")) return names.front();
+  }
+  return host;
+}
+
+}  // namespace vtq

@@ -1,0 +1,112 @@
+#include <algorithm>
+
+#include "framework/exception.h"
+#include "runtime/repository.h"
+
+namespace vtq {
+
+using NQZMVTQ20::TCIMProperty;
+using NQZMVTQ20::TCIMReference;
+using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TQualifierMap;
+using NQZMVTQ20::TVTQException;
+using NQZMVTQ20::TVTQStatusCode;
+
+namespace {
+
+std::string ShapeText(TCIMValue::TCIMType type, bool isArray) {
+  return std::string(type.GetName()) + (isArray ? "[]" : "");
+}
+
+[[noreturn]] void Refuse(const Class& owner, const PropertySchema& property,
+                         const std::string& reason) {
+  throw TVTQException(owner.GetSchema().name + "." + property.name + " " + reason,
+                      TVTQStatusCode::kInvalidArgument);
+}
+
+void CheckTarget(const Class& owner, const PropertySchema& property, const TCIMValue& value) {
+  if (value.IsNull()) return;
+  const std::string& target = value.GetReference().GetClassName();
+  const std::vector<std::string>& allowed = property.targets;
+  if (std::find(allowed.begin(), allowed.end(), target) != allowed.end()) return;
+  Refuse(owner, property, "may not name an instance of " + target);
+}
+
+void CheckTargets(const Class& owner, const PropertySchema& property, const TCIMValue& value) {
+  if (!value.IsArray()) return CheckTarget(owner, property, value);
+  for (const TCIMValue& element : value.GetArray()) CheckTarget(owner, property, element);
+}
+
+void CheckValue(const Class& owner, const PropertySchema& property, const TCIMValue& value) {
+  if (value.IsNull()) return;
+  if (!(value.GetType() == property.type) || value.IsArray() != property.isArray) {
+    Refuse(owner, property,
+           "takes " + ShapeText(property.type, property.isArray) + ", not " +
+               ShapeText(value.GetType(), value.IsArray()));
+  }
+  if (!property.targets.empty()) CheckTargets(owner, property, value);
+}
+
+}  // namespace
+
+Instance::Instance(std::shared_ptr<Class> cimClass)
+    : class_(cimClass), values_(cimClass->GetSchema().properties.size()) {
+  ++cimClass->uncommitted_;
+}
+
+Instance::~Instance() {
+  if (committed_) return;
+  if (const std::shared_ptr<Class> owner = class_.lock()) --owner->uncommitted_;
+}
+
+std::shared_ptr<Class> Instance::LockClass() const {
+  if (std::shared_ptr<Class> owner = class_.lock()) return owner;
+  throw TVTQException("the class of this instance is gone");
+}
+
+TCIMReference Instance::GetPath() const {
+  if (!path_.IsNull()) return path_;
+  const std::shared_ptr<Class> owner = LockClass();
+  TCIMReference::TKeyMap keys;
+  for (std::size_t position = 0; position < values_.size(); ++position) {
+    const PropertySchema& property = owner->GetSchema().properties[position];
+    if (!property.isKey) continue;
+    if (values_[position].IsNull()) Refuse(*owner, property, "is a key and not set");
+    keys.emplace(property.name, values_[position]);
+  }
+  path_ = TCIMReference(owner->GetNamespaceName(), owner->GetSchema().name, keys);
+  return path_;
+}
+
+std::shared_ptr<NQZMVTQ20::ICIMClass> Instance::GetClass(const TQualifierMap&) const {
+  return LockClass();
+}
+
+TCIMReference Instance::GetObjectReference(const TQualifierMap&) const { return GetPath(); }
+
+TCIMProperty Instance::GetProperty(const std::string& name, const TQualifierMap&) const {
+  return {name, values_[LockClass()->PositionOf(name)]};
+}
+
+void Instance::SetProperty(const std::string& name, const TCIMValue& value, const TQualifierMap&) {
+  const std::shared_ptr<Class> owner = LockClass();
+  const std::size_t position = owner->PositionOf(name);
+  const PropertySchema& property = owner->GetSchema().properties[position];
+  CheckValue(*owner, property, value);
+  if (property.isKey) {
+    if (committed_ && !(values_[position] == value)) {
+      Refuse(*owner, property, "is a key of a committed instance and stays as it is");
+    }
+    path_ = TCIMReference();
+  }
+  values_[position] = value;
+}
+
+void Instance::Commit(const TQualifierMap&) {
+  const std::shared_ptr<Class> owner = LockClass();
+  owner->Commit(shared_from_this(), GetPath().ToString());
+  if (!committed_) --owner->uncommitted_;
+  committed_ = true;
+}
+
+}  // namespace vtq

@@ -1,0 +1,75 @@
+#include "runtime/logger.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "framework/exception.h"
+#include "framework/root_object.h"
+#include "runtime/file_descriptor.h"
+
+namespace vtq {
+
+namespace {
+
+void WriteAll(int descriptor, const std::string& text) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;
+    written += static_cast<std::size_t>(count);
+  }
+}
+
+std::string RecordLine(NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
+  std::string line = std::to_string(static_cast<int>(severity)) + ' ' + text;
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  return line += '\n';
+}
+
+}  // namespace
+
+void Logger::AddSink(LogSink sink) { sinks_.push_back(std::move(sink)); }
+
+void Logger::Write(EVTQLogSeverity severity, const std::string& text) noexcept {
+  for (const LogSink& sink : sinks_) {
+    try {
+      sink(severity, text);
+    } catch (...) {
+      // The other sinks still get the record.
+    }
+  }
+}
+
+LogSink MakeFileSink(const std::string& path) {
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+  constexpr mode_t kMode = 0644;
+  auto file = std::make_shared<FileDescriptor>(::open(path.c_str(), kFlags, kMode));
+  if (!file->IsOpen()) {
+    throw NQZMVTQ20::TVTQException("the log file " + path +
+                                   " cannot be opened: " + std::strerror(errno));
+  }
+  return [file](NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
+    WriteAll(file->Get(), RecordLine(severity, text));
+  };
+}
+
+}  // namespace vtq
+
+namespace NQZMVTQ20 {
+
+void fdrWriteLog(int severity, const char* text) noexcept {
+  if (text == nullptr) return;
+  try {
+    TRootObject::GetCoreLogger()->Write(static_cast<ILogger::EVTQLogSeverity>(severity), text);
+  } catch (...) {
+    // Not enough memory for the text: logging never fails its caller.
+  }
+}
+
+}  // namespace NQZMVTQ20

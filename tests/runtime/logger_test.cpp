@@ -1,0 +1,96 @@
+#include "runtime/logger.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "framework/os_specific.h"
+#include "runtime/root.h"
+#include "tests/runtime/failure_of.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace vtq {
+namespace {
+
+using NQZMVTQ20::ILogger;
+using NQZMVTQ20::TOSSpecific;
+
+using Records = std::vector<std::pair<int, std::string>>;
+
+LogSink RecordInto(Records& records) {
+  return [&records](ILogger::EVTQLogSeverity severity, const std::string& text) {
+    records.emplace_back(severity, text);
+  };
+}
+
+TEST(LoggerTest, HandsSeverityAndTextUnchangedToEverySink) {
+  Records first;
+  Records second;
+  Logger logger;
+  logger.AddSink(RecordInto(first));
+  logger.AddSink(RecordInto(second));
+  logger.Write(ILogger::kVerbose, "a\tb\n%s");
+  logger.Write(ILogger::kError, "");
+  EXPECT_EQ(first, (Records{{4, "a\tb\n%s"}, {0, ""}}));
+  EXPECT_EQ(second, first);
+}
+
+TEST(LoggerTest, ASinkThatThrowsDisturbsNobody) {
+  Records records;
+  Logger logger;
+  logger.AddSink([](ILogger::EVTQLogSeverity, const std::string&) { throw 1; });
+  logger.AddSink(RecordInto(records));
+  logger.Write(ILogger::kStatus, "x");
+  EXPECT_EQ(records, (Records{{2, "x"}}));
+}
+
+TEST(LoggerTest, AFileHoldsOneRecordALineAndHasItAtOnce) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.GetPath() + "/log";
+  const LogSink sink = MakeFileSink(path);
+  EXPECT_EQ(TOSSpecific::CaptureFile(path), "");
+  sink(ILogger::kDebug, "one\ttwo ");
+  EXPECT_EQ(TOSSpecific::CaptureFile(path), "3 one\ttwo \n");
+  sink(ILogger::kError, "two\nlines");
+  EXPECT_EQ(TOSSpecific::CaptureFile(path), "3 one\ttwo \n0 two lines\n");
+}
+
+TEST(LoggerTest, AFileIsEmptiedFirst) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.Write("log", "old");
+  MakeFileSink(path)(ILogger::kWarning, "new");
+  EXPECT_EQ(TOSSpecific::CaptureFile(path), "1 new\n");
+}
+
+TEST(LoggerTest, TwoSinksOnOneFileDoNotOverwriteEachOther) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.GetPath() + "/log";
+  const LogSink first = MakeFileSink(path);
+  const LogSink second = MakeFileSink(path);
+  first(ILogger::kStatus, "a");
+  second(ILogger::kStatus, "b");
+  first(ILogger::kStatus, "c");
+  EXPECT_EQ(TOSSpecific::CaptureFile(path), "2 a\n2 b\n2 c\n");
+}
+
+TEST(LoggerTest, AFileThatCannotBeOpenedIsReported) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.GetPath() + "/missing/log";
+  const Failure failure = FailureOf([&path] { MakeFileSink(path); });
+  EXPECT_EQ(failure.text, "the log file " + path + " cannot be opened: No such file or directory");
+}
+
+TEST(LoggerTest, TheDirectCallWritesToTheCoreLogger) {
+  Records records;
+  const auto logger = std::make_shared<Logger>();
+  logger->AddSink(RecordInto(records));
+  SetCoreLogger(logger);
+  NQZMVTQ20::fdrWriteLog(3, "direct");
+  NQZMVTQ20::fdrWriteLog(3, nullptr);
+  SetCoreLogger(nullptr);
+  NQZMVTQ20::fdrWriteLog(0, "dropped");
+  EXPECT_EQ(records, (Records{{3, "direct"}}));
+}
+
+}  // namespace
+}  // namespace vtq
