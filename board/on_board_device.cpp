@@ -1,0 +1,56 @@
+#include <string>
+
+#include "board/system_board.h"
+#include "framework/exception.h"
+#include "plugin/class_names.h"
+#include "plugin/held_instances.h"
+#include "plugin/values.h"
+
+using NQZMVTQ20::ICIMInstance;
+using NQZMVTQ20::ICIMNamespace;
+using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TVTQException;
+
+namespace {
+
+// A function that has no readable slot number was not found in any slot, so it is on the board.
+bool IsOnBoard(const ICIMInstance& function) {
+  try {
+    return static_cast<unsigned char>(function.GetProperty("UINumber", {}).value) == 0;
+  } catch (...) {
+    return true;
+  }
+}
+
+}  // namespace
+
+std::vector<TPropertyMap> TSysBrd::MakeDeviceBoardAssociation() {
+  HeldInstances boards;
+  HeldInstances functions;
+  try {
+    const std::shared_ptr<ICIMNamespace> nameSpace = GetCIMClass()->GetNamespace({});
+    AppendHeldInstances(*nameSpace, kSystemBoardClass, &boards);
+    AppendHeldInstances(*nameSpace, kPciDeviceClass, &functions);
+    AppendHeldInstances(*nameSpace, kPciBridgeClass, &functions);
+  } catch (const TVTQException& failure) {
+    // The text is the one of the device-slot association: log readers look for both under one
+    // name, the run of seven tabs included.
+    WriteStatus(
+        "PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
+        "enumerating CIM instances for " +
+        std::string(kSystemBoardClass) + " OR " + kPciDeviceClass +
+        " Error Code: " + dataToString<const char*>(failure.what()));
+    return {};
+  }
+
+  std::vector<TPropertyMap> associations;
+  if (boards.empty()) return associations;
+  for (const auto& function : functions) {
+    if (!IsOnBoard(*function)) continue;
+    TPropertyMap association;
+    InsertProperty(&association, "Antecedent", TCIMValue(boards.front()->GetObjectReference({})));
+    InsertProperty(&association, "Dependent", TCIMValue(function->GetObjectReference({})));
+    associations.push_back(association);
+  }
+  return associations;
+}

@@ -1,0 +1,51 @@
+#include "pci/address.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// Room for the longest of the texts, whatever the numbers.
+using TextBuffer = std::array<char, 24>;
+
+std::string HexToDecimal(std::string_view digits) {
+  return std::to_string(std::strtoul(std::string(digits).c_str(), nullptr, 16));
+}
+
+}  // namespace
+
+std::string PciAddress::ListingKey() const {
+  TextBuffer text{};
+  std::snprintf(text.data(), text.size(), "%02x:%02x.%x", bus, device, function);
+  return text.data();
+}
+
+std::string PciAddress::LegacyKey() const {
+  return " Bus " + PadDecimal(bus, 2) + ", device " + PadDecimal(device, 3) + ", function " +
+         PadDecimal(function, 2);
+}
+
+std::string PciAddress::WithDomain() const { return "0000:" + ListingKey(); }
+
+std::string PadDecimal(int value, unsigned width) {
+  std::string text = std::to_string(value);
+  if (text.size() < width) text.insert(0, width - text.size(), ' ');
+  return text;
+}
+
+std::string DeviceKeyFromAddress(std::string_view address) {
+  const std::size_t colon = address.find(':');
+  const std::size_t dot = address.find('.');
+  if (colon == std::string_view::npos || dot == std::string_view::npos || dot < colon) return "";
+  return "PCIBus" + HexToDecimal(address.substr(0, colon)) + "device" +
+         HexToDecimal(address.substr(colon + 1, dot - colon - 1)) + "function" +
+         HexToDecimal(address.substr(dot + 1));
+}
+
+std::string DeviceKeyFromLocation(std::string location) {
+  const auto isPadding = [](char c) { return c == ' ' || c == ','; };
+  location.erase(std::remove_if(location.begin(), location.end(), isPadding), location.end());
+  return location;
+}

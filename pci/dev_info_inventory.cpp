@@ -1,0 +1,42 @@
+#include "pci/address.h"
+#include "pci/dev_info.h"
+#include "pci/hardware_probe.h"
+#include "pci/process_state.h"
+
+namespace {
+
+constexpr std::uint8_t kBridgeBaseClass = 0x06;  // PCI Code and ID Assignment 1.11, 1.7
+
+}  // namespace
+
+void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
+                             std::vector<TPropertyMap>* devices) {
+  WriteDebug("Entering TPciDevInfo::GetPciInfo routine");
+  std::vector<sPciDevices> records = ScanPciDevices();
+  // The probe is a stand-in for firmware that tells no bus numbers. Bridges get a slot number from
+  // the firmware only, so it has work only where slot numbers come from elsewhere.
+  const bool mayProbe = processState.slotIDRetrievalType == 0;
+  THwinfoSlotMap hwinfoSlotMap;
+  for (auto record = records.begin(); record != records.end(); ++record) {
+    if (PciRead(record) != 0) continue;
+    if (GetClassCode(record) != kBridgeBaseClass) {
+      TPropertyMap device = PopulatePciDeviceProperties(record);
+      if (!device.empty()) devices->push_back(std::move(device));
+      continue;
+    }
+    TPropertyMap bridge = PopulatePciBridgeProperties(record);
+    if (bridge.empty()) continue;
+    bridges->push_back(std::move(bridge));
+    if (!mayProbe || !HasSlotNumber(bridges->back())) continue;
+    const PciAddress address{record->bus, record->device, record->function};
+    ProbeBelowBridge(address.WithDomain(), bridges->back(), &hwinfoSlotMap);
+  }
+  if (mayProbe) FillInSlotNumbers(hwinfoSlotMap, devices);
+  WriteDebug("Exiting TPciDevInfo::GetPciInfo routine");
+}
+
+std::string TPciDevInfo::Parsehwinfo(std::string address) { return DeviceKeyFromAddress(address); }
+
+std::string TPciDevInfo::Parsedevid(std::string location) {
+  return DeviceKeyFromLocation(std::move(location));
+}

@@ -1,0 +1,29 @@
+#include <cstdio>
+#include <fstream>
+
+#include "pci/dev_info.h"
+#include "pci/device_line.h"
+#include "pci/paths.h"
+
+std::vector<sPciDevices> TPciDevInfo::ScanPciDevices() {
+  WriteDebug("Entering TPciDevInfo::ScanPciDevices routine");
+  std::vector<sPciDevices> records;
+  char path[512];
+  std::snprintf(path, sizeof path, "%s/devices", kProcBusPci);
+  std::ifstream file(path);
+  if (!file.is_open() || file.fail()) {
+    WriteStatus("Could not open PCI devices file.");
+    return records;
+  }
+
+  // Only the end of the file ends the scan. A line that does not fit puts the stream into the
+  // failed state, in which it never gets there: a host bounds the time that a collection may take.
+  char line[512];
+  while (!file.eof()) {
+    file.getline(line, sizeof line);
+    sPciDevices record;
+    if (ParseDeviceLine(line, &record)) records.push_back(record);
+  }
+  WriteDebug("Exiting TPciDevInfo::ScanPciDevices routine");
+  return records;
+}

@@ -1,0 +1,219 @@
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+
+#include "framework/logger.h"
+#include "framework/os_specific.h"
+#include "pci/dev_info.h"
+#include "pci/process_state.h"
+#include "pci/slot_location.h"
+#include "plugin/smbios_handle.h"
+#include "plugin/structure_reader.h"
+
+using NQZMVTQ20::fdrWriteLog;
+using NQZMVTQ20::ILogger;
+using NQZMVTQ20::kSmBiosVersionSize;
+using NQZMVTQ20::smBiosGetVersion;
+using NQZMVTQ20::TOSSpecific;
+using NQZMVTQ20::TPluginManagerProvider;
+
+std::vector<SlotLocation> slotLocationVect;
+std::vector<SlotBusCollection> slotBusCollectionVect;
+std::uint16_t tagCounter = 0;
+char dbgBuff[kDbgBuffSize];
+
+namespace {
+
+enum RetrievalType : int { kNoBusInformation = 0, kFromOemStrings = 1, kFromSlots = 2 };
+
+constexpr std::uint16_t kNoSegmentGroup = 0xFF;
+constexpr unsigned kNoSlot = 0xFFFFFFFF;
+constexpr std::uint8_t kBridgeHeader = 1;
+
+using ConfigHeader = std::array<unsigned char, kConfigHeaderSize>;
+
+void LogProgress(const char* text) { fdrWriteLog(ILogger::kDebug, text); }
+
+template <class... Numbers>
+const char* Format(const char* format, Numbers... numbers) {
+  std::snprintf(dbgBuff, sizeof dbgBuff, format, numbers...);
+  return dbgBuff;
+}
+
+void LogFailure(const char* format, int code) {
+  fdrWriteLog(ILogger::kError, Format(format, code));
+}
+
+// False, and a line in the log, when the tables cannot be opened.
+bool OpenSmBios(const TPluginManagerProvider* provider, SmBiosHandle* smBios) {
+  const int code = smBios->Load(provider);
+  if (code != 0) LogFailure("Unable to open SMBIOS library error: %d", code);
+  return code == 0;
+}
+
+struct SmBiosVersion {
+  int major = 0;
+  int minor = 0;
+};
+
+SmBiosVersion ReadVersion(void* smBios) {
+  char text[kSmBiosVersionSize] = {};
+  smBiosGetVersion(smBios, text);
+  std::istringstream stream(text);
+  SmBiosVersion version;
+  char dot = 0;
+  stream >> version.major >> dot >> version.minor;
+  if (dot != '.') version.minor = 0;
+  return version;
+}
+
+RetrievalType ExamineOemStrings(void* smBios) {
+  StructureReader structures(smBios);
+  for (int code = structures.First(kOemStringsType); code == 0; code = structures.Next()) {
+    if (!DescribesSlot(FirstString(structures.Get()))) continue;
+    LogProgress(
+        "Exiting GetSlotIDRetrievalType, current SMBIOS version is 2.5 and type 11 contains bus "
+        "info");
+    return kFromOemStrings;
+  }
+  return kNoBusInformation;
+}
+
+// A firmware that writes bus information writes it for every slot, so the first one tells.
+RetrievalType ExamineFirstSlot(void* smBios) {
+  StructureReader structures(smBios);
+  if (structures.First(kSystemSlotsType) != 0) return kNoBusInformation;
+  if (structures.AsSlot().length > kLengthWithoutBus) {
+    LogProgress(
+        "Exiting GetSlotIDRetrievalType, current SMBIOS version >= 2.6 and type 9 contains bus "
+        "info");
+    return kFromSlots;
+  }
+  LogProgress(
+      "Exiting GetSlotIDRetrievalType, current SMBIOS version >= 2.6 and type 9 contains no bus "
+      "info");
+  return kNoBusInformation;
+}
+
+RetrievalType Examine(void* smBios) {
+  const SmBiosVersion version = ReadVersion(smBios);
+  if (version.major == 2 && version.minor == 5) return ExamineOemStrings(smBios);
+  if (version.major < 2 || (version.major == 2 && version.minor < 5)) {
+    LogProgress("Exiting GetSlotIDRetrievalType, not support SlotID Retrieval Feature");
+    return kNoBusInformation;
+  }
+  return ExamineFirstSlot(smBios);
+}
+
+// The configuration file of a slot's function; empty when there is none.
+std::string FindConfigFile(const SlotLocation& slot) {
+  std::string path = Format("/sys/bus/pci/devices/%04x:%02x:%02x.%x/config", slot.segmentGroup,
+                            slot.bus, slot.device, slot.function);
+  LogProgress(path.c_str());
+  if (TOSSpecific::FileExists(path)) return path;
+  path = Format("/proc/bus/pci/%02x/%02x.%x", slot.bus, slot.device, slot.function);
+  LogProgress(path.c_str());
+  return TOSSpecific::FileExists(path) ? path : "";
+}
+
+bool ReadConfigHeader(const std::string& path, ConfigHeader* header) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                             std::fclose);
+  if (!file) return false;  // there, but not for this user: as good as too short
+  std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return std::fread(header->data(), 1, header->size(), file.get()) == header->size();
+}
+
+// What the header of the function in a slot says about the buses behind it.
+void AppendBuses(const SlotLocation& slot, const ConfigHeader& header,
+                 std::vector<SlotBusCollection>* collections) {
+  const std::uint16_t vendor = ConfigWord(header, kConfigVendorId);
+  if (vendor == 0x0000 || vendor == 0xFFFF) return;  // nobody answers there
+  if ((header[kConfigHeaderType] & 0x7F) == kBridgeHeader) {
+    collections->push_back({slot.tag, slot.slotId, header[kConfigPrimaryBus],
+                            header[kConfigSecondaryBus], header[kConfigSubordinateBus]});
+  }
+  collections->push_back({slot.tag, slot.slotId, slot.bus, slot.bus, slot.bus});
+}
+
+void AppendBusesOf(const SlotLocation& slot, std::vector<SlotBusCollection>* collections) {
+  const std::string path = FindConfigFile(slot);
+  if (path.empty()) {
+    LogProgress("no PCI config file, read failed");
+    return;
+  }
+  ConfigHeader header{};
+  if (!ReadConfigHeader(path, &header)) {
+    LogProgress("read PCI config failed");
+    return;
+  }
+  AppendBuses(slot, header, collections);
+}
+
+// A bridge's own primary bus leads to its slot as well as the buses behind it: functions beside the
+// bridge count as sitting in its slot when its entry comes first.
+bool LeadsTo(const SlotBusCollection& slot, int bus) {
+  return slot.bus == bus || (slot.secondaryBus <= bus && bus <= slot.subordinateBus);
+}
+
+}  // namespace
+
+int TPciDevInfo::GetSlotIDRetrievalType() {
+  LogProgress("Entering GetSlotIDRetrievalType");
+  SmBiosHandle smBios;
+  if (!OpenSmBios(GetInfoHandle(), &smBios)) return kNoBusInformation;
+  return Examine(smBios.Get());
+}
+
+int TPciDevInfo::readPCISlotLocation(std::vector<SlotLocation>* locations) {
+  LogProgress("Entering readPCISlotLocation");
+  SmBiosHandle smBios;
+  if (!OpenSmBios(GetInfoHandle(), &smBios)) return -1;
+  const bool fromSlots = processState.slotIDRetrievalType == kFromSlots;
+  StructureReader structures(smBios.Get());
+  int code = structures.First(fromSlots ? kSystemSlotsType : kOemStringsType);
+  if (code != 0) {
+    LogFailure("Return from smBiosGetFirst: %d", code);
+    return -1;
+  }
+  for (tagCounter = 1; code == 0; code = structures.Next()) {
+    if (fromSlots) {
+      AppendSlotLocations(structures.AsSlot(), &tagCounter, locations);
+    } else {
+      AppendSlotLocation(FirstString(structures.Get()), &tagCounter, locations);
+    }
+  }
+  code = smBios.Close();
+  if (code != 0) LogFailure("Return from smBiosClose: %d", code);
+  LogProgress("Exiting readPCISlotLocation");
+  return 0;
+}
+
+int TPciDevInfo::readPCIConfigForSlots(std::vector<SlotLocation>* locations,
+                                       std::vector<SlotBusCollection>* collections) {
+  LogProgress("Entering readPCIConfigForSlots");
+  for (const SlotLocation& slot : *locations) {
+    LogProgress(Format("segNum = %x, bus = %x, dev = %x, func = %x", slot.segmentGroup, slot.bus,
+                       slot.device, slot.function));
+    // OEM strings do not tell the usage, so slots that come from them are never looked at.
+    if (slot.currentUsage != kUsageInUse || slot.segmentGroup == kNoSegmentGroup) continue;
+    AppendBusesOf(slot, collections);
+  }
+  LogProgress("Exiting readPCIConfigForSlots");
+  return 0;
+}
+
+unsigned TPciDevInfo::correlateDeviceAndSlot(int bus, std::vector<SlotBusCollection>* collections) {
+  LogProgress("Entering correlateDeviceAndSlot");
+  for (const SlotBusCollection& slot : *collections) {
+    if (LeadsTo(slot, bus)) {
+      LogProgress("Exiting correlateDeviceAndSlot");
+      return slot.tag;
+    }
+    LogProgress("not match slot");
+  }
+  // A function in no slot is as frequent as one in a slot; the severity is what log readers count.
+  fdrWriteLog(ILogger::kError, "Exiting correlateDeviceAndSlot");
+  return kNoSlot;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+/// Hands the non-empty pieces of `text` between delimiter characters to `take`, in order, until it
+/// answers false. Runs of delimiters, leading and trailing ones give no empty pieces.
+template <class Take>
+void ForEachToken(std::string_view text, std::string_view delimiters, Take take) {
+  for (std::size_t begin = text.find_first_not_of(delimiters); begin != std::string_view::npos;) {
+    const std::size_t end = text.find_first_of(delimiters, begin);
+    if (!take(text.substr(begin, end - begin)) || end == std::string_view::npos) return;
+    begin = text.find_first_not_of(delimiters, end);
+  }
+}

@@ -1,0 +1,23 @@
+#include "plugin/structure_reader.h"
+
+#include <algorithm>
+
+using NQZMVTQ20::smBiosGetFirst;
+using NQZMVTQ20::smBiosGetNext;
+using NQZMVTQ20::TVTQStatusCode;
+
+TVTQStatusCode::EVTQStatusCode StructureReader::First(int type) {
+  Clear();
+  return smBiosGetFirst(handle_, type, Get(), &size_);
+}
+
+TVTQStatusCode::EVTQStatusCode StructureReader::Next() {
+  Clear();
+  return smBiosGetNext(handle_, Get(), &size_);
+}
+
+// One size word serves the whole walk, but it never promises more than there is.
+void StructureReader::Clear() {
+  buffer_.fill(0);
+  size_ = std::min(size_, kCapacity);
+}

@@ -1,0 +1,72 @@
+#include "plugin/values.h"
+
+#include <ios>
+#include <locale>
+#include <sstream>
+#include <type_traits>
+#include <utility>
+
+using NQZMVTQ20::TCIMValue;
+
+namespace {
+
+// The formatted extraction of a stream whose only flag is the hexadecimal base, without the stream:
+// a device list has fifteen numbers a line, and making a stream costs more than reading from it.
+class HexReader {
+ public:
+  HexReader() : format_(nullptr) {
+    format_.imbue(std::locale::classic());  // no digit grouping, whatever the host set
+    format_.flags(std::ios_base::hex);
+  }
+
+  template <class T>
+  void Read(const std::string& text, T* value) const {
+    std::ios_base::iostate state = std::ios_base::goodbit;
+    facet_.get(text.data(), text.data() + text.size(), format_, state, *value);
+  }
+
+ private:
+  struct Facet : std::num_get<char, const char*> {
+    ~Facet() override = default;
+  };
+
+  Facet facet_;
+  mutable std::ios format_;
+};
+
+}  // namespace
+
+template <class T>
+std::string dataToString(T value) {
+  // A stream that is given a null pointer fails; as a text, it is an empty one.
+  if constexpr (std::is_pointer_v<T>) {
+    if (value == nullptr) return "";
+  }
+  std::stringstream stream;
+  stream << value;
+  return stream.str();
+}
+
+template <class T>
+T ExtractDecimalDataToHex(std::string text) {
+  static const HexReader reader;
+  T value = 0;
+  if (!text.empty()) reader.Read(text, &value);
+  return value;
+}
+
+template <class Map>
+void InsertProperty(Map* map, std::string name, TCIMValue value) {
+  if (value.IsNull()) return;
+  map->emplace(std::move(name), std::move(value));
+}
+
+template VTQ_EXPORT std::string dataToString(const char* value);
+template VTQ_EXPORT std::string dataToString(char* value);
+template VTQ_EXPORT std::string dataToString(NQZMVTQ20::TVTQStatusCode::EVTQStatusCode value);
+template VTQ_EXPORT std::string dataToString(int value);
+template VTQ_EXPORT std::string dataToString(unsigned short value);
+template VTQ_EXPORT std::string dataToString(std::string value);
+template VTQ_EXPORT unsigned short ExtractDecimalDataToHex(std::string text);
+template VTQ_EXPORT unsigned int ExtractDecimalDataToHex(std::string text);
+template VTQ_EXPORT void InsertProperty(TPropertyMap* map, std::string name, TCIMValue value);

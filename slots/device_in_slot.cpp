@@ -1,0 +1,115 @@
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "framework/exception.h"
+#include "framework/os_specific.h"
+#include "pci/dev_info.h"
+#include "pci/process_state.h"
+#include "plugin/class_names.h"
+#include "plugin/held_instances.h"
+#include "plugin/values.h"
+
+using NQZMVTQ20::ICIMInstance;
+using NQZMVTQ20::ICIMNamespace;
+using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TOSSpecific;
+using NQZMVTQ20::TVTQException;
+
+namespace {
+
+TCIMValue ValueOf(const ICIMInstance& instance, const char* property) {
+  return instance.GetProperty(property, {}).value;
+}
+
+// Finds the first slot with a number; looks at each slot once, and at none before it has to.
+class SlotFinder {
+ public:
+  explicit SlotFinder(const HeldInstances& slots) : slots_(slots) {}
+
+  // Null when no slot has that number.
+  const ICIMInstance* Find(std::uint8_t number) {
+    while (first_[number] == nullptr && examined_ < slots_.size()) {
+      const ICIMInstance& slot = *slots_[examined_];
+      const ICIMInstance*& first = first_[NumberOf(slot, examined_ + 1)];
+      if (first == nullptr) first = &slot;
+      ++examined_;
+    }
+    return first_[number];
+  }
+
+ private:
+  // Functions carry a slot's tag, which counts the slots, where the firmware tells bus numbers;
+  // else the firmware's slot ID. They carry one byte of either.
+  static std::uint8_t NumberOf(const ICIMInstance& slot, std::size_t position) {
+    const TCIMValue value = ValueOf(slot, "Number");
+    const std::uint16_t slotId =
+        value.IsNull() ? std::uint16_t{0} : static_cast<unsigned short>(value);
+    const bool byPosition = processState.slotIDRetrievalType != 0;
+    return static_cast<std::uint8_t>(byPosition ? position : slotId);
+  }
+
+  const HeldInstances& slots_;
+  std::size_t examined_ = 0;
+  std::array<const ICIMInstance*, 256> first_{};
+};
+
+// On one platform, all ports of a network chip are in the slot of the first port that tells one.
+bool SharesSlotOfFirstPort(const ICIMInstance& device) {
+  constexpr unsigned short kVendor = 0x14E4;
+  constexpr unsigned short kChip = 0x1656;
+  return static_cast<unsigned short>(ValueOf(device, "VendorID")) == kVendor &&
+         static_cast<unsigned short>(ValueOf(device, "PciDeviceID")) == kChip &&
+         TOSSpecific::GetBiosID() == "B2";
+}
+
+// 0 when the function is in no slot.
+std::uint8_t SlotNumberOf(const ICIMInstance& function, bool isDevice) {
+  const TCIMValue value = ValueOf(function, "UINumber");
+  const std::uint8_t own = value.IsNull() ? std::uint8_t{0} : static_cast<unsigned char>(value);
+  if (!isDevice || !SharesSlotOfFirstPort(function)) return own;
+  unsigned char& shared = processState.specialSlotNumber;
+  if (shared == 0) shared = own;
+  return shared != 0 ? shared : own;
+}
+
+TPropertyMap MakeAssociation(const ICIMInstance& slot, const ICIMInstance& function) {
+  TPropertyMap association;
+  InsertProperty(&association, "Antecedent", TCIMValue(slot.GetObjectReference({})));
+  InsertProperty(&association, "Dependent", TCIMValue(function.GetObjectReference({})));
+  return association;
+}
+
+}  // namespace
+
+std::vector<TPropertyMap> TPciDevInfo::MakeDeviceSlotAssociation() {
+  std::vector<TPropertyMap> associations;
+  try {
+    const std::shared_ptr<ICIMNamespace> nameSpace = GetCIMClass()->GetNamespace({});
+    HeldInstances slots;
+    HeldInstances functions;
+    AppendHeldInstances(*nameSpace, kSystemSlotClass, &slots);
+    AppendHeldInstances(*nameSpace, kPciDeviceClass, &functions);
+    const std::size_t deviceCount = functions.size();
+    AppendHeldInstances(*nameSpace, kPciBridgeClass, &functions);
+
+    SlotFinder finder(slots);
+    for (std::size_t i = 0; i < functions.size(); ++i) {
+      const std::uint8_t number = SlotNumberOf(*functions[i], i < deviceCount);
+      if (number == 0) continue;
+      if (const ICIMInstance* slot = finder.Find(number)) {
+        associations.push_back(MakeAssociation(*slot, *functions[i]));
+      } else {
+        WriteStatus("PCI Slot ID " + dataToString<unsigned short>(number) + " not found");
+      }
+    }
+  } catch (const TVTQException& failure) {
+    // Log readers match this line whole, the run of seven tabs included.
+    WriteStatus(
+        "PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
+        "enumerating CIM instances for " +
+        std::string(kPciDeviceClass) + " OR " + kSystemSlotClass +
+        " Error Code: " + dataToString<const char*>(failure.what()));
+  }
+  return associations;
+}

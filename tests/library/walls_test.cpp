@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Which of the project's folders the files of a folder may include from, the own one included.
+const std::map<std::string, std::vector<std::string>> kMayInclude{
+    {"framework", {"framework"}},
+    {"plugin", {"framework", "plugin"}},
+    {"pci", {"framework", "plugin", "pci"}},
+    {"slots", {"framework", "plugin", "slots"}},
+    {"board", {"framework", "plugin", "board"}},
+    {"runtime", {"framework", "runtime"}},
+    {"host", {"framework", "runtime", "host"}},
+};
+
+// The files where parts are put together may include more.
+const std::map<std::string, std::vector<std::string>> kMeetingPlaces{
+    {"plugin/entry.cpp", {"pci", "slots", "board"}},
+    {"slots/device_in_slot.cpp", {"pci"}},
+};
+
+struct Include {
+  std::string file;
+  std::string target;
+  bool isOwn;  // in quotes
+};
+
+std::vector<Include> IncludesOf(const std::string& folder) {
+  std::vector<Include> includes;
+  const std::regex pattern(R"(^\s*#\s*include\s*([<"])([^>"]*)[>"].*)");
+  for (const auto& entry : fs::recursive_directory_iterator(fs::path(SOURCE_DIR) / folder)) {
+    if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp") continue;
+    std::ifstream file(entry.path());
+    for (std::string line; std::getline(file, line);) {
+      std::smatch match;
+      if (!std::regex_match(line, match, pattern)) continue;
+      includes.push_back({fs::relative(entry.path(), SOURCE_DIR), match[2], match[1] == "\""});
+    }
+  }
+  EXPECT_FALSE(includes.empty()) << folder;
+  return includes;
+}
+
+bool Contains(const std::vector<std::string>& list, const std::string& item) {
+  return std::find(list.begin(), list.end(), item) != list.end();
+}
+
+}  // namespace
+
+TEST(WallsTest, FoldersIncludeOnlyWhatStandsBelowThem) {
+  for (const auto& [folder, allowed] : kMayInclude) {
+    for (const Include& include : IncludesOf(folder)) {
+      if (!include.isOwn) continue;
+      const std::string target = include.target.substr(0, include.target.find('/'));
+      const auto meeting = kMeetingPlaces.find(include.file);
+      const bool meets = meeting != kMeetingPlaces.end() && Contains(meeting->second, target);
+      EXPECT_TRUE(Contains(allowed, target) || meets)
+          << include.file << " includes " << include.target;
+    }
+  }
+}
+
+TEST(WallsTest, TheContractNeedsTheStandardLibraryOnly) {
+  for (const Include& include : IncludesOf("framework")) {
+    if (include.isOwn) continue;
+    EXPECT_EQ(include.target.find_first_of("./"), std::string::npos)
+        << include.file << " includes <" << include.target << ">";
+  }
+}

@@ -1,0 +1,140 @@
+#include "plugin/collector.h"
+
+#include "framework/exception.h"
+#include "plugin/class_names.h"
+#include "plugin/values.h"
+#include "tests/fakes/plugin_fixture.h"
+
+using NQZMVTQ20::ICIMClass;
+using NQZMVTQ20::ICIMInstance;
+using NQZMVTQ20::ILogger;
+using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TPluginManagerProvider;
+using NQZMVTQ20::TVTQException;
+
+namespace {
+
+class TestCollector final : public TPci {
+ public:
+  using TPci::GetCIMInstances;
+  using TPci::TPci;
+
+  std::vector<ICIMInstance*> GetCIMInstances(std::string className) override {
+    askedFor = className;
+    return {};
+  }
+
+  std::string askedFor;
+};
+
+TPropertyMap Board(const std::string& id) {
+  return {{"SystemCreationClassName", TCIMValue("")},
+          {"SystemName", TCIMValue("")},
+          {"CreationClassName", TCIMValue(kSystemBoardClass)},
+          {"DeviceID", TCIMValue(id)}};
+}
+
+}  // namespace
+
+class CollectorTest : public PluginTest {
+ protected:
+  std::shared_ptr<ICIMClass> board = Class(kSystemBoardClass);
+};
+
+TEST_F(CollectorTest, DefaultCollectorHasNoHandle) {
+  TestCollector collector;
+  EXPECT_EQ(collector.GetInfoHandle(), nullptr);
+}
+
+TEST_F(CollectorTest, KeepsClassAndProviderWithoutOwningTheClass) {
+  const long before = board.use_count();
+  TestCollector collector(board, &provider);
+  EXPECT_EQ(board.use_count(), before);
+  EXPECT_EQ(collector.GetCIMClass(), board.get());
+  EXPECT_EQ(collector.GetInfoHandle(), &provider);
+}
+
+TEST_F(CollectorTest, WithoutProviderLogsNothingWhateverTheSeverity) {
+  const TestCollector collector(board);
+  collector.WriteError("text");
+  collector.WriteWarning("text");
+  collector.WriteStatus("text");
+  collector.WriteDebug("text");
+  collector.WriteVerbose("text");
+  EXPECT_TRUE(Fake().log.empty());
+}
+
+TEST_F(CollectorTest, EmptyTextIsNotLogged) {
+  TestCollector(board, &provider).Write("", ILogger::kError);
+  EXPECT_TRUE(Fake().log.empty());
+}
+
+TEST_F(CollectorTest, EachWriterHasItsSeverity) {
+  const TestCollector collector(board, &provider);
+  collector.WriteError("e");
+  collector.WriteWarning("w");
+  collector.WriteStatus("s");
+  collector.WriteDebug("d");
+  collector.WriteVerbose("v");
+  EXPECT_EQ(Fake().log, (std::vector<std::string>{"0 e", "1 w", "2 s", "3 d", "4 v"}));
+}
+
+TEST_F(CollectorTest, AsksItselfForTheClassItWasMadeFor) {
+  TestCollector collector(board, &provider);
+  collector.GetCIMInstances();
+  EXPECT_EQ(collector.askedFor, kSystemBoardClass);
+}
+
+TEST_F(CollectorTest, GeneratesACommittedInstanceWithAllProperties) {
+  TestCollector collector(board, &provider);
+  EXPECT_NE(collector.GenerateCIMInstance(Board("b"), kSystemBoardClass), nullptr);
+  ASSERT_EQ(Instances(kSystemBoardClass).size(), 1U);
+  EXPECT_EQ(Text(*Instances(kSystemBoardClass)[0], "DeviceID"), "b");
+  EXPECT_EQ(Fake().log,
+            (std::vector<std::string>{"4 TPci::generateCIMInstance - Generating CIM instance for "
+                                      "class QZMSG_SystemBoard."}));
+}
+
+TEST_F(CollectorTest, EmptyMapStillCreatesAndCommitsAnInstance) {
+  // A class without keys is the only one whose instances may have no property set.
+  vtq::ClassSchema schema;
+  schema.name = "Keyless";
+  nameSpace->Declare(schema);
+  TestCollector collector(Class("Keyless"), &provider);
+  collector.GenerateCIMInstance({}, "Keyless");
+  EXPECT_EQ(Instances("Keyless").size(), 1U);
+}
+
+TEST_F(CollectorTest, InstanceOfAnotherClassNameIsFilledButNotCommitted) {
+  TestCollector collector(board, &provider);
+  collector.GenerateCIMInstance(Board("b"), "Another");
+  EXPECT_TRUE(Instances(kSystemBoardClass).empty());
+  // It is filled all the same: a property that the class does not declare is refused.
+  EXPECT_THROW(collector.GenerateCIMInstance({{"Undeclared", TCIMValue("x")}}, "Another"),
+               TVTQException);
+}
+
+TEST_F(CollectorTest, NoInstanceIsADuplicateInAnEmptyClass) {
+  const auto candidate = board->CreateInstance({});
+  for (const auto& [name, value] : Board("b")) candidate->SetProperty(name, value, {});
+  EXPECT_FALSE(TestCollector(board, &provider).IsDuplicateInstance(candidate.get()));
+}
+
+TEST_F(CollectorTest, CommittedCandidateIsItsOwnDuplicate) {
+  const auto candidate = Commit(kSystemBoardClass, Board("b"));
+  EXPECT_TRUE(TestCollector(board, &provider).IsDuplicateInstance(candidate.get()));
+}
+
+TEST_F(CollectorTest, DuplicatesAreEqualByKeysAlone) {
+  Commit(kSystemBoardClass, Board("a"));
+  TPropertyMap held = Board("b");
+  held.emplace("ElementName", TCIMValue("one name"));
+  Commit(kSystemBoardClass, held);
+  const auto candidate = board->CreateInstance({});
+  for (const auto& [name, value] : Board("b")) candidate->SetProperty(name, value, {});
+  candidate->SetProperty("ElementName", TCIMValue("another name"), {});
+  TestCollector collector(board, &provider);
+  EXPECT_TRUE(collector.IsDuplicateInstance(candidate.get()));
+  candidate->SetProperty("DeviceID", TCIMValue("c"), {});
+  EXPECT_FALSE(collector.IsDuplicateInstance(candidate.get()));
+}

@@ -1,0 +1,107 @@
+#include "plugin/values.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <sstream>
+
+using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TVTQStatusCode;
+
+TEST(DataToString, NullPointerIsEmpty) {
+  EXPECT_EQ(dataToString<const char*>(nullptr), "");
+  EXPECT_EQ(dataToString<char*>(nullptr), "");
+}
+
+TEST(DataToString, PointersGiveTheirText) {
+  char text[] = "text";
+  EXPECT_EQ(dataToString<const char*>("a text"), "a text");
+  EXPECT_EQ(dataToString<char*>(text), "text");
+}
+
+TEST(DataToString, MinusFiveIsWrittenWithItsSign) { EXPECT_EQ(dataToString<int>(-5), "-5"); }
+
+TEST(DataToString, LargestUnsignedShortHasFiveDigits) {
+  EXPECT_EQ(dataToString<unsigned short>(65535), "65535");
+}
+
+TEST(DataToString, StringIsUnchanged) {
+  EXPECT_EQ(dataToString<std::string>(std::string("a\t b\0c", 6)), std::string("a\t b\0c", 6));
+}
+
+TEST(DataToString, StatusCodeGivesItsNumber) {
+  EXPECT_EQ(dataToString<TVTQStatusCode::EVTQStatusCode>(TVTQStatusCode::kFailure), "3");
+}
+
+TEST(ExtractDecimalDataToHex, EmptyTextIsZero) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>(""), 0);
+}
+
+TEST(ExtractDecimalDataToHex, ReadsHexadecimal) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("10"), 16);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned int>("8086abcd"), 0x8086abcdU);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned int>("8086ABCD"), 0x8086abcdU);
+}
+
+TEST(ExtractDecimalDataToHex, LargestValueFits) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("ffff"), 0xFFFF);
+}
+
+TEST(ExtractDecimalDataToHex, OutOfRangeIsTheMaximum) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("1ffff"), 0xFFFF);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned int>("4000000004"), 0xFFFFFFFFU);
+}
+
+TEST(ExtractDecimalDataToHex, LeadingBlankIsZero) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>(" 10"), 0);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("\t10"), 0);
+}
+
+TEST(ExtractDecimalDataToHex, StopsAtTheFirstOtherCharacter) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("1f 22"), 31);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("g1"), 0);
+}
+
+TEST(ExtractDecimalDataToHex, AcceptsAHexadecimalPrefix) {
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("0x1f"), 31);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("0X1F"), 31);
+}
+
+// The plain way to read a hexadecimal number from a text, which the function must agree with.
+template <class T>
+T ReadFromStream(const std::string& text) {
+  std::stringstream stream(text);
+  stream.flags(std::ios_base::hex);
+  T value = 0;
+  stream >> value;
+  return value;
+}
+
+TEST(ExtractDecimalDataToHex, AgreesWithAStreamOnAnyText) {
+  std::mt19937 random(1);
+  constexpr char kCharacters[] = "0123456789abcdefABCDEF0x0X+-. ,g\t";
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (std::size_t length = random() % 12; length > 0; --length) {
+      text += kCharacters[random() % (sizeof kCharacters - 1)];
+    }
+    ASSERT_EQ(ExtractDecimalDataToHex<unsigned short>(text), ReadFromStream<unsigned short>(text))
+        << text;
+    ASSERT_EQ(ExtractDecimalDataToHex<unsigned int>(text), ReadFromStream<unsigned int>(text))
+        << text;
+  }
+}
+
+TEST(InsertProperty, FirstValueOfANameWins) {
+  TPropertyMap properties;
+  InsertProperty(&properties, "Name", TCIMValue("first"));
+  InsertProperty(&properties, "Name", TCIMValue("second"));
+  ASSERT_EQ(properties.size(), 1U);
+  EXPECT_EQ(properties.at("Name").GetString(), "first");
+}
+
+TEST(InsertProperty, NullValueAddsNothing) {
+  TPropertyMap properties;
+  InsertProperty(&properties, "Name", TCIMValue());
+  EXPECT_TRUE(properties.empty());
+}
