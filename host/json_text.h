@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "framework/cim_value.h"
+#include "host/output.h"
+
+namespace pciinfo {
+
+/// `bytes` (made UTF-8, see ToUtf8) as a JSON string with its quotes.
+std::string JsonString(std::string_view bytes);
+
+/// Writes a value as JSON: numbers and booleans as such, texts, datetimes and the paths of
+/// references as strings, null as null. An array goes out element by element.
+void WriteJsonValue(Output& output, const NQZMVTQ20::TCIMValue& value);
+
+}  // namespace pciinfo

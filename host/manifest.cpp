@@ -1,0 +1,112 @@
+#include "host/manifest.h"
+
+#include <sys/utsname.h>
+
+#include <algorithm>
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+#include "framework/exception.h"
+#include "framework/os_specific.h"
+#include "framework/schema_helper.h"
+#include "host/pci_schema.h"
+#include "host/utf8.h"
+#include "runtime/repository.h"
+
+namespace pciinfo {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr int kFormatVersion = 1;
+constexpr std::size_t kLongestSystemName = 253;  // RFC 1035, 2.3.4, without the final dot
+constexpr int kVersionSeconds = 10;
+
+std::string KernelRelease() {
+  utsname system{};
+  return uname(&system) == 0 ? system.release : "";
+}
+
+std::string Now() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  char text[sizeof "2026-01-31T23:59:59Z"] = {};
+  return std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc) != 0 ? text : "";
+}
+
+std::string VersionOfLspci() {
+  try {
+    const std::string text =
+        NQZMVTQ20::TOSSpecific::SpawnProcess("lspci --version", kVersionSeconds);
+    return text.substr(0, text.find('\n'));
+  } catch (const NQZMVTQ20::TVTQException&) {
+    return "";  // what lspci itself could not do is noted where it was to list
+  }
+}
+
+bool IsSystemName(const std::string& name) {
+  return name.size() <= kLongestSystemName &&
+         std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < '\x7F'; });
+}
+
+Manifest FromJson(const ordered_json& json) {
+  Manifest manifest;
+  manifest.systemName = json.value("systemName", "");
+  manifest.kernelRelease = json.value("kernelRelease", "");
+  manifest.capturedAt = json.value("capturedAt", "");
+  manifest.tools = json.value("tools", manifest.tools);
+  manifest.redacted = json.value("redacted", false);
+  for (const ordered_json& part : json.value("unread", ordered_json::array())) {
+    manifest.unread.push_back({part.value("path", ""), part.value("reason", "")});
+  }
+  return manifest;
+}
+
+}  // namespace
+
+Manifest DescribeThisMachine() {
+  Manifest manifest;
+  manifest.systemName =
+      NQZMVTQ20::TCIMSchemaHelper::GetSystemName(vtq::Namespace::Create(kNamespaceName));
+  manifest.kernelRelease = KernelRelease();
+  manifest.capturedAt = Now();
+  manifest.tools = {{"pciinfo", PCIINFO_VERSION}, {"lspci", VersionOfLspci()}};
+  return manifest;
+}
+
+std::string ManifestJson(const Manifest& manifest) {
+  ordered_json json;
+  json["formatVersion"] = kFormatVersion;
+  json["systemName"] = ToUtf8(manifest.systemName);
+  json["kernelRelease"] = ToUtf8(manifest.kernelRelease);
+  json["capturedAt"] = manifest.capturedAt;
+  json["tools"] = ordered_json::object();
+  for (const auto& [tool, version] : manifest.tools) json["tools"][tool] = ToUtf8(version);
+  json["redacted"] = manifest.redacted;
+  json["unread"] = ordered_json::array();
+  for (const UnreadPart& part : manifest.unread) {
+    json["unread"].push_back({{"path", ToUtf8(part.path)}, {"reason", ToUtf8(part.reason)}});
+  }
+  return json.dump(2) + "\n";
+}
+
+Manifest ParseManifest(std::string_view json) {
+  try {
+    const ordered_json parsed = ordered_json::parse(json);
+    const int version = parsed.at("formatVersion").get<int>();
+    if (version != kFormatVersion) {
+      throw BadCapture("it is of format version " + std::to_string(version) +
+                       ", and this program knows version " + std::to_string(kFormatVersion));
+    }
+    Manifest manifest = FromJson(parsed);
+    if (!IsSystemName(manifest.systemName)) {
+      throw BadCapture("the systemName in its manifest.json is none");
+    }
+    return manifest;
+  } catch (const nlohmann::json::exception& error) {
+    throw BadCapture(std::string("its manifest.json is damaged: ") + error.what());
+  }
+}
+
+}  // namespace pciinfo

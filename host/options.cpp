@@ -1,0 +1,104 @@
+#include "host/options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "host/instance_writer.h"
+
+namespace pciinfo {
+namespace {
+
+constexpr const char* kFooter =
+    "Severities: 0 error, 1 warning, 2 status, 3 debug, 4 verbose; records go to standard error.\n"
+    "\n"
+    "Exit status:\n"
+    "  0    all was collected; a thing that this machine does not have is no failure\n"
+    "  1    something could not be collected or written; standard error says what and why\n"
+    "  2    wrong usage\n"
+    "  141  the reader of the output closed the pipe early (nothing is said about it)\n";
+
+void AddGlobalOptions(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
+  app.add_option("--plugin", options.plugins, "Load this plug-in; may be given more than once")
+      ->type_name("FILE")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+  app.add_option("--log-file", options.logFile, "Write every log record to this file")
+      ->type_name("FILE");
+  app.add_option("--log-level", options.logLevel,
+                 "Show log records up to this severity (default: 1)")
+      ->type_name("0..4")
+      ->check(CLI::Range(0, 4).description(""));
+  CLI::Option* root =
+      app.add_option("--root", options.root,
+                     "Show the machine of a capture: a directory, an archive, or - for standard "
+                     "input")
+          ->type_name("CAPTURE")
+          ->check(
+              CLI::Validator([](std::string& name) { return name.empty() ? "empty" : ""; }, ""));
+  app.add_flag("--live-commands", options.liveCommands,
+               "Run commands on the captured files instead of replaying their recorded outputs")
+      ->needs(root);
+  app.footer(kFooter);
+}
+
+CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
+                     Options& options, Command command) {
+  CLI::App* sub = app.add_subcommand(name, description);
+  sub->fallthrough();  // global options may stand behind the command
+  sub->footer("The options of \"pciinfo --help\" can be given here as well.\n");
+  sub->callback([&options, command] { options.command = command; });
+  return sub;
+}
+
+void AddFormat(CLI::App& command, Options& options, const std::vector<std::string>& formats) {
+  command.add_option("--format", options.format, "Output format")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember(formats))
+      ->capture_default_str();
+}
+
+void AddCommands(CLI::App& app, Options& options) {
+  CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
+                                   Command::kInstances);
+  instances->add_option("CLASS", options.classes, "Classes to print (default: all)");
+  AddFormat(*instances, options, InstanceFormats());
+  AddCommand(app, "classes", "Print the plug-ins and the classes that they serve", options,
+             Command::kClasses);
+  CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
+                               options, Command::kSlots);
+  AddFormat(*slots, options, {"table", "json"});
+  CLI::App* capture = AddCommand(app, "capture", "Keep all that can be shown of this machine",
+                                 options, Command::kCapture);
+  capture
+      ->add_option("FILE", options.captureFile,
+                   "NAME.tar.zst, NAME.tar.gz, NAME.tar, a new directory, or - for standard output")
+      ->required();
+  capture->add_flag("--redact", options.redact,
+                    "Blank serial numbers, asset tags, UUIDs and the system's name");
+  app.require_subcommand(0, 1);
+}
+
+}  // namespace
+
+std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
+  Options options;
+  CLI::App app(
+      "Lists the PCI functions and system slots of this machine.\n"
+      "Without a command: every PCI function, sorted by address.",
+      "pciinfo");
+  AddGlobalOptions(app, options);
+  AddCommands(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    return Answer{false, app.help()};
+  } catch (const CLI::CallForVersion& version) {
+    return Answer{false, std::string(version.what()) + "\n"};
+  } catch (const CLI::ParseError& error) {
+    return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  }
+  return options;
+}
+
+}  // namespace pciinfo

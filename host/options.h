@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace pciinfo {
+
+enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture };
+
+/// What the command line asks for.
+struct Options {
+  Command command = Command::kInventory;
+  std::vector<std::string> classes;  ///< of `instances`; empty: all
+  std::string format = "table";      ///< of `instances` and `slots`
+  std::vector<std::string> plugins;  ///< files; empty: the one that belongs to the program
+  std::string logFile;               ///< empty: none
+  std::optional<int> logLevel;       ///< 0 to 4; not set: errors and warnings
+  std::string root;                  ///< a capture to show in the place of this machine
+  bool liveCommands = false;         ///< with `root`: run commands instead of replaying them
+  std::string captureFile;           ///< of `capture`
+  bool redact = false;               ///< of `capture`
+};
+
+/// A command line that asks for nothing but a text, or that is wrong.
+struct Answer {
+  bool isError = false;
+  std::string text;  ///< help or version with its line ends; a message without one for an error
+};
+
+/// Reads a command line.
+std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv);
+
+}  // namespace pciinfo

@@ -1,0 +1,67 @@
+#include "host/output.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "host/text.h"
+
+namespace pciinfo {
+namespace {
+
+constexpr std::size_t kBufferSize = 65536;
+
+}  // namespace
+
+int WriteAll(int descriptor, std::string_view text) noexcept {
+  while (!text.empty()) {
+    const ssize_t written = write(descriptor, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return errno;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+Output::Output(int descriptor) : descriptor_(descriptor) { buffer_.reserve(kBufferSize); }
+
+void Output::Write(std::string_view text) {
+  buffer_.append(text);
+  if (buffer_.size() >= kBufferSize) Flush();
+}
+
+void Output::Flush() {
+  const int error = WriteAll(descriptor_, buffer_);
+  buffer_.clear();
+  if (error == EPIPE) throw ClosedPipe();
+  if (error != 0) {
+    throw OutputError(std::string("cannot write the output: ") + std::strerror(error));
+  }
+}
+
+void ReserveStandardStreams() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) != -1) continue;
+    // The lowest free number is the one that is missing.
+    const int mode = descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY;
+    if (open("/dev/null", mode) < 0) return;
+  }
+}
+
+void WriteErrorText(std::string_view text) noexcept { WriteAll(STDERR_FILENO, text); }
+
+void WriteErrorLine(std::string_view line) noexcept {
+  try {
+    // One write, so that lines of several processes on one terminal do not mix.
+    WriteErrorText(std::string(line) + '\n');
+  } catch (const std::exception&) {
+    // No memory for a message: there is nobody left to tell.
+    return;
+  }
+}
+
+void WriteMessage(std::string_view text) { WriteErrorLine("pciinfo: " + Printable(text)); }
+
+}  // namespace pciinfo

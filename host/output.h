@@ -1,0 +1,57 @@
+#pragma once
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace pciinfo {
+
+/// The output could not be written; `what()` says why.
+class OutputError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Whoever read the output has closed the pipe.
+class ClosedPipe : public std::exception {
+ public:
+  const char* what() const noexcept override { return "the reader has closed the pipe"; }
+};
+
+/// Buffered output to a file descriptor in which no failure goes unnoticed. SIGPIPE must be
+/// ignored, or a closed pipe ends the process instead of being reported.
+class Output final {
+ public:
+  /// `descriptor` stays the caller's.
+  explicit Output(int descriptor);
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  /// Throws OutputError or ClosedPipe when something could not be written.
+  void Write(std::string_view text);
+  /// Writes what is still buffered; throws like Write. What was not flushed is lost.
+  void Flush();
+
+ private:
+  int descriptor_;
+  std::string buffer_;
+};
+
+/// Opens /dev/null in the place of standard streams that are closed, so that no file opened later
+/// gets such a stream's number. Writing to a standard output that was closed still fails.
+void ReserveStandardStreams();
+
+/// Writes all of `text` to a descriptor. Answers 0, or the error number.
+int WriteAll(int descriptor, std::string_view text) noexcept;
+
+/// Writes to standard error in one piece; a failure to do so is ignored.
+void WriteErrorText(std::string_view text) noexcept;
+
+/// Writes one line to standard error, as WriteErrorText does.
+void WriteErrorLine(std::string_view line) noexcept;
+
+/// Writes a message of this program, "pciinfo: " and `text` made printable, as WriteErrorLine does.
+void WriteMessage(std::string_view text);
+
+}  // namespace pciinfo

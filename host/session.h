@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/trouble_report.h"
+#include "runtime/logger.h"
+#include "runtime/plugin_manager.h"
+#include "runtime/repository.h"
+
+namespace pciinfo {
+
+/// Where a session's log records go besides its report.
+struct LogSettings {
+  std::string file;          ///< empty: none
+  std::optional<int> level;  ///< for standard error, see MakeStderrSink
+};
+
+/// A repository with the declared classes, a log, and plug-ins that fill the repository. It stands
+/// behind the framework's singletons as long as it lives, so there is one at a time.
+class Session final {
+ public:
+  /// `report` must outlive the session. Throws TVTQException when the log file cannot be opened.
+  Session(TroubleReport& report, const LogSettings& log);
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  /// Closes the session if nobody has.
+  ~Session();
+
+  /// Loads a plug-in and initialises it. Throws TVTQException when either fails.
+  void Load(const std::string& pluginFile);
+
+  /// Asks every plug-in for every class, class by class in the given order. What goes wrong goes to
+  /// the report; the other classes are collected all the same. The classes must be declared.
+  void Collect(const std::vector<std::string>& classes);
+
+  /// Ends and unloads the plug-ins. Answers what was done against the framework's contract. The
+  /// repository stays.
+  std::vector<std::string> Close();
+
+  const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
+  const vtq::PluginManager& GetPlugins() const noexcept { return *manager_; }
+
+ private:
+  void Ask(vtq::Plugin& plugin, const std::string& className);
+
+  TroubleReport& report_;
+  std::shared_ptr<vtq::Logger> logger_;
+  std::shared_ptr<vtq::PluginManager> manager_;
+  std::shared_ptr<vtq::Namespace> repository_;
+};
+
+}  // namespace pciinfo

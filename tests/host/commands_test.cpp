@@ -1,0 +1,283 @@
+// The program from outside, on plug-ins with known answers.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/host/run_program.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+std::vector<std::string> ClassesIn(const std::string& text) {
+  std::vector<std::string> classes;
+  const json document = json::parse(text);
+  for (const json& instance : document["instances"]) {
+    if (classes.empty() || classes.back() != instance["class"])
+      classes.push_back(instance["class"]);
+  }
+  return classes;
+}
+
+/// A file name in the folder for temporary files; the file is removed at the end.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& name) : path_(testing::TempDir() + name) {}
+  ~TemporaryFile() { std::filesystem::remove(path_); }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  const std::string& Path() const { return path_; }
+  std::string Text() const {
+    std::ifstream stream(path_);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+ private:
+  std::string path_;
+};
+
+TEST(Program, WithoutACommandListsThePciFunctions) {
+  const RunResult result = RunFake("fixed", {});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  ASSERT_EQ(LinesOf(result.out).size(), 6U);
+  EXPECT_EQ(LinesOf(result.out)[5],
+            "01:00.0  device  10de:1b80  VGA compatible controller: NVIDIA Corporation GP104");
+}
+
+TEST(Program, InstancesWithoutNamesAreAllClasses) {
+  const RunResult result = RunFake("fixed", {"instances", "--format", "json"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(
+      ClassesIn(result.out),
+      ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemSlot", "QZMSG_SystemBoard",
+                  "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice", "QZMSG_PCIRawData"));
+}
+
+TEST(Program, AnAssociationAloneIsCompleteAndPrintedAlone) {
+  const RunResult result =
+      RunFake("fixed", {"instances", "QZMSG_OnBoardDevice", "--format", "json"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(ClassesIn(result.out), ElementsAre("QZMSG_OnBoardDevice"));
+  EXPECT_EQ(json::parse(result.out)["instances"].size(), 4U);
+}
+
+TEST(Program, ClassesArePrintedInTheOrderAskedForAndOnce) {
+  const RunResult result = RunFake("fixed", {"instances", "QZMSG_DeviceInSlot", "QZMSG_SystemSlot",
+                                             "QZMSG_DeviceInSlot", "--format", "json"});
+  EXPECT_THAT(ClassesIn(result.out), ElementsAre("QZMSG_DeviceInSlot", "QZMSG_SystemSlot"));
+  EXPECT_EQ(json::parse(result.out)["instances"].size(), 4U);
+}
+
+TEST(Program, JsonLinesAreObjectsOfTheirOwn) {
+  const RunResult result = RunFake("fixed", {"instances", "QZMSG_PCIBridge", "--format", "jsonl"});
+  ASSERT_EQ(LinesOf(result.out).size(), 2U);
+  for (const std::string& line : LinesOf(result.out)) {
+    EXPECT_EQ(json::parse(line)["class"], "QZMSG_PCIBridge");
+  }
+}
+
+TEST(Program, TableIsTheDefaultFormat) {
+  EXPECT_THAT(RunFake("fixed", {"instances", "QZMSG_SystemBoard"}).out,
+              StartsWith("QZMSG_SystemBoard: 1 instance\n"));
+}
+
+TEST(Program, SlotsComeAsTableAndAsJson) {
+  const RunResult table = RunFake("fixed", {"slots"});
+  EXPECT_EQ(table.status, 0);
+  EXPECT_THAT(
+      LinesOf(table.out),
+      AllOf(Contains("        01:00.0  VGA compatible controller: NVIDIA Corporation GP104"),
+            Contains("On board:")));
+  const json document = json::parse(RunFake("fixed", {"slots", "--format", "json"}).out);
+  EXPECT_EQ(document["slots"].size(), 3U);
+  EXPECT_EQ(document["onBoard"].size(), 4U);
+}
+
+TEST(Program, ClassesNamesThePlugin) {
+  const RunResult result = RunFake("fixed", {"classes"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, AllOf(HasSubstr(FakePluginFile("fixed")), HasSubstr("Fake Collector"),
+                                HasSubstr("QZMSG_DeviceInSlot : CIM_Realizes")));
+}
+
+TEST(Program, AnUnknownClassIsWrongUsageAndListsTheServedOnes) {
+  const RunResult result = RunFake("fixed", {"instances", "QZMSG_Nothing"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: "), HasSubstr("\"QZMSG_Nothing\""),
+                                HasSubstr("QZMSG_PCIDevice"), HasSubstr("QZMSG_PCIRawData")));
+}
+
+TEST(Program, WrongOptionsAreWrongUsage) {
+  for (const char* option : {"--bogus", "--log-level=7", "nonsense"}) {
+    const RunResult result = RunPciinfo({option});
+    EXPECT_EQ(result.status, 2) << option;
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: "), HasSubstr("pciinfo --help")));
+  }
+  EXPECT_EQ(RunPciinfo({"instances", "--format", "xml"}).status, 2);
+}
+
+TEST(Program, HelpAndVersionGoToStandardOutput) {
+  EXPECT_EQ(RunPciinfo({"--version"}).out, "pciinfo " PCIINFO_VERSION "\n");
+  EXPECT_EQ(RunPciinfo({"slots", "--help"}).status, 0);
+  EXPECT_THAT(RunPciinfo({"--help"}).out, HasSubstr("Exit status"));
+}
+
+TEST(Program, AMissingPluginIsSaidToBeMissing) {
+  const RunResult result = RunPciinfo({"--plugin", "/nowhere/none.pi.so"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: "), HasSubstr("/nowhere/none.pi.so")));
+}
+
+TEST(Program, AFileThatIsNoPluginIsRefused) {
+  const TemporaryFile broken("broken.pi.so");
+  std::ofstream(broken.Path()) << "this is no library\n";
+  const RunResult result = RunPciinfo({"--plugin", broken.Path()});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr(broken.Path()));
+  EXPECT_EQ(RunFake("no_plugin", {}).status, 1);
+  EXPECT_THAT(RunFake("no_plugin", {}).err, HasSubstr("no_plugin.pi.so"));
+}
+
+TEST(Program, APluginThatCannotBeInitialisedIsSaidToBeSo) {
+  const RunResult result = RunFake("uninitialisable", {});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, AllOf(HasSubstr("uninitialisable.pi.so"), HasSubstr("no fuel")));
+}
+
+TEST(Program, AnExceptionLosesItsClassOnly) {
+  const RunResult result = RunFake("throwing", {"instances", "--format", "json"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre("pciinfo: QZMSG_PCIBridge: the plug-in failed: bridge out",
+                          "pciinfo: QZMSG_SystemBoard: the plug-in failed and did not say why"));
+  EXPECT_THAT(ClassesIn(result.out), ElementsAre("QZMSG_PCIDevice", "QZMSG_SystemSlot",
+                                                 "QZMSG_DeviceInSlot", "QZMSG_PCIRawData"));
+}
+
+TEST(Program, TroublesAreToldOnceAtTheEndAndNothingElseIs) {
+  const RunResult result = RunFake("grumbling", {"instances"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre("pciinfo: QZMSG_PCIDevice: this user may not read the SMBIOS tables, so "
+                          "no slots are known; run as root",
+                          "pciinfo: QZMSG_PCIDevice: /proc/bus/pci/00/1e.0 could not be opened; "
+                          "this function is missing",
+                          AllOf(StartsWith("pciinfo: QZMSG_PCIRawData: the class could not be "
+                                           "collected: "),
+                                HasSubstr("no-such-listing-tool"))));
+}
+
+TEST(Program, TheInventoryDoesNotMindUnknownSlots) {
+  EXPECT_THAT(LinesOf(RunFake("grumbling", {}).err),
+              ElementsAre(EndsWith("/proc/bus/pci/00/1e.0 could not be opened; this function is "
+                                   "missing")));
+  EXPECT_EQ(RunFake("slotless", {}).err, "");
+}
+
+TEST(Program, AMachineWithoutSmbiosTablesIsNoFailure) {
+  const RunResult result = RunFake("slotless", {"slots"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre(StartsWith("pciinfo: this machine has no SMBIOS tables, so no slots")));
+  EXPECT_THAT(result.out, StartsWith("On board:\n"));
+}
+
+TEST(Program, ALogLevelShowsTheRecordsThemselves) {
+  const std::string progress = "0 Exiting correlateDeviceAndSlot";
+  const RunResult errors = RunFake("grumbling", {"--log-level", "0"});
+  EXPECT_THAT(LinesOf(errors.err), Contains(progress).Times(4));
+  EXPECT_THAT(errors.err, Not(HasSubstr("fake: Init")));
+  EXPECT_THAT(LinesOf(RunFake("grumbling", {"--log-level", "3"}).err),
+              AllOf(Contains("3 fake: Init"), Contains("3 fake: PrepareForUnload")));
+  EXPECT_THAT(RunFake("grumbling", {}).err, Not(HasSubstr("correlateDeviceAndSlot")));
+}
+
+TEST(Program, TheLogFileHasEveryRecord) {
+  const TemporaryFile log("commands_test.log");
+  RunFake("grumbling", {"--log-file", log.Path()});
+  EXPECT_THAT(
+      LinesOf(log.Text()),
+      ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_PCIDevice",
+                  "0 Unable to open SMBIOS library error: 4", "0 Exiting correlateDeviceAndSlot",
+                  "0 Exiting correlateDeviceAndSlot", "2 Could not open PCI description file.",
+                  "2 Could not open PCI file./proc/bus/pci/00/1e.0",
+                  "3 fake: GetData QZMSG_PCIBridge", "0 Unable to open SMBIOS library error: 4",
+                  "0 Exiting correlateDeviceAndSlot", "0 Exiting correlateDeviceAndSlot",
+                  "2 Could not open PCI description file.",
+                  "2 Could not open PCI file./proc/bus/pci/00/1e.0", "3 fake: DeInit",
+                  "3 fake: PrepareForUnload"));
+}
+
+TEST(Program, ALogFileThatCannotBeOpenedIsAnError) {
+  const RunResult result = RunFake("fixed", {"--log-file", "/nowhere/log"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("/nowhere/log"));
+}
+
+TEST(Program, BreachesOfTheContractAreWarningsOnly) {
+  const RunResult result = RunFake("untidy", {"instances", "QZMSG_SystemBoard"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.err, StartsWith("pciinfo: warning: "));
+}
+
+TEST(Program, AFullDiskIsReported) {
+  for (const char* command : {"", "slots", "instances --format json", "classes"}) {
+    const RunResult result =
+        RunShell(std::string("$PCIINFO --plugin ${PLUGINS}fixed.pi.so ") + command + " >/dev/full");
+    EXPECT_EQ(result.status, 1) << command;
+    EXPECT_EQ(result.err, "pciinfo: cannot write the output: No space left on device\n");
+  }
+  EXPECT_EQ(RunShell("$PCIINFO --help >/dev/full").status, 1);
+}
+
+TEST(Program, AStandardOutputThatIsClosedIsReported) {
+  const RunResult result = RunShell("$PCIINFO --plugin ${PLUGINS}fixed.pi.so >&-");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, StartsWith("pciinfo: cannot write the output: "));
+}
+
+TEST(Program, AClosedPipeEndsItQuietly) {
+  for (const char* format : {"table", "json", "jsonl"}) {
+    const RunResult result = RunShell(
+        std::string("$PCIINFO --plugin ${PLUGINS}long_listing.pi.so instances QZMSG_PCIRawData "
+                    "--format ") +
+        format + " | head -c 10 >/dev/null; exit ${PIPESTATUS[0]}");
+    EXPECT_EQ(result.status, 141) << format;
+    EXPECT_EQ(result.err, "");
+  }
+}
+
+TEST(Program, ALongListingArrivesInFull) {
+  const RunResult result =
+      RunFake("long_listing", {"instances", "QZMSG_PCIRawData", "--format", "jsonl"});
+  const json lines = json::parse(result.out)["properties"]["RawResult"];
+  ASSERT_EQ(lines.size(), 250000U);
+  EXPECT_EQ(lines[249999], "line 249999");
+}
+
+TEST(Program, SeveralPluginsFillOneRepository) {
+  const RunResult result =
+      RunPciinfo({"instances", "QZMSG_PCIBridge", "--format", "json", "--plugin",
+                  FakePluginFile("throwing"), "--plugin", FakePluginFile("fixed")});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(json::parse(result.out)["instances"].size(), 2U);
+}
+
+}  // namespace

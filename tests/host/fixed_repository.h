@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/output.h"
+#include "runtime/repository.h"
+
+/// A repository with the program's classes and no instances.
+std::shared_ptr<vtq::Namespace> MakeEmptyRepository();
+
+/// One that holds the made-up machine of the plug-in "fixed".
+std::shared_ptr<vtq::Namespace> MakeFixedRepository();
+
+/// An output whose text can be read back.
+class OutputToText {
+ public:
+  OutputToText();
+  ~OutputToText();
+  OutputToText(const OutputToText&) = delete;
+  OutputToText& operator=(const OutputToText&) = delete;
+
+  pciinfo::Output& Get() { return output_; }
+  /// Everything written so far.
+  std::string Text();
+
+ private:
+  int descriptor_;
+  pciinfo::Output output_;
+};

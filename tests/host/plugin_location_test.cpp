@@ -1,0 +1,41 @@
+#include "host/plugin_location.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace pciinfo {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+TEST(PluginLocation, LooksBesideTheProgramThenInTheLibFolderThenWhereInstalled) {
+  const std::vector<std::string> places = PluginPlaces("/opt/x/bin");
+  ASSERT_EQ(places.size(), 3U);
+  EXPECT_EQ(places[0], "/opt/x/bin/libpciinfo.pi.so");
+  EXPECT_EQ(places[1], "/opt/x/lib/libpciinfo.pi.so");
+  EXPECT_THAT(places[2], EndsWith("/libpciinfo.pi.so"));
+}
+
+TEST(PluginLocation, TakesTheFirstPlaceThatExists) {
+  EXPECT_EQ(FirstExisting({"/nowhere/a", "/dev/null", "/dev/zero"}), "/dev/null");
+}
+
+TEST(PluginLocation, SaysWhereItLookedInVain) {
+  try {
+    FirstExisting({"/nowhere/a", "/nowhere/b"});
+    FAIL() << "no error";
+  } catch (const std::runtime_error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("/nowhere/a, /nowhere/b"));
+  }
+}
+
+TEST(PluginLocation, ProgramFolderIsThatOfTheRunningProgram) {
+  EXPECT_TRUE(std::filesystem::exists(ProgramFolder() + "/host_tests"));
+}
+
+}  // namespace
+}  // namespace pciinfo

@@ -1,0 +1,20 @@
+// A plug-in on a machine without SMBIOS tables: no slots, and nothing wrong with that.
+#include "tests/host/plugins/fake_plugin.h"
+
+namespace {
+
+class Slotless final : public fake::FakePlugin {
+  void Serve(NQZMVTQ20::ICIMClass& cimClass) override {
+    const std::string name = cimClass.GetName({});
+    if (name == "QZMSG_PCIDevice") fake::Log(0, "Unable to open SMBIOS library error: 2");
+    if (name == "QZMSG_SystemSlot") {
+      fake::Log(2, "SMBIOS library could not load. Error 2");
+    } else {
+      FakePlugin::Serve(cimClass);
+    }
+  }
+};
+
+}  // namespace
+
+FAKE_PLUGIN(Slotless)

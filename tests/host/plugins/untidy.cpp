@@ -1,0 +1,17 @@
+// A plug-in that keeps an instance which it never commits.
+#include "tests/host/plugins/fake_plugin.h"
+
+namespace {
+
+class Untidy final : public fake::FakePlugin {
+  void Serve(NQZMVTQ20::ICIMClass& cimClass) override {
+    FakePlugin::Serve(cimClass);
+    if (cimClass.GetName({}) == "QZMSG_SystemBoard") kept_ = cimClass.CreateInstance({});
+  }
+
+  std::shared_ptr<NQZMVTQ20::ICIMInstance> kept_;
+};
+
+}  // namespace
+
+FAKE_PLUGIN(Untidy)

@@ -1,0 +1,92 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "host/slots_view.h"
+#include "host/text.h"
+#include "tests/host/fixed_repository.h"
+#include "tests/host/run_program.h"
+
+namespace pciinfo {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::vector<std::string> Table(const SlotsModel& model) {
+  OutputToText output;
+  WriteSlotsTable(output.Get(), model);
+  return LinesOf(output.Text());
+}
+
+Slot WideSlot() {
+  Slot slot;
+  slot.tag = "Tag 123456789";
+  slot.designation = std::string(80, 'd');
+  slot.type = 0x1A;
+  slot.usage = 5;
+  slot.width = 7;
+  slot.id = 65535;
+  slot.hotPlug = true;
+  slot.functions.resize(1);
+  slot.functions[0].location = std::string(50, 'l');
+  slot.functions[0].description = std::string(200, 'x');
+  return slot;
+}
+
+TEST(SlotsTable, ShowsSlotsTheirFunctionsAndTheBoard) {
+  EXPECT_THAT(
+      Table(ReadSlots(*MakeFixedRepository())),
+      ElementsAre(
+          "TAG    DESIGNATION                               TYPE               USAGE      WIDTH  "
+          "ID  HOTPLUG",
+          "Tag 1  PCIEX16_1                                 PCI Express 3 x16  In use     x16    7 "
+          "  no",
+          "        01:00.0  VGA compatible controller: NVIDIA Corporation GP104",
+          "Tag 2  J? a designation that never wants to end  PCI Express 3 x16  Available  x16    7 "
+          "  yes",
+          "Tag 3  -                                         PCI Express 3 x16  9          x16    7 "
+          "  no",
+          "", "On board:", "  00:00.0  Host bridge: Intel", "  00:01.0  PCI bridge: Intel",
+          "  00:02.0  Display controller with a description that is so long that no line of a "
+          "hundred column...",
+          "  00:1f.3  Audio device: Fa\xc3\xa7onn\xc3\xa9"));
+}
+
+TEST(SlotsTable, ADesignationTakesTheRoomThatOthersLeave) {
+  SlotsModel model;
+  model.slots.resize(1);
+  model.slots[0].tag = "Tag 1";
+  model.slots[0].designation = std::string(52, 'd');
+  EXPECT_THAT(Table(model)[1], HasSubstr(*model.slots[0].designation));
+  model.slots[0].designation = std::string(200, 'd');
+  EXPECT_EQ(DisplayWidth(Table(model)[1] + std::string(6, ' ')), 100U);
+  EXPECT_THAT(Table(model)[1], HasSubstr("ddd...  -"));
+}
+
+TEST(SlotsTable, FitsAHundredColumnsHoweverLongTheTexts) {
+  SlotsModel model;
+  model.slots = {WideSlot()};
+  model.onBoard = model.slots[0].functions;
+  const std::vector<std::string> lines = Table(model);
+  EXPECT_EQ(lines.size(), 6U);
+  for (const std::string& line : lines) EXPECT_LE(DisplayWidth(line), 100U) << line;
+}
+
+TEST(SlotsTable, UnsetValuesAreDashes) {
+  SlotsModel model;
+  model.slots.resize(1);
+  model.slots[0].tag = "Tag 1";
+  EXPECT_THAT(Table(model)[1], HasSubstr("Tag 1  -            -     -      -      -   -"));
+}
+
+TEST(SlotsTable, IsEmptyWhereThereIsNothing) { EXPECT_THAT(Table({}), ElementsAre()); }
+
+TEST(SlotsTable, WithoutSlotsOnlyTheBoardStands) {
+  SlotsModel model;
+  model.onBoard.resize(1);
+  model.onBoard[0].location = "somewhere";
+  EXPECT_THAT(Table(model), ElementsAre("On board:", "  somewhere"));
+}
+
+}  // namespace
+}  // namespace pciinfo

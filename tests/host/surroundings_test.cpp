@@ -1,0 +1,85 @@
+// The program with its own plug-in on this machine while parts of the machine are hidden from it,
+// in a mount namespace of its own.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/host/run_program.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// Runs a command line of the shell after another one that changes the mounts.
+RunResult RunHidden(const std::string& change, const std::string& commandLine) {
+  return RunShell("unshare --user --map-root-user --mount /bin/bash -c '" + change + " && " +
+                  commandLine + "'");
+}
+
+const std::string kWithoutLspci = "mount --bind /dev/null /usr/bin/lspci";
+const std::string kWithoutPciBus = "mount -t tmpfs none /proc/bus && mount -t tmpfs none /sys/bus";
+
+class Surroundings : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!std::filesystem::exists("/proc/bus/pci")) GTEST_SKIP() << "this machine has no PCI bus";
+    if (!std::filesystem::exists("/usr/bin/lspci")) GTEST_SKIP() << "lspci is not installed";
+    if (RunHidden("true", "true").status != 0) {
+      GTEST_SKIP() << "this user may not make mount namespaces";
+    }
+  }
+};
+
+TEST_F(Surroundings, WithoutLspciTheFunctionsAreListedAndTheReasonIsTold) {
+  const RunResult result = RunHidden(kWithoutLspci, "$PCIINFO");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("PCI Vendor ID ")));
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: lspci gave no descriptions: ")));
+}
+
+TEST_F(Surroundings, WithoutLspciTheRawDataIsLostForAReason) {
+  const RunResult result =
+      RunHidden(kWithoutLspci, "$PCIINFO instances QZMSG_PCIRawData --format jsonl");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(LinesOf(result.err),
+              Contains(testing::AllOf(
+                  StartsWith("pciinfo: QZMSG_PCIRawData: the class could not be collected: "),
+                  HasSubstr("lspci -xxxx"))));
+}
+
+TEST_F(Surroundings, WithoutAPciBusNothingIsWrong) {
+  const RunResult inventory = RunHidden(kWithoutPciBus, "$PCIINFO");
+  EXPECT_EQ(inventory.status, 0) << inventory.err;
+  EXPECT_EQ(LinesOf(inventory.out).size(), 1U);
+  EXPECT_THAT(LinesOf(inventory.err),
+              ElementsAre(StartsWith("pciinfo: this machine shows no PCI bus")));
+}
+
+TEST_F(Surroundings, WithoutAPciBusTheBoardIsStillThere) {
+  const RunResult result = RunHidden(kWithoutPciBus, "$PCIINFO instances --format jsonl");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("SystemBoard1")));
+  EXPECT_THAT(LinesOf(result.err), Contains(HasSubstr("no PCI bus")).Times(1));
+}
+
+TEST_F(Surroundings, AnUnreadableFunctionIsNamedAndTheOthersAreListed) {
+  const std::string first = LinesOf(RunPciinfo({}).out).at(1).substr(0, 7);  // "00:00.0"
+  const std::string file = "/proc/bus/pci/" + first.substr(0, 2) + "/" + first.substr(3);
+  const RunResult result = RunHidden("mount --bind /dev/null " + file, "$PCIINFO");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, Not(HasSubstr(first)));
+  EXPECT_EQ(LinesOf(result.out).size() + 1, LinesOf(RunPciinfo({}).out).size());
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre(EndsWith(file + " could not be read; this function is missing")));
+}
+
+}  // namespace
