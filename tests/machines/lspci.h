@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// A PCI function as lspci tells it.
+struct ListedFunction {
+  unsigned domain = 0;
+  std::string address;  ///< "BB:DD.F", without the domain
+  unsigned classCode = 0;
+  unsigned progIf = 0;
+  unsigned revision = 0;
+  unsigned vendor = 0;
+  unsigned device = 0;
+  std::optional<unsigned> subsystemVendor;
+  std::optional<unsigned> subsystemDevice;
+  std::string description;
+};
+
+/// The functions that lspci lists on this machine; none where it finds no PCI.
+std::vector<ListedFunction> ListFunctions();

@@ -1,0 +1,112 @@
+#include "tests/machines/machine.h"
+
+#include <algorithm>
+#include <cctype>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <stdexcept>
+
+#include "tests/fakes/machine_recipe.h"
+#include "tests/fakes/machine_tree.h"
+#include "tests/machines/process.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kRecipe = "machine.json";
+constexpr const char* kArchive = ".tar.gz";
+
+std::vector<Machine> SortedByName(std::vector<Machine> machines) {
+  std::sort(machines.begin(), machines.end(),
+            [](const Machine& left, const Machine& right) { return left.name < right.name; });
+  return machines;
+}
+
+std::vector<Machine> MachinesWithRecipe(bool endless) {
+  std::vector<Machine> machines;
+  for (const fs::directory_entry& entry : fs::directory_iterator(OWN_MACHINES)) {
+    const fs::path recipe = entry.path() / kRecipe;
+    if (!fs::exists(recipe) || ReadRecipe(recipe).value("endless", false) != endless) continue;
+    machines.push_back({entry.path().filename(), entry.path()});
+  }
+  return SortedByName(std::move(machines));
+}
+
+std::vector<Machine> Captures() {
+  std::vector<Machine> machines;
+  const fs::path folder = PCIINFO_MACHINES;
+  if (folder.empty()) return machines;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    std::string name = entry.path().filename();
+    const bool archive = name.ends_with(kArchive);
+    if (!archive && !entry.is_directory()) continue;
+    if (archive) name.resize(name.size() - std::string_view(kArchive).size());
+    machines.push_back({name, entry.path()});
+  }
+  return SortedByName(std::move(machines));
+}
+
+void Unpack(const fs::path& archive, const fs::path& folder) {
+  const Finished tar = RunToEnd({"tar", "--no-same-owner", "-xf", archive, "-C", folder});
+  if (tar.status != 0) throw std::runtime_error(archive.string() + ": " + tar.err);
+}
+
+// Moves what stands in the capture's folder `from` to the machine's folder `to`, in place of what
+// was there.
+void MoveContent(const fs::path& from, const std::string& to) {
+  if (!fs::exists(from)) return;
+  for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
+    const fs::path place = MachineTree::Real(to) / entry.path().filename();
+    fs::remove_all(place);
+    fs::rename(entry.path(), place);
+  }
+}
+
+void BecomeCapture(const fs::path& source) {
+  const fs::path folder = MachineTree::Real("/capture");
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  if (fs::is_directory(source)) {
+    fs::copy(source, folder, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+  } else {
+    Unpack(source, folder);
+  }
+  MoveContent(folder / "proc", "/proc");
+  MoveContent(folder / "sys", "/sys");
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& stream, const Machine& machine) {
+  return stream << machine.name;
+}
+
+std::vector<Machine> OwnMachines() { return MachinesWithRecipe(false); }
+
+std::vector<Machine> EndlessMachines() { return MachinesWithRecipe(true); }
+
+std::vector<Machine> AllMachines() {
+  std::vector<Machine> machines = OwnMachines();
+  const std::vector<Machine> captures = Captures();
+  machines.insert(machines.end(), captures.begin(), captures.end());
+  return machines;
+}
+
+std::string TestNameOf(const testing::TestParamInfo<Machine>& info) {
+  std::string name = info.param.name;
+  for (char& c : name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+  }
+  return name;
+}
+
+void Become(const Machine& machine) {
+  MachineTree::Clear();
+  const fs::path recipe = machine.source / kRecipe;
+  if (fs::exists(recipe)) {
+    BuildMachine(ReadRecipe(recipe), MachineTree::Real("/"));
+  } else {
+    BecomeCapture(machine.source);
+  }
+}

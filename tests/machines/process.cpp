@@ -1,0 +1,101 @@
+#include "tests/machines/process.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+#include "tests/fakes/captured_output.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The made-up /proc has the processes of its beginning only. A program built with a sanitizer looks
+// itself up there, so each one that is run makes itself a link into the real /proc.
+void LinkIntoProc() {
+  const fs::path realProc = fs::read_symlink("/proc/self").parent_path();
+  const std::string name = std::to_string(getpid());
+  std::error_code ignored;
+  fs::create_symlink(realProc / name, fs::path("/proc") / name, ignored);
+}
+
+// True for a program that has ended and was not waited for yet.
+bool HasEnded(pid_t child) {
+  siginfo_t end{};
+  return waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+         end.si_pid == child;
+}
+
+// Waits for the end of a program and takes its link away.
+int WaitFor(pid_t child) {
+  int status = 0;
+  if (waitpid(child, &status, 0) != child) throw std::runtime_error("waitpid failed");
+  fs::remove(fs::path("/proc") / std::to_string(child));
+  return status;
+}
+
+[[noreturn]] void Execute(const std::vector<std::string>& words, int out, int err) {
+  setpgid(0, 0);
+  LinkIntoProc();
+  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+  dup2(out, STDOUT_FILENO);
+  dup2(err, STDERR_FILENO);
+  setenv("LC_ALL", "C", 1);
+  setenv("PATH", "/usr/sbin:/usr/bin:/sbin:/bin", 1);
+  std::vector<char*> arguments;
+  for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+  arguments.push_back(nullptr);
+  execvp(arguments.front(), arguments.data());
+  _exit(127);
+}
+
+pid_t Start(const std::vector<std::string>& words, const CapturedOutput& out,
+            const CapturedOutput& err) {
+  const pid_t child = fork();
+  if (child < 0) throw std::runtime_error("fork failed");
+  if (child == 0) Execute(words, out.Descriptor(), err.Descriptor());
+  setpgid(child, child);  // whichever of the two processes comes first
+  return child;
+}
+
+}  // namespace
+
+Finished RunToEnd(const std::vector<std::string>& words) {
+  const CapturedOutput out;
+  const CapturedOutput err;
+  const pid_t child = Start(words, out, err);
+  const int status = WaitFor(child);
+  const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  if (code == 127) throw std::runtime_error("cannot run " + words.front());
+  return {code, out.Text(), err.Text()};
+}
+
+bool RunsLongerThan(std::chrono::milliseconds time, const std::vector<std::string>& words) {
+  const CapturedOutput out;
+  const CapturedOutput err;
+  const pid_t child = Start(words, out, err);
+  const auto end = std::chrono::steady_clock::now() + time;
+  while (std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (HasEnded(child)) break;
+  }
+  const bool ended = HasEnded(child);
+  kill(-child, SIGKILL);
+  WaitFor(child);
+  return !ended;
+}
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::size_t start = 0;
+  for (std::size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+    lines.push_back(text.substr(start, end - start));
+  }
+  return lines;
+}

@@ -1,0 +1,35 @@
+#include "tests/machines/collection.h"
+#include "tests/machines/machine.h"
+#include "tests/machines/process.h"
+
+namespace {
+
+using nlohmann::json;
+
+class RawDataTest : public MachineTest {};
+INSTANTIATE_TEST_SUITE_P(Machines, RawDataTest, testing::ValuesIn(AllMachines()), TestNameOf);
+
+// What the class holds for a command that ran: no "RawResult" when nothing was printed.
+json Expected(const std::string& command, const Finished& run) {
+  json properties = {{"Command", command}};
+  const std::vector<std::string> lines = LinesOf(run.out);
+  if (!lines.empty()) properties["RawResult"] = lines;
+  return properties;
+}
+
+TEST_P(RawDataTest, IsTheOutputOfBothListingsLineForLine) {
+  std::vector<json> expected;
+  for (const char* option : {"-xxxx", "-vvv"}) {
+    const Finished run = RunToEnd({"lspci", option});
+    // A listing that fails without a word ends the class.
+    if (run.status != 0 && run.out.empty()) break;
+    expected.push_back(Expected(std::string("lspci ") + option, run));
+  }
+  std::vector<json> collected;
+  for (const json& listing : Collect({"QZMSG_PCIRawData"}).instances) {
+    collected.push_back(listing.at("properties"));
+  }
+  EXPECT_EQ(collected, expected);
+}
+
+}  // namespace

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+
+#include "tests/machines/recipe_entry.h"
+
+namespace recipe {
+
+/// Writes proc/bus/pci and, unless the machine has none, sys/bus/pci/devices below `root`: the keys
+/// "sysfs" and "pci" of the machine.
+void BuildPci(Entry& machine, const std::filesystem::path& root);
+
+}  // namespace recipe

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+
+#include "tests/machines/recipe_entry.h"
+
+namespace recipe {
+
+/// Writes sys/firmware/dmi/tables below `root` from the key "smbios" of a machine.
+void BuildSmbios(Entry tables, const std::filesystem::path& root);
+
+}  // namespace recipe
