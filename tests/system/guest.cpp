@@ -1,0 +1,118 @@
+#include "tests/system/guest.h"
+
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "tests/system/slot_structure.h"
+#include "tests/system/timed_run.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::chrono::seconds kBootTime{100};
+constexpr std::chrono::seconds kUnpackTime{10};
+constexpr std::uint16_t kFirstHandle = 0x900;
+
+std::string TextOf(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) throw std::runtime_error("cannot read " + file.string());
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+fs::path EmptyFolderOf(const SystemMachine& machine) {
+  const fs::path folder = fs::path(GUEST_FOLDER) / machine.name;
+  fs::remove_all(folder);
+  fs::create_directories(folder / "answers");
+  return folder;
+}
+
+// Makes a file of each slot record and returns the options that give them to the firmware.
+std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::path& folder) {
+  std::vector<std::string> options;
+  std::uint16_t handle = kFirstHandle;
+  for (const nlohmann::json& record : machine.records) {
+    const fs::path file = folder / ("slot" + std::to_string(options.size() / 2 + 1) + ".bin");
+    const std::vector<unsigned char> bytes = MakeSlotStructure(record, handle++);
+    std::ofstream stream(file, std::ios::binary);
+    for (const unsigned char byte : bytes) stream.put(static_cast<char>(byte));
+    if (!stream.flush()) throw std::runtime_error("cannot write " + file.string());
+    options.insert(options.end(), {"-smbios", "file=" + file.string()});
+  }
+  return options;
+}
+
+// The emulator's command line, but for the serial lines. Network cards come without the program to
+// boot from them: nothing does, and the firmware would spend its time on it.
+std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::path& folder,
+                                     const std::string& kernelOptions) {
+  const fs::path guest = GUEST_FOLDER;
+  std::vector<std::string> words{"qemu-system-x86_64"};
+  const auto add = [&words](std::vector<std::string> more) {
+    words.insert(words.end(), more.begin(), more.end());
+  };
+  add({"-accel", "tcg", "-cpu", "max", "-m", "512"});
+  add({"-machine", "q35,smbios-entry-point-type=" + machine.smbiosEntryPoint});
+  add({"-no-user-config", "-nodefaults", "-display", "none", "-no-reboot"});
+  add({"-kernel", guest / "vmlinuz", "-initrd", guest / "initramfs.cpio"});
+  add({"-append", "console=ttyS0 quiet panic=-1 mitigations=off " + kernelOptions});
+  add({"-global", "e1000e.romfile=", "-global", "e1000.romfile="});
+  for (const std::string& device : machine.devices) add({"-device", device});
+  add(SlotOptions(machine, folder));
+  return words;
+}
+
+// An archive that ends too early is as good as none.
+bool Unpack(const fs::path& folder) {
+  const std::vector<std::string> tar{
+      "tar", "-x", "-z", "-f", folder / "answers.tar.gz", "-C", folder / "answers"};
+  return RunWithin(kUnpackTime, tar, folder / "tar.log") == 0;
+}
+
+std::map<std::string, Answer> ReadAnswers(const fs::path& folder) {
+  std::map<std::string, Answer> answers;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    const fs::path& file = entry.path();
+    Answer& answer = answers[file.stem()];
+    if (file.extension() == ".out") answer.out = TextOf(file);
+    if (file.extension() == ".err") answer.err = TextOf(file);
+    if (file.extension() == ".status") answer.status = std::stoi(TextOf(file));
+  }
+  return answers;
+}
+
+std::string LastPartOf(const fs::path& file) {
+  constexpr std::size_t kEnough = 2000;
+  const std::string text = fs::exists(file) ? TextOf(file) : "";
+  return text.size() > kEnough ? text.substr(text.size() - kEnough) : text;
+}
+
+}  // namespace
+
+std::map<std::string, Answer> Boot(const SystemMachine& machine) {
+  const fs::path folder = EmptyFolderOf(machine);
+  std::vector<std::string> words = CommandLine(machine, folder, "");
+  for (const char* line : {"console.log", "answers.tar.gz"}) {
+    words.insert(words.end(), {"-serial", "file:" + (folder / line).string()});
+  }
+  std::string failure;
+  try {
+    const int status = RunWithin(kBootTime, words, folder / "qemu.log");
+    if (status == 0 && Unpack(folder)) return ReadAnswers(folder / "answers");
+    failure = "the emulator ended with status " + std::to_string(status);
+  } catch (const std::runtime_error& error) {
+    failure = error.what();
+  }
+  throw std::runtime_error("The machine " + machine.name + " did not answer: " + failure +
+                           ".\nThe emulator said:\n" + LastPartOf(folder / "qemu.log") +
+                           "\nIts console said:\n" + LastPartOf(folder / "console.log"));
+}
+
+void GiveShell(const SystemMachine& machine) {
+  std::vector<std::string> words = CommandLine(machine, EmptyFolderOf(machine), "shell");
+  words.insert(words.end(), {"-serial", "mon:stdio"});
+  Become(words);
+}
