@@ -1,0 +1,58 @@
+# Functions that the scripts at the top share; to be sourced.
+
+fail() {
+  echo "$(basename "$0"): $*" >&2
+  exit 1
+}
+
+# What the program is built from and needs at run time.
+build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
+  pciutils)
+# What the tests need beside these.
+test_packages=(libgtest-dev binutils valgrind dmidecode qemu-system-x86 busybox-static cpio)
+# What the whole round of checks needs beside these.
+ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)
+
+# Installs those of the given Debian packages that are missing.
+require_packages() {
+  command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
+    fail "this is no Debian system; install what these Debian packages hold, then build with" \
+      "'cmake -S . -B build -G Ninja && cmake --build build': $*"
+  local missing=() package
+  for package in "$@"; do
+    [[ $(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) == installed ]] ||
+      missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+
+  local as_root=()
+  if ((EUID != 0)); then
+    command -v sudo >/dev/null ||
+      fail "run as root, or install these packages first: apt-get install ${missing[*]}"
+    as_root=(sudo)
+  fi
+  echo "Installing missing packages: ${missing[*]}" >&2
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update -q &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -q -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    tail -n 15 "$log" >&2
+    fail "could not install ${missing[*]}; see above, and mind the network and the disk"
+  fi
+  rm -f "$log"
+}
+
+# quietly TEXT COMMAND...: says what it does, shows the command's output only when it fails.
+quietly() {
+  local text=$1 log
+  shift
+  log=$(mktemp)
+  echo "$text" >&2
+  if ! "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    fail "failed: $*"
+  fi
+  rm -f "$log"
+}
