@@ -153,6 +153,7 @@ vtq::ClassSchema MakeClass(const ClassRow& row) {
 
 std::vector<vtq::ClassSchema> PciSchema() {
   std::vector<vtq::ClassSchema> schemas;
+  schemas.reserve(kClasses.size());
   for (const ClassRow& row : kClasses) schemas.push_back(MakeClass(row));
   return schemas;
 }
