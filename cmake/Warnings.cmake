@@ -15,3 +15,7 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fno-gnu-unique)
 endif()
+# Debian 12's valgrind does not read the newer form that clang writes by itself.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  add_compile_options(-gdwarf-4)
+endif()
