@@ -11,6 +11,7 @@
 #include <csignal>
 #include <system_error>
 
+#include "host/ending_signals.h"
 #include "host/output.h"
 #include "host/text.h"
 
@@ -25,18 +26,6 @@ vtq::FileDescriptor Opened(int descriptor) {
     throw std::system_error(errno, std::generic_category(), "cannot watch for signals");
   }
   return vtq::FileDescriptor(descriptor);
-}
-
-/// The signals that end the program. One that whoever started it had it ignore stays ignored.
-sigset_t EndingSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-    struct sigaction action {};
-    const bool ignored = sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-    if (!ignored) sigaddset(&signals, signal);
-  }
-  return signals;
 }
 
 }  // namespace
@@ -83,9 +72,7 @@ void WorkWatch::EndBy(int signal) {
   const std::unique_lock lock(mutex_, kPatience);
   ClearLine();
   cleanUp_();
-  std::signal(signal, SIG_DFL);
-  pthread_sigmask(SIG_UNBLOCK, &watched_, nullptr);
-  raise(signal);
+  EndBySignal(signal);
 }
 
 void WorkWatch::Show() {

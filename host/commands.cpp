@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -17,6 +19,7 @@
 #include "host/root.h"
 #include "host/session.h"
 #include "host/slots_view.h"
+#include "host/stages.h"
 
 namespace pciinfo {
 namespace {
@@ -102,14 +105,29 @@ void Tell(const TroubleReport& report, const std::vector<std::string>& violation
   for (const std::string& line : report.GetLines()) WriteMessage(line);
 }
 
-ExitStatus Show(const Options& options) {
-  const Job job = MakeJob(options);
+void CollectInStages(Session& session, TroubleReport& report, const Job& job, Stages& stages) {
+  for (std::size_t i = 0; i < job.collect.size(); ++i) {
+    const std::string& className = job.collect[i];
+    if (const auto failure = stages.Begin(i + 1 == job.collect.size())) {
+      report.BeginClass(className);
+      report.AddFailure("the plug-in " + *failure);
+      report.EndClass();
+    } else {
+      session.Collect({className});
+      stages.EndStage();
+    }
+  }
+}
+
+ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
   Session session(report, {options.logFile, options.logLevel});
   LoadPlugins(session, options.plugins);
-  session.Collect(job.collect);
+  stages.EndStage();
+  CollectInStages(session, report, job, stages);
   const ExitStatus printed = Print(job, session);
+  stages.BeginEnding();
   Tell(report, session.Close());
   if (printed == kAllCollected && report.HasTroubles()) return kFailed;
   return printed;
@@ -119,24 +137,39 @@ void MakeAbsolute(std::string& file) {
   if (!file.empty() && file != "-") file = std::filesystem::absolute(file);
 }
 
-/// Moves to the captured machine; the files that the user named stay the same ones.
-Manifest MoveToRoot(Options& options) {
+/// What follows runs in another directory; the files that the user named stay the same ones.
+void MakeFilesAbsolute(Options& options) {
   for (std::string& plugin : options.plugins) MakeAbsolute(plugin);
   MakeAbsolute(options.logFile);
   MakeAbsolute(options.captureFile);
+}
+
+Manifest MoveToRoot(const Options& options) {
   return ServeRoot(options.root,
                    options.liveCommands ? CommandSource::kLiveTools : CommandSource::kRecorded);
+}
+
+Limits LimitsOf(const Options& options) {
+  constexpr std::uint64_t kMebibyte = 1U << 20U;
+  Limits limits{std::chrono::milliseconds(std::llround(options.timeout * 1000)), std::nullopt};
+  if (options.memoryLimit > 0) limits.memory = options.memoryLimit * kMebibyte;
+  return limits;
 }
 
 }  // namespace
 
 ExitStatus RunCommand(Options options) {
+  MakeFilesAbsolute(options);
   std::optional<Manifest> origin;
   if (!options.root.empty()) origin = MoveToRoot(options);
   if (options.command == Command::kCapture) {
-    return Capture({options.captureFile, options.redact, origin});
+    return RunInStages(LimitsOf(options), {"capturing", true}, [&](Stages&) {
+      return Capture({options.captureFile, options.redact, origin});
+    });
   }
-  return Show(options);
+  const Job job = MakeJob(options);
+  return RunInStages(LimitsOf(options), {"loading the plug-ins"},
+                     [&](Stages& stages) { return Show(options, job, stages); });
 }
 
 }  // namespace pciinfo

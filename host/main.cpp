@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <exception>
+#include <new>
 
 #include "host/commands.h"
 #include "host/options.h"
@@ -40,6 +41,9 @@ int main(int argc, char** argv) {
     return kWrongUsage;
   } catch (const ClosedPipe&) {
     return kPipeClosed;
+  } catch (const std::bad_alloc&) {
+    WriteMessage("there is not enough memory (see --memory-limit)");
+    return kFailed;
   } catch (const std::exception& error) {
     WriteMessage(error.what());
     return kFailed;

@@ -1,6 +1,7 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 
 #include "host/instance_writer.h"
 
@@ -16,6 +17,19 @@ constexpr const char* kFooter =
     "  2    wrong usage\n"
     "  141  the reader of the output closed the pipe early (nothing is said about it)\n";
 
+/// CLI11 takes what a validator answers for the message, and nothing for agreement.
+std::string IsNoLimitOrEnough(const std::string& text) {
+  // Less is not enough for the program's own libraries; no address space holds more.
+  constexpr long kLeast = 128;
+  constexpr long kMost = 1L << 30;
+  char* end = nullptr;
+  const long limit = std::strtol(text.c_str(), &end, 10);
+  const bool isNumber = end != text.c_str() && *end == '\0';
+  return isNumber && (limit == 0 || (limit >= kLeast && limit <= kMost))
+             ? ""
+             : "must be 0 or at least 128 (MiB)";
+}
+
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
   app.add_option("--plugin", options.plugins, "Load this plug-in; may be given more than once")
@@ -29,6 +43,16 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
                  "Show log records up to this severity (default: 1)")
       ->type_name("0..4")
       ->check(CLI::Range(0, 4).description(""));
+  app.add_option("--timeout", options.timeout,
+                 "Seconds after which collecting is given up; what is there is printed")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.1, 1e6).description(""))
+      ->capture_default_str();
+  app.add_option("--memory-limit", options.memoryLimit,
+                 "Memory that collecting may take, in MiB; 0: no limit")
+      ->type_name("MIB")
+      ->check(CLI::Validator(IsNoLimitOrEnough, ""))
+      ->capture_default_str();
   CLI::Option* root =
       app.add_option("--root", options.root,
                      "Show the machine of a capture: a directory, an archive, or - for standard "

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -9,6 +10,13 @@ namespace pciinfo {
 
 enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture };
 
+#ifdef PCIINFO_SANITIZED
+/// The sanitizer takes terabytes of addresses for itself.
+inline constexpr std::uint64_t kDefaultMemoryLimit = 0;
+#else
+inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
+#endif
+
 /// What the command line asks for.
 struct Options {
   Command command = Command::kInventory;
@@ -17,10 +25,12 @@ struct Options {
   std::vector<std::string> plugins;  ///< files; empty: the one that belongs to the program
   std::string logFile;               ///< empty: none
   std::optional<int> logLevel;       ///< 0 to 4; not set: errors and warnings
-  std::string root;                  ///< a capture to show in the place of this machine
-  bool liveCommands = false;         ///< with `root`: run commands instead of replaying them
-  std::string captureFile;           ///< of `capture`
-  bool redact = false;               ///< of `capture`
+  double timeout = 600;              ///< seconds for all that plug-ins and tools do
+  std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
+  std::string root;           ///< a capture to show in the place of this machine
+  bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
+  std::string captureFile;    ///< of `capture`
+  bool redact = false;        ///< of `capture`
 };
 
 /// A command line that asks for nothing but a text, or that is wrong.

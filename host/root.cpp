@@ -11,6 +11,7 @@
 
 #include "host/archive_reader.h"
 #include "host/capture_tree.h"
+#include "host/confinement.h"
 #include "host/root_namespace.h"
 #include "host/root_unpack.h"
 #include "runtime/command_replay.h"

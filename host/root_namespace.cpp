@@ -1,15 +1,11 @@
 #include "host/root_namespace.h"
 
 #include <fmt/format.h>
-#include <linux/capability.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -53,13 +49,6 @@ void EnterUserNamespace() {
   WriteText("/proc/self/gid_map", SameNumber(group));
 }
 
-void ClearBit(__user_cap_data_struct& data, unsigned bit) {
-  const __u32 mask = ~(1U << bit);
-  data.effective &= mask;
-  data.permitted &= mask;
-  data.inheritable &= mask;
-}
-
 }  // namespace
 
 void EnterNamespaces() {
@@ -85,15 +74,6 @@ void NameSystem(const std::string& name, const std::string& hostsFile) {
   Require(sethostname(host.data(), host.size()) == 0, "set a host name");
   std::error_code ignored;
   if (std::filesystem::exists("/etc/hosts", ignored)) ShowAt(hostsFile, "/etc/hosts");
-}
-
-void GiveUpHardwareAccess() noexcept {
-  prctl(PR_CAPBSET_DROP, CAP_SYS_RAWIO);
-  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-  std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
-  if (syscall(SYS_capget, &header, sets.data()) != 0) return;
-  ClearBit(sets[CAP_TO_INDEX(CAP_SYS_RAWIO)], CAP_SYS_RAWIO % 32);
-  syscall(SYS_capset, &header, sets.data());
 }
 
 }  // namespace pciinfo

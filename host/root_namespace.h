@@ -22,8 +22,4 @@ void ShowAt(const std::string& from, const std::string& place);
 /// of this machine's own is found. Throws like EnterNamespaces.
 void NameSystem(const std::string& name, const std::string& hostsFile);
 
-/// Takes from the process and its children what a privileged user's tools could reach the real
-/// hardware with, past all files. Does nothing where there is no such privilege.
-void GiveUpHardwareAccess() noexcept;
-
 }  // namespace pciinfo

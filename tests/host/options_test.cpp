@@ -136,6 +136,24 @@ TEST(Options, HelpNamesCommandsOptionsAndExitStatuses) {
   }
 }
 
+TEST(Options, LimitsAreTenMinutesUnlessGiven) {
+  EXPECT_EQ(Parsed({}).timeout, 600);
+  EXPECT_EQ(Parsed({}).memoryLimit, kDefaultMemoryLimit);
+  const Options options = Parsed({"slots", "--timeout", "2.5", "--memory-limit", "128"});
+  EXPECT_EQ(options.timeout, 2.5);
+  EXPECT_EQ(options.memoryLimit, 128U);
+  EXPECT_EQ(Parsed({"--memory-limit", "0"}).memoryLimit, 0U);
+}
+
+TEST(Options, SenselessLimitsAreRefused) {
+  for (const char* time : {"0", "-1", "soon", "1e9"}) {
+    EXPECT_THAT(Error({"--timeout", time}), HasSubstr("--timeout")) << time;
+  }
+  for (const char* memory : {"1", "-128", "2G", "99999999999999"}) {
+    EXPECT_THAT(Error({"--memory-limit", memory}), HasSubstr("at least 128 (MiB)")) << memory;
+  }
+}
+
 TEST(Options, VersionIsTheProjectsVersion) {
   const auto result = Parse({"--version"});
   EXPECT_EQ(std::get<Answer>(result).text, "pciinfo " PCIINFO_VERSION "\n");

@@ -91,20 +91,6 @@ TEST_F(RootNamespace, ThisMachinesHostsAreNotSeen) {
   }));
 }
 
-TEST_F(RootNamespace, HardwareAccessIsGivenUpForChildrenToo) {
-  EXPECT_TRUE(InNamespaces([] {
-    GiveUpHardwareAccess();
-    // CAP_SYS_RAWIO is bit 17.
-    const RunResult child = RunProgram(
-        "/bin/bash", {"-c",
-                      "while read -r name value; do case $name in Cap[IPEB]*) "
-                      "(( (16#$value >> 17 & 1) == 0 )) || exit 1;; esac; done </proc/self/status; "
-                      "exec grep CapEff /proc/$PPID/status"});
-    const std::string mask = child.out.substr(child.out.find_last_of('\t') + 1);
-    return child.status == 0 && (std::stoull(mask, nullptr, 16) >> 17 & 1) == 0;
-  }));
-}
-
 TEST_F(RootNamespace, WithoutPermissionTheReasonAndTheWayOutAreOneLine) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user bash -c 'echo 0 >/proc/sys/user/max_user_namespaces; "

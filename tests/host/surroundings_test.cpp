@@ -82,4 +82,34 @@ TEST_F(Surroundings, AnUnreadableFunctionIsNamedAndTheOthersAreListed) {
               ElementsAre(EndsWith(file + " could not be read; this function is missing")));
 }
 
+// A tool in the place of lspci, as a script.
+std::string WithTool(const std::string& script) {
+  return "printf \"#!/bin/sh\\n" + script +
+         "\\n\" >/tmp/$$.tool && chmod 755 /tmp/$$.tool && "
+         "mount --bind /tmp/$$.tool /usr/bin/lspci && rm /tmp/$$.tool";
+}
+
+TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
+  const RunResult result = RunHidden(
+      WithTool("sleep 987654; true"),
+      "$PCIINFO instances --format jsonl --timeout 6; echo $?; pgrep -fx \"sleep 987654\"");
+  EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("QZMSG_SystemBoard")));
+  EXPECT_EQ(LinesOf(result.out).back(), "1");
+  EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after "));
+}
+
+// A sanitizer has limits of its own.
+#ifndef PCIINFO_SANITIZED
+TEST_F(Surroundings, AToolThatPrintsWithoutEndLosesItsClassOnly) {
+  const RunResult result = RunHidden(
+      WithTool("exec cat /dev/zero"),
+      "$PCIINFO instances QZMSG_PCIRawData QZMSG_SystemBoard --format jsonl --memory-limit 300");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.out), ElementsAre(HasSubstr("QZMSG_SystemBoard")));
+  EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_PCIRawData: the class could not be collected: "
+                                    "the command \"lspci -xxxx\" printed more than there is "
+                                    "memory for"));
+}
+#endif
+
 }  // namespace

@@ -1,15 +1,36 @@
+#include <gmock/gmock.h>
+
 #include "tests/machines/machine.h"
 #include "tests/machines/process.h"
 
 namespace {
 
-using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::StartsWith;
 
-class EndlessTest : public MachineTest {};
+class EndlessTest : public MachineTest {
+ protected:
+  Finished Collect() const {
+    return RunToEnd({PCIINFO_PROGRAM, "instances", "--format", "jsonl", "--timeout", "8"});
+  }
+};
 INSTANTIATE_TEST_SUITE_P(Machines, EndlessTest, testing::ValuesIn(EndlessMachines()), TestNameOf);
 
-TEST_P(EndlessTest, CollectionIsStillRunningAfterASecond) {
-  EXPECT_TRUE(RunsLongerThan(1s, {PCIINFO_PROGRAM, "instances", "--format", "json"}));
+TEST_P(EndlessTest, ACollectionThatDoesNotEndIsStoppedAndNamed) {
+  const Finished result = Collect();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(
+      LinesOf(result.err),
+      AllOf(Contains(StartsWith("pciinfo: QZMSG_PCIDevice: the plug-in was stopped after ")),
+            Contains(StartsWith("pciinfo: QZMSG_PCIBridge: the plug-in was stopped after "))));
+}
+
+TEST_P(EndlessTest, WhatTheOtherClassesGiveIsPrinted) {
+  const std::vector<std::string> instances = LinesOf(Collect().out);
+  EXPECT_THAT(instances, Contains(HasSubstr("\"QZMSG_SystemBoard\"")));
+  EXPECT_THAT(instances, Contains(HasSubstr("\"QZMSG_PCIRawData\"")));
 }
 
 }  // namespace

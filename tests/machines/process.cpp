@@ -4,11 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
 
 #include "tests/fakes/captured_output.h"
 
@@ -25,13 +23,6 @@ void LinkIntoProc() {
   fs::create_symlink(realProc / name, fs::path("/proc") / name, ignored);
 }
 
-// True for a program that has ended and was not waited for yet.
-bool HasEnded(pid_t child) {
-  siginfo_t end{};
-  return waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-         end.si_pid == child;
-}
-
 // Waits for the end of a program and takes its link away.
 int WaitFor(pid_t child) {
   int status = 0;
@@ -41,7 +32,6 @@ int WaitFor(pid_t child) {
 }
 
 [[noreturn]] void Execute(const std::vector<std::string>& words, int out, int err) {
-  setpgid(0, 0);
   LinkIntoProc();
   dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
   dup2(out, STDOUT_FILENO);
@@ -60,7 +50,6 @@ pid_t Start(const std::vector<std::string>& words, const CapturedOutput& out,
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("fork failed");
   if (child == 0) Execute(words, out.Descriptor(), err.Descriptor());
-  setpgid(child, child);  // whichever of the two processes comes first
   return child;
 }
 
@@ -74,21 +63,6 @@ Finished RunToEnd(const std::vector<std::string>& words) {
   const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   if (code == 127) throw std::runtime_error("cannot run " + words.front());
   return {code, out.Text(), err.Text()};
-}
-
-bool RunsLongerThan(std::chrono::milliseconds time, const std::vector<std::string>& words) {
-  const CapturedOutput out;
-  const CapturedOutput err;
-  const pid_t child = Start(words, out, err);
-  const auto end = std::chrono::steady_clock::now() + time;
-  while (std::chrono::steady_clock::now() < end) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    if (HasEnded(child)) break;
-  }
-  const bool ended = HasEnded(child);
-  kill(-child, SIGKILL);
-  WaitFor(child);
-  return !ended;
 }
 
 std::vector<std::string> LinesOf(const std::string& text) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,10 +13,6 @@ struct Finished {
 /// Runs a program, found in the system's folders, in the C locale and with an empty standard input,
 /// and waits for its end. Throws std::runtime_error when that cannot be done.
 Finished RunToEnd(const std::vector<std::string>& words);
-
-/// True when the program, run as above but in a process group of its own, has not ended by itself
-/// after `time`; the group is killed then.
-bool RunsLongerThan(std::chrono::milliseconds time, const std::vector<std::string>& words);
 
 /// The lines of a text, without their ends; what stands behind the last line end is left out.
 std::vector<std::string> LinesOf(const std::string& text);

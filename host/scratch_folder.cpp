@@ -1,0 +1,32 @@
+#include "host/scratch_folder.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <utility>
+
+namespace pciinfo {
+
+// Not where the environment says: for a privileged user it may come from somebody else.
+ScratchFolder::ScratchFolder() : path_("/tmp/pciinfo-XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr) path_.clear();
+}
+
+void ScratchFolder::MoveIn() noexcept {
+  if (path_.empty()) return;
+  [[maybe_unused]] const int ignored = chdir(path_.c_str());
+  path_.clear();
+}
+
+void ScratchFolder::Remove() noexcept {
+  if (path_.empty()) return;
+  try {
+    std::filesystem::remove_all(std::exchange(path_, ""));
+  } catch (const std::exception&) {
+    return;  // somebody else's doing; what is left says nothing about this machine
+  }
+}
+
+}  // namespace pciinfo

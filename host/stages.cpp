@@ -1,0 +1,195 @@
+#include "host/stages.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/prctl.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+#include "host/confinement.h"
+#include "host/descendants.h"
+#include "host/ending_signals.h"
+#include "host/output.h"
+#include "host/scratch_folder.h"
+
+namespace pciinfo {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kNoTime{0};
+
+double Seconds(milliseconds time) { return static_cast<double>(time.count()) / 1000; }
+
+[[noreturn]] void ThrowErrno() { throw std::system_error(errno, std::generic_category()); }
+
+/// The first thing that a new process does: it has its own group, to be ended with all that is in
+/// it, and ends when the process before it does.
+void Settle(pid_t parent) noexcept {
+  setpgid(0, 0);
+  std::signal(SIGTTOU, SIG_IGN);  // its group is no longer the terminal's, but it prints
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(kFailed);
+}
+
+std::string HowItEnded(int status) {
+  if (WIFSIGNALED(status)) {
+    const int signal = WTERMSIG(status);
+    return fmt::format("died by signal {} ({})", signal, strsignal(signal));
+  }
+  return fmt::format("ended the program, with exit status {}", WEXITSTATUS(status));
+}
+
+/// What a process did that had done its stage and did not come to its end.
+const char* LaterWork(Progress progress) {
+  return progress == Progress::kDone ? "printing" : "ending the plug-ins";
+}
+
+bool CameToItsEnd(const SuccessorEnd& end) {
+  return end.progress == Progress::kOver && !end.outOfTime && WIFEXITED(end.status);
+}
+
+bool DidItsStage(const SuccessorEnd& end) {
+  return end.progress != Progress::kWorking && end.progress != Progress::kNoRoom;
+}
+
+ExitStatus StatusOf(const SuccessorEnd& end) {
+  return static_cast<ExitStatus>(WEXITSTATUS(end.status));
+}
+
+/// Signals that wait to be read as long as this lives, instead of ending the process.
+class HeldSignals final {
+ public:
+  HeldSignals() : held_(EndingSignals()), file_(signalfd(-1, &held_, SFD_CLOEXEC | SFD_NONBLOCK)) {
+    sigprocmask(SIG_BLOCK, &held_, &before_);
+  }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+  ~HeldSignals() { Release(); }
+
+  int Get() const noexcept { return file_.Get(); }
+  void Release() noexcept {
+    file_.Close();
+    sigprocmask(SIG_SETMASK, &before_, nullptr);
+  }
+
+ private:
+  sigset_t held_;
+  sigset_t before_{};
+  vtq::FileDescriptor file_;
+};
+
+}  // namespace
+
+Stages::Stages(const Limits& limits)
+    : limits_(limits), deadline_(steady_clock::now() + limits.time) {}
+
+Stages::~Stages() { Tell(Progress::kOver); }
+
+void Stages::Tell(Progress progress) noexcept {
+  if (!words_.IsOpen()) return;
+  const char word = static_cast<char>(progress);
+  // Without the pipe the process before would take this one's work for undone and do it again.
+  if (WriteAll(words_.Get(), {&word, 1}) != 0) _exit(kFailed);
+}
+
+std::optional<Successor> Stages::Fork() {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) ThrowErrno();
+  vtq::FileDescriptor reading(ends[0]);
+  vtq::FileDescriptor writing(ends[1]);
+  AdoptOrphans();
+  std::fflush(nullptr);  // or what a plug-in has printed so far comes out of both processes
+  const pid_t parent = getpid();
+  const pid_t child = fork();
+  if (child < 0) ThrowErrno();
+  if (child > 0) return Successor(child, std::move(reading));
+  Settle(parent);
+  words_ = std::move(writing);
+  return std::nullopt;
+}
+
+milliseconds Stages::TimeFor(bool isLast) const {
+  const auto left = std::chrono::ceil<milliseconds>(deadline_ - steady_clock::now());
+  return std::max(kNoTime, isLast ? left : left / 2);
+}
+
+std::string Stages::ReasonOf(const SuccessorEnd& end) const {
+  if (end.progress == Progress::kNoRoom) return "left no memory to go on with (--memory-limit)";
+  if (!end.outOfTime) return HowItEnded(end.status);
+  const std::string stopped =
+      fmt::format("was stopped after {:.3g} seconds", Seconds(*end.outOfTime));
+  if (DidItsStage(end)) return stopped;
+  return stopped +
+         fmt::format(" (--timeout bounds the whole run to {:.3g})", Seconds(limits_.time));
+}
+
+std::string Stages::FailureOf(const SuccessorEnd& end, const std::string& stage) const {
+  return fmt::format("{}: the process {}", DidItsStage(end) ? LaterWork(end.progress) : stage,
+                     ReasonOf(end));
+}
+
+std::optional<std::string> Stages::Begin(bool isLast) {
+  const milliseconds time = TimeFor(isLast);
+  try {
+    std::optional<Successor> successor = Fork();
+    if (!successor) return std::nullopt;
+    const SuccessorEnd end = successor->Await(time, -1);
+    if (!DidItsStage(end)) return ReasonOf(end);
+    // The rest of the run was the successor's.
+    if (!CameToItsEnd(end)) WriteMessage(FailureOf(end, ""));
+    Tell(Progress::kOver);
+    _exit(CameToItsEnd(end) ? StatusOf(end) : kFailed);
+  } catch (const std::system_error& error) {
+    return "could not be given a process: " + error.code().message();
+  }
+}
+
+void Stages::EndStage() {
+  if (!HasRoom()) {
+    Tell(Progress::kNoRoom);
+    _exit(kFailed);
+  }
+  Tell(Progress::kDone);
+}
+
+void Stages::BeginEnding() { Tell(Progress::kEnding); }
+
+ExitStatus Stages::RunFirst(const std::function<ExitStatus(Stages&)>& run) {
+  GiveUpPrivileges();
+  if (limits_.memory) LimitMemory(*limits_.memory);
+  return run(*this);
+}
+
+ExitStatus RunInStages(const Limits& limits, const FirstStage& first,
+                       const std::function<ExitStatus(Stages&)>& run) {
+  ScratchFolder folder;
+  HeldSignals signals;
+  Stages stages(limits);
+  std::optional<Successor> successor = stages.Fork();
+  if (!successor) {
+    signals.Release();
+    folder.MoveIn();
+    return stages.RunFirst(run);
+  }
+  const SuccessorEnd end = successor->Await(stages.TimeFor(first.isLast), signals.Get());
+  if (end.signal != 0) {
+    folder.Remove();
+    EndBySignal(end.signal);
+  }
+  if (CameToItsEnd(end)) return StatusOf(end);
+  WriteMessage(stages.FailureOf(end, first.what));
+  return kFailed;
+}
+
+}  // namespace pciinfo

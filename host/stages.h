@@ -1,0 +1,83 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "host/exit_status.h"
+#include "host/successor.h"
+#include "runtime/file_descriptor.h"
+
+namespace pciinfo {
+
+/// What plug-ins and the tools that they run may take.
+struct Limits {
+  std::chrono::milliseconds time{};     ///< for all stages together, from the start of the run
+  std::optional<std::uint64_t> memory;  ///< bytes of address space of each process
+};
+
+/// The stage that a run begins with.
+struct FirstStage {
+  std::string what;     ///< in words ("loading the plug-ins")
+  bool isLast = false;  ///< no other one comes after it
+};
+
+/// A run that outlives what it runs. Every stage of it is done in a process of its own, forked from
+/// the one that holds what all stages before have given. When a stage dies, hangs, or takes all
+/// memory, the process before it is still there: it goes on without what that stage would have
+/// given, and nothing had to be copied for it. So plug-ins may be forked between two calls.
+class Stages final {
+ public:
+  Stages(const Stages&) = delete;
+  Stages& operator=(const Stages&) = delete;
+  /// Tells the process before that this one came to its end in good order; a process that a
+  /// plug-in ends does not get here.
+  ~Stages();
+
+  /// Begins a stage. In a new process it returns nothing: that process does the stage, calls
+  /// EndStage and goes on with the rest of the run. In this process it returns only if the stage
+  /// was not done, with the reason as a clause ("died by signal 11 (...)"). Every stage but the
+  /// last may take half of the time that is left, so that one that hangs leaves some to the others.
+  std::optional<std::string> Begin(bool isLast);
+
+  /// The stage was done: what it gave is kept, and no time is counted from here on. A stage that
+  /// leaves no memory to go on with is given up here, and does not return.
+  void EndStage();
+
+  /// What is done for the user only is over: what comes now is work of the plug-ins again, and may
+  /// take ten seconds.
+  void BeginEnding();
+
+ private:
+  friend ExitStatus RunInStages(const Limits&, const FirstStage&,
+                                const std::function<ExitStatus(Stages&)>&);
+  explicit Stages(const Limits& limits);
+
+  /// Forks. In the new process it returns nothing, and `words_` leads to this one. Throws
+  /// std::system_error.
+  std::optional<Successor> Fork();
+  std::chrono::milliseconds TimeFor(bool isLast) const;
+  /// Why a stage was not done, or the rest of the run not carried to its end, as a clause.
+  std::string ReasonOf(const SuccessorEnd& end) const;
+  /// The same as a message, which names what was being done; `stage` is the name of the stage.
+  std::string FailureOf(const SuccessorEnd& end, const std::string& stage) const;
+  ExitStatus RunFirst(const std::function<ExitStatus(Stages&)>& run);
+  /// Ends this process when there is nobody to tell it.
+  void Tell(Progress progress) noexcept;
+
+  Limits limits_;
+  std::chrono::steady_clock::time_point deadline_;
+  vtq::FileDescriptor words_;  ///< to the process before; none in the first one
+};
+
+/// Runs `run`, which begins in its first stage, in a process that has no more rights than it needs
+/// and an empty working directory of its own, while this one waits, whatever becomes of the other.
+/// Returns in both processes: what `run` answered, or kFailed after a message when it came to no
+/// end. A signal that ends this process ends them all; nothing that they started outlives it.
+/// Throws std::system_error when there can be no other process.
+ExitStatus RunInStages(const Limits& limits, const FirstStage& first,
+                       const std::function<ExitStatus(Stages&)>& run);
+
+}  // namespace pciinfo

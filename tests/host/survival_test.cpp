@@ -1,0 +1,235 @@
+// The program outlives plug-ins that do harm, and leaves nothing behind.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+using std::chrono::steady_clock;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// The classes in the output of `instances --format jsonl`, each once.
+std::vector<std::string> ClassesIn(const std::string& out) {
+  std::vector<std::string> classes;
+  for (const std::string& line : LinesOf(out)) {
+    const std::size_t start = line.find("QZMSG_");
+    const std::string name = line.substr(start, line.find('"', start) - start);
+    if (classes.empty() || classes.back() != name) classes.push_back(name);
+  }
+  return classes;
+}
+
+// The class that does harm is the third; the associations join what the others gave.
+const auto kAllButSlots = ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemBoard",
+                                      "QZMSG_OnBoardDevice", "QZMSG_PCIRawData");
+const auto kAll =
+    ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemSlot", "QZMSG_SystemBoard",
+                "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice", "QZMSG_PCIRawData");
+
+class Survival : public testing::Test {
+ protected:
+  /// Runs all classes of a plug-in that does harm; every log record goes to Log().
+  RunResult Run(const std::string& harm, std::vector<std::string> options = {}) {
+    options.insert(options.begin(), {"instances", "--format", "jsonl", "--log-file", LogFile()});
+    return RunFake("hostile_" + harm, options);
+  }
+
+  std::string LogFile() const { return directory_.GetPath() + "/log"; }
+
+  bool Logs(const std::string& text) const {
+    std::ifstream stream(LogFile());
+    const std::string log{std::istreambuf_iterator<char>(stream), {}};
+    return log.find(text) != std::string::npos;
+  }
+
+  /// What follows `beginning` in the log.
+  std::string Logged(const std::string& beginning) const {
+    std::ifstream stream(LogFile());
+    for (std::string line; std::getline(stream, line);) {
+      const std::size_t start = line.find(beginning);
+      if (start != std::string::npos) return line.substr(start + beginning.size());
+    }
+    return "";
+  }
+
+  /// Whether the process that a plug-in left behind is there.
+  bool IsProcessThere() const {
+    const std::string number = Logged("left behind: ");
+    EXPECT_NE(number, "");
+    return kill(std::stoi(number), 0) == 0;
+  }
+
+  vtq::TemporaryDirectory directory_;
+};
+
+TEST_F(Survival, AClassWhoseCollectionDiesIsNamedAndTheOthersArePrinted) {
+  const RunResult result = Run("Abort_QZMSG_SystemSlot");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)"));
+}
+
+TEST_F(Survival, APluginThatEndsTheProgramLosesItsClassOnly) {
+  const RunResult result = Run("Exit_QZMSG_SystemSlot");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(LinesOf(result.err), ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in ended the "
+                                               "program, with exit status 0"));
+}
+
+TEST_F(Survival, AClassThatHangsIsStoppedInTime) {
+  const auto start = steady_clock::now();
+  const RunResult result = Run("Hang_QZMSG_SystemSlot", {"--timeout", "4"});
+  EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(60));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(
+      LinesOf(result.err),
+      ElementsAre(AllOf(StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in was stopped after "),
+                        HasSubstr(" seconds (--timeout bounds the whole run to 4)"))));
+}
+
+TEST_F(Survival, APluginThatCannotBeLoadedAliveIsAnError) {
+  const RunResult died = Run("Abort_Init");
+  EXPECT_EQ(died.status, 1);
+  EXPECT_EQ(died.out, "");
+  EXPECT_EQ(died.err, "pciinfo: loading the plug-ins: the process died by signal 6 (Aborted)\n");
+  const RunResult hung = Run("Hang_Init", {"--timeout", "1"});
+  EXPECT_EQ(hung.status, 1);
+  EXPECT_EQ(hung.err,
+            "pciinfo: loading the plug-ins: the process was stopped after 0.5 seconds (--timeout "
+            "bounds the whole run to 1)\n");
+}
+
+TEST_F(Survival, APluginThatDiesAtItsEndIsReportedAfterTheOutput) {
+  const RunResult died = Run("Abort_DeInit");
+  EXPECT_EQ(died.status, 1);
+  EXPECT_THAT(ClassesIn(died.out), kAll);
+  EXPECT_EQ(died.err, "pciinfo: ending the plug-ins: the process died by signal 6 (Aborted)\n");
+  const RunResult exited = Run("Exit_DeInit");
+  EXPECT_EQ(exited.status, 1);
+  EXPECT_THAT(ClassesIn(exited.out), kAll);
+  EXPECT_EQ(exited.err,
+            "pciinfo: ending the plug-ins: the process ended the program, with exit status 0\n");
+}
+
+TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
+  const RunResult result = Run("Hang_DeInit");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAll);
+  EXPECT_EQ(result.err, "pciinfo: ending the plug-ins: the process was stopped after 10 seconds\n");
+}
+
+// A sanitizer has allocators and limits of its own.
+#ifndef PCIINFO_SANITIZED
+TEST_F(Survival, AClassThatFloodsTheMemoryLeavesItToTheOthers) {
+  const RunResult result = Run("Flood_QZMSG_SystemSlot", {"--memory-limit", "300"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in left no memory to go on with "
+                          "(--memory-limit)"));
+}
+
+TEST_F(Survival, AClassThatQuietlyTakesAllMemoryIsNoticed) {
+  const RunResult result = Run("Hoard_QZMSG_SystemSlot", {"--memory-limit", "300"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_SystemSlot: the plug-in "));
+}
+#endif
+
+TEST_F(Survival, AProcessThatAPluginLeavesBehindIsEnded) {
+  const RunResult result = Run("LeaveProcess_QZMSG_SystemSlot");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(ClassesIn(result.out), kAll);
+  EXPECT_FALSE(IsProcessThere());
+}
+
+TEST_F(Survival, AProcessThatADyingPluginLeavesBehindIsEnded) {
+  const RunResult result = Run("LeaveProcessAndAbort_QZMSG_SystemSlot");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_FALSE(IsProcessThere());
+}
+
+TEST_F(Survival, APluginThatClosesEverythingLosesItsClassOnly) {
+  const RunResult result = Run("CloseFiles_QZMSG_SystemSlot");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(result.err, StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in "));
+}
+
+TEST_F(Survival, WhatAPluginWritesWhereItStandsIsNotLeftBehind) {
+  const RunResult result = Run("WriteFile_QZMSG_SystemSlot");
+  EXPECT_EQ(result.status, 0) << result.err;
+  const std::string folder = Logged("wrote into: ");
+  EXPECT_THAT(folder, StartsWith("/tmp/pciinfo-"));
+  EXPECT_FALSE(std::filesystem::exists(folder));
+}
+
+TEST_F(Survival, WhatAPluginPrintsComesOnce) {
+  const RunResult result = Run("PrintToStdout_QZMSG_PCIDevice");
+  const std::size_t first = result.out.find("unasked");
+  ASSERT_NE(first, std::string::npos);
+  EXPECT_EQ(result.out.find("unasked", first + 1), std::string::npos);
+}
+
+class SignalledSurvival : public Survival, public testing::WithParamInterface<int> {
+ protected:
+  pid_t StartHanging() const {
+    const pid_t program = fork();
+    if (program != 0) return program;
+    const std::string plugin = FakePluginFile("hostile_Hang_QZMSG_SystemSlot");
+    execl(PCIINFO_PROGRAM, "pciinfo", "instances", "--log-file", LogFile().c_str(), "--plugin",
+          plugin.c_str(), nullptr);
+    _exit(127);
+  }
+
+  void WaitUntilItHangs() const {
+    while (!Logs("GetData QZMSG_SystemSlot")) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+  }
+
+  /// How many processes have the log file on their command line, as all of the program's have.
+  int CountProcesses() const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      std::ifstream stream(entry.path() / "cmdline");
+      const std::string words{std::istreambuf_iterator<char>(stream), {}};
+      if (words.find(LogFile()) != std::string::npos) ++count;
+    }
+    return count;
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Signals, SignalledSurvival, testing::Values(SIGHUP, SIGINT, SIGTERM));
+
+TEST_P(SignalledSurvival, ASignalEndsTheProgramAndAllThatItStarted) {
+  const pid_t program = StartHanging();
+  WaitUntilItHangs();
+  EXPECT_GT(CountProcesses(), 1);
+  kill(program, GetParam());
+  int status = 0;
+  waitpid(program, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), GetParam());
+  EXPECT_EQ(CountProcesses(), 0);
+}
+
+}  // namespace

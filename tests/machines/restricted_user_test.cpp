@@ -1,0 +1,77 @@
+// The program run by somebody who may not read everything: what is missing is named, once, and the
+// rest is there.
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "tests/fakes/machine_tree.h"
+#include "tests/machines/machine.h"
+#include "tests/machines/process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class RestrictedUserTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const Machine& machine : OwnMachines()) {
+      if (machine.name == "server-peer-groups") Become(machine);
+    }
+  }
+
+  static void Lock(const std::string& path) {
+    ASSERT_TRUE(fs::exists(MachineTree::Real(path))) << path;
+    fs::permissions(MachineTree::Real(path), fs::perms::none);
+  }
+
+  /// Runs the program without the right to pass over permissions.
+  static Finished Run(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(),
+                     {"setpriv", "--bounding-set=-dac_override,-dac_read_search",
+                      "--inh-caps=-dac_override,-dac_read_search", PCIINFO_PROGRAM});
+    return RunToEnd(arguments);
+  }
+};
+
+TEST_F(RestrictedUserTest, UnreadableSmbiosTablesAreNamedOnceAndTheFunctionsAreThere) {
+  const std::size_t functions =
+      LinesOf(Run({"instances", "QZMSG_PCIDevice", "--format", "jsonl"}).out).size();
+  Lock("/sys/firmware/dmi/tables/DMI");
+  Lock("/sys/firmware/dmi/tables/smbios_entry_point");
+  const Finished devices = Run({"instances", "QZMSG_PCIDevice", "--format", "jsonl"});
+  EXPECT_EQ(LinesOf(devices.out).size(), functions);
+  EXPECT_GT(functions, 0U);
+  const Finished all = Run({"instances", "--format", "jsonl"});
+  EXPECT_EQ(all.status, 1);
+  EXPECT_THAT(LinesOf(all.err),
+              ElementsAre(HasSubstr("this user may not read the SMBIOS tables, so no slots are "
+                                    "known; run as root")));
+}
+
+TEST_F(RestrictedUserTest, AFunctionThatMayNotBeReadIsNamedOnce) {
+  const Finished whole = Run({});
+  const std::string first = LinesOf(whole.out).at(1).substr(0, 7);  // "00:00.0"
+  Lock("/proc/bus/pci/" + first.substr(0, 2) + "/" + first.substr(3));
+  const Finished result = Run({});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(LinesOf(result.out).size() + 1, LinesOf(whole.out).size());
+  EXPECT_THAT(LinesOf(result.err), ElementsAre(HasSubstr(first.substr(3) + " could not be ")));
+}
+
+TEST_F(RestrictedUserTest, NothingIsWrittenWhereTheUserStands) {
+  const fs::path folder = MachineTree::Real("/standing");
+  fs::create_directories(folder);
+  const fs::path before = fs::current_path();
+  fs::current_path(folder);
+  Run({"instances"});
+  fs::current_path(before);
+  EXPECT_TRUE(fs::is_empty(folder));
+}
+
+}  // namespace
