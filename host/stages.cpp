@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -29,7 +30,10 @@ using std::chrono::steady_clock;
 
 constexpr milliseconds kNoTime{0};
 
-double Seconds(milliseconds time) { return static_cast<double>(time.count()) / 1000; }
+/// To a tenth, for people.
+double Seconds(milliseconds time) {
+  return std::round(static_cast<double>(time.count()) / 100) / 10;
+}
 
 [[noreturn]] void ThrowErrno() { throw std::system_error(errno, std::generic_category()); }
 
@@ -128,10 +132,9 @@ std::string Stages::ReasonOf(const SuccessorEnd& end) const {
   if (end.progress == Progress::kNoRoom) return "left no memory to go on with (--memory-limit)";
   if (!end.outOfTime) return HowItEnded(end.status);
   const std::string stopped =
-      fmt::format("was stopped after {:.3g} seconds", Seconds(*end.outOfTime));
+      fmt::format("was stopped after {:g} seconds", Seconds(*end.outOfTime));
   if (DidItsStage(end)) return stopped;
-  return stopped +
-         fmt::format(" (--timeout bounds the whole run to {:.3g})", Seconds(limits_.time));
+  return stopped + fmt::format(" (--timeout bounds the whole run to {:g})", Seconds(limits_.time));
 }
 
 std::string Stages::FailureOf(const SuccessorEnd& end, const std::string& stage) const {

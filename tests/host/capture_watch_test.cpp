@@ -24,6 +24,7 @@ template <class Work>
 int StatusOf(const Work& work) {
   const pid_t child = fork();
   if (child == 0) {
+    HearSignals();
     work();
     _exit(0);
   }

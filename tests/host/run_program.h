@@ -10,6 +10,10 @@ struct RunResult {
   std::string err;
 };
 
+/// Gives the signals that end programs their usual meaning: whoever runs the tests in the background
+/// may have had them ignored.
+void HearSignals();
+
 /// Runs a program and waits for it. Standard input is empty.
 RunResult RunProgram(const std::string& program, const std::vector<std::string>& arguments);
 
