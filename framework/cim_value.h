@@ -83,10 +83,12 @@ class VTQ_EXPORT TCIMValue {
   /// number of elements, or an element is neither null nor a scalar of `type`.
   void Set(TCIMType type, std::uint32_t count, TArray elements);
 
-  bool IsNull() const noexcept;
-  bool IsArray() const noexcept;
+  bool IsNull() const noexcept { return std::holds_alternative<std::monostate>(data_); }
+  bool IsArray() const noexcept {
+    return std::holds_alternative<std::shared_ptr<const TArray>>(data_);
+  }
   /// The type of the scalar or of the array's elements.
-  TCIMType GetType() const noexcept;
+  TCIMType GetType() const noexcept { return type_; }
 
   /// Integers. Every integer type converts to every other as long as the number fits. Throws
   /// TVTQException when the value is null, an array, not an integer, or does not fit.

@@ -27,8 +27,9 @@ class VTQ_EXPORT TOSSpecific {
   /// Whether a file of that name exists (links followed).
   static bool FileExists(const std::string& path) noexcept;
 
-  /// The BIOS version text (SMBIOS type 0, 7.1); empty where the firmware's tables hold none or
-  /// cannot be read.
+  /// The BIOS version text (SMBIOS type 0, 7.1); empty where the firmware's tables hold none, and
+  /// where there are no tables that this user could use. Throws TVTQException when reading them
+  /// fails.
   static std::string GetBiosID();
 };
 

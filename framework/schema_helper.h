@@ -17,7 +17,8 @@ class VTQ_EXPORT TCIMSchemaHelper {
   static std::string GetSystemCreationClassName(std::shared_ptr<ICIMNamespace> nameSpace);
 
   /// The Name of the system: its fully qualified host name where it has one, else its host name;
-  /// empty when it has none. Throws TVTQException when `nameSpace` is null.
+  /// empty when it has none. A warning in the log tells when its domain could not be looked for.
+  /// Throws TVTQException when `nameSpace` is null.
   static std::string GetSystemName(std::shared_ptr<ICIMNamespace> nameSpace);
 };
 

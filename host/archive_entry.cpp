@@ -19,6 +19,7 @@ namespace {
 std::vector<std::string> Parts(const std::string& path) {
   std::vector<std::string> parts;
   std::istringstream stream(path);
+  stream.exceptions(std::ios::badbit);  // no memory is not the end of the path
   for (std::string part; std::getline(stream, part, '/');) {
     if (!part.empty() && part != ".") parts.push_back(part);
   }

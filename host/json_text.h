@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "framework/cim_value.h"
@@ -8,8 +7,8 @@
 
 namespace pciinfo {
 
-/// `bytes` (made UTF-8, see ToUtf8) as a JSON string with its quotes.
-std::string JsonString(std::string_view bytes);
+/// Writes `bytes` (made UTF-8, see ToUtf8) as a JSON string with its quotes.
+void WriteJsonString(Output& output, std::string_view bytes);
 
 /// Writes a value as JSON: numbers and booleans as such, texts, datetimes and the paths of
 /// references as strings, null as null. An array goes out element by element.

@@ -3,35 +3,34 @@
 #include "host/json_text.h"
 
 namespace pciinfo {
-namespace {
 
-void WriteProperties(Output& output, const vtq::Class& cimClass, const vtq::Instance& instance) {
+void JsonObjects::BeginClass(const vtq::Class& cimClass) {
+  const vtq::ClassSchema& schema = cimClass.GetSchema();
+  head_ = "{\"class\":\"" + schema.name + "\",\"path\":";
+  names_.clear();
+  for (const vtq::PropertySchema& property : schema.properties) {
+    names_.push_back('"' + property.name + "\":");
+  }
+}
+
+void JsonObjects::Write(const vtq::Class& cimClass, const vtq::Instance& instance) {
+  output_.Write(head_);
+  WriteJsonString(output_, instance.GetPath());
+  output_.Write(",\"properties\":{");
   bool first = true;
   for (const std::size_t position : cimClass.GetNameOrder()) {
     const NQZMVTQ20::TCIMValue& value = instance.GetValue(position);
     if (value.IsNull()) continue;
-    if (!first) output.Write(",");
+    if (!first) output_.Write(",");
     first = false;
-    output.Write(JsonString(cimClass.GetSchema().properties[position].name));
-    output.Write(":");
-    WriteJsonValue(output, value);
+    output_.Write(names_[position]);
+    WriteJsonValue(output_, value);
   }
+  output_.Write("}}");
 }
-
-void WriteInstance(Output& output, const vtq::Class& cimClass, const vtq::Instance& instance) {
-  output.Write("{\"class\":");
-  output.Write(JsonString(cimClass.GetSchema().name));
-  output.Write(",\"path\":");
-  output.Write(JsonString(instance.GetPath().ToString()));
-  output.Write(",\"properties\":{");
-  WriteProperties(output, cimClass, instance);
-  output.Write("}}");
-}
-
-}  // namespace
 
 void JsonLinesWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance) {
-  WriteInstance(output_, cimClass, instance);
+  objects_.Write(cimClass, instance);
   output_.Write("\n");
 }
 
@@ -40,7 +39,7 @@ void JsonWriter::Begin() { output_.Write("{\"instances\":["); }
 void JsonWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance) {
   output_.Write(first_ ? "\n" : ",\n");
   first_ = false;
-  WriteInstance(output_, cimClass, instance);
+  objects_.Write(cimClass, instance);
 }
 
 void JsonWriter::End() { output_.Write(first_ ? "]}\n" : "\n]}\n"); }

@@ -16,9 +16,11 @@
 namespace pciinfo {
 namespace {
 
+using Json = nlohmann::json;
 using nlohmann::ordered_json;
 
 constexpr int kFormatVersion = 1;
+constexpr int kDeepestNesting = 32;              // values are copied and freed by recursion
 constexpr std::size_t kLongestSystemName = 253;  // RFC 1035, 2.3.4, without the final dot
 constexpr int kVersionSeconds = 10;
 
@@ -50,14 +52,34 @@ bool IsSystemName(const std::string& name) {
          std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < '\x7F'; });
 }
 
-Manifest FromJson(const ordered_json& json) {
+[[noreturn]] void RefuseDamaged(const std::string& how) {
+  throw BadCapture("its manifest.json is damaged: " + how);
+}
+
+// Not for ordered_json: an object of many keys would take the square of their number.
+Json ParseShallow(std::string_view text) {
+  return Json::parse(text, [](int depth, Json::parse_event_t, Json&) {
+    if (depth > kDeepestNesting) RefuseDamaged("it is nested too deeply");
+    return true;
+  });
+}
+
+// A conversion to a number would take 1.5, true and 2^32 + 1 for 1.
+void RequireKnownVersion(const Json& version) {
+  if (!version.is_number_integer()) RefuseDamaged("its formatVersion is no whole number");
+  if (version == kFormatVersion) return;
+  throw BadCapture("it is of format version " + version.dump() +
+                   ", and this program knows version " + std::to_string(kFormatVersion));
+}
+
+Manifest FromJson(const Json& parsed) {
   Manifest manifest;
-  manifest.systemName = json.value("systemName", "");
-  manifest.kernelRelease = json.value("kernelRelease", "");
-  manifest.capturedAt = json.value("capturedAt", "");
-  manifest.tools = json.value("tools", manifest.tools);
-  manifest.redacted = json.value("redacted", false);
-  for (const ordered_json& part : json.value("unread", ordered_json::array())) {
+  manifest.systemName = parsed.value("systemName", "");
+  manifest.kernelRelease = parsed.value("kernelRelease", "");
+  manifest.capturedAt = parsed.value("capturedAt", "");
+  manifest.tools = parsed.value("tools", manifest.tools);
+  manifest.redacted = parsed.value("redacted", false);
+  for (const Json& part : parsed.value("unread", Json::array())) {
     manifest.unread.push_back({part.value("path", ""), part.value("reason", "")});
   }
   return manifest;
@@ -81,8 +103,9 @@ std::string ManifestJson(const Manifest& manifest) {
   json["systemName"] = ToUtf8(manifest.systemName);
   json["kernelRelease"] = ToUtf8(manifest.kernelRelease);
   json["capturedAt"] = manifest.capturedAt;
-  json["tools"] = ordered_json::object();
-  for (const auto& [tool, version] : manifest.tools) json["tools"][tool] = ToUtf8(version);
+  std::map<std::string, std::string> tools = manifest.tools;
+  for (auto& [tool, version] : tools) version = ToUtf8(version);
+  json["tools"] = tools;
   json["redacted"] = manifest.redacted;
   json["unread"] = ordered_json::array();
   for (const UnreadPart& part : manifest.unread) {
@@ -91,21 +114,17 @@ std::string ManifestJson(const Manifest& manifest) {
   return json.dump(2) + "\n";
 }
 
-Manifest ParseManifest(std::string_view json) {
+Manifest ParseManifest(std::string_view text) {
   try {
-    const ordered_json parsed = ordered_json::parse(json);
-    const int version = parsed.at("formatVersion").get<int>();
-    if (version != kFormatVersion) {
-      throw BadCapture("it is of format version " + std::to_string(version) +
-                       ", and this program knows version " + std::to_string(kFormatVersion));
-    }
+    const Json parsed = ParseShallow(text);
+    RequireKnownVersion(parsed.at("formatVersion"));
     Manifest manifest = FromJson(parsed);
     if (!IsSystemName(manifest.systemName)) {
       throw BadCapture("the systemName in its manifest.json is none");
     }
     return manifest;
-  } catch (const nlohmann::json::exception& error) {
-    throw BadCapture(std::string("its manifest.json is damaged: ") + error.what());
+  } catch (const Json::exception& error) {
+    RefuseDamaged(error.what());
   }
 }
 

@@ -39,8 +39,8 @@ Manifest DescribeThisMachine();
 std::string ManifestJson(const Manifest& manifest);
 
 /// Reads a manifest; keys that are missing or unknown do no harm. Throws BadCapture for what is no
-/// manifest, for a format version that this program does not know, and for a system name that no
-/// system can have.
-Manifest ParseManifest(std::string_view json);
+/// manifest or is nested deeper than any, for a format version that this program does not know, and
+/// for a system name that no system can have.
+Manifest ParseManifest(std::string_view text);
 
 }  // namespace pciinfo

@@ -9,12 +9,6 @@
 #include "host/text.h"
 
 namespace pciinfo {
-namespace {
-
-constexpr std::size_t kBufferSize = 65536;
-
-}  // namespace
-
 int WriteAll(int descriptor, std::string_view text) noexcept {
   while (!text.empty()) {
     const ssize_t written = write(descriptor, text.data(), text.size());
@@ -26,11 +20,6 @@ int WriteAll(int descriptor, std::string_view text) noexcept {
 }
 
 Output::Output(int descriptor) : descriptor_(descriptor) { buffer_.reserve(kBufferSize); }
-
-void Output::Write(std::string_view text) {
-  buffer_.append(text);
-  if (buffer_.size() >= kBufferSize) Flush();
-}
 
 void Output::Flush() {
   const int error = WriteAll(descriptor_, buffer_);
@@ -57,11 +46,17 @@ void WriteErrorLine(std::string_view line) noexcept {
     // One write, so that lines of several processes on one terminal do not mix.
     WriteErrorText(std::string(line) + '\n');
   } catch (const std::exception&) {
-    // No memory for a message: there is nobody left to tell.
-    return;
+    WriteErrorText(line);
+    WriteErrorText("\n");
   }
 }
 
-void WriteMessage(std::string_view text) { WriteErrorLine("pciinfo: " + Printable(text)); }
+void WriteMessage(std::string_view text) noexcept {
+  try {
+    WriteErrorLine("pciinfo: " + Printable(text));
+  } catch (const std::exception&) {
+    WriteErrorText("pciinfo: there is not enough memory, not even for a message\n");
+  }
+}
 
 }  // namespace pciinfo

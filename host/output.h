@@ -29,11 +29,16 @@ class Output final {
   Output& operator=(const Output&) = delete;
 
   /// Throws OutputError or ClosedPipe when something could not be written.
-  void Write(std::string_view text);
+  void Write(std::string_view text) {
+    buffer_.append(text);
+    if (buffer_.size() >= kBufferSize) Flush();
+  }
   /// Writes what is still buffered; throws like Write. What was not flushed is lost.
   void Flush();
 
  private:
+  static constexpr std::size_t kBufferSize = 65536;
+
   int descriptor_;
   std::string buffer_;
 };
@@ -51,7 +56,8 @@ void WriteErrorText(std::string_view text) noexcept;
 /// Writes one line to standard error, as WriteErrorText does.
 void WriteErrorLine(std::string_view line) noexcept;
 
-/// Writes a message of this program, "pciinfo: " and `text` made printable, as WriteErrorLine does.
-void WriteMessage(std::string_view text);
+/// Writes a message of this program, "pciinfo: " and `text` made printable, as WriteErrorLine does;
+/// where memory does not suffice for that, it says so instead.
+void WriteMessage(std::string_view text) noexcept;
 
 }  // namespace pciinfo

@@ -23,7 +23,7 @@ std::string LocationOf(const vtq::Instance& instance) {
 
 PciFunction ReadFunction(const vtq::Class& cimClass, const vtq::Instance& instance) {
   PciFunction function;
-  function.path = instance.GetPath().ToString();
+  function.path = instance.GetPath();
   function.kind = cimClass.GetSchema().name == "QZMSG_PCIBridge" ? "bridge" : "device";
   function.location = LocationOf(instance);
   function.address = ParseLocation(function.location);

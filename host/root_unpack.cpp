@@ -95,8 +95,9 @@ std::optional<std::string> ServedPlace(const std::string& path) {
   return IsWithin(path, "commands") ? "proc/pciinfo/" + path : path;
 }
 
-std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree) {
-  EntryGate gate;
+std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
+                                         const CaptureLimits& limits) {
+  EntryGate gate(limits);
   Unpacking unpacking(capture, tree);
   std::optional<std::string> manifest;
   while (const std::optional<ArchiveEntry> entry = capture.Next()) {

@@ -20,6 +20,7 @@ std::optional<std::string> ServedPlace(const std::string& path);
 /// Writes what is served of a capture to `tree`; answers its manifest.json, if it has one. Throws
 /// BadCapture for a capture that is damaged, is over the limits, could do harm, or holds nothing
 /// that is served; std::system_error when the tree cannot be written.
-std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree);
+std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
+                                         const CaptureLimits& limits = {});
 
 }  // namespace pciinfo

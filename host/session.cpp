@@ -16,10 +16,12 @@ using NQZMVTQ20::ILogger;
 std::shared_ptr<vtq::Logger> MakeLogger(TroubleReport& report, const LogSettings& settings) {
   auto logger = std::make_shared<vtq::Logger>();
   if (!settings.file.empty()) logger->AddSink(vtq::MakeFileSink(settings.file));
-  logger->AddSink(MakeStderrSink(settings.level, report));
-  logger->AddSink([&report](ILogger::EVTQLogSeverity severity, const std::string& text) {
-    report.AddRecord(severity, text);
-  });
+  logger->AddSink(
+      MakeStderrSink(settings.level, report),
+      static_cast<ILogger::EVTQLogSeverity>(settings.level.value_or(ILogger::kWarning)));
+  logger->AddSink([&report](ILogger::EVTQLogSeverity severity,
+                            const std::string& text) { report.AddRecord(severity, text); },
+                  ILogger::kStatus);
   return logger;
 }
 

@@ -32,7 +32,7 @@ std::optional<std::string> DesignationOf(const vtq::Instance& instance) {
 
 Slot ReadSlot(const vtq::Instance& instance) {
   Slot slot;
-  slot.path = instance.GetPath().ToString();
+  slot.path = instance.GetPath();
   slot.tag = TextOf(instance, "Tag");
   slot.designation = DesignationOf(instance);
   slot.type = NumberOf(instance, "ConnectorType");

@@ -1,14 +1,16 @@
 #include "pci/address.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
-// Room for the longest of the texts, whatever the numbers.
-using TextBuffer = std::array<char, 24>;
+char HexDigit(unsigned number) { return "0123456789abcdef"[number & 0xF]; }
+
+void PutHexPair(std::uint8_t number, char* place) {
+  place[0] = HexDigit(number >> 4U);
+  place[1] = HexDigit(number);
+}
 
 std::string HexToDecimal(std::string_view digits) {
   return std::to_string(std::strtoul(std::string(digits).c_str(), nullptr, 16));
@@ -17,9 +19,12 @@ std::string HexToDecimal(std::string_view digits) {
 }  // namespace
 
 std::string PciAddress::ListingKey() const {
-  TextBuffer text{};
-  std::snprintf(text.data(), text.size(), "%02x:%02x.%x", bus, device, function);
-  return text.data();
+  // Made for every function of a machine, and several times as fast as with a format.
+  std::string text = "00:00.";
+  PutHexPair(bus, &text[0]);
+  PutHexPair(device, &text[3]);
+  if (function > 0xF) text += HexDigit(function >> 4);
+  return text += HexDigit(function);
 }
 
 std::string PciAddress::LegacyKey() const {

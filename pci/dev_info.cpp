@@ -38,9 +38,9 @@ std::vector<ICIMInstance*> TPciDevInfo::GetCIMInstances(std::string className) {
 
   std::vector<ICIMInstance*> instances;
   if (className == kPciBridgeClass) {
-    GeneratePciInstances(&instances, state.pciBridgePropsVect, className);
+    AppendInstances(&instances, state.pciBridgePropsVect, className);
   } else if (className == kPciDeviceClass) {
-    GeneratePciInstances(&instances, state.pciDevicePropsVect, className);
+    AppendInstances(&instances, state.pciDevicePropsVect, className);
   } else if (className == kDeviceInSlotClass) {
     GeneratePciInstances(&instances, MakeDeviceSlotAssociation(), className);
   } else if (className == kPciRawDataClass) {
@@ -55,9 +55,15 @@ std::vector<ICIMInstance*> TPciDevInfo::GetCIMInstances(std::string className) {
 
 void TPciDevInfo::GeneratePciInstances(std::vector<ICIMInstance*>* instances,
                                        std::vector<TPropertyMap> maps, std::string className) {
-  for (TPropertyMap& map : maps) {
+  AppendInstances(instances, maps, className);
+}
+
+void TPciDevInfo::AppendInstances(std::vector<ICIMInstance*>* instances,
+                                  const std::vector<TPropertyMap>& maps,
+                                  const std::string& className) {
+  for (const TPropertyMap& map : maps) {
     try {
-      instances->push_back(GenerateCIMInstance(std::move(map), className));
+      instances->push_back(MakeInstance(map, className));
     } catch (const TVTQException& failure) {
       WriteStatus("PciDevInfo encountered an error generating CIM instances for " + className +
                   " Error Code: " + dataToString<const char*>(failure.what()));

@@ -30,6 +30,10 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
   /// left out.
   void GeneratePciInstances(std::vector<NQZMVTQ20::ICIMInstance*>* instances,
                             std::vector<TPropertyMap> maps, std::string className);
+  /// The same with maps that stay the caller's: copying an inventory costs as much as taking it.
+  [[gnu::visibility("hidden")]] void AppendInstances(
+      std::vector<NQZMVTQ20::ICIMInstance*>* instances, const std::vector<TPropertyMap>& maps,
+      const std::string& className);
 
   // Inventory: one pass over all functions.
 

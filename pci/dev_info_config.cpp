@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <new>
 
@@ -13,10 +12,8 @@
 namespace {
 
 std::string ConfigPath(const sPciDevices& record) {
-  char path[64];
-  std::snprintf(path, sizeof path, "%s/%02x/%02x.%d", kProcBusPci, record.bus, record.device,
-                record.function);
-  return path;
+  const std::string key = PciAddress{record.bus, record.device, record.function}.ListingKey();
+  return std::string(kProcBusPci) + '/' + key.substr(0, 2) + '/' + key.substr(3);
 }
 
 // A file descriptor that is closed at the end of its scope.

@@ -19,7 +19,7 @@ struct Columns {
 
 Columns SplitColumns(std::string_view line) {
   Columns columns;
-  ForEachToken(line, "\t", [&](std::string_view column) {
+  ForEachToken(line, '\t', [&](std::string_view column) {
     columns.texts[columns.count++] = column;
     return columns.count < columns.texts.size();
   });
@@ -34,7 +34,7 @@ Number ParseHex(std::string_view text) {
 // The kernel right-aligns these columns with blanks.
 std::uint32_t ParsePaddedHex(std::string_view column) {
   std::uint32_t value = 0;
-  ForEachToken(column, " ", [&](std::string_view number) {
+  ForEachToken(column, ' ', [&](std::string_view number) {
     value = ParseHex<unsigned int>(number);
     return false;
   });

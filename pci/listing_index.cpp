@@ -23,7 +23,7 @@ std::string_view RestBehind(std::string_view line, std::size_t end) {
 }  // namespace
 
 ListingIndex::ListingIndex(std::string listing) : listing_(std::move(listing)) {
-  ForEachToken(listing_, "\n", [this](std::string_view line) {
+  ForEachToken(listing_, '\n', [this](std::string_view line) {
     for (std::size_t colon = line.find(':'); colon != std::string_view::npos;
          colon = line.find(':', colon + 1)) {
       if (colon < 2) continue;
@@ -43,7 +43,7 @@ std::string_view ListingIndex::Find(std::string_view key) const {
 
 std::string_view ListingIndex::Search(std::string_view key) const {
   std::string_view rest;
-  ForEachToken(listing_, "\n", [&](std::string_view line) {
+  ForEachToken(listing_, '\n', [&](std::string_view line) {
     const std::size_t place = line.find(key);
     if (place != std::string_view::npos) rest = RestBehind(line, place + key.size());
     return rest.empty();

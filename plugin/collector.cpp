@@ -43,6 +43,10 @@ void TPci::WriteDebug(const std::string& text) const { Write(text, ILogger::kDeb
 void TPci::WriteVerbose(const std::string& text) const { Write(text, ILogger::kVerbose); }
 
 ICIMInstance* TPci::GenerateCIMInstance(TPropertyMap properties, std::string className) {
+  return MakeInstance(properties, className);
+}
+
+ICIMInstance* TPci::MakeInstance(const TPropertyMap& properties, const std::string& className) {
   WriteVerbose("TPci::generateCIMInstance - Generating CIM instance for class " + className + ".");
   const std::shared_ptr<ICIMInstance> instance = GetCIMClass()->CreateInstance({});
   for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});

@@ -46,6 +46,10 @@ class VTQ_EXPORT TPci {
   /// counts, and is not to be followed.
   NQZMVTQ20::ICIMInstance* GenerateCIMInstance(TPropertyMap properties, std::string className);
 
+  /// Does what GenerateCIMInstance does with properties that stay the caller's.
+  [[gnu::visibility("hidden")]] NQZMVTQ20::ICIMInstance* MakeInstance(
+      const TPropertyMap& properties, const std::string& className);
+
   /// Whether the framework holds an instance of the candidate's class with the candidate's object
   /// path; a committed candidate finds itself.
   bool IsDuplicateInstance(NQZMVTQ20::ICIMInstance* candidate);

@@ -34,6 +34,21 @@ class HexReader {
   mutable std::ios format_;
 };
 
+// What nearly all numbers are: a few lower-case digits and nothing else. False for any other text.
+template <class T>
+bool ReadDigits(const std::string& text, T* value) {
+  if (text.size() > 2 * sizeof(T)) return false;
+  T number = 0;
+  for (const char c : text) {
+    const bool isDecimal = c >= '0' && c <= '9';
+    if (!isDecimal && (c < 'a' || c > 'f')) return false;
+    const auto digit = static_cast<unsigned>(isDecimal ? c - '0' : c - 'a' + 10);
+    number = static_cast<T>(unsigned{number} << 4U | digit);
+  }
+  *value = number;
+  return true;
+}
+
 }  // namespace
 
 template <class T>
@@ -43,15 +58,17 @@ std::string dataToString(T value) {
     if (value == nullptr) return "";
   }
   std::stringstream stream;
+  stream.exceptions(std::ios::badbit);  // a text is whole, or there is none
   stream << value;
   return stream.str();
 }
 
 template <class T>
 T ExtractDecimalDataToHex(std::string text) {
-  static const HexReader reader;
   T value = 0;
-  if (!text.empty()) reader.Read(text, &value);
+  if (ReadDigits(text, &value)) return value;
+  static const HexReader reader;
+  reader.Read(text, &value);
   return value;
 }
 

@@ -8,6 +8,9 @@
 
 namespace vtq {
 
+using NQZMVTQ20::TVTQException;
+using NQZMVTQ20::TVTQStatusCode;
+
 namespace {
 
 constexpr int kBiosInformation = 0;
@@ -38,16 +41,20 @@ std::string BiosVersion(const SmBiosTable& table) {
   return {};
 }
 
+std::string BiosIdFrom(const std::string& directory) {
+  try {
+    return BiosVersion(LoadSmBiosTable(directory));
+  } catch (const TVTQException& failure) {
+    // An answer that another try may give differently is none.
+    if (failure.GetStatusCode() == TVTQStatusCode::kFailure) throw;
+    return {};
+  }
+}
+
 }  // namespace vtq
 
 namespace NQZMVTQ20 {
 
-std::string TOSSpecific::GetBiosID() {
-  try {
-    return vtq::BiosVersion(vtq::LoadSmBiosTable(vtq::kSmBiosDirectory));
-  } catch (const TVTQException&) {
-    return {};
-  }
-}
+std::string TOSSpecific::GetBiosID() { return vtq::BiosIdFrom(vtq::kSmBiosDirectory); }
 
 }  // namespace NQZMVTQ20

@@ -11,4 +11,7 @@ namespace vtq {
 /// whose number stands at offset 5); empty when one of these is missing.
 VTQ_EXPORT std::string BiosVersion(const SmBiosTable& table);
 
+/// TOSSpecific::GetBiosID for the tables in `directory`.
+VTQ_EXPORT std::string BiosIdFrom(const std::string& directory);
+
 }  // namespace vtq

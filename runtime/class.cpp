@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 #include "framework/exception.h"
@@ -12,23 +13,28 @@ using NQZMVTQ20::TVTQStatusCode;
 
 namespace {
 
-std::unordered_map<std::string, std::size_t> PositionsByName(const ClassSchema& schema) {
-  std::unordered_map<std::string, std::size_t> positions;
-  for (const PropertySchema& property : schema.properties) {
-    if (positions.emplace(property.name, positions.size()).second) continue;
-    throw TVTQException("the class " + schema.name + " declares " + property.name + " twice",
-                        TVTQStatusCode::kInvalidArgument);
-  }
-  return positions;
-}
-
-std::vector<std::size_t> PositionsInNameOrder(const std::vector<PropertySchema>& properties) {
+std::vector<std::size_t> PositionsInNameOrder(const ClassSchema& schema) {
+  const std::vector<PropertySchema>& properties = schema.properties;
   std::vector<std::size_t> order(properties.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::sort(order.begin(), order.end(), [&properties](std::size_t left, std::size_t right) {
     return properties[left].name < properties[right].name;
   });
-  return order;
+  const auto twice = std::adjacent_find(order.begin(), order.end(), [&](auto left, auto right) {
+    return properties[left].name == properties[right].name;
+  });
+  if (twice == order.end()) return order;
+  throw TVTQException(
+      "the class " + schema.name + " declares " + properties[*twice].name + " twice",
+      TVTQStatusCode::kInvalidArgument);
+}
+
+std::vector<std::size_t> KeysAmong(const std::vector<std::size_t>& positions,
+                                   const std::vector<PropertySchema>& properties) {
+  std::vector<std::size_t> keys;
+  std::copy_if(positions.begin(), positions.end(), std::back_inserter(keys),
+               [&properties](std::size_t position) { return properties[position].isKey; });
+  return keys;
 }
 
 }  // namespace
@@ -37,15 +43,26 @@ Class::Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema 
     : owner_(std::move(owner)),
       nameSpace_(std::move(nameSpace)),
       schema_(std::move(schema)),
-      positions_(PositionsByName(schema_)),
-      nameOrder_(PositionsInNameOrder(schema_.properties)),
+      nameOrder_(PositionsInNameOrder(schema_)),
+      keyOrder_(KeysAmong(nameOrder_, schema_.properties)),
       instances_(std::make_shared<std::vector<std::shared_ptr<Instance>>>()) {}
 
 std::size_t Class::PositionOf(const std::string& property) const {
-  const auto found = positions_.find(property);
-  if (found != positions_.end()) return found->second;
-  throw TVTQException("the class " + schema_.name + " has no property " + property,
-                      TVTQStatusCode::kNotFound);
+  const auto nameAt = [this](std::size_t position) -> const std::string& {
+    return schema_.properties[position].name;
+  };
+  if (expected_ >= nameOrder_.size() || nameAt(nameOrder_[expected_]) != property) {
+    const auto found = std::lower_bound(nameOrder_.begin(), nameOrder_.end(), property,
+                                        [&nameAt](std::size_t position, const std::string& name) {
+                                          return nameAt(position) < name;
+                                        });
+    if (found == nameOrder_.end() || nameAt(*found) != property) {
+      throw TVTQException("the class " + schema_.name + " has no property " + property,
+                          TVTQStatusCode::kNotFound);
+    }
+    expected_ = static_cast<std::size_t>(found - nameOrder_.begin());
+  }
+  return nameOrder_[expected_++];
 }
 
 std::shared_ptr<Instance> Class::Find(const std::string& path) const {
@@ -53,17 +70,32 @@ std::shared_ptr<Instance> Class::Find(const std::string& path) const {
   return found != instanceByPath_.end() ? (*instances_)[found->second] : nullptr;
 }
 
-void Class::Commit(std::shared_ptr<Instance> instance, const std::string& path) {
+// Either all of it is done or, where memory does not suffice, nothing.
+void Class::Append(std::shared_ptr<Instance> instance) {
+  const std::string& path = instance->GetPath();
+  instances_->push_back(std::move(instance));
+  try {
+    instanceByPath_.emplace(path, instances_->size() - 1);
+  } catch (...) {
+    instances_->pop_back();
+    throw;
+  }
+}
+
+void Class::Commit(std::shared_ptr<Instance> instance) {
+  const std::string& path = instance->GetPath();
   const auto found = instanceByPath_.find(path);
   if (found == instanceByPath_.end()) {
-    instances_->push_back(std::move(instance));
-    instanceByPath_.emplace(path, instances_->size() - 1);
+    Append(std::move(instance));
     return;
   }
   if (instances_.use_count() > 1) {
     instances_ = std::make_shared<std::vector<std::shared_ptr<Instance>>>(*instances_);
   }
-  (*instances_)[found->second] = std::move(instance);
+  auto entry = instanceByPath_.extract(found);
+  entry.key() = path;  // the text of the instance that goes would go with it
+  (*instances_)[entry.mapped()] = std::move(instance);
+  instanceByPath_.insert(std::move(entry));
 }
 
 std::string Class::GetName(const TQualifierMap&) const { return schema_.name; }

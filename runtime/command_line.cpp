@@ -31,8 +31,9 @@ std::vector<std::string> SplitCommand(const std::string& command) {
 
 std::string FindProgram(const std::string& name) {
   if (name.starts_with('/')) return name;
-  if (name.find('/') != std::string::npos) return {};
+  if (name.find_first_of(std::string("/\0", 2)) != std::string::npos) return {};
   std::istringstream directories(kProgramSearchPath);
+  directories.exceptions(std::ios::badbit);  // no memory is not the end of the path
   std::string directory;
   while (std::getline(directories, directory, ':')) {
     std::string file = directory.append("/").append(name);

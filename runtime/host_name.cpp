@@ -12,6 +12,7 @@ namespace {
 // The names of one line of a hosts file: the address and what follows a `#` are left out.
 std::vector<std::string> NamesOf(const std::string& line) {
   std::istringstream words(line.substr(0, line.find('#')));
+  words.exceptions(std::ios::badbit);
   std::string address;
   words >> address;
   return {std::istream_iterator<std::string>(words), {}};
@@ -21,6 +22,8 @@ std::vector<std::string> NamesOf(const std::string& line) {
 
 std::string QualifiedHostName(const std::string& host, std::istream& hostsFile) {
   if (host.empty() || host == "localhost" || host.find('.') != std::string::npos) return host;
+  // A stream takes a want of memory for its end unless it is told to pass it on.
+  hostsFile.exceptions(std::ios::badbit);
   std::string line;
   while (std::getline(hostsFile, line)) {
     const std::vector<std::string> names = NamesOf(line);

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "framework/exception.h"
+#include "runtime/path_text.h"
 #include "runtime/repository.h"
 
 namespace vtq {
@@ -64,17 +65,26 @@ std::shared_ptr<Class> Instance::LockClass() const {
   throw TVTQException("the class of this instance is gone");
 }
 
-TCIMReference Instance::GetPath() const {
-  if (!path_.IsNull()) return path_;
-  const std::shared_ptr<Class> owner = LockClass();
-  TCIMReference::TKeyMap keys;
+void Instance::CheckKeys(const Class& owner) const {
   for (std::size_t position = 0; position < values_.size(); ++position) {
-    const PropertySchema& property = owner->GetSchema().properties[position];
-    if (!property.isKey) continue;
-    if (values_[position].IsNull()) Refuse(*owner, property, "is a key and not set");
-    keys.emplace(property.name, values_[position]);
+    const PropertySchema& property = owner.GetSchema().properties[position];
+    if (property.isKey && values_[position].IsNull()) {
+      Refuse(owner, property, "is a key and not set");
+    }
   }
-  path_ = TCIMReference(owner->GetNamespaceName(), owner->GetSchema().name, keys);
+}
+
+const std::string& Instance::GetPath() const {
+  if (!path_.empty()) return path_;
+  const std::shared_ptr<Class> owner = LockClass();
+  const ClassSchema& schema = owner->GetSchema();
+  CheckKeys(*owner);
+  PathText text(owner->GetNamespaceName(), schema.name);
+  for (const std::size_t position : owner->GetKeyOrder()) {
+    const PropertySchema& property = schema.properties[position];
+    text.AddKey(property.name, values_[position]);
+  }
+  path_ = text.Take();
   return path_;
 }
 
@@ -82,7 +92,18 @@ std::shared_ptr<NQZMVTQ20::ICIMClass> Instance::GetClass(const TQualifierMap&) c
   return LockClass();
 }
 
-TCIMReference Instance::GetObjectReference(const TQualifierMap&) const { return GetPath(); }
+TCIMReference Instance::GetObjectReference(const TQualifierMap&) const {
+  if (!reference_.IsNull()) return reference_;
+  const std::shared_ptr<Class> owner = LockClass();
+  CheckKeys(*owner);
+  TCIMReference::TKeyMap keys;
+  for (const std::size_t position : owner->GetKeyOrder()) {
+    const PropertySchema& property = owner->GetSchema().properties[position];
+    keys.emplace(property.name, values_[position]);
+  }
+  reference_ = TCIMReference(owner->GetNamespaceName(), owner->GetSchema().name, keys);
+  return reference_;
+}
 
 TCIMProperty Instance::GetProperty(const std::string& name, const TQualifierMap&) const {
   return {name, values_[LockClass()->PositionOf(name)]};
@@ -97,14 +118,16 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, cons
     if (committed_ && !(values_[position] == value)) {
       Refuse(*owner, property, "is a key of a committed instance and stays as it is");
     }
-    path_ = TCIMReference();
+    if (committed_) return;
+    path_.clear();
+    reference_ = TCIMReference();
   }
   values_[position] = value;
 }
 
 void Instance::Commit(const TQualifierMap&) {
   const std::shared_ptr<Class> owner = LockClass();
-  owner->Commit(shared_from_this(), GetPath().ToString());
+  owner->Commit(shared_from_this());
   if (!committed_) --owner->uncommitted_;
   committed_ = true;
 }

@@ -6,11 +6,13 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <typeinfo>
 #include <utility>
 
 #include "framework/exception.h"
 #include "framework/root_object.h"
 #include "runtime/file_descriptor.h"
+#include "runtime/root.h"
 
 namespace vtq {
 
@@ -34,12 +36,17 @@ std::string RecordLine(NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::
 
 }  // namespace
 
-void Logger::AddSink(LogSink sink) { sinks_.push_back(std::move(sink)); }
+void Logger::AddSink(LogSink sink, EVTQLogSeverity highest) {
+  outlets_.push_back({std::move(sink), highest});
+  highest_ = std::max<int>(highest_, highest);
+}
 
 void Logger::Write(EVTQLogSeverity severity, const std::string& text) noexcept {
-  for (const LogSink& sink : sinks_) {
+  if (!Takes(severity)) return;
+  for (const Outlet& outlet : outlets_) {
+    if (severity > outlet.highest) continue;
     try {
-      sink(severity, text);
+      outlet.sink(severity, text);
     } catch (...) {
       // The other sinks still get the record.
     }
@@ -47,12 +54,14 @@ void Logger::Write(EVTQLogSeverity severity, const std::string& text) noexcept {
 }
 
 LogSink MakeFileSink(const std::string& path) {
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+  // A link may lead to any file that this user may write, and may be somebody else's.
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NOFOLLOW;
   constexpr mode_t kMode = 0644;
   auto file = std::make_shared<FileDescriptor>(::open(path.c_str(), kFlags, kMode));
   if (!file->IsOpen()) {
-    throw NQZMVTQ20::TVTQException("the log file " + path +
-                                   " cannot be opened: " + std::strerror(errno));
+    const char* const why = errno == ELOOP ? "it is a symbolic link; name the file that it leads to"
+                                           : std::strerror(errno);
+    throw NQZMVTQ20::TVTQException("the log file " + path + " cannot be opened: " + why);
   }
   return [file](NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
     WriteAll(file->Get(), RecordLine(severity, text));
@@ -63,10 +72,23 @@ LogSink MakeFileSink(const std::string& path) {
 
 namespace NQZMVTQ20 {
 
-void fdrWriteLog(int severity, const char* text) noexcept {
-  if (text == nullptr) return;
+namespace {
+
+// Spares the copy of a text that goes nowhere.
+bool IsDropped(ILogger::EVTQLogSeverity severity) noexcept {
+  const ILogger* const logger = vtq::CurrentCoreLogger();
+  if (logger == nullptr) return true;
+  return typeid(*logger) == typeid(vtq::Logger) &&
+         !static_cast<const vtq::Logger*>(logger)->Takes(severity);
+}
+
+}  // namespace
+
+void fdrWriteLog(int number, const char* text) noexcept {
+  const auto severity = static_cast<ILogger::EVTQLogSeverity>(number);
+  if (text == nullptr || IsDropped(severity)) return;
   try {
-    TRootObject::GetCoreLogger()->Write(static_cast<ILogger::EVTQLogSeverity>(severity), text);
+    TRootObject::GetCoreLogger()->Write(severity, text);
   } catch (...) {
     // Not enough memory for the text: logging never fails its caller.
   }

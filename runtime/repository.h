@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -59,6 +60,8 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   const std::string& GetNamespaceName() const noexcept { return nameSpace_; }
   /// Positions of the properties in the schema, in byte order of their names.
   const std::vector<std::size_t>& GetNameOrder() const noexcept { return nameOrder_; }
+  /// The same of the keys only.
+  const std::vector<std::size_t>& GetKeyOrder() const noexcept { return keyOrder_; }
   /// The position of a property in the schema. Throws TVTQException when it is not declared.
   std::size_t PositionOf(const std::string& property) const;
 
@@ -69,8 +72,8 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   /// The committed instance with that object path, null when there is none.
   std::shared_ptr<Instance> Find(const std::string& path) const;
   /// Holds `instance` under its object path from now on, in the place of the instance that was held
-  /// under that path, if there was one.
-  void Commit(std::shared_ptr<Instance> instance, const std::string& path);
+  /// under that path, if there was one. Throws like Instance::GetPath.
+  void Commit(std::shared_ptr<Instance> instance);
 
   /// Instances that were created, and neither committed nor dropped yet.
   std::size_t CountUncommitted() const noexcept { return uncommitted_; }
@@ -86,14 +89,18 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
  private:
   friend class Instance;
 
+  void Append(std::shared_ptr<Instance> instance);
+
   std::weak_ptr<Namespace> owner_;
   std::string nameSpace_;
   ClassSchema schema_;
-  std::unordered_map<std::string, std::size_t> positions_;
   std::vector<std::size_t> nameOrder_;
+  std::vector<std::size_t> keyOrder_;
+  /// Place in nameOrder_ of the property that is asked for next, if names are asked for in order.
+  mutable std::size_t expected_ = 0;
   // Shared with the enumerations under way, which go on over the instances that they began with.
   std::shared_ptr<std::vector<std::shared_ptr<Instance>>> instances_;
-  std::unordered_map<std::string, std::size_t> instanceByPath_;
+  std::unordered_map<std::string_view, std::size_t> instanceByPath_;  // the instances' own texts
   std::size_t uncommitted_ = 0;
 };
 
@@ -108,8 +115,9 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
 
   /// The value at a position of the schema; valid until the property is set again.
   const NQZMVTQ20::TCIMValue& GetValue(std::size_t position) const { return values_.at(position); }
-  /// The object path, made once and kept until a key changes; throws like GetObjectReference.
-  NQZMVTQ20::TCIMReference GetPath() const;
+  /// The text of the object path, made once; valid until a key changes. Throws like
+  /// GetObjectReference.
+  const std::string& GetPath() const;
 
   std::shared_ptr<NQZMVTQ20::ICIMClass> GetClass(
       const NQZMVTQ20::TQualifierMap& qualifiers) const override;
@@ -123,10 +131,13 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
 
  private:
   std::shared_ptr<Class> LockClass() const;
+  void CheckKeys(const Class& owner) const;
 
   std::weak_ptr<Class> class_;
   std::vector<NQZMVTQ20::TCIMValue> values_;
-  mutable NQZMVTQ20::TCIMReference path_;  ///< null until it is asked for
+  // Made when they are asked for: nearly all references never are.
+  mutable std::string path_;
+  mutable NQZMVTQ20::TCIMReference reference_;
   bool committed_ = false;
 };
 

@@ -26,6 +26,8 @@ namespace vtq {
 
 void SetCoreLogger(std::shared_ptr<ILogger> logger) { coreLogger = std::move(logger); }
 
+const ILogger* CurrentCoreLogger() noexcept { return coreLogger.get(); }
+
 void SetPluginManager(std::shared_ptr<ICIMNamespace> manager) {
   pluginManager = std::move(manager);
 }

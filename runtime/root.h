@@ -16,4 +16,7 @@ namespace vtq {
 VTQ_EXPORT void SetCoreLogger(std::shared_ptr<NQZMVTQ20::ILogger> logger);
 VTQ_EXPORT void SetPluginManager(std::shared_ptr<NQZMVTQ20::ICIMNamespace> manager);
 
+/// The logger that was set last; null when there is none.
+const NQZMVTQ20::ILogger* CurrentCoreLogger() noexcept;
+
 }  // namespace vtq

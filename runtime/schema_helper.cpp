@@ -3,9 +3,12 @@
 #include <unistd.h>
 
 #include <climits>
-#include <fstream>
+#include <sstream>
 
 #include "framework/exception.h"
+#include "framework/logger.h"
+#include "framework/os_specific.h"
+#include "framework/root_object.h"
 #include "runtime/host_name.h"
 
 namespace NQZMVTQ20 {
@@ -18,11 +21,25 @@ void CheckNamespace(const std::shared_ptr<ICIMNamespace>& nameSpace) {
                       TVTQStatusCode::kInvalidArgument);
 }
 
+// A system without the file has no names in it; one that cannot be read may have.
+std::string ReadHosts() {
+  try {
+    return TOSSpecific::CaptureFile("/etc/hosts");
+  } catch (const TVTQException& failure) {
+    if (failure.GetStatusCode() != TVTQStatusCode::kNotFound) {
+      TRootObject::GetCoreLogger()->Write(
+          ILogger::kWarning,
+          std::string("The name of the system may lack its domain: ") + failure.what());
+    }
+    return {};
+  }
+}
+
 std::string ReadSystemName() {
   char host[HOST_NAME_MAX + 1] = {};
   if (::gethostname(host, sizeof host) != 0) return {};
-  std::ifstream hostsFile("/etc/hosts");
-  return vtq::QualifiedHostName(host, hostsFile);
+  std::istringstream hosts(ReadHosts());
+  return vtq::QualifiedHostName(host, hosts);
 }
 
 }  // namespace

@@ -19,9 +19,9 @@ void ObserveServiceFailures(std::function<void(const std::string& description)> 
   failureObserver = std::move(observer);
 }
 
-void ReportServiceFailure(const std::string& description) noexcept {
+void ReportServiceFailure(std::string_view description) noexcept {
   try {
-    if (failureObserver) failureObserver(description);
+    if (failureObserver) failureObserver(std::string(description));
   } catch (...) {
     // The failure itself matters more than an observer that cannot take note of it.
   }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "framework/export.h"
 #include "framework/status_code.h"
@@ -16,7 +17,7 @@ VTQ_EXPORT void ObserveServiceFailures(
     std::function<void(const std::string& description)> observer);
 
 /// For the services themselves: tells the observer.
-void ReportServiceFailure(const std::string& description) noexcept;
+void ReportServiceFailure(std::string_view description) noexcept;
 
 /// For the services themselves: tells the observer, then throws a TVTQException of that
 /// description.

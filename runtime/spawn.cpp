@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <limits>
+#include <new>
 #include <system_error>
 
 #include "framework/os_specific.h"
@@ -86,7 +87,9 @@ class Run final {
 };
 
 void Run::ReadOutput() {
-  if (vtq::AppendFrom(output_.Get(), outputText_) <= 0) output_.Close();
+  const ssize_t count = vtq::AppendFrom(output_.Get(), outputText_);
+  if (count < 0) ThrowErrno();  // a part of an output is not to pass for the whole
+  if (count == 0) output_.Close();
 }
 
 void Run::ReadErrors() {
@@ -138,9 +141,19 @@ int Run::Finish() {
   vtq::FailService("the command \"" + command + "\" " + reason, code);
 }
 
+Run Start(const std::string& command, const std::vector<std::string>& words,
+          const std::string& file) {
+  try {
+    return Run(words, file);
+  } catch (const std::system_error& error) {
+    Fail(command, "cannot be started: " + error.code().message(),
+         vtq::StatusOfErrno(error.code().value()));
+  }
+}
+
 std::string RunToEnd(const std::string& command, const std::vector<std::string>& words,
                      const std::string& file, int seconds) {
-  Run run(words, file);
+  Run run = Start(command, words, file);
   const bool ended = run.Drain(Clock::now() + std::chrono::seconds(seconds));
   const int status = run.Finish();
   if (!ended) Fail(command, "ran out of time after " + std::to_string(seconds) + " seconds");
@@ -171,8 +184,10 @@ std::string TOSSpecific::SpawnProcess(const std::string& command, int seconds) {
   try {
     return RunToEnd(command, words, file, std::max(seconds, 0));
   } catch (const std::system_error& error) {
-    Fail(command, "cannot be started: " + error.code().message(),
-         vtq::StatusOfErrno(error.code().value()));
+    Fail(command, "could not be followed to its end: " + error.code().message());
+  } catch (const std::bad_alloc&) {
+    // What was kept of the output is free again by now.
+    Fail(command, "printed more than there is memory for");
   }
 }
 

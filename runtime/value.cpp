@@ -144,14 +144,6 @@ void TCIMValue::Set(TCIMType type, std::uint32_t count, TArray elements) {
   type_ = type;
 }
 
-bool TCIMValue::IsNull() const noexcept { return std::holds_alternative<std::monostate>(data_); }
-
-bool TCIMValue::IsArray() const noexcept {
-  return std::holds_alternative<std::shared_ptr<const TArray>>(data_);
-}
-
-TCIMValue::TCIMType TCIMValue::GetType() const noexcept { return type_; }
-
 template <class Integer>
 Integer TCIMValue::ToInteger() const {
   if (const auto* number = std::get_if<std::uint64_t>(&data_)) return Fitting<Integer>(*number);

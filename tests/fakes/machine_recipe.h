@@ -29,7 +29,9 @@ nlohmann::json ReadRecipe(const std::filesystem::path& file);
 ///                  wide, and the next one must be null then
 ///     rom?         a memory region
 ///     configSize?  64, 256 (unless given) or 4096: the bytes of the configuration file
-///     listColumns? 1 to 18 (unless given): the columns of its line in the device list
+///     patches?     each {"at": offset, "bytes": hexadecimal digits}, written over the
+///     configuration listColumns? 1 to 18 (unless given): the columns of its line in the device
+///     list
 ///   smbios?      the tables; without it the machine has no SMBIOS:
 ///     anchor       "_SM_" (SMBIOS 2) or "_SM3_" (SMBIOS 3)
 ///     version      "3.2"

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <random>
 
 #include "tests/host/fixed_repository.h"
 
@@ -20,10 +21,25 @@ std::string Json(const TCIMValue& value) {
   return output.Text();
 }
 
+std::string JsonString(std::string_view bytes) {
+  OutputToText output;
+  WriteJsonString(output.Get(), bytes);
+  return output.Text();
+}
+
 TEST(JsonText, EveryByteStringComesBackFromItsJson) {
   for (int byte = 0; byte < 128; ++byte) {
     const std::string text = std::string("a") + static_cast<char>(byte) + "b";
     EXPECT_EQ(nlohmann::json::parse(JsonString(text)).get<std::string>(), text);
+  }
+}
+
+TEST(JsonText, EscapesLikeTheLibrary) {
+  std::mt19937 random(1);
+  for (int i = 0; i < 2000; ++i) {
+    std::string text(random() % 6, ' ');
+    for (char& c : text) c = "\"\\a\n~\x7f /"[random() % 8];
+    EXPECT_EQ(JsonString(text), nlohmann::json(text).dump());
   }
 }
 

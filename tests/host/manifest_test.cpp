@@ -67,6 +67,27 @@ TEST(Manifest, AnotherVersionIsRefused) {
             "it is of format version 2, and this program knows version 1");
 }
 
+TEST(Manifest, AVersionIsAWholeNumber) {
+  for (const char* version : {"true", "1.0", "1.5", "1e30", "null", "[1]"}) {
+    EXPECT_THAT(FailureOf(std::string(R"({"formatVersion": )") + version + "}"),
+                HasSubstr("its formatVersion is no whole number"))
+        << version;
+  }
+  EXPECT_THAT(FailureOf(R"({"formatVersion": 4294967297})"), HasSubstr("version 4294967297"));
+  EXPECT_THAT(FailureOf(R"({"formatVersion": -1})"), HasSubstr("version -1"));
+}
+
+TEST(Manifest, NestingHasAnEnd) {
+  const auto nested = [](const std::string& key, std::size_t depth) {
+    return R"({"formatVersion": 1, ")" + key + "\": " + std::string(depth, '[') +
+           std::string(depth, ']') + "}";
+  };
+  for (const char* key : {"unread", "new key"}) {
+    EXPECT_THAT(FailureOf(nested(key, 500'000)), HasSubstr("nested too deeply")) << key;
+  }
+  EXPECT_EQ(FailureOf(nested("new key", 20)), "none");
+}
+
 TEST(Manifest, WhatIsNoManifestIsRefused) {
   for (const char* json :
        {"", "{", "[]", "1", "{}", R"({"formatVersion": "1"})", R"({"formatVersion": 1} x)",

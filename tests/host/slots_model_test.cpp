@@ -48,9 +48,9 @@ TEST(SlotsModel, FunctionsOnTheBoardAreSortedByAddress) {
 
 TEST(SlotsModel, FunctionsInASlotAreSortedByAddress) {
   const auto repository = MakeFixedRepository();
-  const auto slot = repository->Find("QZMSG_SystemSlot")->GetInstances()[1]->GetPath();
+  const auto slot = repository->Find("QZMSG_SystemSlot")->GetInstances()[1]->GetObjectReference({});
   for (const auto& device : repository->Find("QZMSG_PCIDevice")->GetInstances()) {
-    Associate(*repository, slot, device->GetPath());
+    Associate(*repository, slot, device->GetObjectReference({}));
   }
   EXPECT_THAT(Addresses(ReadSlots(*repository).slots[1].functions),
               ElementsAre("00:02.0", "00:1f.3", "01:00.0"));
@@ -58,7 +58,7 @@ TEST(SlotsModel, FunctionsInASlotAreSortedByAddress) {
 
 TEST(SlotsModel, AFunctionThatTheRepositoryDoesNotHoldShowsItsPath) {
   const auto repository = MakeFixedRepository();
-  const auto slot = repository->Find("QZMSG_SystemSlot")->GetInstances()[2]->GetPath();
+  const auto slot = repository->Find("QZMSG_SystemSlot")->GetInstances()[2]->GetObjectReference({});
   Associate(*repository, slot,
             TCIMReference("root/cimv2", "QZMSG_PCIDevice", {{"K", TCIMValue("v")}}));
   EXPECT_THAT(Addresses(ReadSlots(*repository).slots[2].functions),

@@ -5,12 +5,20 @@
 #include <string>
 
 #include "framework/cim_class.h"
+#include "framework/exception.h"
+#include "framework/plugin_manager_namespace.h"
 #include "host/pci_schema.h"
+#include "runtime/logger.h"
 #include "runtime/plugin_manager.h"
 #include "runtime/repository.h"
 #include "runtime/root.h"
 
 using NQZMVTQ20::ICIMClass;
+using NQZMVTQ20::ILogger;
+using NQZMVTQ20::IPluginCallbacks;
+using NQZMVTQ20::TPluginManagerNamespace;
+using NQZMVTQ20::TQualifierMap;
+using NQZMVTQ20::TVTQException;
 
 namespace {
 
@@ -21,6 +29,16 @@ bool IsMapped() {
   }
   return false;
 }
+
+// Takes no plug-in.
+class FullPluginManager final : public TPluginManagerNamespace {
+ public:
+  void RegisterPlugin(IPluginCallbacks*) override { throw TVTQException("full"); }
+  std::string GetName(const TQualifierMap&) const override { return "plugins"; }
+  std::shared_ptr<ICIMClass> GetClass(const std::string&, const TQualifierMap&) override {
+    throw TVTQException("no classes here");
+  }
+};
 
 std::shared_ptr<vtq::Namespace> MakeNamespace() {
   auto nameSpace = vtq::Namespace::Create("root/cimv2");
@@ -33,7 +51,10 @@ std::shared_ptr<vtq::Namespace> MakeNamespace() {
 class LoadTest : public testing::Test {
  protected:
   LoadTest() { vtq::SetPluginManager(manager); }
-  ~LoadTest() override { vtq::SetPluginManager(nullptr); }
+  ~LoadTest() override {
+    vtq::SetPluginManager(nullptr);
+    vtq::SetCoreLogger(nullptr);
+  }
 
   std::shared_ptr<vtq::PluginManager> manager = std::make_shared<vtq::PluginManager>();
 };
@@ -69,6 +90,21 @@ TEST_F(LoadTest, WithoutAPluginManagerItLoadsAndStaysIdle) {
     EXPECT_EQ(dlclose(library), 0);
     EXPECT_FALSE(IsMapped()) << "round " << round;
   }
+}
+
+TEST_F(LoadTest, RefusedRegistrationIsLoggedAndLeavesItIdle) {
+  std::vector<std::string> log;
+  const auto logger = std::make_shared<vtq::Logger>();
+  logger->AddSink([&log](ILogger::EVTQLogSeverity severity, const std::string& text) {
+    log.push_back(std::to_string(static_cast<int>(severity)) + " " + text);
+  });
+  vtq::SetCoreLogger(logger);
+  vtq::SetPluginManager(std::make_shared<FullPluginManager>());
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  EXPECT_EQ(log, std::vector<std::string>{"0 The plug-in could not register: full"});
+  EXPECT_EQ(dlclose(library), 0);
+  EXPECT_FALSE(IsMapped());
 }
 
 TEST_F(LoadTest, RegistersWhenItIsLoadedByHand) {

@@ -117,6 +117,16 @@ TEST_F(MachineRecipeTest, WritesTheAttributesOfSysfs) {
               HasSubstr("0x000038003ff40000 0x000038003ff43fff 0x000000000014220c\n"));
 }
 
+TEST_F(MachineRecipeTest, WritesPatchesOverTheConfiguration) {
+  json card = Card();
+  card["patches"] = json::parse(R"([{"at": 52, "bytes": "40"}, {"at": "fe", "bytes": "abcd"}])");
+  BuildMachine(MachineWith(json::array({card})), root_);
+  EXPECT_EQ(Byte("proc/bus/pci/03/1f.2", 0x34), 0x40U);
+  EXPECT_EQ(Byte("proc/bus/pci/03/1f.2", 0xFF), 0xCDU);
+  EXPECT_THAT(FaultOfCard("patches", json::parse(R"([{"at": "ff", "bytes": "abcd"}])")),
+              HasSubstr("leads past the end"));
+}
+
 TEST_F(MachineRecipeTest, PutsTheBusesIntoABridgesHeader) {
   json bridge = {{"address", "00:01.0"}, {"vendor", "8086"},      {"device", "1901"},
                  {"class", "0604"},      {"buses", {0, 1, "1f"}}, {"configSize", 64}};

@@ -1,5 +1,6 @@
 #include "tests/machines/recipe_pci.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "tests/machines/recipe_files.h"
@@ -27,6 +28,12 @@ struct Address {
   unsigned domain = 0, bus = 0, device = 0, function = 0;
 };
 
+// Bytes that stand over those of the header, or behind it.
+struct Patch {
+  std::size_t offset = 0;
+  Bytes bytes;
+};
+
 struct Function {
   Address at;
   unsigned vendor, device, classCode, progIf, revision, headerType;
@@ -36,6 +43,7 @@ struct Function {
   std::array<Region, kRom + 1> regions{};
   std::string driver;
   std::size_t configSize, listColumns;
+  std::vector<Patch> patches;
 
   bool IsBridge() const { return (headerType & 0x7F) != 0; }
   std::size_t RegionCount() const { return IsBridge() ? 2 : kRom; }
@@ -88,6 +96,16 @@ void ReadRegions(Entry& entry, Function& function) {
   if (entry.Has("rom")) function.regions[kRom] = ReadRegion(entry.Get("rom"), "rom");
 }
 
+void ReadPatches(Entry& entry, Function& function) {
+  entry.ForEach("patches", [&](const json& object, const std::string& where) {
+    Entry patch(object, where);
+    function.patches.push_back({patch.Number("at", function.configSize), patch.HexBytes("bytes")});
+    const Patch& read = function.patches.back();
+    if (read.offset + read.bytes.size() > function.configSize) patch.Fail("leads past the end");
+    patch.RefuseOthers();
+  });
+}
+
 Function ReadFunction(const json& object, const std::string& where) {
   Entry entry(object, where);
   Function function{};
@@ -112,6 +130,7 @@ Function ReadFunction(const json& object, const std::string& where) {
   if (!sizes.contains(function.configSize)) entry.Fail("\"configSize\" must be 64, 256 or 4096");
   function.listColumns = number("listColumns", 18, 18);
   if (function.listColumns == 0) entry.Fail("\"listColumns\" must be 1 to 18");
+  ReadPatches(entry, function);
   entry.RefuseOthers();
   return function;
 }
@@ -162,6 +181,10 @@ Bytes Configuration(const Function& function) {
   Put(config, function.IsBridge() ? 0x38 : 0x30, function.regions[kRom].Register(), 4);
   Put(config, 0x3C, function.irq & 0xFF, 1);
   Put(config, 0x3D, function.irq != 0 ? 1 : 0, 1);
+  for (const Patch& patch : function.patches) {
+    std::copy(patch.bytes.begin(), patch.bytes.end(),
+              config.begin() + static_cast<std::ptrdiff_t>(patch.offset));
+  }
   return config;
 }
 

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <stdexcept>
 
 #include "framework/exception.h"
@@ -189,6 +190,12 @@ TEST_F(DescribeTest, MissingFileIsLoggedOnceAndNeverTriedAgain) {
   Fake().log.clear();
   EXPECT_EQ(InFile(kProcPci, kIdeKey), "");
   EXPECT_EQ(Fake().log, Lines{kEnteringFile});
+}
+
+TEST_F(DescribeTest, DirectoryInPlaceOfTheFileKnowsNothing) {
+  std::filesystem::create_directories(MachineTree::Real("/proc/pci"));
+  EXPECT_EQ(InFile("key"), "");
+  EXPECT_EQ(Fake().log, (Lines{kEnteringFile, kExitingFile}));
 }
 
 TEST_F(DescribeTest, FileIsReadAgainByEachLookup) {

@@ -109,6 +109,16 @@ TEST_F(DevInfoTest, FirstCollectorWithAProviderLoadsAfterOneWithout) {
   EXPECT_EQ(processState.slotIDRetrievalType, 2U);
 }
 
+TEST_F(DevInfoTest, CollectorWithoutProviderKeepsWhatAnEarlierOneLoaded) {
+  Fake().smBios.structures = {SlotOnBusThree()};
+  Make<TPciDevInfo>(kPciDeviceClass);
+  Fake().log.clear();
+  const TPciDevInfo collector(Class(kPciDeviceClass));
+  EXPECT_EQ(processState.slotIDRetrievalType, 2U);
+  EXPECT_EQ(slotLocationVect.size(), 1U);
+  EXPECT_TRUE(Fake().log.empty());
+}
+
 TEST_F(DevInfoTest, FailedLoadIsNeverTriedAgain) {
   Fake().smBios.loadStatus = 4;
   Make<TPciDevInfo>(kPciDeviceClass);

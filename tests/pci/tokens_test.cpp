@@ -10,7 +10,8 @@ namespace {
 
 using Tokens = std::vector<std::string>;
 
-Tokens Split(const std::string& text, const std::string& delimiters) {
+template <class Delimiters>
+Tokens Split(const std::string& text, Delimiters delimiters) {
   Tokens tokens;
   ForEachToken(text, delimiters, [&](std::string_view token) {
     tokens.emplace_back(token);
@@ -73,5 +74,6 @@ TEST(ForEachToken, AgreesWithSplittingCharacterByCharacter) {
     for (const char* delimiters : {"\t", " ", "\t ,"}) {
       ASSERT_EQ(Split(text, delimiters), SplitPlainly(text, delimiters)) << text;
     }
+    ASSERT_EQ(Split(text, '\t'), SplitPlainly(text, "\t")) << text;
   }
 }

@@ -1,5 +1,6 @@
 #include "plugin/collector.h"
 
+#include "framework/cim_instance.h"
 #include "framework/exception.h"
 #include "plugin/class_names.h"
 #include "plugin/values.h"
@@ -7,9 +8,14 @@
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ICIMInstance;
+using NQZMVTQ20::ICIMNamespace;
 using NQZMVTQ20::ILogger;
+using NQZMVTQ20::TCIMProperty;
+using NQZMVTQ20::TCIMReference;
 using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TInstanceCallback;
 using NQZMVTQ20::TPluginManagerProvider;
+using NQZMVTQ20::TQualifierMap;
 using NQZMVTQ20::TVTQException;
 
 namespace {
@@ -25,6 +31,28 @@ class TestCollector final : public TPci {
   }
 
   std::string askedFor;
+};
+
+// A class with one instance, which notes what is done to it.
+class NotingClass final : public ICIMClass, public ICIMInstance {
+ public:
+  std::string GetName(const TQualifierMap&) const override { return "Noting"; }
+  std::shared_ptr<ICIMNamespace> GetNamespace(const TQualifierMap&) const override { return {}; }
+  std::shared_ptr<ICIMInstance> CreateInstance(const TQualifierMap&) override {
+    notes.emplace_back("create");
+    return {std::shared_ptr<void>(), this};
+  }
+  void EnumerateInstances(const TInstanceCallback&, int, const TQualifierMap&) override {}
+
+  std::shared_ptr<ICIMClass> GetClass(const TQualifierMap&) const override { return {}; }
+  TCIMReference GetObjectReference(const TQualifierMap&) const override { return {}; }
+  TCIMProperty GetProperty(const std::string&, const TQualifierMap&) const override { return {}; }
+  void SetProperty(const std::string& name, const TCIMValue&, const TQualifierMap&) override {
+    notes.push_back(name);
+  }
+  void Commit(const TQualifierMap&) override { notes.emplace_back("commit"); }
+
+  std::vector<std::string> notes;
 };
 
 TPropertyMap Board(const std::string& id) {
@@ -93,6 +121,15 @@ TEST_F(CollectorTest, GeneratesACommittedInstanceWithAllProperties) {
   EXPECT_EQ(Fake().log,
             (std::vector<std::string>{"4 TPci::generateCIMInstance - Generating CIM instance for "
                                       "class QZMSG_SystemBoard."}));
+}
+
+TEST_F(CollectorTest, PropertiesAreSetInTheOrderOfTheirNamesAndThenCommitted) {
+  const auto noting = std::make_shared<NotingClass>();
+  TestCollector collector(noting, &provider);
+  collector.GenerateCIMInstance(
+      {{"b", TCIMValue("1")}, {"B", TCIMValue("2")}, {"a", TCIMValue("3")}, {"aa", TCIMValue("4")}},
+      "Noting");
+  EXPECT_EQ(noting->notes, (std::vector<std::string>{"create", "B", "a", "aa", "b", "commit"}));
 }
 
 TEST_F(CollectorTest, EmptyMapStillCreatesAndCommitsAnInstance) {

@@ -1,11 +1,13 @@
 #include "plugin/entry.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "framework/exception.h"
 #include "plugin/class_names.h"
 #include "plugin/collector.h"
 #include "tests/fakes/plugin_fixture.h"
+#include "tests/fakes/slot_record.h"
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ICIMInstance;
@@ -168,6 +170,14 @@ TEST_F(EntryTest, KeepsNoReferenceToTheClassesItServed) {
   const long before = board.use_count();
   Query({board});
   EXPECT_EQ(board.use_count(), before);
+}
+
+TEST_F(EntryTest, EachRequestOfAQueryHasACollectorOfItsOwn) {
+  Fake().smBios.structures = {SlotRecord().Bytes()};
+  Query({Class(kSystemSlotClass), Class(kSystemSlotClass)});
+  ASSERT_EQ(Instances(kSystemSlotClass).size(), 1U) << "both requests made the slot \"Tag 1\"";
+  EXPECT_EQ(Text(*Instances(kSystemSlotClass)[0], "Tag"), "Tag 1");
+  EXPECT_EQ(std::count(Fake().log.begin(), Fake().log.end(), kRetrieved), 2);
 }
 
 TEST_F(EntryTest, EveryServedClassReachesACollector) {

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "framework/exception.h"
 #include "framework/os_specific.h"
 #include "tests/runtime/smbios_bytes.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace vtq {
 namespace {
@@ -34,6 +36,19 @@ TEST(BiosIdTest, IsEmptyWhenAnythingIsMissing) {
   EXPECT_EQ(VersionIn({MakeStructure(0, {1, 0}, {"unnumbered"})}), "");
   EXPECT_EQ(VersionIn({MakeStructure(0, {1, 3}, {"a", "b"})}), "");
   EXPECT_EQ(VersionIn({MakeStructure(0, {1, 255})}), "");
+}
+
+TEST(BiosIdTest, IsEmptyWhereThereAreNoTables) {
+  const TemporaryDirectory directory;
+  EXPECT_EQ(BiosIdFrom(directory.GetPath()), "");
+  directory.Write("smbios_entry_point", "no anchor");
+  EXPECT_EQ(BiosIdFrom(directory.GetPath()), "");
+}
+
+TEST(BiosIdTest, ReadingThatFailsIsAFailure) {
+  const TemporaryDirectory directory;
+  std::filesystem::create_directory(directory.GetPath() + "/smbios_entry_point");
+  EXPECT_THROW(BiosIdFrom(directory.GetPath()), NQZMVTQ20::TVTQException);
 }
 
 TEST(BiosIdTest, IsWhatTheKernelKnowsOfThisMachine) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "framework/add_to_vector_callback.h"
 #include "tests/runtime/failure_of.h"
 #include "tests/runtime/fan_repository.h"
@@ -49,6 +51,38 @@ TEST_F(ClassTest, KnowsItsNameAndNamespace) {
 TEST_F(ClassTest, ThrowsForItsNamespaceWhenThatIsGone) {
   nameSpace_.reset();
   EXPECT_THROW((void)fans_->GetNamespace({}), TVTQException);
+}
+
+TEST_F(ClassTest, FindsPropertiesInAnyOrderAndAgain) {
+  std::mt19937 random(1);
+  const std::vector<PropertySchema>& properties = fans_->GetSchema().properties;
+  for (int round = 0; round < 1000; ++round) {
+    const std::size_t position = random() % properties.size();
+    ASSERT_EQ(fans_->PositionOf(properties[position].name), position);
+  }
+  for (const char* name : {"", "A", "Bank2", "zzz"}) {
+    EXPECT_THROW((void)fans_->PositionOf(name), TVTQException);
+  }
+}
+
+TEST_F(ClassTest, FindsTheInstanceThatReplacedAnother) {
+  Commit("a", 1);
+  Commit("b", 1);
+  const std::string path = fans_->GetInstances()[0]->GetPath();
+  for (unsigned short speed = 2; speed < 5; ++speed) {
+    Commit("a", speed);
+    ASSERT_TRUE(fans_->Find(path));
+    EXPECT_EQ(IdOf(*fans_->Find(path)), "a@" + std::to_string(speed));
+  }
+  EXPECT_EQ(Enumerated(), "a@4 b@1 ");
+}
+
+TEST_F(ClassTest, ACommittedInstanceIsFoundAfterItsKeyWasSetToTheSameValue) {
+  const auto fan = MakeFan(*nameSpace_, "a");
+  fan->Commit({});
+  fan->SetProperty("DeviceID", TCIMValue("a"), {});
+  const std::string path = fans_->GetInstances()[0]->GetPath();
+  EXPECT_EQ(fans_->Find(path), fans_->GetInstances()[0]);
 }
 
 TEST_F(ClassTest, KnowsThePositionAndTheNameOrderOfItsProperties) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 
 #include "framework/os_specific.h"
@@ -33,6 +34,23 @@ TEST(LoggerTest, HandsSeverityAndTextUnchangedToEverySink) {
   logger.Write(ILogger::kError, "");
   EXPECT_EQ(first, (Records{{4, "a\tb\n%s"}, {0, ""}}));
   EXPECT_EQ(second, first);
+}
+
+TEST(LoggerTest, ASinkGetsRecordsUpToItsHighestSeverity) {
+  Records all;
+  Records few;
+  Logger logger;
+  EXPECT_FALSE(logger.Takes(ILogger::kError));
+  logger.AddSink(RecordInto(few), ILogger::kStatus);
+  EXPECT_TRUE(logger.Takes(ILogger::kStatus));
+  EXPECT_FALSE(logger.Takes(ILogger::kDebug));
+  logger.Write(ILogger::kDebug, "nobody's");
+  logger.AddSink(RecordInto(all));
+  EXPECT_TRUE(logger.Takes(ILogger::kVerbose));
+  logger.Write(ILogger::kDebug, "a");
+  logger.Write(ILogger::kStatus, "b");
+  EXPECT_EQ(few, (Records{{2, "b"}}));
+  EXPECT_EQ(all, (Records{{3, "a"}, {2, "b"}}));
 }
 
 TEST(LoggerTest, ASinkThatThrowsDisturbsNobody) {
@@ -78,6 +96,18 @@ TEST(LoggerTest, AFileThatCannotBeOpenedIsReported) {
   const std::string path = directory.GetPath() + "/missing/log";
   const Failure failure = FailureOf([&path] { MakeFileSink(path); });
   EXPECT_EQ(failure.text, "the log file " + path + " cannot be opened: No such file or directory");
+}
+
+TEST(LoggerTest, ALinkIsNotFollowed) {
+  const TemporaryDirectory directory;
+  const std::string target = directory.Write("target", "precious");
+  const std::string path = directory.GetPath() + "/log";
+  std::filesystem::create_symlink(target, path);
+  const Failure failure = FailureOf([&path] { MakeFileSink(path); });
+  EXPECT_EQ(failure.text, "the log file " + path +
+                              " cannot be opened: it is a symbolic link; name the file that it "
+                              "leads to");
+  EXPECT_EQ(TOSSpecific::CaptureFile(target), "precious");
 }
 
 TEST(LoggerTest, TheDirectCallWritesToTheCoreLogger) {

@@ -120,6 +120,12 @@ TEST_F(SpawnTest, ARelativePathIsNoProgramName) {
   std::filesystem::current_path(old);
 }
 
+TEST_F(SpawnTest, NoProgramHasAZeroByteInItsName) {
+  const Failure failure =
+      FailureOf([] { TOSSpecific::SpawnProcess(std::string("true\0x", 6), kLimit); });
+  EXPECT_EQ(failure.code, TVTQStatusCode::kNotFound);
+}
+
 TEST_F(SpawnTest, WhatCannotBeStartedIsSaidToBe) {
   EXPECT_EQ(Reason(FailureOf([this] {
               (void)TOSSpecific::SpawnProcess(directory_.GetPath() + "/script", kLimit);

@@ -105,6 +105,15 @@ TEST_F(DeviceInSlotTest, FirstOfTwoSlotsWithOneNumberTakesTheDevice) {
   EXPECT_EQ(Associate(), (Pairs{{"first", "a"}, {"first", "b"}}));
 }
 
+TEST_F(DeviceInSlotTest, SecondSlotWithANumberIsPassedOverOnTheWayToAnother) {
+  PutSlot("first", 3);
+  PutSlot("second", 3);
+  PutSlot("third", 9);
+  PutDevice("a", 9);
+  PutDevice("b", 3);
+  EXPECT_EQ(Associate(), (Pairs{{"third", "a"}, {"first", "b"}}));
+}
+
 TEST_F(DeviceInSlotTest, SlotWithoutANumberCountsAsZero) {
   PutSlot("none", kNone);
   PutSlot("slot", 3);

@@ -212,6 +212,14 @@ TEST_F(SlotInfoTest, FailingCloseIsLoggedAndTheSlotsReturned) {
   EXPECT_EQ(Fake().log, Lines{"2 Return from smBiosClose: Error 3"});
 }
 
+TEST_F(SlotInfoTest, CollectorWithoutProviderReadsTheSlotsAndLogsNothing) {
+  PutSlots({SlotRecord()});
+  EXPECT_EQ(Tags(TSlotInfo(Class(kSystemSlotClass)).GetSlotInfo()), Lines{"Tag 1"});
+  Fake().smBios.firstStatus = 2;
+  EXPECT_TRUE(TSlotInfo(Class(kSystemSlotClass)).GetSlotInfo().empty());
+  EXPECT_TRUE(Fake().log.empty());
+}
+
 TEST_F(SlotInfoTest, EndOfTheWalkSaysNothing) {
   PutSlots({SlotRecord(), SlotRecord()});
   EXPECT_EQ(Read().size(), 2U);

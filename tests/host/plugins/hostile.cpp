@@ -26,10 +26,13 @@ namespace act {
   while (true) pause();
 }
 
+// An optimizer may leave out memory that nobody sees.
+[[maybe_unused]] char* volatile seen = nullptr;
+
 /// Takes all memory that there is and keeps it.
 [[maybe_unused]] void Flood() {
   constexpr std::size_t kPiece = 4U << 20U;
-  while (true) new char[kPiece];
+  while (true) seen = new char[kPiece];
 }
 
 /// The same, but by its own means and without a word.

@@ -1,0 +1,69 @@
+#include "runtime/path_text.h"
+
+#include "framework/exception.h"
+
+namespace vtq {
+
+using NQZMVTQ20::TCIMValue;
+using NQZMVTQ20::TVTQException;
+using NQZMVTQ20::TVTQStatusCode;
+
+namespace {
+
+using TCIMType = TCIMValue::TCIMType;
+
+constexpr std::size_t kUsualLength = 256;
+
+void AppendQuoted(std::string& text, const std::string& quoted) {
+  text += '"';
+  for (const char character : quoted) {
+    if (character == '\\' || character == '"') text += '\\';
+    text += character;
+  }
+  text += '"';
+}
+
+void AppendScalar(std::string& text, const TCIMValue& value) {
+  switch (value.GetType().GetCode()) {
+    case TCIMType::kString:
+    case TCIMType::kDateTime:
+      return AppendQuoted(text, value.GetString());
+    case TCIMType::kReference:
+      return AppendQuoted(text, value.GetReference().ToString());
+    case TCIMType::kBoolean:
+      text += static_cast<bool>(value) ? "TRUE" : "FALSE";
+      return;
+    case TCIMType::kUint64:
+      text += std::to_string(static_cast<std::uint64_t>(value));
+      return;
+    default:
+      text += std::to_string(static_cast<std::int64_t>(value));
+  }
+}
+
+bool CanBeKey(const TCIMValue& value) {
+  const TCIMType::ECIMType code = value.GetType().GetCode();
+  const bool isReal = code == TCIMType::kReal32 || code == TCIMType::kReal64;
+  return !value.IsNull() && !value.IsArray() && !isReal;
+}
+
+}  // namespace
+
+PathText::PathText(const std::string& nameSpace, const std::string& className)
+    : className_(className) {
+  text_.reserve(kUsualLength);
+  text_.append("/").append(nameSpace).append(":").append(className);
+}
+
+void PathText::AddKey(const std::string& name, const TCIMValue& value) {
+  if (!CanBeKey(value)) {
+    throw TVTQException("the key " + className_ + "." + name +
+                            " is null, an array or a real number, which cannot stand in a path",
+                        TVTQStatusCode::kInvalidArgument);
+  }
+  text_.append(1, separator_).append(name).append(1, '=');
+  AppendScalar(text_, value);
+  separator_ = ',';
+}
+
+}  // namespace vtq
