@@ -1,4 +1,4 @@
-# Warnings, sanitizers and symbol binding that every target of the project is compiled with.
+# Warnings, sanitizers, coverage and symbol binding that every target of the project is compiled with.
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(PCIINFO_WERROR)
   add_compile_options(-Werror)
@@ -10,6 +10,16 @@ if(PCIINFO_SANITIZE)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wno-maybe-uninitialized)
   endif()
+endif()
+# Counts which lines and branches run; tools/coverage reads the counts. clang's counts follow the
+# source's conditions, where g++'s follow the machine's jumps, hidden ones of exceptions included.
+if(PCIINFO_COVERAGE)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "PCIINFO_COVERAGE needs clang: cmake --preset asan-clang")
+  endif()
+  add_compile_options(
+    -fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%m.profraw -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
 endif()
 # A library with unique symbols is never unloaded.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -10,8 +10,12 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev
   pciutils)
 # What the tests need beside these.
 test_packages=(libgtest-dev binutils valgrind dmidecode qemu-system-x86 busybox-static cpio)
+# What the fuzzers need beside the first.
+fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
+# What measuring needs beside those that the program is built from.
+bench_packages=(libbenchmark-dev valgrind lshw hwinfo)
 # What the whole round of checks needs beside these.
-ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)
+ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev llvm-14 cppcheck python3)
 
 # Installs those of the given Debian packages that are missing.
 require_packages() {

@@ -1,0 +1,49 @@
+#include "bench/machine_files.h"
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+#include "bench/machine_plan.h"
+#include "tests/fakes/machine_recipe.h"
+#include "tests/machines/recipe_files.h"
+
+namespace fs = std::filesystem;
+
+namespace bench {
+namespace {
+
+// What the kernel shows of the slots.
+void WriteKernelSlots(const MachinePlan& plan, const fs::path& folder) {
+  for (std::size_t i = 0; i < plan.slots.size(); ++i) {
+    const PlannedSlot& slot = plan.slots[i];
+    if (slot.bus == 0) continue;
+    const fs::path place = folder / "sys/bus/pci/slots" / std::to_string(i + 1);
+    recipe::WriteFile(place / "address", fmt::format("0000:{:02x}:00\n", slot.bus));
+  }
+}
+
+std::string TruthOf(const MachinePlan& plan) {
+  std::string truth;
+  for (std::size_t i = 0; i < plan.slots.size(); ++i) {
+    for (const std::string& function : plan.slots[i].functions) {
+      truth += fmt::format("{} {}\n", i + 1, function);
+    }
+  }
+  return truth;
+}
+
+}  // namespace
+
+void WriteMachine(std::size_t functions, const fs::path& folder) {
+  fs::create_directories(folder);
+  if (!fs::is_empty(folder)) throw std::runtime_error("the folder is not empty");
+  const MachinePlan plan = PlanMachine(functions);
+  BuildMachine(plan.recipe, folder);
+  WriteKernelSlots(plan, folder);
+  recipe::WriteFile(folder / "manifest.json",
+                    "{\"formatVersion\": 1, \"systemName\": \"server.example.org\"}\n");
+  recipe::WriteFile(folder / "truth.txt", TruthOf(plan));
+}
+
+}  // namespace bench

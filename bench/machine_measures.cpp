@@ -1,0 +1,182 @@
+#include "bench/machine_measures.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+#include "bench/machine_files.h"
+#include "bench/measured_run.h"
+#include "host/root.h"
+
+namespace fs = std::filesystem;
+
+namespace bench {
+namespace {
+
+const std::vector<std::string> kFunctionClasses = {"QZMSG_PCIDevice", "QZMSG_PCIBridge"};
+
+// A folder in memory that goes when this does.
+class MemoryFolder {
+ public:
+  MemoryFolder() : path_(fs::path("/dev/shm") / ("pciinfo-bench-" + std::to_string(getpid()))) {}
+  MemoryFolder(const MemoryFolder&) = delete;
+  MemoryFolder& operator=(const MemoryFolder&) = delete;
+  ~MemoryFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+
+  const fs::path& Get() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+// In another process: its memory would count as that of the programs that are started from here.
+void WriteInProcess(unsigned functions, const fs::path& folder) {
+  const pid_t process = fork();
+  if (process == 0) {
+    try {
+      WriteMachine(functions, folder);
+      _exit(0);
+    } catch (const std::exception&) {
+      _exit(1);
+    }
+  }
+  int status = 0;
+  if (process < 0 || waitpid(process, &status, 0) < 0 || status != 0) {
+    throw std::runtime_error("the machine cannot be written to " + folder.string());
+  }
+}
+
+// In a capture, functions are plain directories; hwinfo looks at links only, as a kernel has them.
+void LinkFunctions() {
+  const fs::path links = "/sys/bus/pci/devices";
+  std::vector<fs::path> folders(fs::directory_iterator(links), {});
+  for (const fs::path& folder : folders) {
+    const std::string name = folder.filename();
+    const fs::path bus = "pci" + name.substr(0, name.size() - 5);  // without device and function
+    fs::create_directories("/sys/devices" / bus);
+    fs::rename(folder, "/sys/devices" / bus / name);
+    fs::create_symlink("../../../devices" / bus / name, folder);
+  }
+}
+
+void BecomeMachine(unsigned functions) {
+  const MemoryFolder folder;
+  WriteInProcess(functions, folder.Get());
+  pciinfo::ServeRoot(folder.Get(), pciinfo::CommandSource::kLiveTools);
+  LinkFunctions();
+}
+
+class Comparison {
+ public:
+  explicit Comparison(const Programs& programs) : programs_(programs) {}
+
+  void CompareLists(unsigned rounds);
+  void CompareListings(unsigned rounds);
+  void CompareSlowTools();
+  void CountInstructions();
+
+  Measures& Get() { return measures_; }
+
+ private:
+  Command Program(const std::vector<std::string>& classes) const {
+    Command command = {programs_.pciinfo, "instances", "--format", "json"};
+    command.insert(command.end(), classes.begin(), classes.end());
+    return command;
+  }
+  void Add(const std::string& name, double value) { measures_[name].push_back(value); }
+  Taken Run(const std::string& name, const Command& command);
+
+  const Programs& programs_;
+  Measures measures_;
+};
+
+Taken Comparison::Run(const std::string& name, const Command& command) {
+  const Taken taken = Measure(command);
+  Add(name + " wall", taken.wallSeconds);
+  Add(name + " cpu", taken.cpuSeconds);
+  Add(name + " peak", static_cast<double>(taken.peakBytes));
+  Add(name + " output", static_cast<double>(taken.outputBytes));
+  return taken;
+}
+
+void Comparison::CompareLists(unsigned rounds) {
+  Measure({"lspci"});  // files and libraries are in memory from here on
+  Measure(Program(kFunctionClasses));
+  for (unsigned round = 0; round < rounds; ++round) {
+    const Taken lspci = Run("lspci", {"lspci"});
+    const Taken list = Run("list", Program(kFunctionClasses));
+    Add("list/lspci wall", list.wallSeconds / lspci.wallSeconds);
+  }
+  const LspciCounter counter(programs_.lspciWrapper);
+  for (unsigned round = 0; round < rounds; ++round) {
+    const Taken list = LspciCounter::Measure(Program(kFunctionClasses));
+    const double own = list.cpuSeconds - list.lspciSeconds;
+    Add("own cpu", own);
+    Add("own/lspci cpu", own / list.lspciSeconds);
+  }
+}
+
+void Comparison::CompareListings(unsigned rounds) {
+  for (unsigned round = 0; round < rounds; ++round) {
+    const Taken list = Run("lspci again", {"lspci"});
+    const Taken hex = Run("lspci -xxxx", {"lspci", "-xxxx"});
+    const Taken verbose = Run("lspci -vvv", {"lspci", "-vvv"});
+    const double tools = list.wallSeconds + hex.wallSeconds + verbose.wallSeconds;
+    Add("three listings wall", tools);
+    Add("all/listings wall", Run("all", Program({})).wallSeconds / tools);
+    const Taken raw = Run("raw", Program({"QZMSG_PCIRawData"}));
+    const auto text = static_cast<double>(hex.outputBytes + verbose.outputBytes);
+    Add("raw text", text);
+    const double memory = static_cast<double>(raw.peakBytes) - 32 * 1024 * 1024;
+    Add("raw memory above", memory);
+    Add("raw memory/text", memory / text);
+  }
+}
+
+void Comparison::CompareSlowTools() {
+  const double list = Median(measures_.at("list wall"));
+  const auto run = [this, list](const std::string& name, Command command) {
+    // What they take grows with the square of the functions: on large machines, a minute says all.
+    command.insert(command.begin(), {"timeout", "60"});
+    const Taken taken = Run(name, command);
+    if (WIFEXITED(taken.status) && WEXITSTATUS(taken.status) == 124) Add(name + " stopped", 1);
+    Add(name + "/list wall", taken.wallSeconds / list);
+  };
+  run("lshw -json", {"lshw", "-json"});
+  run("hwinfo --pci", {"hwinfo", "--pci"});
+}
+
+void Comparison::CountInstructions() {
+  const fs::path counts = fs::current_path() / "counts";
+  Command command = {"valgrind", "--tool=callgrind", "--callgrind-out-file=" + counts.string(),
+                     programs_.collector};
+  command.insert(command.end(), kFunctionClasses.begin(), kFunctionClasses.end());
+  Measure(command);
+  std::ifstream file(counts);
+  for (std::string word; file >> word;) {
+    double instructions = 0;
+    if (word == "totals:" && file >> instructions) return Add("instructions", instructions);
+  }
+  throw std::runtime_error("valgrind counted nothing; does " + programs_.collector + " run?");
+}
+
+}  // namespace
+
+Measures MeasureMachine(const Plan& plan, const Programs& programs) {
+  BecomeMachine(plan.functions);
+  Comparison comparison(programs);
+  comparison.CompareLists(plan.rounds);
+  comparison.CompareListings(plan.listingRounds);
+  if (plan.withSlowTools) comparison.CompareSlowTools();
+  if (plan.withInstructions) comparison.CountInstructions();
+  return std::move(comparison.Get());
+}
+
+}  // namespace bench

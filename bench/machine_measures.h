@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "bench/results.h"
+
+namespace bench {
+
+/// The programs, by their absolute paths.
+struct Programs {
+  std::string pciinfo;
+  std::string lspciWrapper;  ///< bench_lspci
+  std::string collector;     ///< bench_collect
+};
+
+/// How often and what.
+struct Plan {
+  unsigned functions = 0;
+  unsigned rounds = 0;         ///< of the device list
+  unsigned listingRounds = 0;  ///< of the whole listings; 0 leaves them out
+  bool withSlowTools = false;  ///< once: lshw and hwinfo
+  bool withInstructions = false;
+};
+
+/// Makes the machine, moves this process into it, and measures the tools and the program there, one
+/// after the other in every round. To be called once in a process, which must have one thread.
+/// Throws std::exception.
+Measures MeasureMachine(const Plan& plan, const Programs& programs);
+
+}  // namespace bench

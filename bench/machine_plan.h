@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// A slot as the firmware describes it, and what is true of it.
+struct PlannedSlot {
+  std::string designation;
+  unsigned bus = 0;                    ///< 0: the slot is empty
+  std::vector<std::string> functions;  ///< those that sit in it, "0000:3b:00.0"
+};
+
+struct MachinePlan {
+  nlohmann::json recipe;           ///< as BuildMachine of tests/fakes/machine_recipe.h takes it
+  std::vector<PlannedSlot> slots;  ///< in the firmware's order: the first one has tag 1
+};
+
+/// The fewest and the most functions that PlanMachine can make.
+inline constexpr std::size_t kFewestFunctions = 64;
+inline constexpr std::size_t kMostFunctions = 20000;
+
+/// A server with exactly `functions` PCI functions, the same one every time. It is filled as real
+/// ones are: processor sockets with a root bus each, root ports with cards behind them (network
+/// ports, drives, graphics, storage, switches with drives), empty slots, and buses full of the
+/// processors' own multi-function devices; configurations of 64, 256 and 4096 bytes with the
+/// capabilities of such devices; a few functions in PCI domains of their own, as volume management
+/// controllers make them. Throws std::invalid_argument for a number that it cannot make.
+MachinePlan PlanMachine(std::size_t functions);
+
+}  // namespace bench

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// What was measured of one machine: a name for what it is, and a number for each round. Times are
+/// in seconds, memory in bytes, ratios are made within a round.
+using Measures = std::map<std::string, std::vector<double>>;
+
+/// Of all machines, by their numbers of functions.
+using Results = std::map<unsigned, Measures>;
+
+inline double Least(const std::vector<double>& values) {
+  return *std::min_element(values.begin(), values.end());
+}
+
+inline double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  const std::size_t half = values.size() / 2;
+  return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
+}
+
+}  // namespace bench

@@ -1,0 +1,151 @@
+// bench_run: measures pciinfo beside the tools that people know, and writes the results down.
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/utsname.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <thread>
+
+#include "bench/machine_measures.h"
+#include "bench/plot.h"
+#include "bench/report.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using namespace bench;
+
+struct Settings {
+  std::vector<unsigned> sizes = {64, 512, 4096, 16384};
+  unsigned rounds = 11;
+  unsigned slowToolsUpTo = 4096;
+  bool withInstructions = true;
+  std::string docs;  ///< empty: to standard output only
+};
+
+// Fewer rounds where each takes long.
+Plan PlanFor(unsigned functions, const Settings& settings) {
+  Plan plan;
+  plan.functions = functions;
+  plan.rounds = functions > 4096 ? (settings.rounds + 2) / 3 : settings.rounds;
+  plan.listingRounds = functions > 4096 ? 1 : (settings.rounds + 2) / 3;
+  plan.withSlowTools = functions <= settings.slowToolsUpTo;
+  plan.withInstructions = settings.withInstructions;
+  return plan;
+}
+
+// A process serves one machine only.
+Measures MeasureInProcess(const Plan& plan, const Programs& programs) {
+  const std::string file = fmt::format("/dev/shm/pciinfo-bench-results-{}", getpid());
+  // Open before the process changes its view of the file system.
+  const int results = open(file.c_str(), O_CREAT | O_RDWR | O_TRUNC | O_CLOEXEC, 0600);
+  fs::remove(file);
+  const pid_t process = fork();
+  if (process == 0) {
+    try {
+      const std::string text = nlohmann::json(MeasureMachine(plan, programs)).dump();
+      _exit(write(results, text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
+    } catch (const std::exception& failure) {
+      std::cerr << "bench_run: " << plan.functions << " functions: " << failure.what() << "\n";
+      _exit(1);
+    }
+  }
+  int status = 0;
+  if (process < 0 || waitpid(process, &status, 0) < 0 || status != 0) {
+    throw std::runtime_error(fmt::format("{} functions could not be measured", plan.functions));
+  }
+  std::string text(static_cast<std::size_t>(lseek(results, 0, SEEK_END)), '\0');
+  const ssize_t count = pread(results, text.data(), text.size(), 0);
+  close(results);
+  return nlohmann::json::parse(text.substr(0, static_cast<std::size_t>(count))).get<Measures>();
+}
+
+std::string ProcessorName() {
+  std::ifstream file("/proc/cpuinfo");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("model name")) return line.substr(line.find(':') + 2);
+  }
+  return "an unknown processor";
+}
+
+std::string VersionOf(const std::string& command) {
+  FILE* const pipe = popen((command + " --version 2>/dev/null").c_str(), "r");
+  char line[128] = "";
+  if (pipe == nullptr) return "";
+  [[maybe_unused]] const char* read = fgets(line, sizeof line, pipe);
+  pclose(pipe);
+  return std::string(line, std::string_view(line).find_last_not_of('\n') + 1);
+}
+
+std::string Circumstances() {
+  utsname system{};
+  uname(&system);
+  std::ifstream load("/proc/loadavg");
+  double busy = 0;
+  load >> busy;
+  const std::time_t now = std::time(nullptr);
+  std::ostringstream date;
+  date << std::put_time(std::gmtime(&now), "%Y-%m-%d");
+  return fmt::format(
+      "Measured on {}: {} x {}, Linux {}, {}, files in memory. Load when it began: {:.1f}.",
+      date.str(), std::thread::hardware_concurrency(), ProcessorName(), system.release,
+      VersionOf("lspci"), busy);
+}
+
+void WriteDown(const Results& results, const std::string& circumstances, const std::string& docs) {
+  const std::string tables = MakeTables(results, circumstances);
+  std::cout << tables;
+  if (docs.empty()) return;
+  ReplaceBetweenMarkers(docs + "/performance.md", tables);
+  std::ofstream(docs + "/performance.svg") << MakePlot(results);
+}
+
+CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
+  app.add_option("--sizes", settings.sizes, "Numbers of PCI functions")
+      ->delimiter(',')
+      ->capture_default_str();
+  app.add_option("--rounds", settings.rounds, "How often the device list is measured")
+      ->check(CLI::Range(1, 1000))
+      ->capture_default_str();
+  app.add_option(
+         "--slow-tools-up-to", settings.slowToolsUpTo,
+         "Run lshw and hwinfo, once and for a minute at most, on machines of so many functions")
+      ->capture_default_str();
+  app.add_flag("!--no-instructions", settings.withInstructions, "Count no instructions (valgrind)");
+  return app.add_option("--docs", settings.docs,
+                        "Folder whose performance.md and performance.svg are written anew");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Settings settings;
+  CLI::App app("Measures pciinfo beside lspci, lshw and hwinfo on made-up machines.", "bench/run");
+  AddOptions(app, settings);
+  CLI11_PARSE(app, argc, argv);
+  try {
+    const std::string circumstances = Circumstances();
+    const Programs programs{BENCH_PCIINFO, BENCH_LSPCI, BENCH_COLLECT};
+    Results results;
+    for (const unsigned size : settings.sizes) {
+      std::cerr << "Measuring " << size << " functions ...\n";
+      results[size] = MeasureInProcess(PlanFor(size, settings), programs);
+    }
+    WriteDown(results, circumstances, settings.docs);
+    return 0;
+  } catch (const std::exception& failure) {
+    std::cerr << "bench_run: " << failure.what() << "\n";
+    return 1;
+  }
+}

@@ -1,0 +1,33 @@
+# What the scripts of this folder share; to be sourced.
+source "$here/tools/packages.sh"
+
+all_targets() { grep -v '^#' "$here/fuzz/targets" | cut -d' ' -f1; }
+
+# The line of a target, without its name.
+about() { sed -n "s/^$1 \+//p" "$here/fuzz/targets"; }
+
+longest_input() { about "$1" | cut -d' ' -f1; }
+
+sources_under_test() { about "$1" | cut -d' ' -f2-; }
+
+check_targets() {
+  local target
+  for target in "$@"; do
+    [[ -n $(about "$target") ]] ||
+      fail "there is no target '$target', only: $(all_targets | tr '\n' ' ')"
+  done
+}
+
+# build_preset PRESET BUILD
+build_preset() {
+  require_packages "${build_packages[@]}" "${fuzz_packages[@]}"
+  [[ -f $2/build.ninja ]] ||
+    quietly "Configuring preset $1 ..." cmake -S "$here" --preset "$1" -B "$2"
+  quietly "Building the fuzzers' targets ..." cmake --build "$2" --target fuzzers
+}
+
+# regressions TARGET: its folder of inputs that once went wrong, if it has one.
+regressions() {
+  local folder=$here/fuzz/regressions/$1
+  [[ ! -d $folder ]] || echo "$folder"
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace fuzz {
+
+/// What a target is: runs the code under test on one input and ends the process by Require, or by
+/// whatever the code under test does to itself, when the result is not what it must be. An
+/// exception that leaves it ends the process as well. Called any number of times in a process.
+void CheckInput(std::string_view input);
+
+/// Ends the process, with `what` on standard error, unless `holds`.
+inline void Require(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "\nThis does not hold: %s\n", what);
+  std::abort();
+}
+
+/// Takes an input apart from its front. An input that is too short goes on with nothing: zeros and
+/// empty texts.
+class Pieces final {
+ public:
+  explicit Pieces(std::string_view input) : left_(input) {}
+
+  bool IsEmpty() const { return left_.empty(); }
+
+  std::uint8_t Byte() {
+    if (left_.empty()) return 0;
+    const auto byte = static_cast<std::uint8_t>(left_.front());
+    left_.remove_prefix(1);
+    return byte;
+  }
+
+  /// The next `size` bytes, or what is left.
+  std::string_view Bytes(std::size_t size) {
+    const std::string_view bytes = left_.substr(0, size);
+    left_.remove_prefix(bytes.size());
+    return bytes;
+  }
+
+  /// The bytes up to the next `end`, which is passed over.
+  std::string_view Until(char end) {
+    const std::string_view bytes = left_.substr(0, left_.find(end));
+    left_.remove_prefix(std::min(bytes.size() + 1, left_.size()));
+    return bytes;
+  }
+
+  std::string_view Rest() { return Bytes(left_.size()); }
+
+ private:
+  std::string_view left_;
+};
+
+}  // namespace fuzz

@@ -1,0 +1,247 @@
+// make_seeds OUTPUT FOLDER...: writes the inputs that fuzzing begins with, OUTPUT/TARGET/*, from
+// machines. A folder holds machines: folders with a machine.json (tests/fakes/machine_recipe.h),
+// captured machines as folders, or as tar archives.
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "fuzz/seed_archive.h"
+#include "fuzz/smbios_model.h"
+#include "tests/fakes/machine_recipe.h"
+#include "tests/machines/recipe_files.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using recipe::WriteFile;
+
+constexpr std::size_t kLongestTable = 6000;
+constexpr std::size_t kMostLines = 12;
+
+std::string ReadText(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> FirstLines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; lines.size() < kMostLines && std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+// What a line of the device list says.
+struct ListedFunction {
+  unsigned bus = 0, device = 0, function = 0, ids = 0;
+
+  std::string Address() const { return fmt::format("{:02x}:{:02x}.{:x}", bus, device, function); }
+};
+
+std::vector<ListedFunction> FunctionsOf(const std::vector<std::string>& lines) {
+  std::vector<ListedFunction> functions;
+  for (const std::string& line : lines) {
+    unsigned place = 0;
+    unsigned ids = 0;
+    if (std::sscanf(line.c_str(), "%4x\t%8x", &place, &ids) != 2) continue;
+    functions.push_back({place >> 8, (place & 0xFF) >> 3, place & 7, ids});
+  }
+  return functions;
+}
+
+// The seeds of one machine, which stands in a folder.
+class MachineSeeds final {
+ public:
+  MachineSeeds(fs::path output, std::string name, fs::path root)
+      : output_(std::move(output)), name_(std::move(name)), root_(std::move(root)) {}
+
+  void WriteAll() const {
+    const std::vector<std::string> list = FirstLines(Content("proc/bus/pci/devices"));
+    WriteList(list);
+    WriteListings(FunctionsOf(list));
+    WriteTables(Content("sys/firmware/dmi/tables/smbios_entry_point"),
+                Content("sys/firmware/dmi/tables/DMI"));
+    WriteCaptures(list);
+  }
+
+ private:
+  std::string Content(const std::string& path) const { return ReadText(root_ / path); }
+
+  void Write(const std::string& target, const std::string& kind, const std::string& content) const {
+    if (!content.empty()) WriteFile(output_ / target / (name_ + kind), content);
+  }
+
+  void WriteList(const std::vector<std::string>& lines) const {
+    Write("device_line", "-list", fmt::format("{}\n", fmt::join(lines, "\n")));
+    for (std::size_t i = 0; i < lines.size(); i += 4) {
+      Write("device_line", fmt::format("-line-{}", i), lines[i]);
+    }
+  }
+
+  void WriteListings(const std::vector<ListedFunction>& functions) const {
+    std::string addresses;
+    std::string listing;
+    std::string dump;
+    for (const ListedFunction& at : functions) {
+      addresses += fmt::format("{}\nPCI Bus {:2}, device {:3}, function {:2}\n", at.Address(),
+                               at.bus, at.device, at.function);
+      addresses += fmt::format("/devices/pci0000:00/0000:{}\n{:08x}\n", at.Address(), at.ids);
+      listing +=
+          fmt::format("{} Device {:04x}:{:04x}\n", at.Address(), at.ids >> 16, at.ids & 0xFFFF);
+      dump += fmt::format("{} Device\n00: {:02x} {:02x} {:02x}\n\n", at.Address(), at.ids >> 24,
+                          (at.ids >> 16) & 0xFF, (at.ids >> 8) & 0xFF);
+    }
+    Write("address", "", addresses);
+    Write("raw_lines", "", dump);
+    const std::string commands = Content("commands/lspci");
+    for (const ListedFunction& at : functions) {
+      Write("listing", "-" + at.Address(), at.Address() + "\n" + listing);
+      if (!commands.empty()) {
+        Write("listing", "-real", at.Address() + "\n" + commands.substr(0, kLongestTable));
+      }
+    }
+    Write("object_path", "", addresses + listing);
+  }
+
+  void WriteTables(const std::string& entryPoint, const std::string& table) const {
+    if (entryPoint.empty()) return;
+    const std::string start(1, static_cast<char>(entryPoint.size()));
+    const std::string tables = start + entryPoint + table.substr(0, kLongestTable);
+    Write("smbios", "-plain", std::string("\0\0\xFF", 3) + tables);
+    Write("smbios", "-files", std::string("\x08\x09\x40", 3) + tables);
+    Write("smbios", "-sums", std::string("\x0C\x0B\xFF", 3) + tables);
+    std::string slots;
+    std::string texts;
+    for (const std::string& structure : fuzz::PlainStructures(table)) {
+      if (structure[0] == 9) slots += structure;
+      if (structure[0] == 11 || structure[0] == 9) texts += structure;
+    }
+    if (slots.empty()) slots = table.substr(0, kLongestTable);
+    Write("slot_decoder", "", std::string(1, '\0') + slots);
+    Write("slot_decoder", "-all", "\x01" + texts + table.substr(0, kLongestTable));
+    Write("slot_location", "-slots", std::string("\x03\x02\x00", 3) + slots);
+    Write("slot_location", "-texts", std::string("\x02\x05\x01", 3) + texts);
+  }
+
+  // A little of each kind of file that a capture holds, so that inputs stay small.
+  std::vector<SeedEntry> Capture(const std::vector<std::string>& list) const {
+    return {{"proc/bus/pci/devices", fmt::format("{}\n", fmt::join(list, "\n"))},
+            {"proc/bus/pci/00/"},
+            {"proc/bus/pci/00/00.0", Content("proc/bus/pci/00/00.0").substr(0, 64)},
+            {"sys/bus/pci/devices/0000:00:00.0/driver", "", "../../../../bus/pci/drivers/" + name_},
+            {"sys/firmware/dmi/tables/smbios_entry_point",
+             Content("sys/firmware/dmi/tables/smbios_entry_point")},
+            {"commands/lspci", "00:00.0 Host bridge: Device\n"},
+            {"manifest.json", R"({"formatVersion": 1, "systemName": ")" + name_ + "\"}"}};
+  }
+
+  void WriteCaptures(const std::vector<std::string>& list) const {
+    const std::vector<SeedEntry> capture = Capture(list);
+    const fs::path folder = output_ / "capture_archive";
+    fs::create_directories(folder);
+    for (const char* format : {"pax", "gnutar", "v7tar"}) {
+      WriteArchive(folder / fmt::format("{}-{}.tar", name_, format), capture, format, "none");
+    }
+    for (const char* filter : {"gzip", "bzip2", "xz", "lzma", "zstd", "lz4"}) {
+      WriteArchive(folder / fmt::format("{}.{}", name_, filter), capture, "pax", filter);
+    }
+    std::string lines;
+    for (const SeedEntry& entry : capture) {
+      const char kind = !entry.target.empty() ? 'l' : entry.path.ends_with('/') ? 'd' : 'f';
+      lines += fmt::format("{}{}\t{}\n", kind, entry.path,
+                           entry.target.empty() ? FirstLineOf(entry.content) : entry.target);
+    }
+    Write("capture_folder", "", lines);
+    Write("manifest", "", Content("manifest.json"));
+  }
+
+  static std::string FirstLineOf(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+  }
+
+  fs::path output_;
+  std::string name_;
+  fs::path root_;
+};
+
+// Archives of a kind that is refused, and holes.
+void WriteHostileArchives(const fs::path& folder) {
+  fs::create_directories(folder);
+  const SeedEntry hostile[] = {{"/sys/absolute", "x"},
+                               {"sys/../../up", "x"},
+                               {"sys/" + std::string(300, 'x'), "x"},
+                               {"sys/out", "", "../../etc/passwd"},
+                               {"sys/large", "", "", 100'000},
+                               {"sys/hole", "", "", 5000},
+                               {"elsewhere", "x"}};
+  for (std::size_t i = 0; i < std::size(hostile); ++i) {
+    WriteArchive(folder / fmt::format("hostile-{}.tar", i), {{"sys/x", "x"}, hostile[i]}, "pax",
+                 "none");
+  }
+  WriteArchive(folder / "many.tar", std::vector<SeedEntry>(25, {"commands/x", ""}), "v7tar",
+               "none");
+}
+
+// What no machine shows.
+void WriteOwnSeeds(const fs::path& output) {
+  const char* const commands[] = {"lspci", "lspci -xxxx",       "lspci -v",
+                                  "link",  "/usr/bin/lspci -n", "lspci\t-vvv ../secret"};
+  for (std::size_t i = 0; i < std::size(commands); ++i) {
+    WriteFile(output / "command" / std::to_string(i), commands[i]);
+  }
+  WriteFile(output / "manifest/whole",
+            R"({"formatVersion": 1, "systemName": "box.example.org", "kernelRelease": "6.1.0",
+"capturedAt": "2026-01-31T23:59:59Z", "tools": {"lspci": "lspci version 3.9.0"},
+"redacted": true, "unread": [{"path": "proc/bus/pci/00/00.0", "reason": "\u00e4"}]})");
+  WriteFile(output / "slot_location/text", std::string("\x02\x05\x01\x0B\x05\0\0\x01", 8) +
+                                               "$T9 SID:0x0102 SegGrp:0x0000 B:0x3a D:0x00 F:0x00" +
+                                               std::string(2, '\0'));
+  WriteHostileArchives(output / "capture_archive");
+  WriteFile(output / "capture_folder/hostile",
+            "dsys\nlsys/a/b\t../../etc\nhsys/hard\npsys/pipe\nfother\tx\nfsys/link/x\ty\n");
+}
+
+void Unpack(const fs::path& archive, const fs::path& folder) {
+  const std::string command =
+      fmt::format("tar --no-same-owner -xf '{}' -C '{}'", archive.string(), folder.string());
+  if (std::system(command.c_str()) != 0) {
+    throw std::runtime_error("cannot unpack " + archive.string());
+  }
+}
+
+void WriteSeeds(const fs::path& machine, const fs::path& output) {
+  const std::string name = machine.filename().string();
+  const vtq::TemporaryDirectory root;
+  if (fs::exists(machine / "machine.json")) {
+    BuildMachine(ReadRecipe(machine / "machine.json"), root.GetPath());
+    MachineSeeds(output, name, root.GetPath()).WriteAll();
+  } else if (fs::exists(machine / "proc") || fs::exists(machine / "sys")) {
+    MachineSeeds(output, name, machine).WriteAll();
+  } else if (name.find(".tar") != std::string::npos) {
+    Unpack(machine, root.GetPath());
+    MachineSeeds(output, name.substr(0, name.find(".tar")), root.GetPath()).WriteAll();
+  }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  try {
+    if (count < 3) throw std::runtime_error("usage: make_seeds OUTPUT FOLDER...");
+    WriteOwnSeeds(arguments[1]);
+    for (int i = 2; i < count; ++i) {
+      for (const fs::directory_entry& entry : fs::directory_iterator(arguments[i])) {
+        WriteSeeds(entry.path(), arguments[1]);
+      }
+    }
+    return 0;
+  } catch (const std::exception& failure) {
+    std::cerr << "make_seeds: " << failure.what() << '\n';
+    return 1;
+  }
+}

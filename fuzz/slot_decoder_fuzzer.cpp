@@ -1,0 +1,127 @@
+// The slot collector on structures of any shape, against a model of every byte that it may see. An
+// input is flags and an SMBIOS table.
+#include "fuzz/fuzz.h"
+#include "fuzz/slot_model.h"
+#include "plugin/structure_reader.h"
+#include "slots/slot_info.h"
+#include "slots/type9.h"
+
+namespace {
+
+using fuzz::PlainMemory;
+using fuzz::Require;
+using NQZMVTQ20::TCIMValue;
+
+constexpr std::uint8_t kAllTypesBit = 1;
+constexpr int kType = 9;
+
+std::string PlainString(int number, const PlainMemory& slot) {
+  if (number == 0) return "";
+  int place = slot.SignedAt(1);
+  if (slot.At(place) == 0) return "(null string)";
+  for (int i = 1; i < number; ++i) place = slot.Behind(place);
+  return slot.TextAt(place);
+}
+
+TCIMValue Words(const std::vector<unsigned>& numbers) {
+  TCIMValue::TArray values;
+  for (const unsigned number : numbers) values.emplace_back(static_cast<unsigned short>(number));
+  const auto count = static_cast<std::uint32_t>(values.size());
+  return {TCIMValue::TCIMType(TCIMValue::TCIMType::kUint16), count, values};
+}
+
+TCIMValue Word(unsigned number) { return TCIMValue(static_cast<unsigned short>(number)); }
+
+void AddUsage(unsigned usage, TPropertyMap& slot) {
+  const char* text = usage == 1   ? "Other"
+                     : usage == 3 ? "Slot is available"
+                     : usage == 4 ? "Slot is in use"
+                                  : "Unknown";
+  const unsigned status = usage == 1 ? 1 : usage == 3 || usage == 4 ? 2 : 0;
+  slot["CurrentUsage"] = Word(usage);
+  slot["OperationalStatus"] = Words({status});
+  slot["StatusDescriptions"] =
+      TCIMValue(TCIMValue::TCIMType(TCIMValue::TCIMType::kString), 1, {TCIMValue(text)});
+}
+
+void AddCharacteristics(unsigned first, unsigned second, TPropertyMap& slot) {
+  const bool fiveVolt = first & 2;
+  const bool threeVolt = first & 4;
+  slot["VccMixedVoltageSupport"] = fiveVolt && threeVolt ? Words({3, 2})
+                                   : fiveVolt            ? Words({3})
+                                   : threeVolt           ? Words({2})
+                                                         : Words({0});
+  slot["Shared"] = TCIMValue((first & 8) != 0);
+  slot["PMESignal"] = TCIMValue((second & 1) != 0);
+  slot["SupportsHotPlug"] = TCIMValue((second & 2) != 0);
+}
+
+TPropertyMap PlainSlot(const PlainMemory& memory, int tagNumber) {
+  const std::string tag = "Tag " + std::to_string(tagNumber);
+  TPropertyMap slot;
+  slot["Number"] = Word(memory.WordAt(9));
+  slot["CreationClassName"] = TCIMValue("QZMSG_SystemSlot");
+  slot["Tag"] = TCIMValue(tag);
+  slot["Description"] = TCIMValue("System Slot");
+  slot["SlotLength"] = TCIMValue(static_cast<unsigned char>(memory.At(8)));
+  slot["ConnectorType"] = Words({memory.At(5)});
+  slot["MaxDataWidth"] = Word(memory.At(6));
+  AddUsage(memory.At(7), slot);
+  AddCharacteristics(memory.At(0x0B), memory.At(0x0C), slot);
+  if (memory.At(4) == 0) return slot;
+  const std::string designation = PlainString(static_cast<int>(memory.At(4)), memory);
+  slot["SlotDesignation"] = TCIMValue(designation);
+  slot["SlotAllInfo"] = TCIMValue(designation == tag ? tag : designation + "," + tag);
+  return slot;
+}
+
+int PlainPeers(const PlainMemory& slot) {
+  const int peers = slot.SignedAt(0x12);
+  return peers >= 1 && peers < 9 && slot.SignedAt(1) > 16 ? peers : 0;
+}
+
+std::vector<TPropertyMap> PlainSlots(const std::vector<PlainMemory>& fetched) {
+  std::vector<TPropertyMap> slots;
+  for (const PlainMemory& memory : fetched) {
+    if (memory.At(0) != kType) continue;
+    for (int i = 0; i <= PlainPeers(memory); ++i) {
+      slots.push_back(PlainSlot(memory, static_cast<int>(slots.size()) + 1));
+    }
+  }
+  return slots;
+}
+
+// Every byte of the buffer, and the strings of some numbers up to the largest.
+void CheckBuffer(const std::vector<PlainMemory>& fetched) {
+  void* handle = nullptr;
+  NQZMVTQ20::smBiosLoad(nullptr, &handle);
+  StructureReader reader(handle);
+  auto status = reader.First(kType);
+  for (const PlainMemory& memory : fetched) {
+    Require(status == 0, "a structure that fits is fetched");
+    for (int place = -StructureReader::kGuardBefore;
+         place < StructureReader::kCapacity + StructureReader::kGuardAfter; ++place) {
+      Require(memory.At(place) == reader.Get()[place], "all bytes around a structure are zero");
+    }
+    for (const int number : {0, 1, 2, 3, 127, 128, 255}) {
+      Require(PlainString(number, memory) == FindSlotString(number, reader.Get()),
+              "a string is the bytes at its place");
+    }
+    status = reader.Next();
+  }
+  NQZMVTQ20::smBiosClose(&handle);
+}
+
+}  // namespace
+
+void fuzz::CheckInput(std::string_view input) {
+  Pieces pieces(input);
+  const bool thenAll = pieces.Byte() & kAllTypesBit;
+  const std::vector<std::string> structures = ServeStructures(pieces.Rest());
+  Fake().smBios.deliversAllTypes = thenAll;
+  const std::vector<PlainMemory> fetched = FetchedOf(structures, kType, thenAll);
+  TSlotInfo collector(nullptr);
+  Require(collector.GetSlotInfo() == PlainSlots(fetched), "slots are what their bytes say");
+  CheckBuffer(fetched);
+  Require(Fake().smBios.openHandles == 0, "every handle is closed");
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fuzz/smbios_model.h"
+#include "tests/fakes/framework.h"
+
+namespace fuzz {
+
+constexpr std::size_t kStructureBuffer = 1024;
+
+/// What a collector sees around a structure that was fetched: its bytes, zeros before and behind
+/// it.
+class PlainMemory final {
+ public:
+  explicit PlainMemory(std::string structure) : structure_(std::move(structure)) {}
+
+  unsigned At(int place) const {
+    if (place < 0 || place >= static_cast<int>(structure_.size())) return 0;
+    return static_cast<std::uint8_t>(structure_[static_cast<std::size_t>(place)]);
+  }
+  unsigned WordAt(int place) const { return At(place) + 256 * At(place + 1); }
+  int SignedAt(int place) const {
+    const int byte = static_cast<int>(At(place));
+    return byte < 128 ? byte : byte - 256;
+  }
+
+  /// The text from `place` up to a zero.
+  std::string TextAt(int place) const {
+    std::string text;
+    for (; At(place) != 0; ++place) text += static_cast<char>(At(place));
+    return text;
+  }
+
+  /// The place behind the text at `place` and its zero.
+  int Behind(int place) const {
+    while (At(place) != 0) ++place;
+    return place + 1;
+  }
+
+ private:
+  std::string structure_;
+};
+
+/// Makes the structures of `table` those that the framework's stand-in holds.
+inline std::vector<std::string> ServeStructures(std::string_view table) {
+  std::vector<std::string> structures = PlainStructures(table);
+  Fake() = {};
+  for (const std::string& structure : structures) {
+    Fake().smBios.structures.emplace_back(structure.begin(), structure.end());
+  }
+  return structures;
+}
+
+/// Those that a collector gets that asks for one type: up to one that does not fit into its buffer.
+/// A framework may hand over structures of other types behind the first: `thenAll`.
+inline std::vector<PlainMemory> FetchedOf(const std::vector<std::string>& structures, int type,
+                                          bool thenAll = false) {
+  std::vector<PlainMemory> fetched;
+  for (const std::string& structure : structures) {
+    const bool asked = static_cast<std::uint8_t>(structure[0]) == type;
+    if (!asked && (!thenAll || fetched.empty())) continue;
+    if (structure.size() > kStructureBuffer) break;
+    fetched.emplace_back(structure);
+  }
+  return fetched;
+}
+
+}  // namespace fuzz

@@ -1,0 +1,53 @@
+// Allocations that fail on demand, all of them: operator new comes through malloc as well.
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+
+#include "tests/faults/fault_plan.h"
+#include "tests/faults/live_blocks.h"
+
+// Under these names the C library keeps its own for those who bring another malloc.
+extern "C" void* __libc_malloc(std::size_t size) noexcept;
+extern "C" void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
+extern "C" void* __libc_realloc(void* block, std::size_t size) noexcept;
+extern "C" void __libc_free(void* block) noexcept;
+
+namespace {
+
+std::atomic<long> live{0};
+
+bool HasNoMemory() noexcept {
+  if (!MustFail(Call::kAllocate)) return false;
+  errno = ENOMEM;
+  return true;
+}
+
+void* Counted(void* block) noexcept {
+  if (block != nullptr) ++live;
+  return block;
+}
+
+}  // namespace
+
+long LiveBlocks() noexcept { return live; }
+
+#define CALLED_FROM_OUTSIDE extern "C" __attribute__((visibility("default")))
+
+CALLED_FROM_OUTSIDE void* malloc(std::size_t size) noexcept {
+  return HasNoMemory() ? nullptr : Counted(__libc_malloc(size));
+}
+
+CALLED_FROM_OUTSIDE void* calloc(std::size_t count, std::size_t size) noexcept {
+  return HasNoMemory() ? nullptr : Counted(__libc_calloc(count, size));
+}
+
+CALLED_FROM_OUTSIDE void* realloc(void* block, std::size_t size) noexcept {
+  if (HasNoMemory()) return nullptr;
+  void* const moved = __libc_realloc(block, size);
+  return block == nullptr ? Counted(moved) : moved;
+}
+
+CALLED_FROM_OUTSIDE void free(void* block) noexcept {
+  if (block != nullptr) --live;
+  __libc_free(block);
+}

@@ -1,0 +1,40 @@
+#include "tests/faults/program.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/fakes/captured_output.h"
+
+// The program's own, under another name.
+int PciinfoMain(int argc, char** argv);
+
+namespace {
+
+std::vector<char*> PointersTo(std::vector<std::string>& words) {
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+}  // namespace
+
+ProgramEnd RunProgram(const std::vector<std::string>& words, const Fault& fault) {
+  std::vector<std::string> line{"pciinfo"};
+  line.insert(line.end(), words.begin(), words.end());
+  const std::vector<char*> arguments = PointersTo(line);
+  const CapturedOutput out;
+  const CapturedOutput err;
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(out.Descriptor(), STDOUT_FILENO);
+    dup2(err.Descriptor(), STDERR_FILENO);
+    Arm(fault);
+    // The program goes on in other processes; whichever returns has nothing left to do.
+    _exit(PciinfoMain(static_cast<int>(line.size()), const_cast<char**>(arguments.data())));
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  Disarm();
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), out.Text(), err.Text()};
+}
