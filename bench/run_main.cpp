@@ -88,6 +88,9 @@ std::string VersionOf(const std::string& command) {
   return std::string(line, std::string_view(line).find_last_not_of('\n') + 1);
 }
 
+// Without what whoever built the kernel has put behind its number.
+std::string Version(const std::string& release) { return release.substr(0, release.find('-')); }
+
 std::string Circumstances() {
   utsname system{};
   uname(&system);
@@ -99,7 +102,7 @@ std::string Circumstances() {
   date << std::put_time(std::gmtime(&now), "%Y-%m-%d");
   return fmt::format(
       "Measured on {}: {} x {}, Linux {}, {}, files in memory. Load when it began: {:.1f}.",
-      date.str(), std::thread::hardware_concurrency(), ProcessorName(), system.release,
+      date.str(), std::thread::hardware_concurrency(), ProcessorName(), Version(system.release),
       VersionOf("lspci"), busy);
 }
 

@@ -10,8 +10,8 @@ struct RunResult {
   std::string err;
 };
 
-/// Gives the signals that end programs their usual meaning: whoever runs the tests in the background
-/// may have had them ignored.
+/// Gives the signals that end programs their usual meaning: whoever runs the tests in the
+/// background may have had them ignored.
 void HearSignals();
 
 /// Runs a program and waits for it. Standard input is empty.
