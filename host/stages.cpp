@@ -131,8 +131,7 @@ milliseconds Stages::TimeFor(bool isLast) const {
 std::string Stages::ReasonOf(const SuccessorEnd& end) const {
   if (end.progress == Progress::kNoRoom) return "left no memory to go on with (--memory-limit)";
   if (!end.outOfTime) return HowItEnded(end.status);
-  const std::string stopped =
-      fmt::format("was stopped after {:g} seconds", Seconds(*end.outOfTime));
+  std::string stopped = fmt::format("was stopped after {:g} seconds", Seconds(*end.outOfTime));
   if (DidItsStage(end)) return stopped;
   return stopped + fmt::format(" (--timeout bounds the whole run to {:g})", Seconds(limits_.time));
 }
