@@ -7,9 +7,10 @@ fail() {
 
 # What the program is built from and needs at run time.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
-  pciutils)
+  libxml2-dev libyaml-cpp-dev pciutils)
 # What the tests need beside these.
-test_packages=(libgtest-dev binutils valgrind dmidecode qemu-system-x86 busybox-static cpio)
+test_packages=(libgtest-dev binutils valgrind dmidecode qemu-system-x86 busybox-static cpio
+  python3-jsonschema)
 # What the whole round of checks needs beside these.
 ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)
 
