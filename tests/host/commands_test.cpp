@@ -124,6 +124,17 @@ TEST(Program, InstancesComeInEveryFormat) {
   EXPECT_THAT(board("cim-xml"), StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CIM "));
 }
 
+TEST(Program, TheSchemaNeedsNoPluginAndCollectsNothing) {
+  const RunResult mof = RunPciinfo({"schema", "--plugin", "/nowhere/none.pi.so"});
+  EXPECT_EQ(mof.status, 0);
+  EXPECT_EQ(mof.err, "");
+  EXPECT_THAT(mof.out, HasSubstr("class QZMSG_PCIDevice : CIM_PCIDevice {"));
+  EXPECT_EQ(RunPciinfo({"schema", "--format", "mof"}).out, mof.out);
+  const RunResult schema = RunPciinfo({"schema", "--format", "json-schema", "--root", "/nowhere"});
+  EXPECT_EQ(schema.status, 0);
+  EXPECT_TRUE(json::parse(schema.out).contains("$defs"));
+}
+
 TEST(Program, AnUnknownClassIsWrongUsageAndListsTheServedOnes) {
   const RunResult result = RunFake("fixed", {"instances", "QZMSG_Nothing"});
   EXPECT_EQ(result.status, 2);
@@ -249,7 +260,7 @@ TEST(Program, BreachesOfTheContractAreWarningsOnly) {
 
 TEST(Program, AFullDiskIsReported) {
   for (const char* command : {"", "slots", "instances --format json", "instances --format cim-xml",
-                              "classes"}) {
+                              "classes", "schema"}) {
     const RunResult result =
         RunShell(std::string("$PCIINFO --plugin ${PLUGINS}fixed.pi.so ") + command + " >/dev/full");
     EXPECT_EQ(result.status, 1) << command;
