@@ -17,6 +17,7 @@
 #include "host/plugin_location.h"
 #include "host/query_order.h"
 #include "host/root.h"
+#include "host/schema_writer.h"
 #include "host/session.h"
 #include "host/slots_view.h"
 #include "host/stages.h"
@@ -74,7 +75,8 @@ Job MakeJob(const Options& options) {
       return ClassesJob(options);
     case Command::kSlots:
       return SlotsJob(options);
-    case Command::kCapture:  // collects nothing
+    case Command::kCapture:  // these two collect nothing
+    case Command::kSchema:
     case Command::kInventory:
       break;
   }
@@ -86,10 +88,10 @@ void LoadPlugins(Session& session, const std::vector<std::string>& files) {
   for (const std::string& file : files) session.Load(file);
 }
 
-ExitStatus Print(const Job& job, const Session& session) {
+ExitStatus Print(const std::function<void(Output& output)>& print) {
   try {
     Output output(STDOUT_FILENO);
-    job.print(session, output);
+    print(output);
     output.Flush();
     return kAllCollected;
   } catch (const ClosedPipe&) {
@@ -126,7 +128,7 @@ ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   LoadPlugins(session, options.plugins);
   stages.EndStage();
   CollectInStages(session, report, job, stages);
-  const ExitStatus printed = Print(job, session);
+  const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
   stages.BeginEnding();
   Tell(report, session.Close());
   if (printed == kAllCollected && report.HasTroubles()) return kFailed;
@@ -159,6 +161,9 @@ Limits LimitsOf(const Options& options) {
 }  // namespace
 
 ExitStatus RunCommand(Options options) {
+  if (options.command == Command::kSchema) {
+    return Print([&options](Output& output) { WriteSchema(output, options.schemaFormat); });
+  }
   MakeFilesAbsolute(options);
   std::optional<Manifest> origin;
   if (!options.root.empty()) origin = MoveToRoot(options);

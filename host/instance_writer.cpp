@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <iterator>
 
+#include "host/cim_xml_writer.h"
+#include "host/csv_writer.h"
 #include "host/json_writer.h"
+#include "host/mof_writer.h"
 #include "host/table_writer.h"
+#include "host/yaml_writer.h"
 
 namespace pciinfo {
 namespace {
@@ -20,10 +24,20 @@ struct FormatRow {
 };
 
 constexpr FormatRow kFormats[] = {
-    {"table", &Make<TableWriter>},
-    {"json", &Make<JsonWriter>},
-    {"jsonl", &Make<JsonLinesWriter>},
+    {"table", &Make<TableWriter>},     {"json", &Make<JsonWriter>},
+    {"jsonl", &Make<JsonLinesWriter>}, {"csv", &Make<CsvWriter>},
+    {"yaml", &Make<YamlWriter>},       {"mof", &Make<MofWriter>},
+    {"cim-xml", &Make<CimXmlWriter>},
 };
+
+std::vector<std::shared_ptr<vtq::Class>> Declared(const vtq::Namespace& repository,
+                                                  const std::vector<std::string>& names) {
+  std::vector<std::shared_ptr<vtq::Class>> classes;
+  for (const std::string& name : names) {
+    if (auto cimClass = repository.Find(name)) classes.push_back(std::move(cimClass));
+  }
+  return classes;
+}
 
 }  // namespace
 
@@ -42,10 +56,10 @@ std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Ou
 
 void WriteInstances(const vtq::Namespace& repository, const std::vector<std::string>& classes,
                     InstanceWriter& writer) {
+  const std::vector<std::shared_ptr<vtq::Class>> found = Declared(repository, classes);
+  for (const auto& cimClass : found) writer.Expect(*cimClass);
   writer.Begin();
-  for (const std::string& name : classes) {
-    const std::shared_ptr<vtq::Class> cimClass = repository.Find(name);
-    if (cimClass == nullptr) continue;
+  for (const auto& cimClass : found) {
     writer.BeginClass(*cimClass);
     for (const auto& instance : cimClass->GetInstances()) writer.Write(*cimClass, *instance);
   }

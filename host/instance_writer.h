@@ -10,12 +10,13 @@
 namespace pciinfo {
 
 /// Writes instances in one format, one at a time: nothing is kept of an instance that was written.
-/// Calls come in the order Begin, then for every class BeginClass and its instances, then End. All
-/// throw what Output throws.
+/// Calls come in the order: Expect for every class, Begin, then for every class BeginClass and its
+/// instances, then End. All throw what Output throws.
 class InstanceWriter {
  public:
   virtual ~InstanceWriter() = default;
 
+  virtual void Expect(const vtq::Class& /*cimClass*/) {}
   virtual void Begin() {}
   virtual void BeginClass(const vtq::Class& /*cimClass*/) {}
   virtual void Write(const vtq::Class& cimClass, const vtq::Instance& instance) = 0;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "host/instance_writer.h"
+#include "host/schema_writer.h"
 
 namespace pciinfo {
 namespace {
@@ -75,8 +76,8 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
   return sub;
 }
 
-void AddFormat(CLI::App& command, Options& options, const std::vector<std::string>& formats) {
-  command.add_option("--format", options.format, "Output format")
+void AddFormat(CLI::App& command, std::string& format, const std::vector<std::string>& formats) {
+  command.add_option("--format", format, "Output format")
       ->type_name("FORMAT")
       ->check(CLI::IsMember(formats))
       ->capture_default_str();
@@ -86,12 +87,15 @@ void AddCommands(CLI::App& app, Options& options) {
   CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
                                    Command::kInstances);
   instances->add_option("CLASS", options.classes, "Classes to print (default: all)");
-  AddFormat(*instances, options, InstanceFormats());
+  AddFormat(*instances, options.format, InstanceFormats());
   AddCommand(app, "classes", "Print the plug-ins and the classes that they serve", options,
              Command::kClasses);
   CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
                                options, Command::kSlots);
-  AddFormat(*slots, options, {"table", "json"});
+  AddFormat(*slots, options.format, {"table", "json"});
+  CLI::App* schema =
+      AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
+  AddFormat(*schema, options.schemaFormat, SchemaFormats());
   CLI::App* capture = AddCommand(app, "capture", "Keep all that can be shown of this machine",
                                  options, Command::kCapture);
   capture

@@ -8,7 +8,7 @@
 
 namespace pciinfo {
 
-enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture };
+enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture, kSchema };
 
 #ifdef PCIINFO_SANITIZED
 /// The sanitizer takes terabytes of addresses for itself.
@@ -22,6 +22,7 @@ struct Options {
   Command command = Command::kInventory;
   std::vector<std::string> classes;  ///< of `instances`; empty: all
   std::string format = "table";      ///< of `instances` and `slots`
+  std::string schemaFormat = "mof";  ///< of `schema`
   std::vector<std::string> plugins;  ///< files; empty: the one that belongs to the program
   std::string logFile;               ///< empty: none
   std::optional<int> logLevel;       ///< 0 to 4; not set: errors and warnings

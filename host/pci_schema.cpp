@@ -1,5 +1,9 @@
 #include "host/pci_schema.h"
 
+#include <utility>
+
+#include "host/smbios_names.h"
+
 namespace pciinfo {
 namespace {
 
@@ -8,16 +12,69 @@ using enum NQZMVTQ20::TCIMValue::TCIMType::ECIMType;
 enum Shape { kScalar, kArray };
 enum Role { kKey, kPlain };
 
+/// What few properties have.
+struct Extra {
+  std::vector<std::string> targets = {};
+  std::vector<vtq::NamedValue> (*values)() = nullptr;
+  const char* overrides = "";
+  const char* commonTarget = "";
+};
+
 struct PropertyRow {
   const char* name;
   NQZMVTQ20::TCIMValue::TCIMType::ECIMType type;
   Shape shape;
   Role role;
   const char* description;
-  std::vector<std::string> targets = {};
+  Extra extra = {};
 };
 
+Extra Coded(std::vector<vtq::NamedValue> (*values)()) { return {{}, values}; }
+
+Extra Overriding(const char* property) { return {{}, nullptr, property}; }
+
+/// A reference that narrows the superclass's one.
+Extra Joining(const char* overridden, std::vector<std::string> targets, const char* common = "") {
+  return {std::move(targets), nullptr, overridden, common};
+}
+
 using Rows = std::vector<PropertyRow>;
+
+// CIM_ManagedSystemElement.OperationalStatus of the DMTF schema.
+std::vector<vtq::NamedValue> OperationalStates() {
+  return {{0, "Unknown"},
+          {1, "Other"},
+          {2, "OK"},
+          {3, "Degraded"},
+          {4, "Stressed"},
+          {5, "Predictive Failure"},
+          {6, "Error"},
+          {7, "Non-Recoverable Error"},
+          {8, "Starting"},
+          {9, "Stopping"},
+          {10, "Stopped"},
+          {11, "In Service"},
+          {12, "No Contact"},
+          {13, "Lost Communication"},
+          {14, "Aborted"},
+          {15, "Dormant"},
+          {16, "Supporting Entity in Error"},
+          {17, "Completed"},
+          {18, "Power Mode"},
+          {19, "Relocating"}};
+}
+
+// CIM_Slot.VccMixedVoltageSupport of the DMTF schema.
+std::vector<vtq::NamedValue> Voltages() {
+  return {{0, "Unknown"}, {1, "Other"}, {2, "3.3V"}, {3, "5V"}};
+}
+
+// The DMTF schema names a value that SMBIOS leaves out.
+std::vector<vtq::NamedValue> Usages() {
+  std::vector<vtq::NamedValue> usages = SlotUsages();
+  usages.insert(usages.begin(), {0, "Reserved"});
+  return usages;
+}
 
 // The value codes named below are those of DSP0134 (SMBIOS) and of the DMTF schema.
 
@@ -30,7 +87,8 @@ const Rows kSystemKeys = {
 
 const Rows kPciFunctionRows = {
     {"VendorID", kUint16, kScalar, kPlain, "PCI vendor identifier."},
-    {"PciDeviceID", kUint16, kScalar, kPlain, "PCI device identifier."},
+    // CIM names know no case: this is the superclass's property in another spelling.
+    {"PciDeviceID", kUint16, kScalar, kPlain, "PCI device identifier.", Overriding("PCIDeviceID")},
     {"UINumber", kUint8, kScalar, kPlain, "Number of the slot that holds the function."},
     {"ClassCode", kUint8, kScalar, kPlain, "PCI base class."},
     {"Subclass", kUint8, kScalar, kPlain, "PCI subclass."},
@@ -55,21 +113,26 @@ const Rows kSlotRows = {
     {"Tag", kString, kScalar, kKey, "\"Tag \" and the running number of the slot record."},
     {"Number", kUint16, kScalar, kPlain, "Slot ID that the firmware gives."},
     {"Description", kString, kScalar, kPlain, "\"System Slot\"."},
-    {"CurrentUsage", kUint16, kScalar, kPlain, "Usage: SMBIOS code, DSP0134 7.10.3."},
-    {"SlotLength", kUint8, kScalar, kPlain, "Length: SMBIOS code, DSP0134 7.10.4."},
-    {"OperationalStatus", kUint16, kArray, kPlain, "DMTF status: 0 unknown, 1 other, 2 OK."},
+    {"CurrentUsage", kUint16, kScalar, kPlain, "Usage: SMBIOS code, DSP0134 7.10.3.",
+     Coded(&Usages)},
+    {"SlotLength", kUint8, kScalar, kPlain, "Length: SMBIOS code, DSP0134 7.10.4.",
+     Coded(&SlotLengths)},
+    {"OperationalStatus", kUint16, kArray, kPlain, "DMTF status: 0 unknown, 1 other, 2 OK.",
+     Coded(&OperationalStates)},
     {"StatusDescriptions", kString, kArray, kPlain, "The usage in words."},
     {"ConnectorType", kUint16, kArray, kPlain,
-     "Slot type: the raw SMBIOS code of DSP0134 7.10.1, not the DMTF value."},
+     "Slot type: the raw SMBIOS code of DSP0134 7.10.1, not the DMTF value.",
+     Coded(&ConnectorTypes)},
     {"MaxDataWidth", kUint16, kScalar, kPlain,
-     "Data bus width: the raw SMBIOS code of DSP0134 7.10.2, neither bits nor the DMTF value."},
+     "Data bus width: the raw SMBIOS code of DSP0134 7.10.2, neither bits nor the DMTF value.",
+     Coded(&SlotWidths)},
     {"PMESignal", kBoolean, kScalar, kPlain, "Supports the power management event signal."},
     {"Shared", kBoolean, kScalar, kPlain, "The opening is shared with another slot."},
     {"SlotDesignation", kString, kScalar, kPlain, "Label of the slot on the board."},
     {"SlotAllInfo", kString, kScalar, kPlain, "Designation and tag."},
     {"SupportsHotPlug", kBoolean, kScalar, kPlain, "Supports hot-plug devices."},
     {"VccMixedVoltageSupport", kUint16, kArray, kPlain,
-     "Voltages that the slot provides: 0 unknown, 1 other, 2 3.3 V, 3 5 V."},
+     "Voltages that the slot provides: 0 unknown, 1 other, 2 3.3 V, 3 5 V.", Coded(&Voltages)},
 };
 
 const Rows kBoardRows = {
@@ -79,20 +142,18 @@ const Rows kBoardRows = {
 };
 
 const Rows kSlotAntecedent = {
-    {"Antecedent", kReference, kScalar, kKey, "The slot.", {"QZMSG_SystemSlot"}},
+    {"Antecedent", kReference, kScalar, kKey, "The slot.",
+     Joining("Antecedent", {"QZMSG_SystemSlot"})},
 };
 
 const Rows kBoardAntecedent = {
-    {"Antecedent", kReference, kScalar, kKey, "The board.", {"QZMSG_SystemBoard"}},
+    {"Antecedent", kReference, kScalar, kKey, "The board.",
+     Joining("Antecedent", {"QZMSG_SystemBoard"})},
 };
 
 const Rows kPciDependent = {
-    {"Dependent",
-     kReference,
-     kScalar,
-     kKey,
-     "The PCI function.",
-     {"QZMSG_PCIDevice", "QZMSG_PCIBridge"}},
+    {"Dependent", kReference, kScalar, kKey, "The PCI function.",
+     Joining("Dependent", {"QZMSG_PCIDevice", "QZMSG_PCIBridge"}, "CIM_LogicalDevice")},
 };
 
 const Rows kRawDataRows = {
@@ -133,12 +194,16 @@ const std::vector<ClassRow> kClasses = {
 };
 
 vtq::PropertySchema MakeProperty(const PropertyRow& row) {
+  const Extra& extra = row.extra;
   return {row.name,
           NQZMVTQ20::TCIMValue::TCIMType(row.type),
           row.shape == kArray,
           row.role == kKey,
-          row.targets,
-          row.description};
+          extra.targets,
+          row.description,
+          extra.values == nullptr ? std::vector<vtq::NamedValue>() : extra.values(),
+          extra.overrides,
+          extra.commonTarget};
 }
 
 vtq::ClassSchema MakeClass(const ClassRow& row) {

@@ -123,6 +123,16 @@ constexpr CodeText kUsages[] = {
     {0x05, "Unavailable"},
 };
 
+// Slot lengths, DSP0134 7.10.4.
+constexpr CodeText kLengths[] = {
+    {0x01, "Other"},
+    {0x02, "Unknown"},
+    {0x03, "Short length"},
+    {0x04, "Long length"},
+    {0x05, "2.5\" drive form factor"},
+    {0x06, "3.5\" drive form factor"},
+};
+
 // clang-format on
 
 template <std::size_t size>
@@ -132,6 +142,14 @@ std::string TextOf(const CodeText (&table)[size], unsigned code) {
   return row == std::end(table) ? std::to_string(code) : row->text;
 }
 
+template <std::size_t size>
+std::vector<vtq::NamedValue> ValuesOf(const CodeText (&table)[size]) {
+  std::vector<vtq::NamedValue> values;
+  values.reserve(size);
+  for (const CodeText& row : table) values.push_back({row.code, row.text});
+  return values;
+}
+
 }  // namespace
 
 std::string ConnectorTypeText(unsigned code) { return TextOf(kConnectorTypes, code); }
@@ -139,5 +157,13 @@ std::string ConnectorTypeText(unsigned code) { return TextOf(kConnectorTypes, co
 std::string SlotWidthText(unsigned code) { return TextOf(kWidths, code); }
 
 std::string SlotUsageText(unsigned code) { return TextOf(kUsages, code); }
+
+std::vector<vtq::NamedValue> ConnectorTypes() { return ValuesOf(kConnectorTypes); }
+
+std::vector<vtq::NamedValue> SlotWidths() { return ValuesOf(kWidths); }
+
+std::vector<vtq::NamedValue> SlotUsages() { return ValuesOf(kUsages); }
+
+std::vector<vtq::NamedValue> SlotLengths() { return ValuesOf(kLengths); }
 
 }  // namespace pciinfo

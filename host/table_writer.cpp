@@ -23,12 +23,6 @@ std::size_t LongestName(const vtq::Class& cimClass) {
   return longest;
 }
 
-bool IsNumeric(const TCIMValue& array) {
-  using enum TCIMValue::TCIMType::ECIMType;
-  const auto code = array.GetType().GetCode();
-  return code != kString && code != kDateTime && code != kReference;
-}
-
 }  // namespace
 
 void TableWriter::BeginClass(const vtq::Class& cimClass) {
@@ -54,7 +48,7 @@ void TableWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instanc
 
 void TableWriter::WriteValue(const TCIMValue& value, std::size_t indent) {
   if (!value.IsArray()) return output_.Write(Printable(ScalarText(value)));
-  const std::string separator = IsNumeric(value) ? ", " : "\n" + std::string(indent, ' ');
+  const std::string separator = IsText(value.GetType()) ? "\n" + std::string(indent, ' ') : ", ";
   bool first = true;
   for (const TCIMValue& element : value.GetArray()) {
     if (!first) output_.Write(separator);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace pciinfo {
 namespace {
 
@@ -22,6 +24,19 @@ bool IsSigned(TCIMValue::TCIMType type) {
 std::string IntegerText(const TCIMValue& value) {
   if (IsSigned(value.GetType())) return std::to_string(static_cast<long>(value));
   return std::to_string(static_cast<unsigned long>(value));
+}
+
+bool IsText(TCIMValue::TCIMType type) {
+  using enum TCIMValue::TCIMType::ECIMType;
+  const auto code = type.GetCode();
+  return code == kString || code == kDateTime || code == kReference;
+}
+
+std::string RealText(const TCIMValue& value) {
+  std::string text = fmt::format("{}", static_cast<double>(value));
+  const std::size_t mantissaEnd = std::min(text.find('e'), text.size());
+  if (text.find('.') == std::string::npos) text.insert(mantissaEnd, ".0");
+  return text;
 }
 
 std::string ScalarText(const TCIMValue& value) {

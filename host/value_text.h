@@ -11,6 +11,13 @@ namespace pciinfo {
 /// An integer value, signed or unsigned, in decimal. Throws TVTQException for everything else.
 std::string IntegerText(const NQZMVTQ20::TCIMValue& value);
 
+/// Whether values of a type are texts: strings, datetimes, and references, whose path is one.
+bool IsText(NQZMVTQ20::TCIMValue::TCIMType type);
+
+/// A finite real number with a decimal point, as CIM writes it. Throws TVTQException for everything
+/// that is no real number.
+std::string RealText(const NQZMVTQ20::TCIMValue& value);
+
 /// A scalar for people: texts as they are, booleans as "true" and "false", null as "".
 std::string ScalarText(const NQZMVTQ20::TCIMValue& value);
 

@@ -8,6 +8,12 @@
 
 namespace vtq {
 
+/// One value that an integer property may have, and what it means.
+struct NamedValue {
+  unsigned value = 0;
+  std::string meaning;
+};
+
 /// What a class declares about one property.
 struct PropertySchema {
   std::string name;
@@ -17,6 +23,12 @@ struct PropertySchema {
   /// For a reference: the classes whose instances it may name.
   std::vector<std::string> targets;
   std::string description;
+  /// Words for the values of a coded property, in the order of the values; other values may occur.
+  std::vector<NamedValue> values = {};
+  /// The property of a superclass that this one redefines; empty when there is none.
+  std::string overrides = {};
+  /// For a reference with several targets: the class that they have in common.
+  std::string commonTarget = {};
 };
 
 /// What the repository knows of a class.

@@ -8,7 +8,10 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "host/json_reader.h"
+#include "tests/host/cim_xml_document.h"
 #include "tests/host/run_program.h"
+#include "tests/host/written.h"
 #include "tests/runtime/temporary_directory.h"
 
 namespace {
@@ -47,6 +50,16 @@ TEST_P(CapturedMachine, ItsRedactedCaptureHasTheSameSlots) {
   EXPECT_EQ(Run(GetParam(), {"capture", "--redact", safe}).status, 0);
   const std::vector<std::string> query = {"slots", "--format", "json"};
   EXPECT_EQ(Run(safe, query).out, Run(GetParam(), query).out);
+}
+
+TEST_P(CapturedMachine, ItsFormatsHoldTheSame) {
+  const std::string text = Run(GetParam(), {"instances", "--format", "json"}).out;
+  const auto repository = MakeEmptyRepository();
+  pciinfo::ReadInstances(text, *repository);
+  EXPECT_EQ(Written("json", *repository), text);
+  const CimXmlDocument xml(Run(GetParam(), {"instances", "--format", "cim-xml"}).out);
+  EXPECT_TRUE(xml.IsValid());
+  EXPECT_EQ(xml.ToJson(), AsXmlCarries(nlohmann::json::parse(text)));
 }
 
 std::string NameOf(const testing::TestParamInfo<std::string>& capture) {

@@ -114,6 +114,27 @@ TEST(Program, ClassesNamesThePlugin) {
                                 HasSubstr("QZMSG_DeviceInSlot : CIM_Realizes")));
 }
 
+TEST(Program, InstancesComeInEveryFormat) {
+  const auto board = [](const char* format) {
+    return RunFake("fixed", {"instances", "QZMSG_SystemBoard", "--format", format}).out;
+  };
+  EXPECT_THAT(board("csv"), StartsWith("class,path,CreationClassName,"));
+  EXPECT_THAT(board("yaml"), StartsWith("instances:\n- class: \"QZMSG_SystemBoard\"\n"));
+  EXPECT_THAT(board("mof"), StartsWith("instance of QZMSG_SystemBoard {\n"));
+  EXPECT_THAT(board("cim-xml"), StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CIM "));
+}
+
+TEST(Program, TheSchemaNeedsNoPluginAndCollectsNothing) {
+  const RunResult mof = RunPciinfo({"schema", "--plugin", "/nowhere/none.pi.so"});
+  EXPECT_EQ(mof.status, 0);
+  EXPECT_EQ(mof.err, "");
+  EXPECT_THAT(mof.out, HasSubstr("class QZMSG_PCIDevice : CIM_PCIDevice {"));
+  EXPECT_EQ(RunPciinfo({"schema", "--format", "mof"}).out, mof.out);
+  const RunResult schema = RunPciinfo({"schema", "--format", "json-schema", "--root", "/nowhere"});
+  EXPECT_EQ(schema.status, 0);
+  EXPECT_TRUE(json::parse(schema.out).contains("$defs"));
+}
+
 TEST(Program, AnUnknownClassIsWrongUsageAndListsTheServedOnes) {
   const RunResult result = RunFake("fixed", {"instances", "QZMSG_Nothing"});
   EXPECT_EQ(result.status, 2);
@@ -238,7 +259,8 @@ TEST(Program, BreachesOfTheContractAreWarningsOnly) {
 }
 
 TEST(Program, AFullDiskIsReported) {
-  for (const char* command : {"", "slots", "instances --format json", "classes"}) {
+  for (const char* command : {"", "slots", "instances --format json", "instances --format cim-xml",
+                              "classes", "schema"}) {
     const RunResult result =
         RunShell(std::string("$PCIINFO --plugin ${PLUGINS}fixed.pi.so ") + command + " >/dev/full");
     EXPECT_EQ(result.status, 1) << command;
@@ -254,7 +276,7 @@ TEST(Program, AStandardOutputThatIsClosedIsReported) {
 }
 
 TEST(Program, AClosedPipeEndsItQuietly) {
-  for (const char* format : {"table", "json", "jsonl"}) {
+  for (const char* format : {"table", "json", "jsonl", "csv", "yaml", "mof", "cim-xml"}) {
     const RunResult result = RunShell(
         std::string("$PCIINFO --plugin ${PLUGINS}long_listing.pi.so instances QZMSG_PCIRawData "
                     "--format ") +

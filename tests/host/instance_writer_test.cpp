@@ -12,6 +12,9 @@ using testing::ElementsAre;
 
 class Recorder final : public InstanceWriter {
  public:
+  void Expect(const vtq::Class& cimClass) override {
+    calls.push_back("expect " + cimClass.GetSchema().name);
+  }
   void Begin() override { calls.push_back("begin"); }
   void BeginClass(const vtq::Class& cimClass) override {
     calls.push_back(cimClass.GetSchema().name);
@@ -27,14 +30,23 @@ class Recorder final : public InstanceWriter {
 TEST(InstanceWriter, IsCalledClassByClassInTheOrderAskedForAndInCommitOrder) {
   Recorder recorder;
   WriteInstances(*MakeFixedRepository(), {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, recorder);
-  EXPECT_THAT(recorder.calls, ElementsAre("begin", "QZMSG_SystemBoard", "SystemBoard1",
+  EXPECT_THAT(recorder.calls, ElementsAre("expect QZMSG_SystemBoard", "expect QZMSG_PCIBridge",
+                                          "begin", "QZMSG_SystemBoard", "SystemBoard1",
                                           "QZMSG_PCIBridge", "PCI Bus  0, device   0, function  0",
                                           "PCI Bus  0, device   1, function  0", "end"));
 }
 
+TEST(InstanceWriter, AClassThatIsNotDeclaredIsPassedOver) {
+  Recorder recorder;
+  WriteInstances(*MakeEmptyRepository(), {"Nothing", "QZMSG_PCIBridge"}, recorder);
+  EXPECT_THAT(recorder.calls,
+              ElementsAre("expect QZMSG_PCIBridge", "begin", "QZMSG_PCIBridge", "end"));
+}
+
 TEST(InstanceWriter, EveryFormatHasAWriter) {
   OutputToText output;
-  EXPECT_THAT(InstanceFormats(), ElementsAre("table", "json", "jsonl"));
+  EXPECT_THAT(InstanceFormats(),
+              ElementsAre("table", "json", "jsonl", "csv", "yaml", "mof", "cim-xml"));
   for (const std::string& format : InstanceFormats()) {
     EXPECT_NE(MakeInstanceWriter(format, output.Get()), nullptr) << format;
   }

@@ -51,6 +51,15 @@ TEST(Options, OtherCommands) {
   EXPECT_EQ(Parsed({"slots", "--format=json"}).command, Command::kSlots);
 }
 
+TEST(Options, SchemaHasFormatsOfItsOwn) {
+  EXPECT_EQ(Parsed({"schema"}).command, Command::kSchema);
+  EXPECT_EQ(Parsed({"schema"}).schemaFormat, "mof");
+  EXPECT_EQ(Parsed({"schema", "--format", "json-schema"}).schemaFormat, "json-schema");
+  EXPECT_THAT(Error({"schema", "--format", "table"}), HasSubstr("--format"));
+  EXPECT_THAT(Error({"instances", "--format", "json-schema"}), HasSubstr("--format"));
+  EXPECT_EQ(Parsed({"instances", "--format", "cim-xml"}).format, "cim-xml");
+}
+
 TEST(Options, CaptureTakesAFile) {
   const Options options = Parsed({"capture", "--redact", "box.tar.zst"});
   EXPECT_EQ(options.command, Command::kCapture);

@@ -87,6 +87,55 @@ TEST(PciSchema, AssociationsNameWhatTheyJoin) {
   EXPECT_THAT(vtq::JoinedClasses(ClassNamed("QZMSG_PCIDevice")), IsEmpty());
 }
 
+vtq::PropertySchema PropertyNamed(const std::string& className, const std::string& name) {
+  for (const vtq::PropertySchema& property : ClassNamed(className).properties) {
+    if (property.name == name) return property;
+  }
+  ADD_FAILURE() << "no property " << name;
+  return ClassNamed(className).properties.front();
+}
+
+/// "value meaning" of a coded property of slots.
+std::vector<std::string> Values(const std::string& name) {
+  std::vector<std::string> values;
+  for (const vtq::NamedValue& value : PropertyNamed("QZMSG_SystemSlot", name).values) {
+    values.push_back(std::to_string(value.value) + " " + value.meaning);
+  }
+  return values;
+}
+
+TEST(PciSchema, CodedPropertiesNameTheirValues) {
+  EXPECT_THAT(Values("CurrentUsage"), ElementsAre("0 Reserved", "1 Other", "2 Unknown",
+                                                  "3 Available", "4 In use", "5 Unavailable"));
+  EXPECT_THAT(Values("VccMixedVoltageSupport"),
+              ElementsAre("0 Unknown", "1 Other", "2 3.3V", "3 5V"));
+  EXPECT_EQ(Values("OperationalStatus").size(), 20U);
+  EXPECT_EQ(Values("OperationalStatus").back(), "19 Relocating");
+  EXPECT_THAT(Values("ConnectorType"), testing::Contains("182 PCI Express 3 x16"));
+  EXPECT_THAT(Values("MaxDataWidth"), testing::Contains("13 x16"));
+  EXPECT_THAT(Values("SlotLength"), testing::Contains("4 Long length"));
+  EXPECT_THAT(Values("Number"), IsEmpty());
+}
+
+TEST(PciSchema, NamedValuesAscend) {
+  for (const vtq::ClassSchema& schema : PciSchema()) {
+    for (const vtq::PropertySchema& property : schema.properties) {
+      EXPECT_TRUE(std::is_sorted(
+          property.values.begin(), property.values.end(),
+          [](const auto& left, const auto& right) { return left.value <= right.value; }))
+          << property.name;
+    }
+  }
+}
+
+TEST(PciSchema, PropertiesThatRedefineTheSuperclassesOnesSaySo) {
+  EXPECT_EQ(PropertyNamed("QZMSG_PCIDevice", "PciDeviceID").overrides, "PCIDeviceID");
+  EXPECT_EQ(PropertyNamed("QZMSG_PCIDevice", "VendorID").overrides, "");
+  const vtq::PropertySchema dependent = PropertyNamed("QZMSG_DeviceInSlot", "Dependent");
+  EXPECT_EQ(dependent.overrides, "Dependent");
+  EXPECT_EQ(dependent.commonTarget, "CIM_LogicalDevice");
+}
+
 TEST(PciSchema, EverythingHasADescriptionOfOneLineAndNoNameTwice) {
   for (const vtq::ClassSchema& schema : PciSchema()) {
     EXPECT_FALSE(schema.description.empty()) << schema.name;

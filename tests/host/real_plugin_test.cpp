@@ -7,7 +7,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "host/json_reader.h"
+#include "tests/host/cim_xml_document.h"
 #include "tests/host/run_program.h"
+#include "tests/host/written.h"
 
 namespace {
 
@@ -71,6 +74,16 @@ TEST(RealPlugin, RawDataIsTheOutputOfLspci) {
   EXPECT_EQ(document["instances"][1]["properties"]["Command"], "lspci -vvv");
   EXPECT_EQ(dump["RawResult"].get<std::vector<std::string>>().size(),
             LinesOf(RunProgram("/usr/bin/lspci", {"-xxxx"}).out).size());
+}
+
+TEST(RealPlugin, FormatsHoldTheSame) {
+  const std::string text = RunPciinfo({"instances", "--format", "json"}).out;
+  const auto repository = MakeEmptyRepository();
+  pciinfo::ReadInstances(text, *repository);
+  EXPECT_EQ(Written("json", *repository), text);
+  const CimXmlDocument xml(RunPciinfo({"instances", "--format", "cim-xml"}).out);
+  EXPECT_TRUE(xml.IsValid());
+  EXPECT_EQ(xml.ToJson(), AsXmlCarries(json::parse(text)));
 }
 
 TEST(RealPlugin, NoContractIsBroken) {

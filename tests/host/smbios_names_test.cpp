@@ -34,6 +34,23 @@ TEST(SmbiosNames, Usages) {
   EXPECT_EQ(SlotUsageText(5), "Unavailable");
 }
 
+TEST(SmbiosNames, TheListsHoldTheSameWords) {
+  for (const vtq::NamedValue& type : ConnectorTypes()) {
+    EXPECT_EQ(ConnectorTypeText(type.value), type.meaning);
+  }
+  for (const vtq::NamedValue& width : SlotWidths()) {
+    EXPECT_EQ(SlotWidthText(width.value), width.meaning);
+  }
+  for (const vtq::NamedValue& usage : SlotUsages()) {
+    EXPECT_EQ(SlotUsageText(usage.value), usage.meaning);
+  }
+  EXPECT_EQ(ConnectorTypes().size(), 79U);
+  EXPECT_EQ(SlotWidths().size(), 14U);
+  EXPECT_EQ(SlotUsages().size(), 5U);
+  ASSERT_EQ(SlotLengths().size(), 6U);
+  EXPECT_EQ(SlotLengths()[5].meaning, "3.5\" drive form factor");
+}
+
 TEST(SmbiosNames, CodesThatTheStandardDoesNotNameAreNumbers) {
   EXPECT_EQ(ConnectorTypeText(0xB7), "183");
   EXPECT_EQ(ConnectorTypeText(0), "0");

@@ -33,6 +33,22 @@ TEST(ValueText, ScalarsForPeople) {
             "20240229123456.000000+060");
 }
 
+TEST(ValueText, TextsAreStringsDatetimesAndReferences) {
+  using Type = TCIMValue::TCIMType;
+  EXPECT_TRUE(IsText(Type(Type::kString)));
+  EXPECT_TRUE(IsText(Type(Type::kDateTime)));
+  EXPECT_TRUE(IsText(Type(Type::kReference)));
+  EXPECT_FALSE(IsText(Type(Type::kBoolean)));
+  EXPECT_FALSE(IsText(Type(Type::kUint16)));
+}
+
+TEST(ValueText, RealNumbersHaveADecimalPoint) {
+  EXPECT_EQ(RealText(TCIMValue(2.0)), "2.0");
+  EXPECT_EQ(RealText(TCIMValue(0.1)), "0.1");
+  EXPECT_EQ(RealText(TCIMValue(1e300)), "1.0e+300");
+  EXPECT_THROW(RealText(TCIMValue("2")), TVTQException);
+}
+
 class PropertyText : public testing::Test {
  protected:
   std::shared_ptr<vtq::Namespace> repository_ = MakeFixedRepository();

@@ -1,0 +1,64 @@
+#pragma once
+
+namespace pciinfo {
+
+/// The definitions of the JSON Schema for `pciinfo slots --format json`, a JSON object.
+inline constexpr const char* kSlotsJsonSchema = R"({
+  "slots": {
+    "description": "pciinfo slots --format json",
+    "type": "object",
+    "required": ["slots", "onBoard"],
+    "properties": {
+      "slots": {
+        "description": "Every slot record of the firmware, in its order.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/slot"}
+      },
+      "onBoard": {
+        "description": "The functions that sit in no slot, by address.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/function"}
+      }
+    }
+  },
+  "slot": {
+    "type": "object",
+    "required": ["tag", "path", "functions"],
+    "properties": {
+      "tag": {"type": "string"},
+      "designation": {"description": "As the firmware gives it.", "type": "string"},
+      "type": {"description": "DSP0134 7.10.1.", "$ref": "#/$defs/code"},
+      "usage": {"description": "DSP0134 7.10.3.", "$ref": "#/$defs/code"},
+      "width": {"description": "DSP0134 7.10.2.", "$ref": "#/$defs/code"},
+      "id": {"description": "The slot ID.", "type": "integer", "minimum": 0, "maximum": 65535},
+      "hotPlug": {"type": "boolean"},
+      "path": {"type": "string", "pattern": "^/root/cimv2:QZMSG_SystemSlot\\."},
+      "functions": {"type": "array", "items": {"$ref": "#/$defs/function"}}
+    }
+  },
+  "code": {
+    "description": "An SMBIOS code and its words.",
+    "type": "object",
+    "required": ["code", "text"],
+    "properties": {
+      "code": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "text": {"type": "string"}
+    }
+  },
+  "function": {
+    "description": "A PCI function; one that an association names but nobody published has a path and an empty description only.",
+    "type": "object",
+    "required": ["description", "path"],
+    "properties": {
+      "address": {"type": "string", "pattern": "^[0-9a-f]{2}:[0-9a-f]{2}\\.[0-7]$"},
+      "kind": {"enum": ["device", "bridge"]},
+      "vendorID": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "pciDeviceID": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "revision": {"type": "integer", "minimum": 0, "maximum": 255},
+      "description": {"type": "string"},
+      "path": {"type": "string", "pattern": "^/root/cimv2:QZMSG_PCI(Device|Bridge)\\."}
+    }
+  }
+})";
+
+}  // namespace pciinfo

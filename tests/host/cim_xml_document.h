@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+struct _xmlDoc;
+
+/// A CIM-XML document that libxml2 parsed.
+class CimXmlDocument {
+ public:
+  /// Throws std::runtime_error when the text is not well-formed.
+  explicit CimXmlDocument(const std::string& text);
+
+  /// Whether it is valid against the DTD of DSP0203 2.4.0.
+  bool IsValid() const;
+
+  /// The same instances as the JSON of pciinfo has them.
+  nlohmann::json ToJson() const;
+
+ private:
+  std::shared_ptr<_xmlDoc> document_;
+};
+
+/// JSON in which every text is as XML can carry it.
+nlohmann::json AsXmlCarries(const nlohmann::json& value);

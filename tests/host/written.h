@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/instance_writer.h"
+#include "tests/host/fixed_repository.h"
+
+/// What a format makes of the given classes.
+inline std::string Written(const std::string& format, const vtq::Namespace& repository,
+                           const std::vector<std::string>& classes) {
+  OutputToText output;
+  pciinfo::WriteInstances(repository, classes, *pciinfo::MakeInstanceWriter(format, output.Get()));
+  return output.Text();
+}
+
+/// What a format makes of all classes.
+inline std::string Written(const std::string& format, const vtq::Namespace& repository) {
+  std::vector<std::string> classes;
+  for (const auto& cimClass : repository.GetClasses())
+    classes.push_back(cimClass->GetSchema().name);
+  return Written(format, repository, classes);
+}
