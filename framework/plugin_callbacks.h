@@ -17,7 +17,8 @@ class IPluginCallbacks {
   virtual std::string GetName() = 0;
   virtual std::string GetVersion() = 0;
   virtual std::string GetInterfaceVersion() = 0;
-  /// Destroys the object itself. The library is unloaded next; nothing of it may be used after.
+  /// Destroys the object itself. Next, the library is unloaded, or the process ends without that;
+  /// nothing of the library may be used after.
   virtual void PrepareForUnload() = 0;
   virtual void Init() = 0;
   virtual void DeInit() = 0;

@@ -28,7 +28,8 @@ class Tree final {
 
   void Unpack(const std::string& name) const {
     try {
-      pciinfo::ArchiveReader reader(name);
+      const auto opened = pciinfo::OpenArchive(name);
+      pciinfo::ArchiveReader& reader = *opened;
       pciinfo::CaptureTree tree(root_.string());
       const auto manifest = pciinfo::UnpackCapture(reader, tree, kLimits);
       if (manifest) pciinfo::ParseManifest(*manifest);

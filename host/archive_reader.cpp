@@ -7,10 +7,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 #include "host/manifest.h"
+#include "runtime/file_descriptor.h"
 
 namespace pciinfo {
 namespace {
@@ -62,9 +65,31 @@ void SupportFormats(archive* reader) {
   archive_read_support_filter_lz4(reader);
 }
 
-}  // namespace
+class LibraryReader final : public ArchiveReader {
+ public:
+  explicit LibraryReader(const std::string& name);
 
-ArchiveReader::ArchiveReader(const std::string& name)
+  bool IsDirectory() const noexcept override { return !directory_.empty(); }
+  std::optional<ArchiveEntry> Next() override;
+  void Enter() override;
+  std::string_view Read() override;
+
+ private:
+  void OpenDirectory(const std::string& name);
+  void OpenArchive(const std::string& name);
+  std::string_view ReadHole();
+  [[noreturn]] void Fail() const;
+
+  std::unique_ptr<archive, int (*)(archive*)> archive_;
+  archive_entry* entry_ = nullptr;
+  std::uint64_t left_ = 0;  ///< of the file that Next answered last
+  bool atHole_ = false;     ///< only the zeros at that file's end are left
+  vtq::FileDescriptor file_;
+  std::string directory_;  ///< with a slash at its end; empty for an archive
+  std::vector<char> buffer_;
+};
+
+LibraryReader::LibraryReader(const std::string& name)
     : archive_(nullptr, &archive_read_free), buffer_(kBlockSize) {
   std::error_code ignored;
   if (name != "-" && fs::is_directory(name, ignored)) {
@@ -74,7 +99,7 @@ ArchiveReader::ArchiveReader(const std::string& name)
   }
 }
 
-void ArchiveReader::OpenDirectory(const std::string& name) {
+void LibraryReader::OpenDirectory(const std::string& name) {
   directory_ = fs::canonical(name).string();
   if (directory_ == "/") {
     throw BadCapture("it is this machine itself, which is shown without --root");
@@ -87,7 +112,7 @@ void ArchiveReader::OpenDirectory(const std::string& name) {
   directory_ += '/';
 }
 
-void ArchiveReader::OpenArchive(const std::string& name) {
+void LibraryReader::OpenArchive(const std::string& name) {
   int descriptor = STDIN_FILENO;
   if (name != "-") {
     file_ = vtq::FileDescriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
@@ -99,7 +124,7 @@ void ArchiveReader::OpenArchive(const std::string& name) {
   if (archive_read_open_fd(archive_.get(), descriptor, kBlockSize) != ARCHIVE_OK) Fail();
 }
 
-std::optional<ArchiveEntry> ArchiveReader::Next() {
+std::optional<ArchiveEntry> LibraryReader::Next() {
   const int result = archive_read_next_header(archive_.get(), &entry_);
   if (result == ARCHIVE_EOF) return std::nullopt;
   if (result < ARCHIVE_WARN) Fail();
@@ -112,14 +137,14 @@ std::optional<ArchiveEntry> ArchiveReader::Next() {
   return entry;
 }
 
-void ArchiveReader::Enter() {
+void LibraryReader::Enter() {
   if (IsDirectory() && archive_read_disk_can_descend(archive_.get()) != 0 &&
       archive_read_disk_descend(archive_.get()) < ARCHIVE_WARN) {
     Fail();
   }
 }
 
-std::string_view ArchiveReader::Read() {
+std::string_view LibraryReader::Read() {
   if (atHole_) return ReadHole();
   const la_ssize_t count = archive_read_data(archive_.get(), buffer_.data(), buffer_.size());
   if (count < 0) Fail();
@@ -133,16 +158,22 @@ std::string_view ArchiveReader::Read() {
 }
 
 // The zeros at the end of a sparse file are left to the reader.
-std::string_view ArchiveReader::ReadHole() {
+std::string_view LibraryReader::ReadHole() {
   const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(left_, buffer_.size()));
   std::fill_n(buffer_.begin(), size, '\0');
   left_ -= size;
   return {buffer_.data(), size};
 }
 
-void ArchiveReader::Fail() const {
+void LibraryReader::Fail() const {
   const char* reason = archive_error_string(archive_.get());
   throw BadCapture(reason != nullptr ? reason : "it cannot be read");
+}
+
+}  // namespace
+
+std::unique_ptr<ArchiveReader> OpenArchive(const std::string& name) {
+  return std::make_unique<LibraryReader>(name);
 }
 
 }  // namespace pciinfo

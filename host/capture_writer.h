@@ -2,9 +2,8 @@
 
 #include <memory>
 
+#include "framework/export.h"
 #include "host/capture_machine.h"
-
-struct archive;
 
 namespace pciinfo {
 
@@ -12,7 +11,7 @@ enum class Compression { kNone, kGzip, kZstd };
 
 /// Takes parts of a capture and puts them where they are kept. All throw std::runtime_error when
 /// that fails; ClosedPipe when whoever reads has closed the pipe.
-class CaptureWriter {
+class VTQ_EXPORT CaptureWriter {
  public:
   virtual ~CaptureWriter() = default;
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/value_text.h"
+#include "host/xml_text.h"
 
 namespace pciinfo {
 namespace {
@@ -127,7 +128,18 @@ void AddProperty(XmlText& xml, const vtq::PropertySchema& property, const TCIMVa
   xml.Close();
 }
 
-}  // namespace
+class CimXmlWriter final : public InstanceWriter {
+ public:
+  explicit CimXmlWriter(Output& output) : output_(output) {}
+
+  void Begin() override;
+  void Write(const vtq::Class& cimClass, const vtq::Instance& instance) override;
+  void End() override;
+
+ private:
+  Output& output_;
+  XmlText xml_;
+};
 
 void CimXmlWriter::Begin() {
   xml_.Begin();
@@ -157,6 +169,12 @@ void CimXmlWriter::End() {
   xml_.Close();
   xml_.EndLine();
   xml_.MoveTo(output_);
+}
+
+}  // namespace
+
+std::unique_ptr<InstanceWriter> MakeCimXmlWriter(Output& output) {
+  return std::make_unique<CimXmlWriter>(output);
 }
 
 }  // namespace pciinfo

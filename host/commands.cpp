@@ -12,9 +12,9 @@
 #include "host/classes_view.h"
 #include "host/instance_writer.h"
 #include "host/inventory_view.h"
+#include "host/library_location.h"
 #include "host/output.h"
 #include "host/pci_schema.h"
-#include "host/plugin_location.h"
 #include "host/query_order.h"
 #include "host/root.h"
 #include "host/schema_writer.h"
@@ -24,6 +24,8 @@
 
 namespace pciinfo {
 namespace {
+
+constexpr const char* kPluginFile = "libpciinfo.pi.so";
 
 /// A command as what it needs collected and how it prints that.
 struct Job {
@@ -84,7 +86,10 @@ Job MakeJob(const Options& options) {
 }
 
 void LoadPlugins(Session& session, const std::vector<std::string>& files) {
-  if (files.empty()) session.Load(FirstExisting(PluginPlaces(ProgramFolder())));
+  if (files.empty()) {
+    session.Load(FirstExisting(LibraryPlaces(ProgramFolder(), kPluginFile),
+                               "install the plug-in, or name one with --plugin"));
+  }
   for (const std::string& file : files) session.Load(file);
 }
 
@@ -130,9 +135,8 @@ ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   CollectInStages(session, report, job, stages);
   const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
   stages.BeginEnding();
-  Tell(report, session.Close());
-  if (printed == kAllCollected && report.HasTroubles()) return kFailed;
-  return printed;
+  Tell(report, session.EndPlugins());
+  return stages.End(printed == kAllCollected && report.HasTroubles() ? kFailed : printed);
 }
 
 void MakeAbsolute(std::string& file) {

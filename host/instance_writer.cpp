@@ -24,10 +24,9 @@ struct FormatRow {
 };
 
 constexpr FormatRow kFormats[] = {
-    {"table", &Make<TableWriter>},     {"json", &Make<JsonWriter>},
-    {"jsonl", &Make<JsonLinesWriter>}, {"csv", &Make<CsvWriter>},
-    {"yaml", &Make<YamlWriter>},       {"mof", &Make<MofWriter>},
-    {"cim-xml", &Make<CimXmlWriter>},
+    {"table", &Make<TableWriter>},  {"json", &Make<JsonWriter>}, {"jsonl", &Make<JsonLinesWriter>},
+    {"csv", &Make<CsvWriter>},      {"yaml", &MakeYamlWriter},   {"mof", &Make<MofWriter>},
+    {"cim-xml", &MakeCimXmlWriter},
 };
 
 std::vector<std::shared_ptr<vtq::Class>> Declared(const vtq::Namespace& repository,

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "framework/export.h"
 #include "host/output.h"
 #include "runtime/repository.h"
 
@@ -12,7 +13,7 @@ namespace pciinfo {
 /// Writes instances in one format, one at a time: nothing is kept of an instance that was written.
 /// Calls come in the order: Expect for every class, Begin, then for every class BeginClass and its
 /// instances, then End. All throw what Output throws.
-class InstanceWriter {
+class VTQ_EXPORT InstanceWriter {
  public:
   virtual ~InstanceWriter() = default;
 

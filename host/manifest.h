@@ -6,10 +6,12 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/export.h"
+
 namespace pciinfo {
 
 /// A capture cannot be used; `what()` says why, without naming the capture.
-class BadCapture : public std::runtime_error {
+class VTQ_EXPORT BadCapture : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

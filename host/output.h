@@ -5,16 +5,18 @@
 #include <string>
 #include <string_view>
 
+#include "framework/export.h"
+
 namespace pciinfo {
 
 /// The output could not be written; `what()` says why.
-class OutputError : public std::runtime_error {
+class VTQ_EXPORT OutputError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
 /// Whoever read the output has closed the pipe.
-class ClosedPipe : public std::exception {
+class VTQ_EXPORT ClosedPipe : public std::exception {
  public:
   const char* what() const noexcept override { return "the reader has closed the pipe"; }
 };

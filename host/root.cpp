@@ -72,8 +72,7 @@ Manifest Serve(ArchiveReader& reader) {
 
 Manifest ServeRoot(const std::string& capture, CommandSource commands) {
   try {
-    ArchiveReader reader(capture);
-    Manifest manifest = Serve(reader);
+    Manifest manifest = Serve(*OpenArchive(capture));
     const bool replay = commands == CommandSource::kRecorded;
     vtq::ReplayCommandsFrom(replay ? fs::path("/") / kCommandsFolder : "");
     return manifest;

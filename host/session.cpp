@@ -59,7 +59,7 @@ Session::Session(TroubleReport& report, const LogSettings& log)
 }
 
 Session::~Session() {
-  Close();
+  EndPlugins();
   vtq::ObserveServiceFailures(nullptr);
   vtq::SetPluginManager(nullptr);
   vtq::SetCoreLogger(nullptr);
@@ -89,12 +89,12 @@ void Session::Ask(vtq::Plugin& plugin, const std::string& className) {
   if (failure) report_.AddFailure(*failure);
 }
 
-std::vector<std::string> Session::Close() {
+std::vector<std::string> Session::EndPlugins() {
   while (!manager_->GetPlugins().empty()) {
     vtq::Plugin& plugin = *manager_->GetPlugins().back();
     const auto failure = FailureOf([&plugin] { plugin.DeInit(); });
     if (failure) report_.AddFailure(plugin.GetFile() + ": " + *failure);
-    manager_->Unload(plugin);
+    manager_->End(plugin);
   }
   return manager_->GetViolations();
 }

@@ -26,7 +26,7 @@ class Session final {
   Session(TroubleReport& report, const LogSettings& log);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
-  /// Closes the session if nobody has.
+  /// Ends the plug-ins if nobody has, and unloads them.
   ~Session();
 
   /// Loads a plug-in and initialises it. Throws TVTQException when either fails.
@@ -36,9 +36,9 @@ class Session final {
   /// the report; the other classes are collected all the same. The classes must be declared.
   void Collect(const std::vector<std::string>& classes);
 
-  /// Ends and unloads the plug-ins. Answers what was done against the framework's contract. The
-  /// repository stays.
-  std::vector<std::string> Close();
+  /// Ends the plug-ins; their libraries and the repository stay as long as the session. Answers
+  /// what was done against the framework's contract.
+  std::vector<std::string> EndPlugins();
 
   const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
   const vtq::PluginManager& GetPlugins() const noexcept { return *manager_; }

@@ -167,6 +167,16 @@ void Stages::EndStage() {
 
 void Stages::BeginEnding() { Tell(Progress::kEnding); }
 
+ExitStatus Stages::End(ExitStatus status) {
+#ifdef PCIINFO_WATCHED_END
+  return status;
+#else
+  std::fflush(nullptr);  // what plug-ins have printed
+  Tell(Progress::kOver);
+  _exit(status);
+#endif
+}
+
 ExitStatus Stages::RunFirst(const std::function<ExitStatus(Stages&)>& run) {
   GiveUpPrivileges();
   if (limits_.memory) LimitMemory(*limits_.memory);

@@ -51,7 +51,18 @@ void EmitProperties(YAML::Emitter& emitter, const vtq::Class& cimClass,
   emitter << YAML::EndMap;
 }
 
-}  // namespace
+class YamlWriter final : public InstanceWriter {
+ public:
+  explicit YamlWriter(Output& output) : output_(output) {}
+
+  void Begin() override;
+  void Write(const vtq::Class& cimClass, const vtq::Instance& instance) override;
+  void End() override;
+
+ private:
+  Output& output_;
+  bool first_ = true;
+};
 
 void YamlWriter::Begin() { output_.Write("instances:"); }
 
@@ -73,5 +84,11 @@ void YamlWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance
 }
 
 void YamlWriter::End() { output_.Write(first_ ? " []\n" : "\n"); }
+
+}  // namespace
+
+std::unique_ptr<InstanceWriter> MakeYamlWriter(Output& output) {
+  return std::make_unique<YamlWriter>(output);
+}
 
 }  // namespace pciinfo

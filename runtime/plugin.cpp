@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "framework/exception.h"
 #include "framework/plugin_basic_query_callbacks.h"
@@ -41,7 +42,7 @@ Plugin::Plugin(PluginManager& manager, std::string file)
     : manager_(manager), provider_(std::move(file)) {}
 
 Plugin::~Plugin() {
-  if (callbacks_ != nullptr) EndObject();
+  EndObject();
   if (library_ != nullptr) ::dlclose(library_);
 }
 
@@ -133,12 +134,14 @@ void Plugin::DeInit() {
 }
 
 void Plugin::EndObject() {
+  if (callbacks_ == nullptr) return;
   if (state_ == State::kInitialized) {
     NoteViolation("the plug-in was unloaded without DeInit");
     const std::string failure = FailureOf([this] { DeInit(); });
     if (!failure.empty()) NoteViolation("DeInit failed while unloading: " + failure);
   }
-  const std::string failure = FailureOf([this] { callbacks_->PrepareForUnload(); });
+  const std::string failure =
+      FailureOf([this] { std::exchange(callbacks_, nullptr)->PrepareForUnload(); });
   if (!failure.empty()) NoteViolation("PrepareForUnload failed: " + failure);
 }
 

@@ -44,7 +44,7 @@ Plugin& PluginManager::Load(const std::string& file) {
   return *plugins_.emplace_back(std::move(plugin));
 }
 
-void PluginManager::Unload(Plugin& plugin) {
+std::unique_ptr<Plugin> PluginManager::Take(const Plugin& plugin) {
   const auto found = std::find_if(
       plugins_.begin(), plugins_.end(),
       [&plugin](const std::unique_ptr<Plugin>& held) { return held.get() == &plugin; });
@@ -52,8 +52,16 @@ void PluginManager::Unload(Plugin& plugin) {
     throw TVTQException("a plug-in can only be unloaded by the manager that loaded it",
                         TVTQStatusCode::kInvalidArgument);
   }
-  const std::unique_ptr<Plugin> ending = std::move(*found);
+  std::unique_ptr<Plugin> taken = std::move(*found);
   plugins_.erase(found);
+  return taken;
+}
+
+void PluginManager::Unload(Plugin& plugin) { Take(plugin).reset(); }
+
+void PluginManager::End(Plugin& plugin) {
+  ended_.push_back(Take(plugin));
+  ended_.back()->EndObject();
 }
 
 void PluginManager::RegisterPlugin(NQZMVTQ20::IPluginCallbacks* callbacks) {

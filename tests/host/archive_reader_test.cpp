@@ -32,7 +32,8 @@ std::string ContentOf(ArchiveReader& reader) {
 /// All files of a capture by path, entering every folder.
 std::map<std::string, std::string> FilesOf(const std::string& capture) {
   std::map<std::string, std::string> files;
-  ArchiveReader reader(capture);
+  const auto opened = OpenArchive(capture);
+  ArchiveReader& reader = *opened;
   while (const auto entry = reader.Next()) {
     if (entry->kind == EntryKind::kFolder) reader.Enter();
     if (entry->kind == EntryKind::kFile) files[entry->path] = ContentOf(reader);
@@ -73,7 +74,8 @@ TEST_F(ArchiveReaderTest, EntriesAreToldApart) {
                           {"h", "", 'h', "f"},
                           {"p", "", 'p'},
                           {"c", "", 'c'}});
-  ArchiveReader reader(Path("a"));
+  const auto opened = OpenArchive(Path("a"));
+  ArchiveReader& reader = *opened;
   EXPECT_FALSE(reader.IsDirectory());
   EXPECT_EQ(reader.Next()->size, 4U);
   EXPECT_EQ(reader.Next()->kind, EntryKind::kFolder);
@@ -89,7 +91,8 @@ TEST_F(ArchiveReaderTest, EntriesAreToldApart) {
 TEST_F(ArchiveReaderTest, ASparseFileSaysItsWholeSize) {
   MakeSparseArchive(Path("a"), "hole", "5000000");
   EXPECT_LT(fs::file_size(Path("a")), 100'000U);
-  ArchiveReader reader(Path("a"));
+  const auto opened = OpenArchive(Path("a"));
+  ArchiveReader& reader = *opened;
   EXPECT_EQ(reader.Next()->size, 5'000'000U);
   EXPECT_EQ(ContentOf(reader).size(), 5'000'000U);
 }
@@ -108,7 +111,8 @@ TEST_F(ArchiveReaderTest, ADirectoryIsReadLikeAnArchive) {
 TEST_F(ArchiveReaderTest, AFolderOfADirectoryIsGoneIntoOnDemandOnly) {
   fs::create_directories(Path("d/sub"));
   directory_.Write("d/sub/two", "2");
-  ArchiveReader reader(Path("d"));
+  const auto opened = OpenArchive(Path("d"));
+  ArchiveReader& reader = *opened;
   EXPECT_TRUE(reader.IsDirectory());
   EXPECT_EQ(reader.Next()->path, "");
   reader.Enter();

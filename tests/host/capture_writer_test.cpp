@@ -10,6 +10,7 @@
 
 #include "host/archive_reader.h"
 #include "host/output.h"
+#include "runtime/file_descriptor.h"
 #include "tests/runtime/temporary_directory.h"
 
 namespace pciinfo {
@@ -18,7 +19,8 @@ namespace {
 /// Paths and contents of a capture; "-> target" for links.
 std::map<std::string, std::string> PartsOf(const std::string& capture) {
   std::map<std::string, std::string> parts;
-  ArchiveReader reader(capture);
+  const auto opened = OpenArchive(capture);
+  ArchiveReader& reader = *opened;
   while (const auto entry = reader.Next()) {
     if (entry->kind == EntryKind::kFolder) reader.Enter();
     if (entry->kind == EntryKind::kLink) parts[entry->path] = "-> " + entry->target;

@@ -22,7 +22,8 @@ using testing::HasSubstr;
 class UnpackCaptureTest : public testing::Test {
  protected:
   std::string Unpack(const std::string& capture) {
-    ArchiveReader reader(capture);
+    const auto opened = OpenArchive(capture);
+    ArchiveReader& reader = *opened;
     CaptureTree tree(tree_.GetPath());
     return UnpackCapture(reader, tree).value_or("no manifest");
   }

@@ -34,7 +34,7 @@ TEST_F(SessionTest, CollectsWhatIsAskedForAndNothingElse) {
   EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
   EXPECT_EQ(Count(session, "QZMSG_SystemSlot"), 3U);
   EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 0U);
-  EXPECT_THAT(session.Close(), IsEmpty());
+  EXPECT_THAT(session.EndPlugins(), IsEmpty());
   EXPECT_FALSE(report_.HasTroubles());
 }
 
@@ -42,7 +42,7 @@ TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
   Session session(report_, {});
   session.Load(FakePluginFile("fixed"));
   session.Collect({"QZMSG_PCIRawData"});
-  session.Close();
+  session.EndPlugins();
   EXPECT_THAT(session.GetPlugins().GetPlugins(), IsEmpty());
   const auto& listing = *session.GetRepository().Find("QZMSG_PCIRawData")->GetInstances()[0];
   EXPECT_EQ(listing.GetProperty("RawResult", {}).value.GetArray().size(), 3U);
@@ -68,7 +68,7 @@ TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {
   session.Load(FakePluginFile("throwing"));
   session.Collect({"QZMSG_PCIBridge", "QZMSG_SystemBoard", "QZMSG_PCIDevice"});
   EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
-  EXPECT_THAT(session.Close(), IsEmpty());
+  EXPECT_THAT(session.EndPlugins(), IsEmpty());
   EXPECT_THAT(report_.GetLines(),
               ElementsAre("QZMSG_PCIBridge: the plug-in failed: bridge out",
                           "QZMSG_SystemBoard: the plug-in failed and did not say why"));
@@ -94,7 +94,7 @@ TEST_F(SessionTest, BreachesOfTheContractAreAnswered) {
   Session session(report_, {});
   session.Load(FakePluginFile("untidy"));
   session.Collect({"QZMSG_SystemBoard"});
-  EXPECT_THAT(session.Close(), testing::Not(IsEmpty()));
+  EXPECT_THAT(session.EndPlugins(), testing::Not(IsEmpty()));
 }
 
 TEST_F(SessionTest, AFileThatCannotBeLoadedIsAnError) {

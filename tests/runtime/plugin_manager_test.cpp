@@ -60,6 +60,22 @@ TEST_F(PluginManagerTest, LoadingAndUnloadingLeavesNothingBehind) {
   EXPECT_EQ(log_.size(), 50U);
 }
 
+TEST_F(PluginManagerTest, AnEndedPluginIsUnloadedWithTheManagerOnly) {
+  Plugin& fans = manager_->Load(FileOf("fans"));
+  fans.Init();
+  fans.DeInit();
+  log_.clear();
+  manager_->End(fans);
+  EXPECT_EQ(log_, (Texts{"PrepareForUnload"}));
+  EXPECT_TRUE(manager_->GetPlugins().empty());
+  EXPECT_TRUE(IsMapped("fans"));
+  EXPECT_EQ(manager_->GetViolations(), Texts{});
+  SetPluginManager(nullptr);
+  manager_.reset();
+  EXPECT_FALSE(IsMapped("fans"));
+  EXPECT_EQ(log_.size(), 1U) << "ended once";
+}
+
 TEST_F(PluginManagerTest, PluginsStandSideBySideAndEndInReverseOrder) {
   manager_->Load(FileOf("fans")).Init();
   manager_->Load(FileOf("misbehaving"));

@@ -1,4 +1,4 @@
-#include "host/plugin_location.h"
+#include "host/library_location.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -8,24 +8,18 @@
 
 namespace pciinfo {
 
-namespace {
-constexpr const char* kPluginFile = "libpciinfo.pi.so";
-}
-
-std::vector<std::string> PluginPlaces(const std::string& programFolder) {
+std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file) {
   const std::filesystem::path folder = programFolder;
   const std::filesystem::path installed = PCIINFO_INSTALLED_LIBDIR;
-  return {folder / kPluginFile, folder.parent_path() / "lib" / kPluginFile,
-          installed / kPluginFile};
+  return {folder / file, folder.parent_path() / "lib" / file, installed / file};
 }
 
-std::string FirstExisting(const std::vector<std::string>& places) {
+std::string FirstExisting(const std::vector<std::string>& places, const std::string& advice) {
   for (const std::string& place : places) {
     std::error_code ignored;
     if (std::filesystem::exists(place, ignored)) return place;
   }
-  throw std::runtime_error(fmt::format(
-      "there is no plug-in: none of {} exists; name one with --plugin", fmt::join(places, ", ")));
+  throw std::runtime_error(fmt::format("none of {} exists; {}", fmt::join(places, ", "), advice));
 }
 
 std::string ProgramFolder() {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pciinfo {
+
+/// Where the library `file` that belongs to a program in `programFolder` may be, best place first:
+/// beside the program, in the lib folder beside the program's, where it was installed.
+std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file);
+
+/// The first of `places` that exists. Throws std::runtime_error when none does: it lists them and
+/// gives `advice`.
+std::string FirstExisting(const std::vector<std::string>& places, const std::string& advice);
+
+/// The folder of the running program.
+std::string ProgramFolder();
+
+}  // namespace pciinfo
