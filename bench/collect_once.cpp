@@ -19,7 +19,7 @@ namespace {
 
 using namespace pciinfo;
 
-void CollectAndPrint(const std::vector<std::string>& classes) {
+[[noreturn]] void CollectAndPrint(const std::vector<std::string>& classes) {
   const QueryPlan plan = PlanQuery(PciSchema(), classes);
   TroubleReport report(true, false);
   Session session(report, {});
@@ -28,6 +28,8 @@ void CollectAndPrint(const std::vector<std::string>& classes) {
   Output output(STDOUT_FILENO);
   WriteInstances(session.GetRepository(), plan.print, *MakeInstanceWriter("json", output));
   output.Flush();
+  session.EndPlugins();
+  _exit(0);  // as the program ends, which does not take apart what it holds
 }
 
 }  // namespace
@@ -36,7 +38,6 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   try {
     CollectAndPrint({argv + 1, argv + argc});
-    return 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "bench_collect: %s\n", failure.what());
     return 1;

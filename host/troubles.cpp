@@ -141,6 +141,7 @@ const char* Worded(const char* clause, const Circumstances& circumstances) {
 
 std::string Fill(const char* clause, std::string_view record, std::string_view rest,
                  const Circumstances& circumstances) {
+  if (*clause == '\0') return {};
   const std::string& failure = circumstances.serviceFailure;
   return fmt::format(fmt::runtime(Worded(clause, circumstances)),
                      fmt::arg("record", WithoutTabs(record)), fmt::arg("rest", WithoutTabs(rest)),

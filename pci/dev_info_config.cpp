@@ -11,6 +11,10 @@
 
 namespace {
 
+// Written for every function: made once.
+const std::string kEnteringPciRead = "Entering TPciDevInfo::PciRead routine";
+const std::string kExitingPciRead = "Exiting TPciDevInfo::PciRead routine";
+
 std::string ConfigPath(const sPciDevices& record) {
   const std::string key = PciAddress{record.bus, record.device, record.function}.ListingKey();
   return std::string(kProcBusPci) + '/' + key.substr(0, 2) + '/' + key.substr(3);
@@ -38,7 +42,7 @@ class File {
 }  // namespace
 
 unsigned TPciDevInfo::PciRead(TRecord record) {
-  WriteDebug("Entering TPciDevInfo::PciRead routine");
+  WriteDebug(kEnteringPciRead);
   const std::string path = ConfigPath(*record);
   const File file(path);
   if (!file.IsOpen()) {
@@ -55,7 +59,7 @@ unsigned TPciDevInfo::PciRead(TRecord record) {
     return 1;
   }
   std::copy_n(header.get(), kConfigHeaderSize, record->configSpace.begin());
-  WriteDebug("Exiting TPciDevInfo::PciRead routine");
+  WriteDebug(kExitingPciRead);
   return 0;
 }
 

@@ -16,6 +16,12 @@ using NQZMVTQ20::TVTQException;
 
 namespace {
 
+// Written for every function: made once.
+const std::string kEnteringGetLspciDeviceDescription =
+    "Entering TPciDevInfo::GetLspciDeviceDescription routine";
+const std::string kExitingGetLspciDeviceDescription =
+    "Exiting TPciDevInfo::GetLspciDeviceDescription routine";
+
 constexpr int kListingSeconds = 60;
 constexpr std::streamsize kLineBufferSize = 1024;
 
@@ -49,7 +55,7 @@ std::vector<std::string> TPciDevInfo::MultiStringTok(std::string& text, const ch
 }
 
 std::string TPciDevInfo::GetLspciDeviceDescription(std::string key) {
-  WriteDebug("Entering TPciDevInfo::GetLspciDeviceDescription routine");
+  WriteDebug(kEnteringGetLspciDeviceDescription);
   PciProcessState& state = processState;
   if (state.listingUnavailable) return "";
   if (!state.listingRun) {
@@ -70,7 +76,7 @@ std::string TPciDevInfo::GetLspciDeviceDescription(std::string key) {
     return "";
   }
   std::string description(state.listing->Find(key));
-  WriteDebug("Exiting TPciDevInfo::GetLspciDeviceDescription routine");
+  WriteDebug(kExitingGetLspciDeviceDescription);
   return description;
 }
 

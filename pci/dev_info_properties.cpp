@@ -10,6 +10,16 @@ using NQZMVTQ20::TCIMValue;
 
 namespace {
 
+// Written for every function: made once.
+const std::string kEnteringGetCommonDevProperties =
+    "Entering TPciDevInfo::GetCommonDevProperties routine";
+const std::string kExitingGetCommonDevProperties =
+    "Exiting TPciDevInfo::GetCommonDevProperties routine";
+const std::string kEnteringPopulatePciDeviceProperties =
+    "Entering TPciDevInfo::PopulatePciDeviceProperties routine";
+const std::string kExitingPopulatePciDeviceProperties =
+    "Exiting TPciDevInfo::PopulatePciDeviceProperties routine";
+
 constexpr unsigned kNoSlot = 0xFFFFFFFF;
 
 // Flag bits in the low end of a base address (PCI Local Bus 3.0, 6.2.5.1).
@@ -84,7 +94,7 @@ int TPciDevInfo::PopulateKeyProperties(TPropertyMap* properties) {
 }
 
 int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties) {
-  WriteDebug("Entering TPciDevInfo::GetCommonDevProperties routine");
+  WriteDebug(kEnteringGetCommonDevProperties);
   const auto reject = [&](const std::string& why) {
     properties->clear();
     WriteStatus(why);
@@ -119,7 +129,7 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
   const std::string location = "PCI" + address.LegacyKey();
   InsertProperty(properties, "Location", TCIMValue(location));
   InsertProperty(properties, "DeviceID", TCIMValue(location));
-  WriteDebug("Exiting TPciDevInfo::GetCommonDevProperties routine");
+  WriteDebug(kExitingGetCommonDevProperties);
   return 0;
 }
 
@@ -131,7 +141,7 @@ TPropertyMap TPciDevInfo::PopulatePciBridgeProperties(TRecord record) {
 }
 
 TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
-  WriteDebug("Entering TPciDevInfo::PopulatePciDeviceProperties routine");
+  WriteDebug(kEnteringPopulatePciDeviceProperties);
   TPropertyMap properties;
   InsertProperty(&properties, "CreationClassName", TCIMValue(kPciDeviceClass));
   if (GetCommonDevProperties(record, &properties) == 1) return {};
@@ -148,7 +158,7 @@ TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
   insertUnlessEmpty("IOAddress", regions.ioAddresses, &TPciDevInfo::GetWordCimValue);
   insertUnlessEmpty("IOLength", regions.ioLengths, &TPciDevInfo::GetWordCimValue);
   if (record->irq != 0) InsertProperty(&properties, "IRQ", TCIMValue(record->irq));
-  WriteDebug("Exiting TPciDevInfo::PopulatePciDeviceProperties routine");
+  WriteDebug(kExitingPopulatePciDeviceProperties);
   return properties;
 }
 

@@ -51,7 +51,7 @@ void CheckValue(const Class& owner, const PropertySchema& property, const TCIMVa
 }  // namespace
 
 Instance::Instance(std::shared_ptr<Class> cimClass)
-    : class_(cimClass), values_(cimClass->GetSchema().properties.size()) {
+    : class_(cimClass), owner_(cimClass.get()), values_(cimClass->GetSchema().properties.size()) {
   ++cimClass->uncommitted_;
 }
 
@@ -60,8 +60,8 @@ Instance::~Instance() {
   if (const std::shared_ptr<Class> owner = class_.lock()) --owner->uncommitted_;
 }
 
-std::shared_ptr<Class> Instance::LockClass() const {
-  if (std::shared_ptr<Class> owner = class_.lock()) return owner;
+Class& Instance::GetOwner() const {
+  if (!class_.expired()) return *owner_;
   throw TVTQException("the class of this instance is gone");
 }
 
@@ -76,11 +76,11 @@ void Instance::CheckKeys(const Class& owner) const {
 
 const std::string& Instance::GetPath() const {
   if (!path_.empty()) return path_;
-  const std::shared_ptr<Class> owner = LockClass();
-  const ClassSchema& schema = owner->GetSchema();
-  CheckKeys(*owner);
-  PathText text(owner->GetNamespaceName(), schema.name);
-  for (const std::size_t position : owner->GetKeyOrder()) {
+  const Class& owner = GetOwner();
+  const ClassSchema& schema = owner.GetSchema();
+  CheckKeys(owner);
+  PathText text(owner.GetNamespaceName(), schema.name);
+  for (const std::size_t position : owner.GetKeyOrder()) {
     const PropertySchema& property = schema.properties[position];
     text.AddKey(property.name, values_[position]);
   }
@@ -89,34 +89,34 @@ const std::string& Instance::GetPath() const {
 }
 
 std::shared_ptr<NQZMVTQ20::ICIMClass> Instance::GetClass(const TQualifierMap&) const {
-  return LockClass();
+  return GetOwner().shared_from_this();
 }
 
 TCIMReference Instance::GetObjectReference(const TQualifierMap&) const {
   if (!reference_.IsNull()) return reference_;
-  const std::shared_ptr<Class> owner = LockClass();
-  CheckKeys(*owner);
+  const Class& owner = GetOwner();
+  CheckKeys(owner);
   TCIMReference::TKeyMap keys;
-  for (const std::size_t position : owner->GetKeyOrder()) {
-    const PropertySchema& property = owner->GetSchema().properties[position];
+  for (const std::size_t position : owner.GetKeyOrder()) {
+    const PropertySchema& property = owner.GetSchema().properties[position];
     keys.emplace(property.name, values_[position]);
   }
-  reference_ = TCIMReference(owner->GetNamespaceName(), owner->GetSchema().name, keys);
+  reference_ = TCIMReference(owner.GetNamespaceName(), owner.GetSchema().name, keys);
   return reference_;
 }
 
 TCIMProperty Instance::GetProperty(const std::string& name, const TQualifierMap&) const {
-  return {name, values_[LockClass()->PositionOf(name)]};
+  return {name, values_[GetOwner().PositionOf(name)]};
 }
 
 void Instance::SetProperty(const std::string& name, const TCIMValue& value, const TQualifierMap&) {
-  const std::shared_ptr<Class> owner = LockClass();
-  const std::size_t position = owner->PositionOf(name);
-  const PropertySchema& property = owner->GetSchema().properties[position];
-  CheckValue(*owner, property, value);
+  const Class& owner = GetOwner();
+  const std::size_t position = owner.PositionOf(name);
+  const PropertySchema& property = owner.GetSchema().properties[position];
+  CheckValue(owner, property, value);
   if (property.isKey) {
     if (committed_ && !(values_[position] == value)) {
-      Refuse(*owner, property, "is a key of a committed instance and stays as it is");
+      Refuse(owner, property, "is a key of a committed instance and stays as it is");
     }
     if (committed_) return;
     path_.clear();
@@ -126,9 +126,9 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, cons
 }
 
 void Instance::Commit(const TQualifierMap&) {
-  const std::shared_ptr<Class> owner = LockClass();
-  owner->Commit(shared_from_this());
-  if (!committed_) --owner->uncommitted_;
+  Class& owner = GetOwner();
+  owner.Commit(shared_from_this());
+  if (!committed_) --owner.uncommitted_;
   committed_ = true;
 }
 

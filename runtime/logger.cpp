@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <typeinfo>
 #include <utility>
 
 #include "framework/exception.h"
@@ -72,23 +71,10 @@ LogSink MakeFileSink(const std::string& path) {
 
 namespace NQZMVTQ20 {
 
-namespace {
-
-// Spares the copy of a text that goes nowhere.
-bool IsDropped(ILogger::EVTQLogSeverity severity) noexcept {
-  const ILogger* const logger = vtq::CurrentCoreLogger();
-  if (logger == nullptr) return true;
-  return typeid(*logger) == typeid(vtq::Logger) &&
-         !static_cast<const vtq::Logger*>(logger)->Takes(severity);
-}
-
-}  // namespace
-
 void fdrWriteLog(int number, const char* text) noexcept {
-  const auto severity = static_cast<ILogger::EVTQLogSeverity>(number);
-  if (text == nullptr || IsDropped(severity)) return;
+  if (text == nullptr || vtq::CoreLoggerDrops(number)) return;  // spares the copy of the text
   try {
-    TRootObject::GetCoreLogger()->Write(severity, text);
+    TRootObject::GetCoreLogger()->Write(static_cast<ILogger::EVTQLogSeverity>(number), text);
   } catch (...) {
     // Not enough memory for the text: logging never fails its caller.
   }

@@ -16,11 +16,13 @@ constexpr std::size_t kUsualLength = 256;
 
 void AppendQuoted(std::string& text, const std::string& quoted) {
   text += '"';
-  for (const char character : quoted) {
-    if (character == '\\' || character == '"') text += '\\';
-    text += character;
+  std::size_t written = 0;
+  for (std::size_t at = 0; at < quoted.size(); ++at) {
+    if (quoted[at] != '\\' && quoted[at] != '"') continue;
+    text.append(quoted, written, at - written).append(1, '\\');
+    written = at;
   }
-  text += '"';
+  text.append(quoted, written).append(1, '"');
 }
 
 void AppendScalar(std::string& text, const TCIMValue& value) {

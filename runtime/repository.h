@@ -130,10 +130,12 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   void Commit(const NQZMVTQ20::TQualifierMap& qualifiers) override;
 
  private:
-  std::shared_ptr<Class> LockClass() const;
+  /// Throws TVTQException when the class is gone.
+  Class& GetOwner() const;
   void CheckKeys(const Class& owner) const;
 
   std::weak_ptr<Class> class_;
+  Class* owner_;  ///< valid unless class_ has expired; locking that for every value takes time
   std::vector<NQZMVTQ20::TCIMValue> values_;
   // Made when they are asked for: nearly all references never are.
   mutable std::string path_;

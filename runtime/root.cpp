@@ -5,6 +5,7 @@
 #include "framework/cim_namespace.h"
 #include "framework/logger.h"
 #include "framework/root_object.h"
+#include "runtime/logger.h"
 
 namespace {
 
@@ -18,15 +19,23 @@ class SilentLogger final : public ILogger {
 
 // The manager is declared last, so that it goes first: what it unloads may still write to the log.
 std::shared_ptr<ILogger> coreLogger;
+// The same, where it is of the kind that tells what it drops.
+const vtq::Logger* tellingLogger = nullptr;
 std::shared_ptr<ICIMNamespace> pluginManager;
 
 }  // namespace
 
 namespace vtq {
 
-void SetCoreLogger(std::shared_ptr<ILogger> logger) { coreLogger = std::move(logger); }
+void SetCoreLogger(std::shared_ptr<ILogger> logger) {
+  tellingLogger = dynamic_cast<const Logger*>(logger.get());
+  coreLogger = std::move(logger);
+}
 
-const ILogger* CurrentCoreLogger() noexcept { return coreLogger.get(); }
+bool CoreLoggerDrops(int severity) noexcept {
+  if (tellingLogger == nullptr) return coreLogger == nullptr;
+  return !tellingLogger->Takes(static_cast<ILogger::EVTQLogSeverity>(severity));
+}
 
 void SetPluginManager(std::shared_ptr<ICIMNamespace> manager) {
   pluginManager = std::move(manager);
