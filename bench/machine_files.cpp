@@ -23,6 +23,16 @@ void WriteKernelSlots(const MachinePlan& plan, const fs::path& folder) {
   }
 }
 
+void MakeEmpty(const fs::path& folder) {
+  fs::create_directories(folder);
+  if (!fs::is_empty(folder)) throw std::runtime_error("the folder is not empty");
+}
+
+void WriteManifest(const fs::path& folder) {
+  recipe::WriteFile(folder / "manifest.json",
+                    "{\"formatVersion\": 1, \"systemName\": \"server.example.org\"}\n");
+}
+
 std::string TruthOf(const MachinePlan& plan) {
   std::string truth;
   for (std::size_t i = 0; i < plan.slots.size(); ++i) {
@@ -36,14 +46,18 @@ std::string TruthOf(const MachinePlan& plan) {
 }  // namespace
 
 void WriteMachine(std::size_t functions, const fs::path& folder) {
-  fs::create_directories(folder);
-  if (!fs::is_empty(folder)) throw std::runtime_error("the folder is not empty");
+  MakeEmpty(folder);
   const MachinePlan plan = PlanMachine(functions);
   BuildMachine(plan.recipe, folder);
   WriteKernelSlots(plan, folder);
-  recipe::WriteFile(folder / "manifest.json",
-                    "{\"formatVersion\": 1, \"systemName\": \"server.example.org\"}\n");
+  WriteManifest(folder);
   recipe::WriteFile(folder / "truth.txt", TruthOf(plan));
+}
+
+void WriteRecipe(const fs::path& file, const fs::path& folder) {
+  MakeEmpty(folder);
+  BuildMachine(ReadRecipe(file), folder);
+  WriteManifest(folder);
 }
 
 }  // namespace bench

@@ -10,4 +10,8 @@ namespace bench {
 /// "TAG FUNCTION" ("5 0000:3b:00.0") for each function that sits in a slot. Throws std::exception.
 void WriteMachine(std::size_t functions, const std::filesystem::path& folder);
 
+/// Writes the machine of a recipe (see machine_recipe.h) as a capture to `folder`, which is made or
+/// must be empty. Throws std::exception.
+void WriteRecipe(const std::filesystem::path& file, const std::filesystem::path& folder);
+
 }  // namespace bench

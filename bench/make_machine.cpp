@@ -1,4 +1,5 @@
 // bench_machine N FOLDER: writes the capture of a machine with N PCI functions.
+// bench_machine RECIPE.json FOLDER: that of the machine that a recipe tells (machine_recipe.h).
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,14 +11,19 @@
 
 int main(int argc, char** argv) {
   if (argc != 3) {
-    std::fputs("usage: bench_machine FUNCTIONS FOLDER\n", stderr);
+    std::fputs("usage: bench_machine FUNCTIONS|RECIPE.json FOLDER\n", stderr);
     return 2;
   }
   try {
-    bench::WriteMachine(std::stoul(argv[1]), argv[2]);
+    const std::filesystem::path recipe = argv[1];
+    if (recipe.extension() == ".json") {
+      bench::WriteRecipe(recipe, argv[2]);
+    } else {
+      bench::WriteMachine(std::stoul(argv[1]), argv[2]);
+    }
     return 0;
   } catch (const std::exception& failure) {
-    std::fprintf(stderr, "bench_machine: no machine of %s functions in %s: %s\n", argv[1], argv[2],
+    std::fprintf(stderr, "bench_machine: no machine of %s in %s: %s\n", argv[1], argv[2],
                  failure.what());
     return 1;
   }
