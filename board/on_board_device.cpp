@@ -1,4 +1,5 @@
 #include <string>
+#include <utility>
 
 #include "board/system_board.h"
 #include "framework/exception.h"
@@ -16,7 +17,9 @@ namespace {
 // A function that has no readable slot number was not found in any slot, so it is on the board.
 bool IsOnBoard(const ICIMInstance& function) {
   try {
-    return static_cast<unsigned char>(function.GetProperty("UINumber", {}).value) == 0;
+    const TCIMValue number = function.GetProperty("UINumber", {}).value;
+    // Most functions have none: reading it would throw, which takes long.
+    return number.IsNull() || static_cast<unsigned char>(number) == 0;
   } catch (...) {
     return true;
   }
@@ -50,7 +53,7 @@ std::vector<TPropertyMap> TSysBrd::MakeDeviceBoardAssociation() {
     TPropertyMap association;
     InsertProperty(&association, "Antecedent", TCIMValue(boards.front()->GetObjectReference({})));
     InsertProperty(&association, "Dependent", TCIMValue(function->GetObjectReference({})));
-    associations.push_back(association);
+    associations.push_back(std::move(association));
   }
   return associations;
 }

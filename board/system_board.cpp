@@ -28,7 +28,7 @@ std::vector<ICIMInstance*> TSysBrd::GetCIMInstances(std::string className) {
   std::vector<ICIMInstance*> instances;
   for (const TPropertyMap& map : maps) {
     try {
-      instances.push_back(GenerateCIMInstance(map, className));
+      instances.push_back(MakeInstance(map, className));
     } catch (const TVTQException& failure) {
       // Log readers match this line whole, the run of nine tabs included.
       WriteStatus(

@@ -30,7 +30,7 @@ std::vector<ICIMInstance*> TSlotInfo::GetCIMInstances(std::string className) {
   std::vector<ICIMInstance*> instances;
   for (const TPropertyMap& slot : GetSlotInfo()) {
     try {
-      instances.push_back(GenerateCIMInstance(slot, className));
+      instances.push_back(MakeInstance(slot, className));
     } catch (const TVTQException& failure) {
       // Log readers match this line whole, the run of eight tabs included.
       WriteStatus(
