@@ -109,18 +109,23 @@ void AddCommands(CLI::App& app, Options& options) {
 
 }  // namespace
 
-std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
-  Options options;
-  CLI::App app(
+std::shared_ptr<CLI::App> BuildApp(Options& options) {
+  auto app = std::make_shared<CLI::App>(
       "Lists the PCI functions and system slots of this machine.\n"
       "Without a command: every PCI function, sorted by address.",
       "pciinfo");
-  AddGlobalOptions(app, options);
-  AddCommands(app, options);
+  AddGlobalOptions(*app, options);
+  AddCommands(*app, options);
+  return app;
+}
+
+std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
+  Options options;
+  const std::shared_ptr<CLI::App> app = BuildApp(options);
   try {
-    app.parse(argc, argv);
+    app->parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
-    return Answer{false, app.help()};
+    return Answer{false, app->help()};
   } catch (const CLI::CallForVersion& version) {
     return Answer{false, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {

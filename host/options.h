@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace pciinfo {
 
@@ -39,6 +44,10 @@ struct Answer {
   bool isError = false;
   std::string text;  ///< help or version with its line ends; a message without one for an error
 };
+
+/// The definitions of all commands and options, which parse into `options`. The manual page and the
+/// completions of the shells are made of the same.
+std::shared_ptr<CLI::App> BuildApp(Options& options);
 
 /// Reads a command line.
 std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv);
