@@ -57,12 +57,13 @@ std::string ArgumentLines(const Usage& usage, const UsageCommand& command) {
 }
 
 std::string CommandCase(const Usage& usage, const UsageCommand& command) {
-  return fmt::format("        {})\n          arguments=(\n{}{}          )\n          ;;\n",
+  return fmt::format("        {})\n          own_arguments=(\n{}{}          )\n          ;;\n",
                      command.name, OptionLines(usage, command, 12), ArgumentLines(usage, command));
 }
 
 }  // namespace
 
+// The variables have long names because zsh has "commands" and "options" of its own.
 std::string ZshCompletion(const Usage& usage) {
   std::string commands;
   std::string cases;
@@ -75,20 +76,20 @@ std::string ZshCompletion(const Usage& usage) {
 _{0}() {{
   local curcontext=$curcontext state state_descr line
   typeset -A opt_args
-  local -a commands options arguments
-  commands=(
+  local -a program_commands program_options own_arguments
+  program_commands=(
 {1}  )
-  options=(
+  program_options=(
 {2}  )
-  _arguments -C $options '1:command:->command' '*::argument:->argument'
+  _arguments -C $program_options '1:command:->command' '*::argument:->argument'
   case $state in
     command)
-      _describe command commands
+      _describe command program_commands
       ;;
     argument)
       case $words[1] in
 {3}      esac
-      _arguments $options $arguments
+      _arguments $program_options $own_arguments
       ;;
   esac
 }}
