@@ -31,13 +31,20 @@ std::string IsNoLimitOrEnough(const std::string& text) {
              : "must be 0 or at least 128 (MiB)";
 }
 
-void AddGlobalOptions(CLI::App& app, Options& options) {
-  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
-  app.add_option("--plugin", options.plugins, "Load this plug-in; may be given more than once")
+void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
+              const char* description) {
+  app.add_option(name, files, description)
       ->type_name("FILE")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->allow_extra_args(false);
+}
+
+void AddGlobalOptions(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
+  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be given more than once");
+  AddFiles(app, "--class-file", options.classFiles,
+           "Declare the classes in this file as well, for plug-ins that serve them");
   app.add_option("--log-file", options.logFile, "Write every log record to this file")
       ->type_name("FILE");
   app.add_option("--log-level", options.logLevel,

@@ -25,13 +25,14 @@ inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
 /// What the command line asks for.
 struct Options {
   Command command = Command::kInventory;
-  std::vector<std::string> classes;  ///< of `instances`; empty: all
-  std::string format = "table";      ///< of `instances` and `slots`
-  std::string schemaFormat = "mof";  ///< of `schema`
-  std::vector<std::string> plugins;  ///< files; empty: the one that belongs to the program
-  std::string logFile;               ///< empty: none
-  std::optional<int> logLevel;       ///< 0 to 4; not set: errors and warnings
-  double timeout = 600;              ///< seconds for all that plug-ins and tools do
+  std::vector<std::string> classes;     ///< of `instances`; empty: all
+  std::string format = "table";         ///< of `instances` and `slots`
+  std::string schemaFormat = "mof";     ///< of `schema`
+  std::vector<std::string> plugins;     ///< files; empty: the one that belongs to the program
+  std::vector<std::string> classFiles;  ///< files that declare further classes
+  std::string logFile;                  ///< empty: none
+  std::optional<int> logLevel;          ///< 0 to 4; not set: errors and warnings
+  double timeout = 600;                 ///< seconds for all that plug-ins and tools do
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
   std::string root;           ///< a capture to show in the place of this machine
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them

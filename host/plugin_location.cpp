@@ -14,7 +14,7 @@ constexpr const char* kPluginFile = "libpciinfo.pi.so";
 
 std::vector<std::string> PluginPlaces(const std::string& programFolder) {
   const std::filesystem::path folder = programFolder;
-  const std::filesystem::path installed = PCIINFO_INSTALLED_LIBDIR;
+  const std::filesystem::path installed = (folder / PCIINFO_PLUGIN_FOLDER).lexically_normal();
   return {folder / kPluginFile, folder.parent_path() / "lib" / kPluginFile,
           installed / kPluginFile};
 }
