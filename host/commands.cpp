@@ -7,8 +7,10 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "host/capture.h"
+#include "host/class_file.h"
 #include "host/classes_view.h"
 #include "host/instance_writer.h"
 #include "host/inventory_view.h"
@@ -33,6 +35,7 @@ struct Job {
   std::function<void(const Session& session, Output& output)> print;
   /// The inventory shows nothing of slots: that they are unknown is no news for its reader.
   bool showsSlots = true;
+  std::vector<vtq::ClassSchema> classes = PciSchema();
 };
 
 std::vector<std::string> ClassesFor(const std::vector<std::string>& asked) {
@@ -48,17 +51,22 @@ Job InventoryJob(const Options&) {
 }
 
 Job InstancesJob(const Options& options) {
-  QueryPlan plan = PlanQuery(PciSchema(), options.classes);
+  std::vector<vtq::ClassSchema> classes = DeclaredClasses(options.classFiles);
+  QueryPlan plan = PlanQuery(classes, options.classes);
   return {plan.collect,
           [print = plan.print, format = options.format](const Session& session, Output& output) {
             WriteInstances(session.GetRepository(), print, *MakeInstanceWriter(format, output));
-          }};
+          },
+          true, std::move(classes)};
 }
 
-Job ClassesJob(const Options&) {
-  return {{}, [](const Session& session, Output& output) {
+Job ClassesJob(const Options& options) {
+  return {{},
+          [](const Session& session, Output& output) {
             WriteClasses(output, session.GetPlugins(), session.GetRepository());
-          }};
+          },
+          true,
+          DeclaredClasses(options.classFiles)};
 }
 
 Job SlotsJob(const Options& options) {
@@ -129,7 +137,7 @@ void CollectInStages(Session& session, TroubleReport& report, const Job& job, St
 ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
-  Session session(report, {options.logFile, options.logLevel});
+  Session session(report, {options.logFile, options.logLevel}, job.classes);
   LoadPlugins(session, options.plugins);
   stages.EndStage();
   CollectInStages(session, report, job, stages);
@@ -166,8 +174,11 @@ Limits LimitsOf(const Options& options) {
 
 ExitStatus RunCommand(Options options) {
   if (options.command == Command::kSchema) {
-    return Print([&options](Output& output) { WriteSchema(output, options.schemaFormat); });
+    return Print([&options](Output& output) {
+      WriteSchema(output, options.schemaFormat, DeclaredClasses(options.classFiles));
+    });
   }
+  const Job job = MakeJob(options);  // reads files of the machine that it runs on
   MakeFilesAbsolute(options);
   std::optional<Manifest> origin;
   if (!options.root.empty()) origin = MoveToRoot(options);
@@ -176,7 +187,6 @@ ExitStatus RunCommand(Options options) {
       return Capture({options.captureFile, options.redact, origin});
     });
   }
-  const Job job = MakeJob(options);
   return RunInStages(LimitsOf(options), {"loading the plug-ins"},
                      [&](Stages& stages) { return Show(options, job, stages); });
 }

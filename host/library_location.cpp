@@ -10,7 +10,7 @@ namespace pciinfo {
 
 std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file) {
   const std::filesystem::path folder = programFolder;
-  const std::filesystem::path installed = PCIINFO_INSTALLED_LIBDIR;
+  const std::filesystem::path installed = (folder / PCIINFO_PLUGIN_FOLDER).lexically_normal();
   return {folder / file, folder.parent_path() / "lib" / file, installed / file};
 }
 

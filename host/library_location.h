@@ -6,7 +6,7 @@
 namespace pciinfo {
 
 /// Where the library `file` that belongs to a program in `programFolder` may be, best place first:
-/// beside the program, in the lib folder beside the program's, where it was installed.
+/// beside the program, in the lib folder beside the program's, where it is installed with it.
 std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file);
 
 /// The first of `places` that exists. Throws std::runtime_error when none does: it lists them and

@@ -31,13 +31,20 @@ std::string IsNoLimitOrEnough(const std::string& text) {
              : "must be 0 or at least 128 (MiB)";
 }
 
-void AddGlobalOptions(CLI::App& app, Options& options) {
-  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
-  app.add_option("--plugin", options.plugins, "Load this plug-in; may be given more than once")
+void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
+              const char* description) {
+  app.add_option(name, files, description)
       ->type_name("FILE")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->allow_extra_args(false);
+}
+
+void AddGlobalOptions(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
+  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be given more than once");
+  AddFiles(app, "--class-file", options.classFiles,
+           "Declare the classes in this file as well, for plug-ins that serve them");
   app.add_option("--log-file", options.logFile, "Write every log record to this file")
       ->type_name("FILE");
   app.add_option("--log-level", options.logLevel,
@@ -109,18 +116,23 @@ void AddCommands(CLI::App& app, Options& options) {
 
 }  // namespace
 
-std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
-  Options options;
-  CLI::App app(
+std::shared_ptr<CLI::App> BuildApp(Options& options) {
+  auto app = std::make_shared<CLI::App>(
       "Lists the PCI functions and system slots of this machine.\n"
       "Without a command: every PCI function, sorted by address.",
       "pciinfo");
-  AddGlobalOptions(app, options);
-  AddCommands(app, options);
+  AddGlobalOptions(*app, options);
+  AddCommands(*app, options);
+  return app;
+}
+
+std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
+  Options options;
+  const std::shared_ptr<CLI::App> app = BuildApp(options);
   try {
-    app.parse(argc, argv);
+    app->parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
-    return Answer{false, app.help()};
+    return Answer{false, app->help()};
   } catch (const CLI::CallForVersion& version) {
     return Answer{false, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {

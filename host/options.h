@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace pciinfo {
 
@@ -20,13 +25,14 @@ inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
 /// What the command line asks for.
 struct Options {
   Command command = Command::kInventory;
-  std::vector<std::string> classes;  ///< of `instances`; empty: all
-  std::string format = "table";      ///< of `instances` and `slots`
-  std::string schemaFormat = "mof";  ///< of `schema`
-  std::vector<std::string> plugins;  ///< files; empty: the one that belongs to the program
-  std::string logFile;               ///< empty: none
-  std::optional<int> logLevel;       ///< 0 to 4; not set: errors and warnings
-  double timeout = 600;              ///< seconds for all that plug-ins and tools do
+  std::vector<std::string> classes;     ///< of `instances`; empty: all
+  std::string format = "table";         ///< of `instances` and `slots`
+  std::string schemaFormat = "mof";     ///< of `schema`
+  std::vector<std::string> plugins;     ///< files; empty: the one that belongs to the program
+  std::vector<std::string> classFiles;  ///< files that declare further classes
+  std::string logFile;                  ///< empty: none
+  std::optional<int> logLevel;          ///< 0 to 4; not set: errors and warnings
+  double timeout = 600;                 ///< seconds for all that plug-ins and tools do
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
   std::string root;           ///< a capture to show in the place of this machine
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
@@ -39,6 +45,10 @@ struct Answer {
   bool isError = false;
   std::string text;  ///< help or version with its line ends; a message without one for an error
 };
+
+/// The definitions of all commands and options, which parse into `options`. The manual page and the
+/// completions of the shells are made of the same.
+std::shared_ptr<CLI::App> BuildApp(Options& options);
 
 /// Reads a command line.
 std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv);

@@ -2,7 +2,6 @@
 
 #include "host/json_schema.h"
 #include "host/mof_schema.h"
-#include "host/pci_schema.h"
 
 namespace pciinfo {
 namespace {
@@ -25,9 +24,10 @@ std::vector<std::string> SchemaFormats() {
   return names;
 }
 
-void WriteSchema(Output& output, const std::string& format) {
+void WriteSchema(Output& output, const std::string& format,
+                 const std::vector<vtq::ClassSchema>& classes) {
   for (const FormatRow& row : kFormats) {
-    if (format == row.name) row.write(output, PciSchema());
+    if (format == row.name) row.write(output, classes);
   }
 }
 

@@ -4,13 +4,15 @@
 #include <vector>
 
 #include "host/output.h"
+#include "host/pci_schema.h"
 
 namespace pciinfo {
 
 /// The formats that WriteSchema knows.
 std::vector<std::string> SchemaFormats();
 
-/// Writes the classes of PciSchema in one of SchemaFormats.
-void WriteSchema(Output& output, const std::string& format);
+/// Writes classes in one of SchemaFormats.
+void WriteSchema(Output& output, const std::string& format,
+                 const std::vector<vtq::ClassSchema>& classes = PciSchema());
 
 }  // namespace pciinfo

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "framework/exception.h"
-#include "host/pci_schema.h"
 #include "host/stderr_log.h"
 #include "runtime/root.h"
 #include "runtime/service_failures.h"
@@ -25,9 +24,9 @@ std::shared_ptr<vtq::Logger> MakeLogger(TroubleReport& report, const LogSettings
   return logger;
 }
 
-std::shared_ptr<vtq::Namespace> MakeRepository() {
+std::shared_ptr<vtq::Namespace> MakeRepository(std::vector<vtq::ClassSchema> classes) {
   std::shared_ptr<vtq::Namespace> repository = vtq::Namespace::Create(kNamespaceName);
-  for (vtq::ClassSchema& schema : PciSchema()) repository->Declare(std::move(schema));
+  for (vtq::ClassSchema& schema : classes) repository->Declare(std::move(schema));
   return repository;
 }
 
@@ -47,11 +46,12 @@ std::optional<std::string> FailureOf(const Step& step) {
 
 }  // namespace
 
-Session::Session(TroubleReport& report, const LogSettings& log)
+Session::Session(TroubleReport& report, const LogSettings& log,
+                 std::vector<vtq::ClassSchema> classes)
     : report_(report),
       logger_(MakeLogger(report, log)),
       manager_(std::make_shared<vtq::PluginManager>()),
-      repository_(MakeRepository()) {
+      repository_(MakeRepository(std::move(classes))) {
   vtq::SetCoreLogger(logger_);
   vtq::SetPluginManager(manager_);
   vtq::ObserveServiceFailures(

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/pci_schema.h"
 #include "host/trouble_report.h"
 #include "runtime/logger.h"
 #include "runtime/plugin_manager.h"
@@ -22,8 +23,10 @@ struct LogSettings {
 /// behind the framework's singletons as long as it lives, so there is one at a time.
 class Session final {
  public:
-  /// `report` must outlive the session. Throws TVTQException when the log file cannot be opened.
-  Session(TroubleReport& report, const LogSettings& log);
+  /// `report` must outlive the session. Throws TVTQException when the log file cannot be opened,
+  /// and when two of `classes` have one name.
+  Session(TroubleReport& report, const LogSettings& log,
+          std::vector<vtq::ClassSchema> classes = PciSchema());
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   /// Ends the plug-ins if nobody has, and unloads them.

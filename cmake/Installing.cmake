@@ -1,0 +1,19 @@
+# Where plug-ins are installed, and what is installed beside programs and libraries. Each part of the
+# installation is a component: library, plugin, tool, development.
+
+# A folder of its own: a plug-in is no library that anybody links.
+set(PCIINFO_PLUGIN_FOLDER ${CMAKE_INSTALL_LIBDIR}/pciinfo)
+
+# Below /usr the system's own search path finds the libraries.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(CMAKE_SKIP_INSTALL_RPATH ON)
+endif()
+
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool
+  FILES_MATCHING PATTERN "captures.md" PATTERN "formats.md" PATTERN "json.md" PATTERN "findings.md"
+    PATTERN "class-files.md" PATTERN "pciinfo.schema.json")
+install(FILES framework/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev
+  COMPONENT development)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev
+  COMPONENT development)

@@ -1,0 +1,57 @@
+# Debian packages: cpack -G DEB. Configure with -DCMAKE_INSTALL_PREFIX=/usr, where they install to.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "The pciinfo authors <pciinfo@example.org>")
+set(CPACK_PACKAGE_VENDOR "The pciinfo authors")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_COMPONENTS_ALL library plugin tool development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/finish.cmake)
+
+# The packages go together: the plug-in's and the libraries' C++ interface has no lesser bond.
+set(same "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(framework "a hardware data-collection framework")
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvtq${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+# Versions of the libraries that programs need, for their packages.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/packaging/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "libraries of ${framework}
+ Plug-ins publish what they know of a machine as instances of CIM classes.
+ The libraries hold values, classes and instances, load plug-ins, and give
+ them a log, commands, files and the firmware's SMBIOS tables.")
+
+set(CPACK_DEBIAN_PLUGIN_PACKAGE_NAME pciinfo-plugin)
+set(CPACK_DEBIAN_PLUGIN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_PLUGIN_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}")
+set(CPACK_DEBIAN_PLUGIN_PACKAGE_RECOMMENDS pciutils)
+set(CPACK_COMPONENT_PLUGIN_DESCRIPTION "PCI and slot inventory plug-in of ${framework}
+ Publishes a machine's PCI functions, bridges, system slots, the board, which
+ function sits in which slot, and raw listings as instances of CIM classes.")
+
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME pciinfo)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
+  "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}, pciinfo-plugin ${same}")
+set(CPACK_COMPONENT_TOOL_DESCRIPTION "which PCI cards are in this server, and in which slots
+ Shows PCI functions, system slots with the cards in them, and what is on the
+ board, as tables and in formats for other programs. Keeps captures of
+ machines and shows them anywhere.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvtq-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS pciinfo)
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "what plug-ins of ${framework} are built with
+ Headers, a CMake package (find_package(vtq)) and an example of a plug-in that
+ publishes a class of its own.")
+include(CPack)

@@ -1,0 +1,12 @@
+# The framework, for authors of plug-ins: vtq::framework (headers), vtq::base and vtq::core.
+include(${CMAKE_CURRENT_LIST_DIR}/vtqTargets.cmake)
+
+# vtq_add_plugin(NAME SOURCE...): the plug-in NAME.pi.so.
+function(vtq_add_plugin name)
+  add_library(${name} MODULE ${ARGN})
+  target_link_libraries(${name} PRIVATE vtq::core vtq::base)
+  set_target_properties(${name} PROPERTIES
+    PREFIX "" SUFFIX ".pi.so" CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  # A library with unique symbols is never unloaded.
+  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+endfunction()

@@ -1,0 +1,124 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/usage/made_usage.h"
+#include "tests/usage/shell.h"
+#include "usage/writers.h"
+
+namespace pciinfo {
+namespace {
+
+using testing::HasSubstr;
+
+class Completion : public testing::Test {
+ protected:
+  Completion() {
+    folder_ = testing::TempDir() + "completion_test_XXXXXX";
+    if (mkdtemp(folder_.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
+    Write("bash", BashCompletion(MadeUsage()));
+    Write("fish", FishCompletion(MadeUsage()));
+    Write("zsh", ZshCompletion(MadeUsage()));
+    std::filesystem::create_directory(folder_ + "/files");
+    std::ofstream(folder_ + "/files/big can").put('\n');
+    std::ofstream(folder_ + "/files/tap").put('\n');
+  }
+  ~Completion() override { std::filesystem::remove_all(folder_); }
+
+  /// What bash proposes behind `words`, the last of which is being typed: "A|B|".
+  std::string Bash(const std::string& words) const {
+    return RunShell("cd " + folder_ + "/files && exec bash --norc -c '. ../bash; COMP_WORDS=(" +
+                    words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _water; " +
+                    "printf \"%s|\" \"${COMPREPLY[@]}\"'")
+        .text;
+  }
+
+  /// What fish proposes behind a command line, a line each.
+  std::string Fish(const std::string& line) const {
+    return RunShell("cd " + folder_ + "/files && HOME=" + folder_ +
+                    " fish --no-config -c '. ../fish; complete -C \"" + line + "\"'")
+        .text;
+  }
+
+  std::string Syntax(const std::string& shell) const {
+    return RunShell(shell + " -n " + folder_ + "/" + shell).text;
+  }
+
+ private:
+  void Write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ + "/" + name) << text;
+  }
+
+  std::string folder_;
+};
+
+TEST_F(Completion, BashProposesCommandsAndOptions) {
+  EXPECT_EQ(Bash("water \"\""), "plants|log|");
+  EXPECT_EQ(Bash("water pl"), "plants|");
+  EXPECT_EQ(Bash("water --c"), "--can|");
+  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--colour|--dry|");
+  EXPECT_EQ(Bash("water log --d"), "|");
+}
+
+TEST_F(Completion, BashProposesValues) {
+  EXPECT_EQ(Bash("water plants --colour \"\""), "red|blue|");
+  EXPECT_EQ(Bash("water plants --colour = b"), "blue|");
+  EXPECT_EQ(Bash("water plants --colour ="), "red|blue|");
+  EXPECT_EQ(Bash("water plants Mo"), "Moss|");
+  EXPECT_EQ(Bash("water plants Fern \"\""), "Fern|Moss|");
+}
+
+TEST_F(Completion, BashProposesFiles) {
+  EXPECT_EQ(Bash("water -c b"), "big can|");
+  EXPECT_EQ(Bash("water --can = t"), "tap|");
+  EXPECT_EQ(Bash("water log t"), "tap|");
+}
+
+TEST_F(Completion, BashTakesNoValueForTheCommand) {
+  EXPECT_EQ(Bash("water --can log \"\""), "plants|log|");
+  EXPECT_EQ(Bash("water --can = log plants F"), "Fern|");
+}
+
+TEST_F(Completion, FishProposesCommandsOptionsAndValues) {
+  NEEDS("fish");
+  EXPECT_EQ(Syntax("fish"), "");
+  EXPECT_EQ(Fish("water pl"), "plants\tName plants\n");
+  EXPECT_EQ(Fish("water plants --co"), "--colour\tColour of the bloom\n");
+  EXPECT_EQ(Fish("water plants --colour "),
+            "blue\tColour of the bloom\nred\tColour of the bloom\n");
+  EXPECT_EQ(Fish("water plants M"), "Moss\n");
+  EXPECT_EQ(Fish("water log ta"), "tap\n");
+  EXPECT_EQ(Fish("water --can ta"), "tap\n");
+  EXPECT_EQ(Fish("water --ca"), "--can\tUse this can: [big] 'one' \\ only\n");
+}
+
+TEST_F(Completion, ZshAcceptsItsFile) {
+  NEEDS("zsh");
+  EXPECT_EQ(Syntax("zsh"), "");
+}
+
+TEST(WrittenCompletions, AreAcceptedByTheirShells) {
+  NEEDS("fish");
+  NEEDS("zsh");
+  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").text, "");
+  EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").text, "");
+  EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").text, "");
+}
+
+TEST(WrittenCompletions, ProposeTheProgramsOwnCommands) {
+  NEEDS("fish");
+  EXPECT_EQ(RunShell("fish --no-config -c '. " WRITTEN_FOLDER
+                     "/pciinfo.fish; complete -C \"pciinfo inst\"'")
+                .text,
+            "instances\tPrint the instances of CIM classes\n");
+  EXPECT_EQ(RunShell("bash --norc -c '. " WRITTEN_FOLDER
+                     "/pciinfo; COMP_WORDS=(pciinfo instances QZMSG_PCIB); COMP_CWORD=2; "
+                     "_pciinfo; echo \"${COMPREPLY[@]}\"'")
+                .text,
+            "QZMSG_PCIBridge\n");
+}
+
+}  // namespace
+}  // namespace pciinfo

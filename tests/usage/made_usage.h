@@ -1,0 +1,37 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "usage/usage.h"
+
+namespace pciinfo {
+
+/// Definitions with one of everything, and texts that need care in every shell.
+inline Usage MadeUsage() {
+  CLI::App app("Waters plants. And more.", "water");
+  std::vector<std::string> texts;
+  std::string text;
+  bool flag = false;
+  app.set_version_flag("--version", "1");
+  app.add_option("--can,-c", texts, "Use this can: [big] 'one' \\ only")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+  app.add_option("--hidden", text, "Nobody sees this")->group("");
+  app.footer("Mind the roots.\n\nExit status:\n  0  wet\n  1  dry\n");
+  CLI::App* plants = app.add_subcommand("plants", "Name plants");
+  plants->add_option("--colour", text, "Colour of the bloom")
+      ->type_name("COLOUR")
+      ->check(CLI::IsMember(std::vector<std::string>{"red", "blue"}))
+      ->default_str("red");
+  plants->add_flag("--dry", flag, ".Only dry ones");
+  plants->add_option("CLASS", texts, "Kinds of plants");
+  plants->footer("All cans serve.\n\nOwn words.\n");
+  CLI::App* log = app.add_subcommand("log", "Write down");
+  log->add_option("FILE", text, "Where to")->required();
+  log->footer("All cans serve.\n");
+  return UsageOf(app, {"Fern", "Moss"});
+}
+
+}  // namespace pciinfo

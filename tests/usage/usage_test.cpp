@@ -1,0 +1,63 @@
+#include "usage/usage.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/usage/made_usage.h"
+
+namespace pciinfo {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(Usage, ReadsTheProgramsOptionsButHiddenOnes) {
+  const UsageCommand program = MadeUsage().program;
+  EXPECT_EQ(program.name, "water");
+  EXPECT_THAT(OptionNames(program), ElementsAre("-h", "--help", "--version", "-c", "--can"));
+  EXPECT_THAT(OptionNames(program, true), ElementsAre("-c", "--can"));
+}
+
+TEST(Usage, AFlagTakesNoValue) {
+  const UsageOption dry = MadeUsage().commands[0].options[1];
+  EXPECT_THAT(dry.names, ElementsAre("--dry"));
+  EXPECT_EQ(dry.kind, ValueKind::kNothing);
+  EXPECT_EQ(dry.valueName, "");
+}
+
+TEST(Usage, AnOptionTellsItsChoicesAndDefault) {
+  const UsageOption colour = MadeUsage().commands[0].options[0];
+  EXPECT_EQ(colour.kind, ValueKind::kChoice);
+  EXPECT_EQ(colour.valueName, "COLOUR");
+  EXPECT_EQ(colour.defaultText, "red");
+  EXPECT_THAT(colour.choices, ElementsAre("red", "blue"));
+  EXPECT_FALSE(colour.isRepeatable);
+}
+
+TEST(Usage, FilesAreToldByTheNameOfTheValue) {
+  const Usage usage = MadeUsage();
+  EXPECT_EQ(usage.program.options.back().kind, ValueKind::kFile);
+  EXPECT_TRUE(usage.program.options.back().isRepeatable);
+  const UsageOption file = usage.commands[1].arguments.at(0);
+  EXPECT_EQ(file.kind, ValueKind::kFile);
+  EXPECT_TRUE(file.isRequired);
+}
+
+TEST(Usage, AClassIsOneOfTheClasses) {
+  const Usage usage = MadeUsage();
+  const UsageOption plants = usage.commands[0].arguments.at(0);
+  EXPECT_EQ(plants.kind, ValueKind::kClass);
+  EXPECT_TRUE(plants.isRepeatable);
+  EXPECT_FALSE(plants.isRequired);
+  EXPECT_THAT(ValuesOf(usage, plants), ElementsAre("Fern", "Moss"));
+}
+
+TEST(Usage, ACommandHasThoseOptionsOnlyThatTheProgramHasNot) {
+  const Usage usage = MadeUsage();
+  ASSERT_EQ(usage.commands.size(), 2U);
+  EXPECT_THAT(OptionNames(usage.commands[0]), ElementsAre("--colour", "--dry"));
+  EXPECT_THAT(OptionNames(usage.commands[1]), IsEmpty());
+}
+
+}  // namespace
+}  // namespace pciinfo

@@ -1,0 +1,109 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "usage/writers.h"
+
+namespace pciinfo {
+namespace {
+
+// Bash takes "--format=json" for three words.
+constexpr const char* kBegin = R"(# bash completion for {0}
+
+_{0}_words() {{
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2")
+}}
+
+_{0}_files() {{
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -- "$1")
+}}
+
+_{0}() {{
+  local cur=${{COMP_WORDS[COMP_CWORD]}} prev=${{COMP_WORDS[COMP_CWORD - 1]}} command= i
+  COMPREPLY=()
+  if [[ $cur == = ]]; then
+    cur=
+  elif [[ $prev == = ]]; then
+    prev=${{COMP_WORDS[COMP_CWORD - 2]}}
+  fi
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    case ${{COMP_WORDS[i]}} in
+      {1})
+        ((i++))
+        [[ ${{COMP_WORDS[i]}} == = ]] && ((i++))
+        ;;
+      -*) ;;
+      *)
+        command=${{COMP_WORDS[i]}}
+        break
+        ;;
+    esac
+  done
+)";
+
+constexpr const char* kEnd = R"(}}
+complete -F _{0} {0}
+)";
+
+std::string Words(const std::vector<std::string>& words) {
+  return fmt::format("{}", fmt::join(words, " "));
+}
+
+/// The line that completes a value.
+std::string Completing(const Usage& usage, const UsageOption& option) {
+  const std::string& program = usage.program.name;
+  if (option.kind == ValueKind::kFile) return fmt::format("_{}_files \"$cur\"", program);
+  const std::vector<std::string>& values = ValuesOf(usage, option);
+  return values.empty() ? ":" : fmt::format("_{}_words \"{}\" \"$cur\"", program, Words(values));
+}
+
+std::string ValueCases(const Usage& usage, const UsageCommand& command, const std::string& name) {
+  std::string cases;
+  for (const UsageOption& option : command.options) {
+    if (option.kind == ValueKind::kNothing) continue;
+    const std::string prefix = name + ":";
+    cases += fmt::format("    {}{}) {}; return ;;\n", prefix, fmt::join(option.names, "|" + prefix),
+                         Completing(usage, option));
+  }
+  return cases;
+}
+
+std::string OptionCase(const Usage& usage, const UsageCommand& command, const std::string& name) {
+  std::vector<std::string> names = OptionNames(usage.program);
+  if (&command != &usage.program) {
+    for (const std::string& own : OptionNames(command)) names.push_back(own);
+  }
+  return fmt::format("      {}) _{}_words \"{}\" \"$cur\" ;;\n", name, usage.program.name,
+                     Words(names));
+}
+
+std::vector<std::string> CommandNames(const Usage& usage) {
+  std::vector<std::string> names;
+  for (const UsageCommand& command : usage.commands) names.push_back(command.name);
+  return names;
+}
+
+}  // namespace
+
+std::string BashCompletion(const Usage& usage) {
+  const std::string& program = usage.program.name;
+  std::vector<std::string> valued = OptionNames(usage.program, true);
+  std::string values = ValueCases(usage, usage.program, "*");
+  std::string options = OptionCase(usage, usage.program, "''");
+  std::string arguments =
+      fmt::format("    '') _{}_words \"{}\" \"$cur\" ;;\n", program, Words(CommandNames(usage)));
+  for (const UsageCommand& command : usage.commands) {
+    for (const std::string& name : OptionNames(command, true)) valued.push_back(name);
+    values += ValueCases(usage, command, command.name);
+    options += OptionCase(usage, command, command.name);
+    if (command.arguments.empty()) continue;
+    arguments +=
+        fmt::format("    {}) {} ;;\n", command.name, Completing(usage, command.arguments.front()));
+  }
+  return fmt::format(kBegin, program, fmt::join(valued, " | ")) + "  case $command:$prev in\n" +
+         values + "  esac\n" + "  if [[ $cur == -* ]]; then\n    case $command in\n" + options +
+         "    esac\n    return\n  fi\n" + "  case $command in\n" + arguments + "  esac\n" +
+         fmt::format(kEnd, program);
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,60 @@
+// Writes the manual page and the completions of the shells into a folder:
+//   write_usage FOLDER VERSION DATE SECTIONS-FILE
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "host/options.h"
+#include "host/pci_schema.h"
+#include "usage/writers.h"
+
+namespace {
+
+using namespace pciinfo;
+
+std::string ContentOf(const std::string& name) {
+  std::ifstream file(name);
+  std::ostringstream content;
+  content << file.rdbuf();
+  if (!file) throw std::runtime_error(name + ": cannot be read");
+  return content.str();
+}
+
+void WriteFile(const std::filesystem::path& name, const std::string& text) {
+  std::ofstream file(name);
+  file << text << std::flush;
+  if (!file) throw std::runtime_error(name.string() + ": cannot be written");
+}
+
+Usage UsageOfProgram() {
+  std::vector<std::string> classes;
+  for (const vtq::ClassSchema& schema : PciSchema()) classes.push_back(schema.name);
+  Options options;
+  return UsageOf(*BuildApp(options), classes);
+}
+
+void WriteAll(const std::filesystem::path& folder, const ManualText& manual) {
+  const Usage usage = UsageOfProgram();
+  WriteFile(folder / "pciinfo.1", ManualPage(usage, manual));
+  WriteFile(folder / "pciinfo", BashCompletion(usage));
+  WriteFile(folder / "pciinfo.fish", FishCompletion(usage));
+  WriteFile(folder / "_pciinfo", ZshCompletion(usage));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    if (argc != 5) throw std::runtime_error("needs FOLDER VERSION DATE SECTIONS-FILE");
+    WriteAll(argv[1], {argv[2], argv[3], ContentOf(argv[4])});
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "write_usage: %s\n", error.what());
+    return 1;
+  }
+}

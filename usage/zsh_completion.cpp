@@ -1,0 +1,102 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <string_view>
+
+#include "usage/writers.h"
+
+namespace pciinfo {
+namespace {
+
+/// `text` for the inside of single quotes, with a backslash before each of `special`.
+std::string Escaped(const std::string& text, std::string_view special) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '\'') {
+      escaped += "'\\''";
+      continue;
+    }
+    if (special.find(c) != std::string_view::npos) escaped += '\\';
+    escaped += c;
+  }
+  return escaped;
+}
+
+/// What completes a value: ":NAME:ACTION".
+std::string ValueText(const Usage& usage, const UsageOption& option) {
+  const std::string name = Escaped(option.valueName, "\\:");
+  if (option.kind == ValueKind::kFile) return fmt::format(":{}:_files", name);
+  const std::vector<std::string>& values = ValuesOf(usage, option);
+  return values.empty() ? fmt::format(":{}: ", name)
+                        : fmt::format(":{}:({})", name, fmt::join(values, " "));
+}
+
+std::string OptionLines(const Usage& usage, const UsageCommand& command, int indent) {
+  std::string lines;
+  for (const UsageOption& option : command.options) {
+    const bool isFlag = option.kind == ValueKind::kNothing;
+    for (const std::string& name : option.names) {
+      const bool takesEqualSign = !isFlag && name.rfind("--", 0) == 0;
+      lines += fmt::format("{:{}}'{}{}{}[{}]{}'\n", "", indent, option.isRepeatable ? "*" : "",
+                           name, takesEqualSign ? "=" : "", Escaped(option.description, "\\[]:"),
+                           isFlag ? "" : ValueText(usage, option));
+    }
+  }
+  return lines;
+}
+
+std::string ArgumentLines(const Usage& usage, const UsageCommand& command) {
+  std::string lines;
+  for (const UsageOption& argument : command.arguments) {
+    UsageOption named = argument;
+    named.valueName = argument.names.front();
+    lines += fmt::format("            '{}{}'\n", argument.isRepeatable ? "*" : "",
+                         ValueText(usage, named));
+  }
+  return lines;
+}
+
+std::string CommandCase(const Usage& usage, const UsageCommand& command) {
+  return fmt::format("        {})\n          own_arguments=(\n{}{}          )\n          ;;\n",
+                     command.name, OptionLines(usage, command, 12), ArgumentLines(usage, command));
+}
+
+}  // namespace
+
+// The variables have long names because zsh has "commands" and "options" of its own.
+std::string ZshCompletion(const Usage& usage) {
+  std::string commands;
+  std::string cases;
+  for (const UsageCommand& command : usage.commands) {
+    commands += fmt::format("    '{}:{}'\n", command.name, Escaped(command.description, "\\:"));
+    cases += CommandCase(usage, command);
+  }
+  return fmt::format(R"(#compdef {0}
+
+_{0}() {{
+  local curcontext=$curcontext state state_descr line
+  typeset -A opt_args
+  local -a program_commands program_options own_arguments
+  program_commands=(
+{1}  )
+  program_options=(
+{2}  )
+  _arguments -C $program_options '1:command:->command' '*::argument:->argument'
+  case $state in
+    command)
+      _describe command program_commands
+      ;;
+    argument)
+      case $words[1] in
+{3}      esac
+      _arguments $program_options $own_arguments
+      ;;
+  esac
+}}
+
+_{0} "$@"
+)",
+                     usage.program.name, commands, OptionLines(usage, usage.program, 4), cases);
+}
+
+}  // namespace pciinfo
