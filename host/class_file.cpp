@@ -80,7 +80,7 @@ class Object {
   }
 
   std::string Name(const char* name) const {
-    const std::string text = Text(name);
+    std::string text = Text(name);
     if (!IsName(text)) {
       Fail(place_ + "." + name, "a name of letters, digits and underscores is needed");
     }
