@@ -6,10 +6,14 @@
 #include <cmath>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "host/capture.h"
+#include "host/check_reader.h"
+#include "host/check_view.h"
 #include "host/classes_view.h"
+#include "host/diff_command.h"
 #include "host/instance_writer.h"
 #include "host/inventory_view.h"
 #include "host/output.h"
@@ -31,6 +35,8 @@ struct Job {
   std::function<void(const Session& session, Output& output)> print;
   /// The inventory shows nothing of slots: that they are unknown is no news for its reader.
   bool showsSlots = true;
+  /// What the program answers when all was collected and printed; none: kAllCollected.
+  std::function<ExitStatus()> answer = nullptr;
 };
 
 std::vector<std::string> ClassesFor(const std::vector<std::string>& asked) {
@@ -67,6 +73,18 @@ Job SlotsJob(const Options& options) {
           }};
 }
 
+Job CheckJob(const Options& options) {
+  auto isDoubtful = std::make_shared<bool>(false);
+  const auto write = options.format == "json" ? &WriteFindingsJson : &WriteFindings;
+  return {ClassesFor({"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}),
+          [=, isCapture = !options.root.empty()](const Session& session, Output& output) {
+            const auto findings = RunChecks(ReadCheckFacts(session.GetRepository(), isCapture));
+            *isDoubtful = AreDoubtful(findings);
+            write(output, findings);
+          },
+          true, [=] { return *isDoubtful ? kFailed : kAllCollected; }};
+}
+
 Job MakeJob(const Options& options) {
   switch (options.command) {
     case Command::kInstances:
@@ -75,7 +93,10 @@ Job MakeJob(const Options& options) {
       return ClassesJob(options);
     case Command::kSlots:
       return SlotsJob(options);
-    case Command::kCapture:  // these two collect nothing
+    case Command::kCheck:
+      return CheckJob(options);
+    case Command::kCapture:  // these collect nothing here
+    case Command::kDiff:
     case Command::kSchema:
     case Command::kInventory:
       break;
@@ -132,6 +153,7 @@ ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   stages.BeginEnding();
   Tell(report, session.Close());
   if (printed == kAllCollected && report.HasTroubles()) return kFailed;
+  if (printed == kAllCollected && job.answer) return job.answer();
   return printed;
 }
 
@@ -164,6 +186,7 @@ ExitStatus RunCommand(Options options) {
   if (options.command == Command::kSchema) {
     return Print([&options](Output& output) { WriteSchema(output, options.schemaFormat); });
   }
+  if (options.command == Command::kDiff) return RunDiff(options, LimitsOf(options), &RunCommand);
   MakeFilesAbsolute(options);
   std::optional<Manifest> origin;
   if (!options.root.empty()) origin = MoveToRoot(options);
