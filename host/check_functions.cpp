@@ -181,54 +181,53 @@ std::vector<Doubt> NoSysfs(const CheckFacts& facts) {
            facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
+const std::vector<Check> kChecks = {
+    {"pci-bus-missing", Severity::kNote, "There is no PCI bus to be seen.",
+     "Nothing is wrong on a machine without PCI; a capture must hold proc/bus/pci.", &NoBus},
+    {"list-unreadable", Severity::kError,
+     "The kernel's list of PCI functions cannot be read: none of them is published.",
+     "Give this user the right to read /proc/bus/pci/devices, or capture the machine again.",
+     &NoList},
+    {"sysfs-missing", Severity::kNote,
+     "Without /sys/bus/pci/devices it cannot be told whether functions of other PCI domains, or "
+     "of this one, are missing.",
+     "Show sysfs to the program (mount it in the container), or capture the machine again.",
+     &NoSysfs},
+    {"domain-missing", Severity::kError,
+     "Functions in other PCI domains are missing: the kernel's list gives no domain, and in "
+     "domain 0 there is no such function.",
+     "Take these functions from /sys/bus/pci/devices.", &MissingOfOtherDomains},
+    {"domain-mixed-up", Severity::kError,
+     "Functions in other PCI domains are published as the ones with the same address and "
+     "identifiers in domain 0; what is published there mixes both.",
+     "Take both functions from /sys/bus/pci/devices.", &MixedUpOfOtherDomains},
+    {"address-repeated", Severity::kWarning,
+     "The kernel's list names these addresses more than once, which is how functions of several "
+     "PCI domains look in it; one of them is published.",
+     "Compare with /sys/bus/pci/devices, which names the domains.", &RepeatedInList},
+    {"function-unpublished", Severity::kError,
+     "The kernel knows these functions, and they are "
+     "not published.",
+     "See the messages of \"pciinfo instances QZMSG_PCIDevice QZMSG_PCIBridge\".", &Unpublished},
+    {"ids-disagree", Severity::kError,
+     "The kernel's list, the configuration and sysfs name different vendors or devices.",
+     "The function may have been exchanged, or have failed; rescan the bus or restart the "
+     "machine.",
+     &DisagreeingIds},
+    {"listing-missing", Severity::kWarning,
+     "lspci gives no listing: there are no descriptions and no raw listings.",
+     "Install the package pciutils, or capture the machine again with it.", &NoListing},
+    {"description-missing", Severity::kWarning,
+     "Nothing describes these functions; their \"Description\" is made of their numbers.",
+     "Install or update the names that lspci knows (update-pciids).", &WithoutDescription},
+    {"configuration-short", Severity::kNote,
+     "Only the first 64 bytes of these configurations can be read: raw listings lack "
+     "capabilities, links and serial numbers.",
+     "Run as root, or capture the machine as root.", &WithHeaderOnly},
+};
+
 }  // namespace
 
-const std::vector<Check>& FunctionChecks() {
-  static const std::vector<Check> checks = {
-      {"pci-bus-missing", Severity::kNote, "There is no PCI bus to be seen.",
-       "Nothing is wrong on a machine without PCI; a capture must hold proc/bus/pci.", &NoBus},
-      {"list-unreadable", Severity::kError,
-       "The kernel's list of PCI functions cannot be read: none of them is published.",
-       "Give this user the right to read /proc/bus/pci/devices, or capture the machine again.",
-       &NoList},
-      {"sysfs-missing", Severity::kNote,
-       "Without /sys/bus/pci/devices it cannot be told whether functions of other PCI domains, or "
-       "of this one, are missing.",
-       "Show sysfs to the program (mount it in the container), or capture the machine again.",
-       &NoSysfs},
-      {"domain-missing", Severity::kError,
-       "Functions in other PCI domains are missing: the kernel's list gives no domain, and in "
-       "domain 0 there is no such function.",
-       "Take these functions from /sys/bus/pci/devices.", &MissingOfOtherDomains},
-      {"domain-mixed-up", Severity::kError,
-       "Functions in other PCI domains are published as the ones with the same address and "
-       "identifiers in domain 0; what is published there mixes both.",
-       "Take both functions from /sys/bus/pci/devices.", &MixedUpOfOtherDomains},
-      {"address-repeated", Severity::kWarning,
-       "The kernel's list names these addresses more than once, which is how functions of several "
-       "PCI domains look in it; one of them is published.",
-       "Compare with /sys/bus/pci/devices, which names the domains.", &RepeatedInList},
-      {"function-unpublished", Severity::kError,
-       "The kernel knows these functions, and they are "
-       "not published.",
-       "See the messages of \"pciinfo instances QZMSG_PCIDevice QZMSG_PCIBridge\".", &Unpublished},
-      {"ids-disagree", Severity::kError,
-       "The kernel's list, the configuration and sysfs name different vendors or devices.",
-       "The function may have been exchanged, or have failed; rescan the bus or restart the "
-       "machine.",
-       &DisagreeingIds},
-      {"listing-missing", Severity::kWarning,
-       "lspci gives no listing: there are no descriptions and no raw listings.",
-       "Install the package pciutils, or capture the machine again with it.", &NoListing},
-      {"description-missing", Severity::kWarning,
-       "Nothing describes these functions; their \"Description\" is made of their numbers.",
-       "Install or update the names that lspci knows (update-pciids).", &WithoutDescription},
-      {"configuration-short", Severity::kNote,
-       "Only the first 64 bytes of these configurations can be read: raw listings lack "
-       "capabilities, links and serial numbers.",
-       "Run as root, or capture the machine as root.", &WithHeaderOnly},
-  };
-  return checks;
-}
+const std::vector<Check>& FunctionChecks() { return kChecks; }
 
 }  // namespace pciinfo

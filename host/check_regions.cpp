@@ -78,27 +78,26 @@ std::vector<Doubt> Judged(const CheckFacts& facts) {
   return JudgeRegions(facts, judge);
 }
 
+const std::vector<Check> kChecks = {
+    {"region-address-wide", Severity::kError,
+     "Memory regions above 4 GiB do not fit into \"MEMAddress\"; they are published as the "
+     "\"IOAddress\" 65532, and their sizes as \"IOLength\".",
+     "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeAddress>},
+    {"region-size-wide", Severity::kError,
+     "Sizes of 4 GiB and more do not fit into 32 bits; they are published as \"MEMLength\" "
+     "4294967295, or as \"IOLength\" 65535 where the region lies above 4 GiB too.",
+     "Take sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeSize>},
+    {"io-region-wide", Severity::kError,
+     "I/O addresses or sizes of 64 KiB and more do not fit into 16 bits; their low 16 bits are "
+     "published.",
+     "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeIo>},
+    {"io-region-as-memory", Severity::kWarning,
+     "The kernel's list does not mark these I/O regions as such; they are published as memory.",
+     "Take the kind of the region from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeSpace>},
+};
+
 }  // namespace
 
-const std::vector<Check>& RegionChecks() {
-  static const std::vector<Check> checks = {
-      {"region-address-wide", Severity::kError,
-       "Memory regions above 4 GiB do not fit into \"MEMAddress\"; they are published as the "
-       "\"IOAddress\" 65532, and their sizes as \"IOLength\".",
-       "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeAddress>},
-      {"region-size-wide", Severity::kError,
-       "Sizes of 4 GiB and more do not fit into 32 bits; they are published as \"MEMLength\" "
-       "4294967295, or as \"IOLength\" 65535 where the region lies above 4 GiB too.",
-       "Take sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeSize>},
-      {"io-region-wide", Severity::kError,
-       "I/O addresses or sizes of 64 KiB and more do not fit into 16 bits; their low 16 bits are "
-       "published.",
-       "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeIo>},
-      {"io-region-as-memory", Severity::kWarning,
-       "The kernel's list does not mark these I/O regions as such; they are published as memory.",
-       "Take the kind of the region from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeSpace>},
-  };
-  return checks;
-}
+const std::vector<Check>& RegionChecks() { return kChecks; }
 
 }  // namespace pciinfo

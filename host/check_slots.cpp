@@ -277,73 +277,70 @@ std::vector<Doubt> NoAddresses(const CheckFacts& facts) {
   return {{"/sys/firmware/dmi/tables", "", ""}};
 }
 
+const std::vector<Check> kChecks = {
+    {"slot-tables-missing", Severity::kNote, "There are no SMBIOS tables, so no slot is published.",
+     "Firmware gives them to physical machines; a capture must be made as root to hold them.",
+     &NoTables},
+    {"slot-tables-unreadable", Severity::kError,
+     "The SMBIOS tables cannot be read, so no slot is published.",
+     "Run as root; where the tables are damaged, look for a firmware update.", &UnreadableTables},
+    {"slot-records-missing", Severity::kNote,
+     "The SMBIOS tables hold no slot records, so no slot is published.",
+     "A firmware update or, for a virtual machine, SMBIOS type 9 records can add them.",
+     &NoRecords},
+    {"slot-addresses-missing", Severity::kNote,
+     "The firmware's slot records have no addresses, so it is not known what sits in the slots.",
+     "Look for a firmware update to SMBIOS 2.6 or later.", &NoAddresses},
+    {"slot-unpublished", Severity::kError, "The firmware describes more slots than are published.",
+     "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &Unpublished},
+    {"slot-out-of-place", Severity::kError,
+     "A slot before these ones is missing; functions of a slot may be shown in the next one.",
+     "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &OutOfPlace},
+    {"slot-number-drift", Severity::kError,
+     "These slot records are too long for their peer groups to be published, and the groups are "
+     "counted all the same: functions of later slots are shown in wrong ones.",
+     "Do not rely on which function sits in a slot behind these; look for a firmware update.",
+     &WithDriftingNumber},
+    {"slot-record-short", Severity::kWarning,
+     "These slot records have no address, though the first one has: an address is read behind "
+     "their ends.",
+     "Do not rely on which function sits in these slots; look for a firmware update.",
+     &WithShortRecord},
+    {"slot-address-missing", Severity::kWarning,
+     "These slots are in use, and the firmware gives a placeholder for the address: it is not "
+     "known what sits in them.",
+     "Find the card by its place on the board, or look for a firmware update.",
+     &InUseWithPlaceholder},
+    {"slot-address-placeholder", Severity::kNote,
+     "These slots are not in use, and the firmware gives a placeholder for the address.",
+     "Nothing is wrong; a card that is put in may not be tied to its slot.",
+     &UnusedWithPlaceholder},
+    {"slot-address-dangling", Severity::kWarning,
+     "These slots are in use, and their addresses name no function that the kernel knows.",
+     "The firmware's numbering may differ from the kernel's; look for a firmware update.",
+     &InUseWithoutFunction},
+    {"slot-on-bus-zero", Severity::kWarning,
+     "These slots are in use on bus 0, whose slots are tied to no function.",
+     "Take the function from the address.", &OnBusZero},
+    {"slot-in-other-domain", Severity::kWarning,
+     "These slots are in another PCI domain; functions are tied to them by the bus number alone.",
+     "Compare the functions shown in them with /sys/bus/pci/devices.", &InOtherDomain},
+    {"slot-neighbour", Severity::kWarning,
+     "These functions are shown in a slot because they are on its bus; the slot's address is "
+     "that of another device.",
+     "Check the device number before you take the function for the slot's card.", &BesideTheSlot},
+    {"slot-number-shared", Severity::kWarning,
+     "These functions are tied to a slot by a number that several slots have; the first of them "
+     "is published.",
+     "Find the card by its place on the board.", &ByAmbiguousNumber},
+    {"slot-id-shared", Severity::kNote, "Several slots have the same slot ID.",
+     "Tell slots apart by \"Tag\", not by \"Number\".", &WithSharedId},
+    {"slot-designation-shared", Severity::kNote, "Several slots have the same designation.",
+     "Tell slots apart by \"Tag\", not by \"SlotDesignation\".", &WithSharedDesignation},
+};
+
 }  // namespace
 
-const std::vector<Check>& SlotChecks() {
-  static const std::vector<Check> checks = {
-      {"slot-tables-missing", Severity::kNote,
-       "There are no SMBIOS tables, so no slot is published.",
-       "Firmware gives them to physical machines; a capture must be made as root to hold them.",
-       &NoTables},
-      {"slot-tables-unreadable", Severity::kError,
-       "The SMBIOS tables cannot be read, so no slot is published.",
-       "Run as root; where the tables are damaged, look for a firmware update.", &UnreadableTables},
-      {"slot-records-missing", Severity::kNote,
-       "The SMBIOS tables hold no slot records, so no slot is published.",
-       "A firmware update or, for a virtual machine, SMBIOS type 9 records can add them.",
-       &NoRecords},
-      {"slot-addresses-missing", Severity::kNote,
-       "The firmware's slot records have no addresses, so it is not known what sits in the slots.",
-       "Look for a firmware update to SMBIOS 2.6 or later.", &NoAddresses},
-      {"slot-unpublished", Severity::kError,
-       "The firmware describes more slots than are published.",
-       "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &Unpublished},
-      {"slot-out-of-place", Severity::kError,
-       "A slot before these ones is missing; functions of a slot may be shown in the next one.",
-       "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &OutOfPlace},
-      {"slot-number-drift", Severity::kError,
-       "These slot records are too long for their peer groups to be published, and the groups are "
-       "counted all the same: functions of later slots are shown in wrong ones.",
-       "Do not rely on which function sits in a slot behind these; look for a firmware update.",
-       &WithDriftingNumber},
-      {"slot-record-short", Severity::kWarning,
-       "These slot records have no address, though the first one has: an address is read behind "
-       "their ends.",
-       "Do not rely on which function sits in these slots; look for a firmware update.",
-       &WithShortRecord},
-      {"slot-address-missing", Severity::kWarning,
-       "These slots are in use, and the firmware gives a placeholder for the address: it is not "
-       "known what sits in them.",
-       "Find the card by its place on the board, or look for a firmware update.",
-       &InUseWithPlaceholder},
-      {"slot-address-placeholder", Severity::kNote,
-       "These slots are not in use, and the firmware gives a placeholder for the address.",
-       "Nothing is wrong; a card that is put in may not be tied to its slot.",
-       &UnusedWithPlaceholder},
-      {"slot-address-dangling", Severity::kWarning,
-       "These slots are in use, and their addresses name no function that the kernel knows.",
-       "The firmware's numbering may differ from the kernel's; look for a firmware update.",
-       &InUseWithoutFunction},
-      {"slot-on-bus-zero", Severity::kWarning,
-       "These slots are in use on bus 0, whose slots are tied to no function.",
-       "Take the function from the address.", &OnBusZero},
-      {"slot-in-other-domain", Severity::kWarning,
-       "These slots are in another PCI domain; functions are tied to them by the bus number alone.",
-       "Compare the functions shown in them with /sys/bus/pci/devices.", &InOtherDomain},
-      {"slot-neighbour", Severity::kWarning,
-       "These functions are shown in a slot because they are on its bus; the slot's address is "
-       "that of another device.",
-       "Check the device number before you take the function for the slot's card.", &BesideTheSlot},
-      {"slot-number-shared", Severity::kWarning,
-       "These functions are tied to a slot by a number that several slots have; the first of them "
-       "is published.",
-       "Find the card by its place on the board.", &ByAmbiguousNumber},
-      {"slot-id-shared", Severity::kNote, "Several slots have the same slot ID.",
-       "Tell slots apart by \"Tag\", not by \"Number\".", &WithSharedId},
-      {"slot-designation-shared", Severity::kNote, "Several slots have the same designation.",
-       "Tell slots apart by \"Tag\", not by \"SlotDesignation\".", &WithSharedDesignation},
-  };
-  return checks;
-}
+const std::vector<Check>& SlotChecks() { return kChecks; }
 
 }  // namespace pciinfo

@@ -183,7 +183,7 @@ DiffItems ItemsOf(const vtq::Namespace& repository, const std::string& className
   DiffItems items;
   for (const auto& instance : cimClass->GetInstances()) {
     const std::string name = TextOf(*instance, key);
-    items.push_back({cimClass, instance, Printable(name), {name, "any"}, {}, {}, false, {}, {}});
+    items.push_back({cimClass, instance, Printable(name), {name}, {}, {}, false, {}, {}});
   }
   return items;
 }

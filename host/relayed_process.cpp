@@ -127,7 +127,7 @@ class Relay final {
 }  // namespace
 
 ssize_t AppendBytes(int descriptor, std::string& text) {
-  std::array<char, 65536> block;
+  std::array<char, 65536> block{};
   ssize_t count = 0;
   do {
     count = read(descriptor, block.data(), block.size());
