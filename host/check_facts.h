@@ -101,4 +101,34 @@ struct CheckFacts {
   SlotRecords slotRecords;
 };
 
+/// The lines of the kernel's list; none where it cannot be read.
+inline const std::vector<ListedFunction>& ListOf(const CheckFacts& facts) {
+  static const std::vector<ListedFunction> none;
+  return facts.list ? *facts.list : none;
+}
+
+/// Finds published functions by address. The facts must outlive it, unchanged.
+class PublishedIndex final {
+ public:
+  explicit PublishedIndex(const CheckFacts& facts) {
+    for (const PublishedFunction& published : facts.published) {
+      if (published.function.address) byAddress_.emplace(*published.function.address, &published);
+    }
+  }
+
+  /// Null when nothing is published for the address.
+  const PublishedFunction* Find(const PciAddress& address) const {
+    const auto found = byAddress_.find(address);
+    return found == byAddress_.end() ? nullptr : found->second;
+  }
+  /// The path of the instance; empty when nothing is published for the address.
+  std::string PathOf(const PciAddress& address) const {
+    const PublishedFunction* published = Find(address);
+    return published == nullptr ? "" : published->function.path;
+  }
+
+ private:
+  std::map<PciAddress, const PublishedFunction*> byAddress_;
+};
+
 }  // namespace pciinfo

@@ -16,18 +16,6 @@ std::string IdsText(const VendorAndDevice& ids) {
   return fmt::format("{:04x}:{:04x}", ids.vendor, ids.device);
 }
 
-const PublishedFunction* FindPublished(const CheckFacts& facts, const PciAddress& address) {
-  for (const PublishedFunction& published : facts.published) {
-    if (published.function.address == address) return &published;
-  }
-  return nullptr;
-}
-
-std::string PathOf(const CheckFacts& facts, const PciAddress& address) {
-  const PublishedFunction* published = FindPublished(facts, address);
-  return published == nullptr ? "" : published->function.path;
-}
-
 std::optional<VendorAndDevice> IdsOf(const CheckFacts& facts, const FullAddress& where) {
   const auto found = facts.functions.find(where);
   return found == facts.functions.end() ? std::nullopt : found->second.ids;
@@ -46,11 +34,12 @@ bool PassesForAnother(const CheckFacts& facts, const FullAddress& where) {
 }
 
 std::vector<Doubt> OfOtherDomains(const CheckFacts& facts, bool passing) {
+  const PublishedIndex published(facts);
   std::vector<Doubt> doubts;
   for (const auto& [where, function] : facts.functions) {
     if (where.domain == 0 || PassesForAnother(facts, where) != passing) continue;
     const auto ids = IdsOf(facts, where);
-    doubts.push_back({FormatFullAddress(where), passing ? PathOf(facts, where.address) : "",
+    doubts.push_back({FormatFullAddress(where), passing ? published.PathOf(where.address) : "",
                       ids ? IdsText(*ids) : ""});
   }
   return doubts;
@@ -64,31 +53,37 @@ std::vector<Doubt> MixedUpOfOtherDomains(const CheckFacts& facts) {
   return OfOtherDomains(facts, true);
 }
 
-bool IsOfOtherDomain(const CheckFacts& facts, const PciAddress& address) {
-  return std::any_of(facts.functions.begin(), facts.functions.end(), [&](const auto& entry) {
-    return entry.first.domain != 0 && entry.first.address == address;
-  });
+/// The addresses that functions of other domains have: a line of the list with one of them may be
+/// about any of these.
+std::set<PciAddress> AddressesOfOtherDomains(const CheckFacts& facts) {
+  std::set<PciAddress> addresses;
+  for (const auto& [where, function] : facts.functions) {
+    if (where.domain != 0) addresses.insert(where.address);
+  }
+  return addresses;
 }
 
 std::vector<Doubt> RepeatedInList(const CheckFacts& facts) {
   std::vector<Doubt> doubts;
+  const PublishedIndex published(facts);
   std::set<PciAddress> seen;
   std::set<PciAddress> told;
-  for (const ListedFunction& line : facts.list.value_or(std::vector<ListedFunction>())) {
+  for (const ListedFunction& line : ListOf(facts)) {
     if (seen.insert(line.address).second || !told.insert(line.address).second) continue;
-    doubts.push_back({FormatAddress(line.address), PathOf(facts, line.address), ""});
+    doubts.push_back({FormatAddress(line.address), published.PathOf(line.address), ""});
   }
   return doubts;
 }
 
 /// The functions of domain 0, as far as they can be told from others.
 std::set<PciAddress> KnownAddresses(const CheckFacts& facts) {
+  const std::set<PciAddress> others = AddressesOfOtherDomains(facts);
   std::set<PciAddress> addresses;
   for (const auto& [where, function] : facts.functions) {
     if (where.domain == 0) addresses.insert(where.address);
   }
-  for (const ListedFunction& line : facts.list.value_or(std::vector<ListedFunction>())) {
-    if (!IsOfOtherDomain(facts, line.address)) addresses.insert(line.address);
+  for (const ListedFunction& line : ListOf(facts)) {
+    if (others.count(line.address) == 0) addresses.insert(line.address);
   }
   return addresses;
 }
@@ -104,9 +99,10 @@ std::string ReasonOfAbsence(const CheckFacts& facts, const PciAddress& address) 
 }
 
 std::vector<Doubt> Unpublished(const CheckFacts& facts) {
+  const PublishedIndex published(facts);
   std::vector<Doubt> doubts;
   for (const PciAddress& address : KnownAddresses(facts)) {
-    if (FindPublished(facts, address) != nullptr) continue;
+    if (published.Find(address) != nullptr) continue;
     doubts.push_back({FormatAddress(address), "", ReasonOfAbsence(facts, address)});
   }
   return doubts;
@@ -128,12 +124,14 @@ std::string Disagreement(const CheckFacts& facts, const ListedFunction& line) {
 }
 
 std::vector<Doubt> DisagreeingIds(const CheckFacts& facts) {
+  const PublishedIndex published(facts);
+  const std::set<PciAddress> others = AddressesOfOtherDomains(facts);
   std::vector<Doubt> doubts;
-  for (const ListedFunction& line : facts.list.value_or(std::vector<ListedFunction>())) {
-    if (IsOfOtherDomain(facts, line.address)) continue;  // which one is meant is not known
+  for (const ListedFunction& line : ListOf(facts)) {
+    if (others.count(line.address) != 0) continue;
     const std::string detail = Disagreement(facts, line);
     if (detail.empty()) continue;
-    doubts.push_back({FormatAddress(line.address), PathOf(facts, line.address), detail});
+    doubts.push_back({FormatAddress(line.address), published.PathOf(line.address), detail});
   }
   return doubts;
 }
@@ -151,10 +149,11 @@ std::vector<Doubt> WithoutDescription(const CheckFacts& facts) {
 }
 
 std::vector<Doubt> WithHeaderOnly(const CheckFacts& facts) {
+  const PublishedIndex published(facts);
   std::vector<Doubt> doubts;
   for (const auto& [address, start] : facts.configurations) {
     if (start.isHeaderOnly) {
-      doubts.push_back({FormatAddress(address), PathOf(facts, address), ""});
+      doubts.push_back({FormatAddress(address), published.PathOf(address), ""});
     }
   }
   return doubts;

@@ -25,20 +25,13 @@ struct Region {
 /// What is the matter with a region; empty when nothing is.
 using Judge = std::string (*)(const Region& region);
 
-const PublishedFunction* FindDevice(const CheckFacts& facts, const PciAddress& address) {
-  for (const PublishedFunction& published : facts.published) {
-    const PciFunction& function = published.function;
-    // No region of a bridge is published.
-    if (function.address == address && function.kind == "device") return &published;
-  }
-  return nullptr;
-}
-
 std::vector<Doubt> JudgeRegions(const CheckFacts& facts, Judge judge) {
+  const PublishedIndex published(facts);
   std::vector<Doubt> doubts;
-  for (const ListedFunction& line : facts.list.value_or(std::vector<ListedFunction>())) {
-    const PublishedFunction* device = FindDevice(facts, line.address);
-    if (device == nullptr) continue;
+  for (const ListedFunction& line : ListOf(facts)) {
+    const PublishedFunction* device = published.Find(line.address);
+    // No region of a bridge is published.
+    if (device == nullptr || device->function.kind != "device") continue;
     const auto known = facts.functions.find({0, line.address});
     for (std::size_t i = 0; i < kRegions; ++i) {
       if (line.bases[i] == 0) continue;

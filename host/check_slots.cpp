@@ -68,7 +68,7 @@ std::string AddressDetail(const SlotRecord& record) {
 bool HasAddress(const SlotRecord& record) { return record.length >= kLengthWithAddress; }
 
 bool IsKnown(const CheckFacts& facts, const PciAddress& address) {
-  const auto& list = facts.list.value_or(std::vector<ListedFunction>());
+  const auto& list = ListOf(facts);
   const bool isListed = std::any_of(list.begin(), list.end(), [&](const ListedFunction& line) {
     return line.address == address;
   });

@@ -111,8 +111,10 @@ class Comparison final {
   static Change ChangeOf(const DiffPair& pair, const std::string& subject) {
     Change change;
     change.subject = subject;
-    change.label =
-        subject == "system" ? subject : (pair.after != nullptr ? pair.after : pair.before)->label;
+    for (const DiffItem* item : {pair.before, pair.after}) {
+      if (item != nullptr) change.label = item->label;  // the new one, where there are both
+    }
+    if (subject == "system") change.label = subject;
     if (pair.before != nullptr) change.from = pair.before->instance;
     if (pair.after != nullptr) change.to = pair.after->instance;
     return change;
