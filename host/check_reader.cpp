@@ -139,19 +139,22 @@ KernelFunction ReadSysFunction(const std::string& folder) {
 /// The functions whose configuration files stand below /proc/bus/pci: in "BB" for domain 0, in
 /// "DDDD:BB" for others.
 void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
-  for (const std::string& bus : NamesIn(root + kProcFolder)) {
-    const std::string prefix = bus.find(':') == std::string::npos ? "0:" + bus : bus;
-    for (const std::string& file : NamesIn(root + kProcFolder + "/" + bus)) {
-      if (const auto where = ParseFullAddress(prefix + ":" + file)) facts.functions[*where];
+  const fs::path folder = root + kProcFolder;
+  for (const std::string& bus : NamesIn(folder)) {
+    const char* domain = bus.find(':') == std::string::npos ? "0:" : "";
+    for (const std::string& file : NamesIn(folder / bus)) {
+      const std::string name = fmt::format("{}{}:{}", domain, bus, file);
+      if (const auto where = ParseFullAddress(name)) facts.functions[*where];
     }
   }
 }
 
 void ReadSysFunctions(const std::string& root, CheckFacts& facts) {
-  for (const std::string& name : NamesIn(root + kSysFolder)) {
+  const fs::path folder = root + kSysFolder;
+  for (const std::string& name : NamesIn(folder)) {
     const auto where = ParseFullAddress(name);
     if (!where) continue;
-    facts.functions[*where] = ReadSysFunction(root + kSysFolder + "/" + name);
+    facts.functions[*where] = ReadSysFunction(folder / name);
   }
 }
 

@@ -44,8 +44,9 @@ std::optional<LinkStatus> LinkIn(std::string_view line) {
   const std::string_view width = WordBehind(line, "Width x");
   LinkStatus link;
   link.speed = WordBehind(line, "Speed ");
-  std::from_chars(width.data(), width.data() + width.size(), link.width);
-  if (link.width <= 0) return std::nullopt;
+  const auto end = width.data() + width.size();
+  const bool isNumber = std::from_chars(width.data(), end, link.width).ec == std::errc();
+  if (!isNumber || link.width < 0) return std::nullopt;
   return link;
 }
 

@@ -10,7 +10,7 @@ namespace pciinfo {
 
 /// A PCI Express link as it was trained.
 struct LinkStatus {
-  int width = 0;      ///< lanes
+  int width = 0;      ///< lanes; 0 for a link that is down
   std::string speed;  ///< "8GT/s"
 };
 

@@ -39,11 +39,15 @@ TEST(LinkStatus, OfOtherDomainsIsNotTaken) {
 }
 
 TEST(LinkStatus, NonsenseIsNoLink) {
-  for (const char* line : {"\tLnkSta:", "\tLnkSta: Speed 8GT/s, Width x0", "\tLnkSta: Width xx",
-                           "\tLnkSta: Width x99999999999", "\tLnkSta: Width x-4"}) {
+  for (const char* line :
+       {"\tLnkSta:", "\tLnkSta: Width xx", "\tLnkSta: Width x99999999999", "\tLnkSta: Width x-4"}) {
     EXPECT_TRUE(Links({"03:00.0 Card", line}).empty()) << line;
   }
   EXPECT_TRUE(Links({"03:00.0 Card", "\tLnkSta: Speed 8GT/s, Width x4"}, "lspci").empty());
+}
+
+TEST(LinkStatus, ALinkThatIsDownHasNoLanes) {
+  EXPECT_EQ(Links({"03:00.0 Card", "\tLnkSta: Speed unknown, Width x0"}).at({3, 0, 0}).width, 0);
 }
 
 TEST(LinkStatus, SpeedsAreNumbers) {
