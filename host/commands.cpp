@@ -6,12 +6,16 @@
 #include <cmath>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 
 #include "host/capture.h"
+#include "host/check_reader.h"
+#include "host/check_view.h"
 #include "host/class_file.h"
 #include "host/classes_view.h"
+#include "host/diff_command.h"
 #include "host/instance_writer.h"
 #include "host/inventory_view.h"
 #include "host/library_location.h"
@@ -36,6 +40,8 @@ struct Job {
   /// The inventory shows nothing of slots: that they are unknown is no news for its reader.
   bool showsSlots = true;
   std::vector<vtq::ClassSchema> classes = PciSchema();
+  /// What the program answers when all was collected and printed; none: kAllCollected.
+  std::function<ExitStatus()> answer = nullptr;
 };
 
 std::vector<std::string> ClassesFor(const std::vector<std::string>& asked) {
@@ -77,6 +83,18 @@ Job SlotsJob(const Options& options) {
           }};
 }
 
+Job CheckJob(const Options& options) {
+  auto isDoubtful = std::make_shared<bool>(false);
+  const auto write = options.format == "json" ? &WriteFindingsJson : &WriteFindings;
+  return {ClassesFor({"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}),
+          [=, isCapture = !options.root.empty()](const Session& session, Output& output) {
+            const auto findings = RunChecks(ReadCheckFacts(session.GetRepository(), isCapture));
+            *isDoubtful = AreDoubtful(findings);
+            write(output, findings);
+          },
+          true, PciSchema(), [=] { return *isDoubtful ? kFailed : kAllCollected; }};
+}
+
 Job MakeJob(const Options& options) {
   switch (options.command) {
     case Command::kInstances:
@@ -85,7 +103,10 @@ Job MakeJob(const Options& options) {
       return ClassesJob(options);
     case Command::kSlots:
       return SlotsJob(options);
-    case Command::kCapture:  // these two collect nothing
+    case Command::kCheck:
+      return CheckJob(options);
+    case Command::kCapture:  // these collect nothing here
+    case Command::kDiff:
     case Command::kSchema:
     case Command::kInventory:
       break;
@@ -134,6 +155,12 @@ void CollectInStages(Session& session, TroubleReport& report, const Job& job, St
   }
 }
 
+ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus printed) {
+  if (printed != kAllCollected) return printed;
+  if (report.HasTroubles()) return kFailed;
+  return job.answer ? job.answer() : kAllCollected;
+}
+
 ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
@@ -144,7 +171,7 @@ ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
   const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
   stages.BeginEnding();
   Tell(report, session.EndPlugins());
-  return stages.End(printed == kAllCollected && report.HasTroubles() ? kFailed : printed);
+  return stages.End(StatusOf(job, report, printed));
 }
 
 void MakeAbsolute(std::string& file) {
@@ -178,6 +205,7 @@ ExitStatus RunCommand(Options options) {
       WriteSchema(output, options.schemaFormat, DeclaredClasses(options.classFiles));
     });
   }
+  if (options.command == Command::kDiff) return RunDiff(options, LimitsOf(options), &RunCommand);
   const Job job = MakeJob(options);  // reads files of the machine that it runs on
   MakeFilesAbsolute(options);
   std::optional<Manifest> origin;

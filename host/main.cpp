@@ -3,10 +3,9 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <exception>
-#include <new>
 
 #include "host/commands.h"
+#include "host/guarded_run.h"
 #include "host/options.h"
 #include "host/output.h"
 #include "host/query_order.h"
@@ -34,18 +33,5 @@ ExitStatus Run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
   ReserveStandardStreams();
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows as a failed write
-  try {
-    return Run(argc, argv);
-  } catch (const UsageError& error) {
-    WriteMessage(error.what());
-    return kWrongUsage;
-  } catch (const ClosedPipe&) {
-    return kPipeClosed;
-  } catch (const std::bad_alloc&) {
-    WriteMessage("there is not enough memory (see --memory-limit)");
-    return kFailed;
-  } catch (const std::exception& error) {
-    WriteMessage(error.what());
-    return kFailed;
-  }
+  return RunGuarded([&] { return Run(argc, argv); });
 }

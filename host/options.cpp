@@ -18,6 +18,25 @@ constexpr const char* kFooter =
     "  2    wrong usage\n"
     "  141  the reader of the output closed the pipe early (nothing is said about it)\n";
 
+constexpr const char* kCheckFooter =
+    "Exit status:\n"
+    "  0    there are notes at most\n"
+    "  1    there are errors or warnings, or something could not be collected or written\n"
+    "The options of \"pciinfo --help\" can be given here as well.\n";
+
+constexpr const char* kDiffFooter =
+    "A side is a capture (a directory or an archive), a file of JSON that \"pciinfo instances\" "
+    "has\n"
+    "printed, - for either of them from standard input, or \"live\" for this machine. --timeout "
+    "and\n"
+    "--memory-limit hold for each side.\n"
+    "\n"
+    "Exit status, other than that of the other commands:\n"
+    "  0    no differences\n"
+    "  1    differences\n"
+    "  2    wrong usage, or something could not be collected, read or written\n"
+    "The options of \"pciinfo --help\" can be given here as well.\n";
+
 /// CLI11 takes what a validator answers for the message, and nothing for agreement.
 std::string IsNoLimitOrEnough(const std::string& text) {
   // Less is not enough for the program's own libraries; no address space holds more.
@@ -90,6 +109,21 @@ void AddFormat(CLI::App& command, std::string& format, const std::vector<std::st
       ->capture_default_str();
 }
 
+void AddDiff(CLI::App& app, Options& options) {
+  CLI::App* diff = AddCommand(app, "diff", "Say what differs between two machines or captures",
+                              options, Command::kDiff);
+  diff->add_option("A", options.diffBefore, "The old side")->required();
+  diff->add_option("B", options.diffAfter, "The new side")->required();
+  diff->add_option("--ignore", options.ignored,
+                   "Leave out changes of this property; may be given more than once")
+      ->type_name("PROPERTY")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+  AddFormat(*diff, options.format, {"table", "json"});
+  diff->footer(kDiffFooter);
+}
+
 void AddCommands(CLI::App& app, Options& options) {
   CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
                                    Command::kInstances);
@@ -100,6 +134,12 @@ void AddCommands(CLI::App& app, Options& options) {
   CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
                                options, Command::kSlots);
   AddFormat(*slots, options.format, {"table", "json"});
+  CLI::App* check =
+      AddCommand(app, "check", "Say what of the inventory is incomplete or doubtful, and why",
+                 options, Command::kCheck);
+  AddFormat(*check, options.format, {"table", "json"});
+  check->footer(kCheckFooter);
+  AddDiff(app, options);
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
   AddFormat(*schema, options.schemaFormat, SchemaFormats());

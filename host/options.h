@@ -13,7 +13,7 @@ class App;
 
 namespace pciinfo {
 
-enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture, kSchema };
+enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture, kSchema, kCheck, kDiff };
 
 #ifdef PCIINFO_SANITIZED
 /// The sanitizer takes terabytes of addresses for itself.
@@ -38,6 +38,10 @@ struct Options {
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
   std::string captureFile;    ///< of `capture`
   bool redact = false;        ///< of `capture`
+  // Of `diff`: what is compared, and the properties that are not.
+  std::string diffBefore;
+  std::string diffAfter;
+  std::vector<std::string> ignored;
 };
 
 /// A command line that asks for nothing but a text, or that is wrong.

@@ -1,0 +1,164 @@
+// What `check` says of the captures of the folder that PCIINFO_MACHINES named, beside what their
+// files say when they are read by other means.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+
+#include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using nlohmann::json;
+
+/// A capture that is unpacked beside the program's reading of it.
+class Machine {
+ public:
+  explicit Machine(const std::string& capture)
+      : findings_(json::parse(
+            RunPciinfo({"check", "--format", "json", "--root", capture}).out)["findings"]) {
+    RunProgram("/bin/tar", {"-xzf", capture, "-C", folder_.GetPath()});
+  }
+
+  /// The objects of a finding, sorted.
+  std::vector<std::string> Objects(const std::string& code) const {
+    std::vector<std::string> objects;
+    for (const json& finding : findings_) {
+      if (finding["code"] != code) continue;
+      for (const json& object : finding["objects"]) objects.push_back(object["object"]);
+    }
+    std::sort(objects.begin(), objects.end());
+    return objects;
+  }
+  std::set<std::string> Codes() const {
+    std::set<std::string> codes;
+    for (const json& finding : findings_) codes.insert(finding["code"].get<std::string>());
+    return codes;
+  }
+
+  std::vector<fs::path> In(const std::string& folder) const {
+    std::vector<fs::path> paths;
+    const fs::path place = folder_.GetPath() + "/" + folder;
+    if (!fs::exists(place)) return paths;
+    for (const auto& entry : fs::directory_iterator(place)) paths.push_back(entry.path());
+    std::sort(paths.begin(), paths.end());
+    return paths;
+  }
+  std::string Text(const std::string& file) const {
+    std::ifstream stream(folder_.GetPath() + "/" + file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+ private:
+  vtq::TemporaryDirectory folder_;
+  json findings_;
+};
+
+std::vector<std::string> Captures() {
+  std::vector<std::string> files;
+  for (const auto& entry : fs::directory_iterator(PCIINFO_MACHINES)) {
+    if (entry.path().string().ends_with(".tar.gz")) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+/// The numbers of a file's first line.
+unsigned long NumberIn(const fs::path& file) {
+  std::string text;
+  std::ifstream(file) >> text;
+  return std::stoul("0" + text.substr(text.find('x') == 1 ? 2 : 0), nullptr, 16);
+}
+
+struct Expected {
+  std::vector<std::string> wideAddresses;
+  std::vector<std::string> wideSizes;
+  std::vector<std::string> otherDomains;
+};
+
+/// The first six regions of devices in domain 0, and the functions of other domains, from sysfs.
+Expected ExpectedOf(const Machine& machine) {
+  constexpr unsigned long kBridge = 0x06;
+  Expected expected;
+  for (const fs::path& function : machine.In("sys/bus/pci/devices")) {
+    const std::string name = function.filename();
+    if (!name.starts_with("0000:")) {
+      expected.otherDomains.push_back(name);
+      continue;
+    }
+    if (NumberIn(function / "class") >> 16U == kBridge) continue;
+    std::ifstream regions(function / "resource");
+    std::string first, last, flags;
+    for (int i = 0; i < 6 && regions >> first >> last >> flags; ++i) {
+      const auto begin = std::stoull(first, nullptr, 16);
+      const auto end = std::stoull(last, nullptr, 16);
+      if (begin >> 32U != 0) expected.wideAddresses.push_back(name.substr(5));
+      if (begin != 0 && (end - begin + 1) >> 32U != 0) expected.wideSizes.push_back(name.substr(5));
+    }
+  }
+  return expected;
+}
+
+class CapturedChecks : public testing::TestWithParam<std::string> {};
+
+TEST_P(CapturedChecks, AgreeWithSysfs) {
+  const Machine machine(GetParam());
+  const Expected expected = ExpectedOf(machine);
+  EXPECT_EQ(machine.Objects("region-address-wide"), expected.wideAddresses);
+  EXPECT_EQ(machine.Objects("region-size-wide"), expected.wideSizes);
+  std::vector<std::string> others = machine.Objects("domain-missing");
+  for (const std::string& mixedUp : machine.Objects("domain-mixed-up")) others.push_back(mixedUp);
+  std::sort(others.begin(), others.end());
+  EXPECT_EQ(others, expected.otherDomains);
+}
+
+TEST_P(CapturedChecks, KnowHowMuchOfAConfigurationThereIs) {
+  const Machine machine(GetParam());
+  std::vector<std::string> expected;
+  for (const fs::path& bus : machine.In("proc/bus/pci")) {
+    const std::string name = bus.filename();
+    if (name == "devices" || name.find(':') != std::string::npos) continue;
+    for (const auto& file : fs::directory_iterator(bus)) {
+      if (file.file_size() == 64) expected.push_back(name + ":" + file.path().filename().string());
+    }
+  }
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(machine.Objects("configuration-short"), expected);
+}
+
+TEST_P(CapturedChecks, SayWhatTheCaptureLacks) {
+  const Machine machine(GetParam());
+  const auto codes = machine.Codes();
+  EXPECT_EQ(codes.count("slot-tables-missing"), machine.In("sys/firmware/dmi/tables").empty());
+  EXPECT_EQ(codes.count("sysfs-missing"), machine.In("sys/bus/pci/devices").empty());
+}
+
+TEST_P(CapturedChecks, KnowTheAddressesThatAreRepeated) {
+  const Machine machine(GetParam());
+  std::map<std::string, int> counts;
+  std::istringstream list(machine.Text("proc/bus/pci/devices"));
+  for (std::string line; std::getline(list, line);) ++counts[line.substr(0, 4)];
+  const auto repeated = std::count_if(counts.begin(), counts.end(),
+                                      [](const auto& entry) { return entry.second > 1; });
+  EXPECT_EQ(machine.Objects("address-repeated").size(), static_cast<std::size_t>(repeated));
+}
+
+std::string NameOf(const testing::TestParamInfo<std::string>& capture) {
+  std::string name = fs::path(capture.param).stem().stem();
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, CapturedChecks, testing::ValuesIn(Captures()), NameOf);
+
+}  // namespace

@@ -1,0 +1,75 @@
+// `diff` on the captures of the folder that PCIINFO_MACHINES named.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using nlohmann::json;
+
+std::vector<std::string> Captures() {
+  std::vector<std::string> files;
+  for (const auto& entry : fs::directory_iterator(PCIINFO_MACHINES)) {
+    if (entry.path().string().ends_with(".tar.gz")) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+class CapturedDiffs : public testing::TestWithParam<std::string> {};
+
+TEST_P(CapturedDiffs, AMachineDoesNotDifferFromItsJson) {
+  const vtq::TemporaryDirectory folder;
+  const RunResult kept = RunPciinfo({"instances", "--format", "json", "--root", GetParam()});
+  const std::string file = folder.Write("kept.json", kept.out);
+  const RunResult result = RunPciinfo({"diff", file, GetParam()});
+  EXPECT_EQ(result.out, "No differences.\n");
+  EXPECT_EQ(result.status, kept.status == 0 ? 0 : 2) << result.err;
+}
+
+/// A change that is looked for in the JSON of both machines by other means.
+TEST_P(CapturedDiffs, EveryRevisionThatIsChangedIsFound) {
+  const vtq::TemporaryDirectory folder;
+  json document =
+      json::parse(RunPciinfo({"instances", "--format", "json", "--root", GetParam()}).out);
+  const std::string before = folder.Write("before.json", document.dump());
+  std::multiset<std::string> expected;
+  for (json& instance : document["instances"]) {
+    json& properties = instance["properties"];
+    if (!properties.contains("Revision")) continue;
+    properties["Revision"] = (properties["Revision"].get<int>() + 1) % 256;
+    expected.insert(instance["path"].get<std::string>());
+  }
+  const std::string after = folder.Write("after.json", document.dump());
+  const RunResult result = RunPciinfo({"diff", before, after, "--format", "json"});
+  EXPECT_EQ(result.status, expected.empty() ? 0 : 1) << result.err;
+  std::multiset<std::string> found;
+  const json changes = json::parse(result.out)["changes"];
+  for (const json& change : changes) {
+    EXPECT_EQ(change["property"], "Revision");
+    found.insert(change["path"].get<std::string>());
+  }
+  EXPECT_EQ(found, expected);
+}
+
+std::string NameOf(const testing::TestParamInfo<std::string>& capture) {
+  std::string name = fs::path(capture.param).stem().stem();
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, CapturedDiffs, testing::ValuesIn(Captures()), NameOf);
+
+}  // namespace
