@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "host/instance_writer.h"
+#include "host/query_order.h"
 #include "host/schema_writer.h"
 
 namespace pciinfo {
@@ -29,6 +30,22 @@ std::string IsNoLimitOrEnough(const std::string& text) {
   return isNumber && (limit == 0 || (limit >= kLeast && limit <= kMost))
              ? ""
              : "must be 0 or at least 128 (MiB)";
+}
+
+void AddViewOptions(CLI::App& app, Options& options) {
+  app.add_option_function<std::vector<std::string>>(
+         "--filter",
+         [&options](const std::vector<std::string>& texts) { options.filter = Filter(texts); },
+         "Show only what all terms hold for; may be given more than once, for alternatives")
+      ->type_name("KEY=VALUE,...")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+  app.add_option("--color", options.terminal.color, "Use colours")
+      ->type_name("auto|always|never")
+      ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
+      ->capture_default_str();
+  app.add_flag("!--no-pager", options.terminal.pager, "Do not show long output through a pager");
 }
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
@@ -64,7 +81,8 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_flag("--live-commands", options.liveCommands,
                "Run commands on the captured files instead of replaying their recorded outputs")
       ->needs(root);
-  app.footer(kFooter);
+  AddViewOptions(app, options);
+  app.footer(FilterHelp() + "\n" + kFooter);
 }
 
 CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
@@ -83,6 +101,21 @@ void AddFormat(CLI::App& command, std::string& format, const std::vector<std::st
       ->capture_default_str();
 }
 
+void AddViews(CLI::App& app, Options& options) {
+  CLI::App* devices =
+      AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
+  AddFormat(*devices, options.format, {"table", "json"});
+  CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
+  AddFormat(*tree, options.format, {"table", "json"});
+  tree->add_flag("--all", options.showAll, "Do not fold functions that are alike");
+  CLI::App* show =
+      AddCommand(app, "show", "Print all that is known of one thing", options, Command::kShow);
+  show->add_option("NAME", options.target,
+                   "Address of a function, slot ID, designation or tag of a slot, or object path")
+      ->required();
+  AddFormat(*show, options.format, {"table", "json"});
+}
+
 void AddCommands(CLI::App& app, Options& options) {
   CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
                                    Command::kInstances);
@@ -93,6 +126,7 @@ void AddCommands(CLI::App& app, Options& options) {
   CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
                                options, Command::kSlots);
   AddFormat(*slots, options.format, {"table", "json"});
+  AddViews(app, options);
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
   AddFormat(*schema, options.schemaFormat, SchemaFormats());
@@ -107,13 +141,18 @@ void AddCommands(CLI::App& app, Options& options) {
   app.require_subcommand(0, 1);
 }
 
+bool CanFilter(Command command) {
+  return command != Command::kClasses && command != Command::kCapture &&
+         command != Command::kSchema;
+}
+
 }  // namespace
 
 std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
   Options options;
   CLI::App app(
-      "Lists the PCI functions and system slots of this machine.\n"
-      "Without a command: every PCI function, sorted by address.",
+      "Shows the PCI functions and system slots of this machine.\n"
+      "Without a command: an overview.",
       "pciinfo");
   AddGlobalOptions(app, options);
   AddCommands(app, options);
@@ -125,6 +164,11 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
     return Answer{false, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {
     return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  } catch (const UsageError& error) {
+    return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  }
+  if (!options.filter.IsEmpty() && !CanFilter(options.command)) {
+    return Answer{true, "--filter goes with the views and \"instances\" only"};
   }
   return options;
 }

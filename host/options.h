@@ -6,9 +6,22 @@
 #include <variant>
 #include <vector>
 
+#include "host/filter.h"
+#include "host/terminal.h"
+
 namespace pciinfo {
 
-enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture, kSchema };
+enum class Command {
+  kOverview,
+  kDevices,
+  kInstances,
+  kClasses,
+  kSlots,
+  kTree,
+  kShow,
+  kCapture,
+  kSchema
+};
 
 #ifdef PCIINFO_SANITIZED
 /// The sanitizer takes terabytes of addresses for itself.
@@ -19,9 +32,9 @@ inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
 
 /// What the command line asks for.
 struct Options {
-  Command command = Command::kInventory;
+  Command command = Command::kOverview;
   std::vector<std::string> classes;  ///< of `instances`; empty: all
-  std::string format = "table";      ///< of `instances` and `slots`
+  std::string format = "table";      ///< of `instances` and the views
   std::string schemaFormat = "mof";  ///< of `schema`
   std::vector<std::string> plugins;  ///< files; empty: the one that belongs to the program
   std::string logFile;               ///< empty: none
@@ -32,6 +45,10 @@ struct Options {
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
   std::string captureFile;    ///< of `capture`
   bool redact = false;        ///< of `capture`
+  std::string target;         ///< of `show`: an address, a slot, or an object path
+  bool showAll = false;       ///< of `tree`: every function on a line of its own
+  Filter filter;
+  TerminalWishes terminal;
 };
 
 /// A command line that asks for nothing but a text, or that is wrong.

@@ -48,8 +48,8 @@ class TemporaryFile {
   std::string path_;
 };
 
-TEST(Program, WithoutACommandListsThePciFunctions) {
-  const RunResult result = RunFake("fixed", {});
+TEST(Program, DevicesListsThePciFunctions) {
+  const RunResult result = RunFake("fixed", {"devices"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
   ASSERT_EQ(LinesOf(result.out).size(), 6U);
@@ -205,11 +205,11 @@ TEST(Program, TroublesAreToldOnceAtTheEndAndNothingElseIs) {
                                 HasSubstr("no-such-listing-tool"))));
 }
 
-TEST(Program, TheInventoryDoesNotMindUnknownSlots) {
-  EXPECT_THAT(LinesOf(RunFake("grumbling", {}).err),
+TEST(Program, TheListOfFunctionsDoesNotMindUnknownSlots) {
+  EXPECT_THAT(LinesOf(RunFake("grumbling", {"devices"}).err),
               ElementsAre(EndsWith("/proc/bus/pci/00/1e.0 could not be opened; this function is "
                                    "missing")));
-  EXPECT_EQ(RunFake("slotless", {}).err, "");
+  EXPECT_EQ(RunFake("slotless", {"devices"}).err, "");
 }
 
 TEST(Program, AMachineWithoutSmbiosTablesIsNoFailure) {
@@ -222,17 +222,17 @@ TEST(Program, AMachineWithoutSmbiosTablesIsNoFailure) {
 
 TEST(Program, ALogLevelShowsTheRecordsThemselves) {
   const std::string progress = "0 Exiting correlateDeviceAndSlot";
-  const RunResult errors = RunFake("grumbling", {"--log-level", "0"});
+  const RunResult errors = RunFake("grumbling", {"devices", "--log-level", "0"});
   EXPECT_THAT(LinesOf(errors.err), Contains(progress).Times(4));
   EXPECT_THAT(errors.err, Not(HasSubstr("fake: Init")));
-  EXPECT_THAT(LinesOf(RunFake("grumbling", {"--log-level", "3"}).err),
+  EXPECT_THAT(LinesOf(RunFake("grumbling", {"devices", "--log-level", "3"}).err),
               AllOf(Contains("3 fake: Init"), Contains("3 fake: PrepareForUnload")));
-  EXPECT_THAT(RunFake("grumbling", {}).err, Not(HasSubstr("correlateDeviceAndSlot")));
+  EXPECT_THAT(RunFake("grumbling", {"devices"}).err, Not(HasSubstr("correlateDeviceAndSlot")));
 }
 
 TEST(Program, TheLogFileHasEveryRecord) {
   const TemporaryFile log("commands_test.log");
-  RunFake("grumbling", {"--log-file", log.Path()});
+  RunFake("grumbling", {"devices", "--log-file", log.Path()});
   EXPECT_THAT(
       LinesOf(log.Text()),
       ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_PCIDevice",
@@ -259,8 +259,9 @@ TEST(Program, BreachesOfTheContractAreWarningsOnly) {
 }
 
 TEST(Program, AFullDiskIsReported) {
-  for (const char* command : {"", "slots", "instances --format json", "instances --format cim-xml",
-                              "classes", "schema"}) {
+  for (const char* command :
+       {"", "devices", "slots", "tree", "show 01:00.0", "instances --format json",
+        "instances --format cim-xml", "classes", "schema"}) {
     const RunResult result =
         RunShell(std::string("$PCIINFO --plugin ${PLUGINS}fixed.pi.so ") + command + " >/dev/full");
     EXPECT_EQ(result.status, 1) << command;

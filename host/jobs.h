@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/options.h"
+#include "host/output.h"
+#include "host/session.h"
+
+namespace pciinfo {
+
+/// A command as what it needs collected and how it prints that.
+struct Job {
+  std::vector<std::string> collect;
+  std::function<void(const Session& session, Output& output)> print;
+  /// The list of functions shows nothing of slots: that they are unknown is no news for its reader.
+  bool showsSlots = true;
+  /// What could not be read is part of what the user sees and is not told again.
+  bool showsTroubles = false;
+};
+
+/// The job of a command that prints what was collected. Throws UsageError for a class that is not
+/// served.
+Job MakeJob(const Options& options, const Terminal& terminal);
+
+}  // namespace pciinfo
