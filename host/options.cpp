@@ -45,7 +45,9 @@ void AddViewOptions(CLI::App& app, Options& options) {
       ->type_name("auto|always|never")
       ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
       ->capture_default_str();
-  app.add_flag("!--no-pager", options.terminal.pager, "Do not show long output through a pager");
+  app.add_flag_callback(
+      "--no-pager", [&options] { options.terminal.pager = false; },
+      "Do not show output through a pager");
 }
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
