@@ -81,7 +81,7 @@ class PassedOnSignals final {
 
 /// What a reader who went away leaves is left.
 void CopyAll(int from, int to) noexcept {
-  std::array<char, 65536> piece;
+  std::array<char, 65536> piece{};
   while (true) {
     const ssize_t size = read(from, piece.data(), piece.size());
     if (size < 0 && errno == EINTR) continue;

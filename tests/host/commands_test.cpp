@@ -57,6 +57,54 @@ TEST(Program, DevicesListsThePciFunctions) {
             "01:00.0  device  10de:1b80  VGA compatible controller: NVIDIA Corporation GP104");
 }
 
+TEST(Program, WithoutACommandGivesAnOverview) {
+  const RunResult result = RunFake("fixed", {});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(LinesOf(result.out),
+              AllOf(Contains("PCI       5 functions (3 devices, 2 bridges) on 2 buses"),
+                    Contains("3 slots, 1 with PCI functions"), Contains("On board")));
+}
+
+TEST(Program, TheOverviewSaysWhatIsMissing) {
+  const RunResult result = RunFake("throwing", {});
+  EXPECT_EQ(result.status, 1);
+  const std::string why = "QZMSG_PCIBridge: the plug-in failed: bridge out";
+  EXPECT_THAT(LinesOf(result.out), AllOf(Contains("Not shown"), Contains(why)));
+  EXPECT_THAT(LinesOf(result.err), Contains("pciinfo: " + why));
+}
+
+TEST(Program, ShowFindsOneThingOrSaysWhatToTry) {
+  EXPECT_EQ(RunFake("fixed", {"show", "01:00.0"}).status, 0);
+  const RunResult missing = RunFake("fixed", {"show", "Slot 99"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.out, "");
+  EXPECT_THAT(missing.err, AllOf(HasSubstr("\"Slot 99\""), HasSubstr("pciinfo slots")));
+  const RunResult ambiguous = RunFake("fixed", {"show", "7"});
+  EXPECT_EQ(ambiguous.status, 2);
+  EXPECT_THAT(ambiguous.err, AllOf(HasSubstr("Tag 1"), HasSubstr("Tag 3")));
+  EXPECT_EQ(RunFake("fixed", {"show", "/root/cimv2:Nothing.x=1"}).status, 2);
+}
+
+TEST(Program, FiltersGoWithEveryView) {
+  const auto lines = [](std::vector<std::string> words) {
+    words.insert(words.end(), {"--filter", "class=03,slot=tag 1"});
+    return LinesOf(RunFake("fixed", words).out);
+  };
+  EXPECT_EQ(lines({"devices"}).size(), 2U);
+  EXPECT_EQ(lines({"slots"}).size(), 3U);
+  EXPECT_EQ(lines({"tree"}).size(), 2U);
+  EXPECT_THAT(lines({}), Contains("PCI       1 function (1 device, 0 bridges) on 1 bus"));
+  EXPECT_EQ(lines({"instances", "--format", "jsonl"}).size(), 3U);
+  EXPECT_EQ(lines({"show", "01:00.0", "--format", "json"}).size(), 3U);
+  EXPECT_TRUE(lines({"show", "00:00.0"}).empty());
+}
+
+TEST(Program, ColoursInAPipeHaveToBeAskedFor) {
+  EXPECT_THAT(RunFake("fixed", {"tree"}).out, Not(HasSubstr("\x1B")));
+  EXPECT_THAT(RunFake("fixed", {"tree", "--color", "always"}).out, HasSubstr("\x1B[36m"));
+}
+
 TEST(Program, InstancesWithoutNamesAreAllClasses) {
   const RunResult result = RunFake("fixed", {"instances", "--format", "json"});
   EXPECT_EQ(result.status, 0);
