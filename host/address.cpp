@@ -30,6 +30,32 @@ std::optional<PciAddress> ParseLocation(std::string_view location) {
   return PciAddress{*bus, *device, *function};
 }
 
+std::optional<unsigned> ParseHex(std::string_view text, unsigned highest) {
+  if (text.starts_with("0x") || text.starts_with("0X")) text.remove_prefix(2);
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  const bool isWhole = end == text.data() + text.size();
+  if (error != std::errc() || !isWhole || number > highest) return std::nullopt;
+  return number;
+}
+
+std::optional<WrittenAddress> ParseAddress(std::string_view text) {
+  if (const auto location = ParseLocation(text)) return WrittenAddress{0, *location};
+  constexpr unsigned kHighestDomain = 0x7FFFFFFF;
+  const std::size_t dot = text.rfind('.');
+  const std::size_t colon = text.rfind(':', dot);
+  if (dot == std::string_view::npos || colon == std::string_view::npos) return std::nullopt;
+  const std::string_view front = text.substr(0, colon);
+  const std::size_t first = front.rfind(':');
+  const bool hasDomain = first != std::string_view::npos;
+  const auto domain = hasDomain ? ParseHex(front.substr(0, first), kHighestDomain) : 0U;
+  const auto bus = ParseHex(hasDomain ? front.substr(first + 1) : front, 255);
+  const auto device = ParseHex(text.substr(colon + 1, dot - colon - 1), 31);
+  const auto function = ParseHex(text.substr(dot + 1), 7);
+  if (!domain || !bus || !device || !function) return std::nullopt;
+  return WrittenAddress{*domain, {*bus, *device, *function}};
+}
+
 std::string FormatAddress(const PciAddress& address) {
   return fmt::format("{:02x}:{:02x}.{:x}", address.bus, address.device, address.function);
 }

@@ -20,6 +20,19 @@ struct PciAddress {
 /// number of blanks). No value for every other text and for numbers out of range.
 std::optional<PciAddress> ParseLocation(std::string_view location);
 
+/// An address as people write it.
+struct WrittenAddress {
+  unsigned domain = 0;  ///< 0 where none was written
+  PciAddress address;
+};
+
+/// Reads "00:1f.3", "0000:00:1f.3" or a location as above; letters may be large, leading zeros may
+/// be left out. No value for every other text.
+std::optional<WrittenAddress> ParseAddress(std::string_view text);
+
+/// Reads a hexadecimal number up to `highest`, with or without "0x". No value for every other text.
+std::optional<unsigned> ParseHex(std::string_view text, unsigned highest);
+
 /// The usual short form, hexadecimal: "00:1f.3".
 std::string FormatAddress(const PciAddress& address);
 

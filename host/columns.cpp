@@ -9,45 +9,76 @@
 namespace pciinfo {
 namespace {
 
-std::string Fit(const std::string& cell, const Column& column) {
-  return column.widest == 0 ? cell : Cut(cell, column.widest);
-}
+using Widths = std::vector<std::size_t>;
 
-std::vector<std::size_t> Widths(const std::vector<Column>& columns, const std::vector<Row>& rows) {
-  std::vector<std::size_t> widths;
+constexpr std::string_view kGap = "  ";
+constexpr std::size_t kLeastText = 10;  // columns of a text that is still worth reading
+constexpr std::size_t kLeastCell = 4;   // and of anything
+
+Widths NaturalWidths(const std::vector<Column>& columns, const std::vector<Row>& rows) {
+  Widths widths;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     std::size_t width = DisplayWidth(columns[i].heading);
-    for (const Row& row : rows) width = std::max(width, DisplayWidth(Fit(row[i], columns[i])));
+    for (const Row& row : rows) width = std::max(width, DisplayWidth(row[i]));
     widths.push_back(width);
   }
   return widths;
 }
 
-constexpr std::string_view kGap = "  ";
-
-}  // namespace
-
-std::size_t TableWidth(const std::vector<Column>& columns, const std::vector<Row>& rows) {
-  const std::vector<std::size_t> widths = Widths(columns, rows);
+std::size_t Total(const Widths& widths) {
   return std::accumulate(widths.begin(), widths.end(), kGap.size() * (widths.size() - 1));
 }
 
-std::vector<std::string> FormatTable(const std::vector<Column>& columns,
-                                     const std::vector<Row>& rows) {
-  const std::vector<std::size_t> widths = Widths(columns, rows);
-  Row headings;
-  for (const Column& column : columns) headings.push_back(column.heading);
+/// The widest column that may give a place and is wider than `least`.
+std::size_t* WidestGiving(Widths& widths, const std::vector<Column>& columns, bool all,
+                          std::size_t least) {
+  std::size_t* widest = nullptr;
+  for (std::size_t i = 0; i < widths.size(); ++i) {
+    if ((!all && !columns[i].gives) || widths[i] <= least) continue;
+    if (widest == nullptr || widths[i] > *widest) widest = &widths[i];
+  }
+  return widest;
+}
 
-  std::vector<std::string> lines;
-  const auto addLine = [&](const Row& row) {
-    std::string line;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      line += PadRight(Fit(row[i], columns[i]), widths[i]).append(kGap);
+void Shrink(Widths& widths, const std::vector<Column>& columns, std::size_t limit) {
+  for (std::size_t total = Total(widths); total > limit; --total) {
+    std::size_t* widest = WidestGiving(widths, columns, false, kLeastText);
+    if (widest == nullptr) widest = WidestGiving(widths, columns, true, kLeastCell);
+    if (widest == nullptr) return;
+    --*widest;
+  }
+}
+
+std::string Line(const Row& row, const Widths& widths, const std::vector<Colour>& colours,
+                 const Terminal& terminal) {
+  std::string line;
+  std::size_t blanks = 0;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    const std::string cell = TrimEnd(Cut(row[i], widths[i]));
+    if (!cell.empty()) {
+      line.append(blanks, ' ').append(Coloured(cell, colours[i], terminal));
+      blanks = 0;
     }
-    lines.push_back(TrimEnd(line));
-  };
-  addLine(headings);
-  std::for_each(rows.begin(), rows.end(), addLine);
+    blanks += widths[i] - DisplayWidth(cell) + kGap.size();
+  }
+  return line;
+}
+
+}  // namespace
+
+std::vector<std::string> FormatTable(const std::vector<Column>& columns,
+                                     const std::vector<Row>& rows, const Terminal& terminal) {
+  Widths widths = NaturalWidths(columns, rows);
+  if (terminal.width) Shrink(widths, columns, *terminal.width);
+  Row headings;
+  std::vector<Colour> colours;
+  for (const Column& column : columns) {
+    headings.push_back(column.heading);
+    colours.push_back(column.colour);
+  }
+  const std::vector<Colour> bold(columns.size(), Colour::kBold);
+  std::vector<std::string> lines = {Line(headings, widths, bold, terminal)};
+  for (const Row& row : rows) lines.push_back(Line(row, widths, colours, terminal));
   return lines;
 }
 
@@ -56,6 +87,10 @@ void WriteLines(Output& output, const std::vector<std::string>& lines) {
     output.Write(line);
     output.Write("\n");
   }
+}
+
+std::string FitLine(std::string_view line, const Terminal& terminal) {
+  return TrimEnd(terminal.width ? Cut(line, *terminal.width) : std::string(line));
 }
 
 }  // namespace pciinfo

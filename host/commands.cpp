@@ -1,118 +1,34 @@
 #include "host/commands.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
-#include <utility>
 
 #include "host/capture.h"
-#include "host/check_reader.h"
-#include "host/check_view.h"
 #include "host/class_file.h"
-#include "host/classes_view.h"
 #include "host/diff_command.h"
-#include "host/instance_writer.h"
-#include "host/inventory_view.h"
+#include "host/jobs.h"
 #include "host/library_location.h"
 #include "host/output.h"
-#include "host/pci_schema.h"
+#include "host/pager.h"
+#include "host/progress_line.h"
 #include "host/query_order.h"
 #include "host/root.h"
 #include "host/schema_writer.h"
 #include "host/session.h"
-#include "host/slots_view.h"
+#include "host/show_target.h"
 #include "host/stages.h"
+#include "host/text.h"
 
 namespace pciinfo {
 namespace {
 
 constexpr const char* kPluginFile = "libpciinfo.pi.so";
-
-/// A command as what it needs collected and how it prints that.
-struct Job {
-  std::vector<std::string> collect;
-  std::function<void(const Session& session, Output& output)> print;
-  /// The inventory shows nothing of slots: that they are unknown is no news for its reader.
-  bool showsSlots = true;
-  std::vector<vtq::ClassSchema> classes = PciSchema();
-  /// What the program answers when all was collected and printed; none: kAllCollected.
-  std::function<ExitStatus()> answer = nullptr;
-};
-
-std::vector<std::string> ClassesFor(const std::vector<std::string>& asked) {
-  return PlanQuery(PciSchema(), asked).collect;
-}
-
-Job InventoryJob(const Options&) {
-  return {ClassesFor({"QZMSG_PCIDevice", "QZMSG_PCIBridge"}),
-          [](const Session& session, Output& output) {
-            WriteInventory(output, session.GetRepository());
-          },
-          false};
-}
-
-Job InstancesJob(const Options& options) {
-  std::vector<vtq::ClassSchema> classes = DeclaredClasses(options.classFiles);
-  QueryPlan plan = PlanQuery(classes, options.classes);
-  return {plan.collect,
-          [print = plan.print, format = options.format](const Session& session, Output& output) {
-            WriteInstances(session.GetRepository(), print, *MakeInstanceWriter(format, output));
-          },
-          true, std::move(classes)};
-}
-
-Job ClassesJob(const Options& options) {
-  return {{},
-          [](const Session& session, Output& output) {
-            WriteClasses(output, session.GetPlugins(), session.GetRepository());
-          },
-          true,
-          DeclaredClasses(options.classFiles)};
-}
-
-Job SlotsJob(const Options& options) {
-  return {ClassesFor({"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}),
-          [write = options.format == "json" ? &WriteSlotsJson : &WriteSlotsTable](
-              const Session& session, Output& output) {
-            write(output, ReadSlots(session.GetRepository()));
-          }};
-}
-
-Job CheckJob(const Options& options) {
-  auto isDoubtful = std::make_shared<bool>(false);
-  const auto write = options.format == "json" ? &WriteFindingsJson : &WriteFindings;
-  return {ClassesFor({"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}),
-          [=, isCapture = !options.root.empty()](const Session& session, Output& output) {
-            const auto findings = RunChecks(ReadCheckFacts(session.GetRepository(), isCapture));
-            *isDoubtful = AreDoubtful(findings);
-            write(output, findings);
-          },
-          true, PciSchema(), [=] { return *isDoubtful ? kFailed : kAllCollected; }};
-}
-
-Job MakeJob(const Options& options) {
-  switch (options.command) {
-    case Command::kInstances:
-      return InstancesJob(options);
-    case Command::kClasses:
-      return ClassesJob(options);
-    case Command::kSlots:
-      return SlotsJob(options);
-    case Command::kCheck:
-      return CheckJob(options);
-    case Command::kCapture:  // these collect nothing here
-    case Command::kDiff:
-    case Command::kSchema:
-    case Command::kInventory:
-      break;
-  }
-  return InventoryJob(options);
-}
 
 void LoadPlugins(Session& session, const std::vector<std::string>& files) {
   if (files.empty()) {
@@ -133,18 +49,30 @@ ExitStatus Print(const std::function<void(Output& output)>& print) {
   } catch (const OutputError& error) {
     WriteMessage(error.what());
     return kFailed;
+  } catch (const NotFound& error) {
+    WriteMessage(error.what());
+    return kFailed;
+  } catch (const UsageError& error) {
+    WriteMessage(error.what());
+    return kWrongUsage;
   }
 }
 
-void Tell(const TroubleReport& report, const std::vector<std::string>& violations) {
+/// Tells what the user has not seen: of the lines of the report all but the first `seen`.
+void Tell(const TroubleReport& report, std::size_t seen,
+          const std::vector<std::string>& violations) {
   for (const std::string& violation : violations) WriteMessage("warning: " + violation);
-  for (const std::string& line : report.GetLines()) WriteMessage(line);
+  const std::vector<std::string> lines = report.GetLines();
+  for (std::size_t i = seen; i < lines.size(); ++i) WriteMessage(lines[i]);
 }
 
-void CollectInStages(Session& session, TroubleReport& report, const Job& job, Stages& stages) {
-  for (std::size_t i = 0; i < job.collect.size(); ++i) {
+void CollectInStages(Session& session, TroubleReport& report, const Job& job, Stages& stages,
+                     ProgressLine& progress) {
+  const std::size_t count = job.collect.size();
+  for (std::size_t i = 0; i < count; ++i) {
     const std::string& className = job.collect[i];
-    if (const auto failure = stages.Begin(i + 1 == job.collect.size())) {
+    progress.Tell(fmt::format("collecting {} ({} of {})", className, i + 1, count));
+    if (const auto failure = stages.Begin(i + 1 == count)) {
       report.BeginClass(className);
       report.AddFailure("the plug-in " + *failure);
       report.EndClass();
@@ -153,6 +81,7 @@ void CollectInStages(Session& session, TroubleReport& report, const Job& job, St
       stages.EndStage();
     }
   }
+  progress.End();
 }
 
 ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus printed) {
@@ -161,16 +90,24 @@ ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus prin
   return job.answer ? job.answer() : kAllCollected;
 }
 
-ExitStatus Show(const Options& options, const Job& job, Stages& stages) {
+/// What a run writes besides its result.
+struct Channels {
+  ProgressLine& progress;
+  const LateMessages& messages;
+};
+
+ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
   Session session(report, {options.logFile, options.logLevel}, job.classes);
   LoadPlugins(session, options.plugins);
   stages.EndStage();
-  CollectInStages(session, report, job, stages);
+  CollectInStages(session, report, job, stages, channels.progress);
+  channels.messages.Hold();
   const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
+  const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
   stages.BeginEnding();
-  Tell(report, session.EndPlugins());
+  Tell(report, seen, session.EndPlugins());
   return stages.End(StatusOf(job, report, printed));
 }
 
@@ -197,26 +134,43 @@ Limits LimitsOf(const Options& options) {
   return limits;
 }
 
-}  // namespace
-
-ExitStatus RunCommand(Options options) {
+ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& messages) {
   if (options.command == Command::kSchema) {
     return Print([&options](Output& output) {
       WriteSchema(output, options.schemaFormat, DeclaredClasses(options.classFiles));
     });
   }
   if (options.command == Command::kDiff) return RunDiff(options, LimitsOf(options), &RunCommand);
-  const Job job = MakeJob(options);  // reads files of the machine that it runs on
+  const Job job = MakeJob(options, terminal);  // reads files of the machine that it runs on
   MakeFilesAbsolute(options);
+  ProgressLine progress(!options.logLevel);
   std::optional<Manifest> origin;
-  if (!options.root.empty()) origin = MoveToRoot(options);
+  if (!options.root.empty()) {
+    progress.Tell("reading the capture " + Printable(options.root));
+    origin = MoveToRoot(options);
+  }
   if (options.command == Command::kCapture) {
+    progress.End();
     return RunInStages(LimitsOf(options), {"capturing", true}, [&](Stages&) {
       return Capture({options.captureFile, options.redact, origin});
     });
   }
-  return RunInStages(LimitsOf(options), {"loading the plug-ins"},
-                     [&](Stages& stages) { return Show(options, job, stages); });
+  progress.Tell("loading the plug-ins");
+  return RunInStages(LimitsOf(options), {"loading the plug-ins"}, [&](Stages& stages) {
+    return Show(options, job, stages, {progress, messages});
+  });
+}
+
+}  // namespace
+
+ExitStatus RunCommand(Options options) {
+  const Terminal terminal = StandardTerminal(options.terminal);
+  if (!terminal.pager || options.command == Command::kCapture) {
+    return RunOn(terminal, std::move(options), LateMessages());
+  }
+  return RunWithPager(*terminal.pager, [&](const LateMessages& messages) {
+    return RunOn(terminal, std::move(options), messages);
+  });
 }
 
 }  // namespace pciinfo

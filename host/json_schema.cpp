@@ -10,6 +10,7 @@
 
 #include "host/pci_schema.h"
 #include "host/slots_json_schema.h"
+#include "host/views_json_schema.h"
 
 namespace pciinfo {
 namespace {
@@ -113,6 +114,7 @@ Json Definitions(const std::vector<vtq::ClassSchema>& classes) {
         {"oneOf", std::move(anyClass)}}}};
   for (const vtq::ClassSchema& schema : classes) definitions[schema.name] = ClassJson(schema);
   definitions.update(Json::parse(kSlotsJsonSchema));
+  definitions.update(Json::parse(kViewsJsonSchema));
   return definitions;
 }
 
@@ -123,9 +125,11 @@ void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classe
                        {"$id", std::string("urn:pciinfo:json-schema:") + kJsonSchemaVersion},
                        {"title", "JSON of pciinfo"},
                        {"description",
-                        "What pciinfo instances and pciinfo slots print with --format json, and a "
-                        "line of --format jsonl. Keys may be added in later versions."},
-                       {"oneOf", {RefTo("instances"), RefTo("instance"), RefTo("slots")}},
+                        "What pciinfo instances, slots, devices, tree and show print with --format "
+                        "json, and a line of --format jsonl. Keys may be added in later versions."},
+                       {"oneOf",
+                        {RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
+                         RefTo("tree"), RefTo("shown")}},
                        {"$defs", Definitions(classes)}};
   output.Write(schema.dump(2) + "\n");
 }

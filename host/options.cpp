@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "host/instance_writer.h"
+#include "host/query_order.h"
 #include "host/schema_writer.h"
 
 namespace pciinfo {
@@ -22,6 +23,7 @@ constexpr const char* kCheckFooter =
     "Exit status:\n"
     "  0    there are notes at most\n"
     "  1    there are errors or warnings, or something could not be collected or written\n"
+    "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
 constexpr const char* kDiffFooter =
@@ -35,6 +37,7 @@ constexpr const char* kDiffFooter =
     "  0    no differences\n"
     "  1    differences\n"
     "  2    wrong usage, or something could not be collected, read or written\n"
+    "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
 /// CLI11 takes what a validator answers for the message, and nothing for agreement.
@@ -48,6 +51,24 @@ std::string IsNoLimitOrEnough(const std::string& text) {
   return isNumber && (limit == 0 || (limit >= kLeast && limit <= kMost))
              ? ""
              : "must be 0 or at least 128 (MiB)";
+}
+
+void AddViewOptions(CLI::App& app, Options& options) {
+  app.add_option_function<std::vector<std::string>>(
+         "--filter",
+         [&options](const std::vector<std::string>& texts) { options.filter = Filter(texts); },
+         "Show only what all terms hold for; may be given more than once, for alternatives")
+      ->type_name("KEY=VALUE,...")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+  app.add_option("--color", options.terminal.color, "Use colours")
+      ->type_name("auto|always|never")
+      ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
+      ->capture_default_str();
+  app.add_flag_callback(
+      "--no-pager", [&options] { options.terminal.pager = false; },
+      "Do not show output through a pager");
 }
 
 void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
@@ -90,7 +111,8 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_flag("--live-commands", options.liveCommands,
                "Run commands on the captured files instead of replaying their recorded outputs")
       ->needs(root);
-  app.footer(kFooter);
+  AddViewOptions(app, options);
+  app.footer(FilterHelp() + "\n" + kFooter);
 }
 
 CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
@@ -112,8 +134,10 @@ void AddFormat(CLI::App& command, std::string& format, const std::vector<std::st
 void AddDiff(CLI::App& app, Options& options) {
   CLI::App* diff = AddCommand(app, "diff", "Say what differs between two machines or captures",
                               options, Command::kDiff);
-  diff->add_option("A", options.diffBefore, "The old side")->required();
-  diff->add_option("B", options.diffAfter, "The new side")->required();
+  diff->add_option("A", options.diffBefore, "The old machine: a capture, JSON, - or live")
+      ->type_name("CAPTURE")
+      ->required();
+  diff->add_option("B", options.diffAfter, "The new machine")->type_name("CAPTURE")->required();
   diff->add_option("--ignore", options.ignored,
                    "Leave out changes of this property; may be given more than once")
       ->type_name("PROPERTY")
@@ -122,6 +146,21 @@ void AddDiff(CLI::App& app, Options& options) {
       ->allow_extra_args(false);
   AddFormat(*diff, options.format, {"table", "json"});
   diff->footer(kDiffFooter);
+}
+
+void AddViews(CLI::App& app, Options& options) {
+  CLI::App* devices =
+      AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
+  AddFormat(*devices, options.format, {"table", "json"});
+  CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
+  AddFormat(*tree, options.format, {"table", "json"});
+  tree->add_flag("--all", options.showAll, "Do not fold functions that are alike");
+  CLI::App* show =
+      AddCommand(app, "show", "Print all that is known of one thing", options, Command::kShow);
+  show->add_option("NAME", options.target,
+                   "Address of a function, slot ID, designation or tag of a slot, or object path")
+      ->required();
+  AddFormat(*show, options.format, {"table", "json"});
 }
 
 void AddCommands(CLI::App& app, Options& options) {
@@ -134,6 +173,7 @@ void AddCommands(CLI::App& app, Options& options) {
   CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
                                options, Command::kSlots);
   AddFormat(*slots, options.format, {"table", "json"});
+  AddViews(app, options);
   CLI::App* check =
       AddCommand(app, "check", "Say what of the inventory is incomplete or doubtful, and why",
                  options, Command::kCheck);
@@ -154,12 +194,17 @@ void AddCommands(CLI::App& app, Options& options) {
   app.require_subcommand(0, 1);
 }
 
+bool CanFilter(Command command) {
+  return command != Command::kClasses && command != Command::kCapture &&
+         command != Command::kSchema && command != Command::kCheck && command != Command::kDiff;
+}
+
 }  // namespace
 
 std::shared_ptr<CLI::App> BuildApp(Options& options) {
   auto app = std::make_shared<CLI::App>(
-      "Lists the PCI functions and system slots of this machine.\n"
-      "Without a command: every PCI function, sorted by address.",
+      "Shows the PCI functions and system slots of this machine.\n"
+      "Without a command: an overview.",
       "pciinfo");
   AddGlobalOptions(*app, options);
   AddCommands(*app, options);
@@ -177,6 +222,11 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
     return Answer{false, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {
     return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  } catch (const UsageError& error) {
+    return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  }
+  if (!options.filter.IsEmpty() && !CanFilter(options.command)) {
+    return Answer{true, "--filter goes with the views and \"instances\" only"};
   }
   return options;
 }

@@ -7,13 +7,28 @@
 #include <variant>
 #include <vector>
 
+#include "host/filter.h"
+#include "host/terminal.h"
+
 namespace CLI {
 class App;
 }
 
 namespace pciinfo {
 
-enum class Command { kInventory, kInstances, kClasses, kSlots, kCapture, kSchema, kCheck, kDiff };
+enum class Command {
+  kOverview,
+  kDevices,
+  kInstances,
+  kClasses,
+  kSlots,
+  kTree,
+  kShow,
+  kCapture,
+  kSchema,
+  kCheck,
+  kDiff
+};
 
 #ifdef PCIINFO_SANITIZED
 /// The sanitizer takes terabytes of addresses for itself.
@@ -24,9 +39,9 @@ inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
 
 /// What the command line asks for.
 struct Options {
-  Command command = Command::kInventory;
+  Command command = Command::kOverview;
   std::vector<std::string> classes;     ///< of `instances`; empty: all
-  std::string format = "table";         ///< of `instances` and `slots`
+  std::string format = "table";         ///< of `instances` and the views
   std::string schemaFormat = "mof";     ///< of `schema`
   std::vector<std::string> plugins;     ///< files; empty: the one that belongs to the program
   std::vector<std::string> classFiles;  ///< files that declare further classes
@@ -42,6 +57,10 @@ struct Options {
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
+  std::string target;    ///< of `show`: an address, a slot, or an object path
+  bool showAll = false;  ///< of `tree`: every function on a line of its own
+  Filter filter;
+  TerminalWishes terminal;
 };
 
 /// A command line that asks for nothing but a text, or that is wrong.

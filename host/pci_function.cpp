@@ -30,8 +30,27 @@ PciFunction ReadFunction(const vtq::Class& cimClass, const vtq::Instance& instan
   function.vendorId = NumberOf(instance, "VendorID");
   function.deviceId = NumberOf(instance, "PciDeviceID");
   function.revision = NumberOf(instance, "Revision");
+  function.classCode = NumberOf(instance, "ClassCode");
+  function.subclass = NumberOf(instance, "Subclass");
+  function.programmingInterface = NumberOf(instance, "ProgrammingInterface");
   function.description = TextOf(instance, "Description");
+  if (function.kind == "device") {
+    function.subsystemVendorId = NumberOf(instance, "SubsystemVendorID");
+    function.subsystemId = NumberOf(instance, "SubsystemID");
+  }
   return function;
+}
+
+std::vector<PciFunction> ReadFunctions(const vtq::Namespace& repository) {
+  std::vector<PciFunction> functions;
+  for (const char* name : {"QZMSG_PCIDevice", "QZMSG_PCIBridge"}) {
+    const std::shared_ptr<vtq::Class> cimClass = repository.Find(name);
+    for (const auto& instance : cimClass->GetInstances()) {
+      functions.push_back(ReadFunction(*cimClass, *instance));
+    }
+  }
+  SortByAddress(functions);
+  return functions;
 }
 
 void SortByAddress(std::vector<PciFunction>& functions) {

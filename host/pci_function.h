@@ -19,11 +19,19 @@ struct PciFunction {
   std::optional<unsigned> vendorId;
   std::optional<unsigned> deviceId;
   std::optional<unsigned> revision;
+  std::optional<unsigned> classCode;  ///< the base class
+  std::optional<unsigned> subclass;
+  std::optional<unsigned> programmingInterface;
+  std::optional<unsigned> subsystemVendorId;  ///< never of a bridge
+  std::optional<unsigned> subsystemId;        ///< never of a bridge
   std::string description;
 };
 
 /// The function that an instance of QZMSG_PCIDevice or QZMSG_PCIBridge describes.
 PciFunction ReadFunction(const vtq::Class& cimClass, const vtq::Instance& instance);
+
+/// All functions of a repository, sorted by address.
+std::vector<PciFunction> ReadFunctions(const vtq::Namespace& repository);
 
 /// Sorts by address; functions without one come last, in the order in which they were.
 void SortByAddress(std::vector<PciFunction>& functions);

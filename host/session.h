@@ -44,6 +44,7 @@ class Session final {
   std::vector<std::string> EndPlugins();
 
   const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
+  const TroubleReport& GetReport() const noexcept { return report_; }
   const vtq::PluginManager& GetPlugins() const noexcept { return *manager_; }
 
  private:

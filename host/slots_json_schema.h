@@ -45,6 +45,17 @@ inline constexpr const char* kSlotsJsonSchema = R"({
       "text": {"type": "string"}
     }
   },
+  "classCode": {
+    "description": "A PCI class code and its words.",
+    "type": "object",
+    "required": ["base", "text"],
+    "properties": {
+      "base": {"type": "integer", "minimum": 0, "maximum": 255},
+      "subclass": {"type": "integer", "minimum": 0, "maximum": 255},
+      "programmingInterface": {"type": "integer", "minimum": 0, "maximum": 255},
+      "text": {"type": "string"}
+    }
+  },
   "function": {
     "description": "A PCI function; one that an association names but nobody published has a path and an empty description only.",
     "type": "object",
@@ -52,8 +63,11 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     "properties": {
       "address": {"type": "string", "pattern": "^[0-9a-f]{2}:[0-9a-f]{2}\\.[0-7]$"},
       "kind": {"enum": ["device", "bridge"]},
+      "class": {"$ref": "#/$defs/classCode"},
       "vendorID": {"type": "integer", "minimum": 0, "maximum": 65535},
       "pciDeviceID": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "subsystemVendorID": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "subsystemID": {"type": "integer", "minimum": 0, "maximum": 65535},
       "revision": {"type": "integer", "minimum": 0, "maximum": 255},
       "description": {"type": "string"},
       "path": {"type": "string", "pattern": "^/root/cimv2:QZMSG_PCI(Device|Bridge)\\."}

@@ -1,5 +1,3 @@
-#include <functional>
-
 #include "host/columns.h"
 #include "host/slots_view.h"
 #include "host/smbios_names.h"
@@ -8,23 +6,9 @@
 namespace pciinfo {
 namespace {
 
-constexpr std::size_t kLineWidth = 100;
-
-// The widest cells with two blanks between them make a line of kLineWidth.
-const std::vector<Column> kSlotColumns = {{"TAG", 8},    {"DESIGNATION", 26}, {"TYPE", 24},
-                                          {"USAGE", 11}, {"WIDTH", 7},        {"ID", 5},
-                                          {"HOTPLUG", 7}};
-constexpr std::size_t kDesignation = 1;
-constexpr std::size_t kType = 2;
-
-/// The columns for these rows: what the others leave of the line goes to the long texts.
-std::vector<Column> ColumnsFor(const std::vector<Row>& rows) {
-  std::vector<Column> columns = kSlotColumns;
-  for (const std::size_t wide : {kDesignation, kType}) {
-    columns[wide].widest += kLineWidth - TableWidth(columns, rows);
-  }
-  return columns;
-}
+const std::vector<Column> kSlotColumns = {
+    {"TAG"},    {"DESIGNATION", true, Colour::kGreen}, {"TYPE", true}, {"USAGE"}, {"WIDTH"}, {"ID"},
+    {"HOTPLUG"}};
 
 std::string CodeCell(const std::optional<unsigned>& code, std::string (*text)(unsigned)) {
   return code ? text(*code) : "-";
@@ -51,28 +35,29 @@ Row SlotRow(const Slot& slot) {
 }
 
 void WriteFunctions(Output& output, const std::vector<PciFunction>& functions,
-                    std::string_view indent) {
+                    std::string_view indent, const Terminal& terminal) {
   for (const PciFunction& function : functions) {
     const std::string line = AddressText(function) + "  " + Printable(function.description);
-    output.Write(TrimEnd(Cut(std::string(indent) + line, kLineWidth)));
+    output.Write(FitLine(std::string(indent) + line, terminal));
     output.Write("\n");
   }
 }
 
 }  // namespace
 
-void WriteSlotsTable(Output& output, const SlotsModel& model) {
+void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal) {
   std::vector<Row> rows;
   for (const Slot& slot : model.slots) rows.push_back(SlotRow(slot));
-  const std::vector<std::string> lines = FormatTable(ColumnsFor(rows), rows);
+  const std::vector<std::string> lines = FormatTable(kSlotColumns, rows, terminal);
   if (!model.slots.empty()) output.Write(lines.front() + "\n");
   for (std::size_t i = 0; i < model.slots.size(); ++i) {
     output.Write(lines[i + 1] + "\n");
-    WriteFunctions(output, model.slots[i].functions, "        ");
+    WriteFunctions(output, model.slots[i].functions, "        ", terminal);
   }
   if (model.onBoard.empty()) return;
-  output.Write(model.slots.empty() ? "On board:\n" : "\nOn board:\n");
-  WriteFunctions(output, model.onBoard, "  ");
+  if (!model.slots.empty()) output.Write("\n");
+  output.Write(Coloured("On board:", Colour::kBold, terminal) + "\n");
+  WriteFunctions(output, model.onBoard, "  ", terminal);
 }
 
 }  // namespace pciinfo

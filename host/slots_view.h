@@ -2,12 +2,12 @@
 
 #include "host/output.h"
 #include "host/slots_model.h"
+#include "host/terminal.h"
 
 namespace pciinfo {
 
-/// Writes the slots, each with its functions on lines below it, and the functions on the board. No
-/// line is wider than 100 columns.
-void WriteSlotsTable(Output& output, const SlotsModel& model);
+/// Writes the slots, each with its functions on lines below it, and the functions on the board.
+void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal);
 
 /// Writes the same as JSON, texts untrimmed, one slot or function a line. docs/json.md describes
 /// it.

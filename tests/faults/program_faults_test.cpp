@@ -16,7 +16,7 @@ using Words = std::vector<std::string>;
 
 const Words kInstances{"instances", "--format", "json"};
 const Words kSlots{"slots"};
-const Words kInventory{};
+const Words kInventory{"devices"};
 
 struct Run {
   Call call;

@@ -34,5 +34,32 @@ TEST(Address, OrderIsBusThenDeviceThenFunction) {
   EXPECT_LT((PciAddress{0, 1, 0}), (PciAddress{0, 1, 1}));
 }
 
+TEST(WrittenAddress, ComesInSeveralSpellings) {
+  for (const char* text :
+       {"0a:1f.3", "0A:1F.3", "a:1f.3", "0000:0a:1f.3", "PCI Bus 10, device  31, function  3"}) {
+    const auto written = ParseAddress(text);
+    ASSERT_TRUE(written.has_value()) << text;
+    EXPECT_EQ(written->domain, 0U);
+    EXPECT_EQ(written->address, (PciAddress{10, 31, 3})) << text;
+  }
+  EXPECT_EQ(ParseAddress("10000:00:00.0")->domain, 0x10000U);
+}
+
+TEST(WrittenAddress, OtherTextsAreNone) {
+  for (const char* text : {"", "1", "00:00", "00.0", ":00.0", "00:.0", "00:00.", "100:00.0",
+                           "00:20.0", "00:00.8", "x:00.0", "00:00.0 ", " 00:00.0", "1:2:3:4.5",
+                           ":00:00.0", "ffffffff0:00:00.0", "-1:00.0"}) {
+    EXPECT_FALSE(ParseAddress(text).has_value()) << text;
+  }
+}
+
+TEST(HexNumber, MayHaveAPrefix) {
+  EXPECT_EQ(ParseHex("8086", 0xFFFF), 0x8086U);
+  EXPECT_EQ(ParseHex("0xABcd", 0xFFFF), 0xABCDU);
+  for (const char* text : {"", "0x", "10000", "12g", "-1", "0x0x1"}) {
+    EXPECT_FALSE(ParseHex(text, 0xFFFF).has_value()) << text;
+  }
+}
+
 }  // namespace
 }  // namespace pciinfo

@@ -7,6 +7,8 @@
 #include <cctype>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
 
 #include "host/json_reader.h"
 #include "tests/host/cim_xml_document.h"
@@ -60,6 +62,72 @@ TEST_P(CapturedMachine, ItsFormatsHoldTheSame) {
   const CimXmlDocument xml(Run(GetParam(), {"instances", "--format", "cim-xml"}).out);
   EXPECT_TRUE(xml.IsValid());
   EXPECT_EQ(xml.ToJson(), AsXmlCarries(nlohmann::json::parse(text)));
+}
+
+nlohmann::json Document(const RunResult& result) { return nlohmann::json::parse(result.out); }
+
+std::multiset<std::string> PathsIn(const nlohmann::json& functions) {
+  std::multiset<std::string> paths;
+  for (const auto& function : functions) {
+    paths.insert(function["path"]);
+    if (function.contains("functions")) paths.merge(PathsIn(function["functions"]));
+  }
+  return paths;
+}
+
+/// How many functions the lines of a tree stand for.
+std::size_t CountDrawn(const std::string& tree) {
+  const std::regex folded(R"( \.\. .*?  (\d+) x )");
+  std::size_t count = 0;
+  for (const std::string& line : LinesOf(tree)) {
+    std::smatch match;
+    if (line.starts_with("Bus ")) continue;
+    count += std::regex_search(line, match, folded) ? std::stoul(match[1]) : 1;
+  }
+  return count;
+}
+
+TEST_P(CapturedMachine, ItsTreeHasEveryFunctionOnce) {
+  const auto devices = Document(Run(GetParam(), {"devices", "--format", "json"}));
+  const auto expected = PathsIn(devices["functions"]);
+  std::multiset<std::string> found;
+  const auto tree = Document(Run(GetParam(), {"tree", "--format", "json"}));
+  for (const auto& bus : tree["buses"]) found.merge(PathsIn(bus["functions"]));
+  EXPECT_EQ(found, expected);
+  EXPECT_EQ(CountDrawn(Run(GetParam(), {"tree"}).out), expected.size());
+  EXPECT_EQ(CountDrawn(Run(GetParam(), {"tree", "--all"}).out), expected.size());
+}
+
+TEST_P(CapturedMachine, WhatIsListedCanBeShown) {
+  const auto slots = Document(Run(GetParam(), {"slots", "--format", "json"}));
+  const auto devices = Document(Run(GetParam(), {"devices", "--format", "json"}))["functions"];
+  // Every function of a small machine, some of a large one.
+  const std::size_t step = devices.size() / 20 + 1;
+  for (std::size_t i = 0; i < devices.size(); i += step) {
+    const std::string address = devices[i]["address"];
+    const auto shown = Document(Run(GetParam(), {"show", address, "--format", "json"}));
+    EXPECT_EQ(shown["function"], devices[i]);
+  }
+  for (const auto& slot : slots["slots"]) {
+    const auto shown = Document(Run(GetParam(), {"show", slot["tag"], "--format", "json"}));
+    EXPECT_EQ(shown["slot"], slot);
+  }
+}
+
+TEST_P(CapturedMachine, ItsOverviewCountsEveryFunction) {
+  const auto devices = Document(Run(GetParam(), {"devices", "--format", "json"}))["functions"];
+  const std::string count = devices.empty() ? "no" : std::to_string(devices.size());
+  EXPECT_THAT(Run(GetParam(), {}).out, testing::HasSubstr("PCI       " + count + " function"));
+}
+
+TEST_P(CapturedMachine, ABridgeFilterAndADeviceFilterShareTheFunctions) {
+  const auto count = [this](std::vector<std::string> filter) {
+    filter.insert(filter.begin(), {"devices", "--format", "json"});
+    return Document(Run(GetParam(), filter))["functions"].size();
+  };
+  EXPECT_EQ(count({"--filter", "kind=bridge"}) + count({"--filter", "kind=device"}), count({}));
+  EXPECT_EQ(count({"--filter", "kind=bridge", "--filter", "kind=device"}), count({}));
+  EXPECT_EQ(count({"--filter", "kind=bridge,kind=device"}), 0U);
 }
 
 std::string NameOf(const testing::TestParamInfo<std::string>& capture) {

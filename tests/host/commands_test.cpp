@@ -48,13 +48,61 @@ class TemporaryFile {
   std::string path_;
 };
 
-TEST(Program, WithoutACommandListsThePciFunctions) {
-  const RunResult result = RunFake("fixed", {});
+TEST(Program, DevicesListsThePciFunctions) {
+  const RunResult result = RunFake("fixed", {"devices"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
   ASSERT_EQ(LinesOf(result.out).size(), 6U);
   EXPECT_EQ(LinesOf(result.out)[5],
             "01:00.0  device  10de:1b80  VGA compatible controller: NVIDIA Corporation GP104");
+}
+
+TEST(Program, WithoutACommandGivesAnOverview) {
+  const RunResult result = RunFake("fixed", {});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(LinesOf(result.out),
+              AllOf(Contains("PCI       5 functions (3 devices, 2 bridges) on 2 buses"),
+                    Contains("3 slots, 1 with PCI functions"), Contains("On board")));
+}
+
+TEST(Program, TheOverviewSaysWhatIsMissing) {
+  const RunResult result = RunFake("throwing", {});
+  EXPECT_EQ(result.status, 1);
+  const std::string why = "QZMSG_PCIBridge: the plug-in failed: bridge out";
+  EXPECT_THAT(LinesOf(result.out), AllOf(Contains("Not shown"), Contains(why)));
+  EXPECT_THAT(LinesOf(result.err), Contains("pciinfo: " + why));
+}
+
+TEST(Program, ShowFindsOneThingOrSaysWhatToTry) {
+  EXPECT_EQ(RunFake("fixed", {"show", "01:00.0"}).status, 0);
+  const RunResult missing = RunFake("fixed", {"show", "Slot 99"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.out, "");
+  EXPECT_THAT(missing.err, AllOf(HasSubstr("\"Slot 99\""), HasSubstr("pciinfo slots")));
+  const RunResult ambiguous = RunFake("fixed", {"show", "7"});
+  EXPECT_EQ(ambiguous.status, 2);
+  EXPECT_THAT(ambiguous.err, AllOf(HasSubstr("Tag 1"), HasSubstr("Tag 3")));
+  EXPECT_EQ(RunFake("fixed", {"show", "/root/cimv2:Nothing.x=1"}).status, 2);
+}
+
+TEST(Program, FiltersGoWithEveryView) {
+  const auto lines = [](std::vector<std::string> words) {
+    words.insert(words.end(), {"--filter", "class=03,slot=tag 1"});
+    return LinesOf(RunFake("fixed", words).out);
+  };
+  EXPECT_EQ(lines({"devices"}).size(), 2U);
+  EXPECT_EQ(lines({"slots"}).size(), 3U);
+  EXPECT_EQ(lines({"tree"}).size(), 2U);
+  EXPECT_THAT(lines({}), Contains("PCI       1 function (1 device, 0 bridges) on 1 bus"));
+  EXPECT_EQ(lines({"instances", "--format", "jsonl"}).size(), 3U);
+  EXPECT_EQ(lines({"show", "01:00.0", "--format", "json"}).size(), 3U);
+  EXPECT_TRUE(lines({"show", "00:00.0"}).empty());
+}
+
+TEST(Program, ColoursInAPipeHaveToBeAskedFor) {
+  EXPECT_THAT(RunFake("fixed", {"tree"}).out, Not(HasSubstr("\x1B")));
+  EXPECT_THAT(RunFake("fixed", {"tree", "--color", "always"}).out, HasSubstr("\x1B[36m"));
 }
 
 TEST(Program, InstancesWithoutNamesAreAllClasses) {
@@ -205,11 +253,11 @@ TEST(Program, TroublesAreToldOnceAtTheEndAndNothingElseIs) {
                                 HasSubstr("no-such-listing-tool"))));
 }
 
-TEST(Program, TheInventoryDoesNotMindUnknownSlots) {
-  EXPECT_THAT(LinesOf(RunFake("grumbling", {}).err),
+TEST(Program, TheListOfFunctionsDoesNotMindUnknownSlots) {
+  EXPECT_THAT(LinesOf(RunFake("grumbling", {"devices"}).err),
               ElementsAre(EndsWith("/proc/bus/pci/00/1e.0 could not be opened; this function is "
                                    "missing")));
-  EXPECT_EQ(RunFake("slotless", {}).err, "");
+  EXPECT_EQ(RunFake("slotless", {"devices"}).err, "");
 }
 
 TEST(Program, AMachineWithoutSmbiosTablesIsNoFailure) {
@@ -222,17 +270,17 @@ TEST(Program, AMachineWithoutSmbiosTablesIsNoFailure) {
 
 TEST(Program, ALogLevelShowsTheRecordsThemselves) {
   const std::string progress = "0 Exiting correlateDeviceAndSlot";
-  const RunResult errors = RunFake("grumbling", {"--log-level", "0"});
+  const RunResult errors = RunFake("grumbling", {"devices", "--log-level", "0"});
   EXPECT_THAT(LinesOf(errors.err), Contains(progress).Times(4));
   EXPECT_THAT(errors.err, Not(HasSubstr("fake: Init")));
-  EXPECT_THAT(LinesOf(RunFake("grumbling", {"--log-level", "3"}).err),
+  EXPECT_THAT(LinesOf(RunFake("grumbling", {"devices", "--log-level", "3"}).err),
               AllOf(Contains("3 fake: Init"), Contains("3 fake: PrepareForUnload")));
-  EXPECT_THAT(RunFake("grumbling", {}).err, Not(HasSubstr("correlateDeviceAndSlot")));
+  EXPECT_THAT(RunFake("grumbling", {"devices"}).err, Not(HasSubstr("correlateDeviceAndSlot")));
 }
 
 TEST(Program, TheLogFileHasEveryRecord) {
   const TemporaryFile log("commands_test.log");
-  RunFake("grumbling", {"--log-file", log.Path()});
+  RunFake("grumbling", {"devices", "--log-file", log.Path()});
   EXPECT_THAT(
       LinesOf(log.Text()),
       ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_PCIDevice",
@@ -259,8 +307,9 @@ TEST(Program, BreachesOfTheContractAreWarningsOnly) {
 }
 
 TEST(Program, AFullDiskIsReported) {
-  for (const char* command : {"", "slots", "instances --format json", "instances --format cim-xml",
-                              "classes", "schema"}) {
+  for (const char* command :
+       {"", "devices", "slots", "tree", "show 01:00.0", "instances --format json",
+        "instances --format cim-xml", "classes", "schema"}) {
     const RunResult result =
         RunShell(std::string("$PCIINFO --plugin ${PLUGINS}fixed.pi.so ") + command + " >/dev/full");
     EXPECT_EQ(result.status, 1) << command;

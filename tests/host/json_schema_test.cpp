@@ -6,9 +6,12 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/devices_view.h"
 #include "host/pci_schema.h"
+#include "host/show_view.h"
 #include "host/slots_model.h"
 #include "host/slots_view.h"
+#include "host/tree_view.h"
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 #include "tests/host/written.h"
@@ -29,6 +32,27 @@ std::string SlotsText() {
   OutputToText output;
   WriteSlotsJson(output.Get(), ReadSlots(*MakeFixedRepository()));
   return output.Text();
+}
+
+/// What the other views print as JSON.
+std::vector<std::string> ViewTexts(const vtq::Namespace& repository) {
+  std::vector<std::string> texts;
+  const auto add = [&texts](const auto& write) {
+    OutputToText output;
+    write(output.Get());
+    texts.push_back(output.Text());
+  };
+  add([&](Output& output) { WriteDevicesJson(output, repository); });
+  add([&](Output& output) {
+    WriteTreeJson(output, MakeBusTree({ReadFunctions(repository), ReadSlots(repository).slots,
+                                       [](const PciAddress&) {
+                                         return BridgeBuses{1, 1};
+                                       }}));
+  });
+  for (const char* name : {"01:00.0", "Tag 1", "00:00.0"}) {
+    add([&](Output& output) { WriteShownJson(output, FindNamed(repository, name)); });
+  }
+  return texts;
 }
 
 /// Prints a word a document of the list: whether it is valid.
@@ -88,6 +112,7 @@ TEST_F(JsonSchema, WhatIsPrintedIsValid) {
   const auto repository = MakeFixedRepository();
   json documents = {json::parse(Written("json", *repository)),
                     json::parse(Written("json", *MakeEmptyRepository())), json::parse(SlotsText())};
+  for (const std::string& text : ViewTexts(*repository)) documents.push_back(json::parse(text));
   for (const std::string& line : LinesOf(Written("jsonl", *repository))) {
     documents.push_back(json::parse(line));
   }
@@ -115,6 +140,10 @@ TEST_F(JsonSchema, WhatIsWrongIsInvalid) {
   add(link, "/instances/0/properties/Antecedent", "/root/cimv2:QZMSG_PCIDevice.x=\"\"");
   add(slots, "/slots/0/type", 182);
   add(slots, "/onBoard/0/kind", "board");
+  const std::vector<std::string> views = ViewTexts(*MakeFixedRepository());
+  add(json::parse(views[0]), "/functions/0/class/base", 256);
+  add(json::parse(views[1]), "/buses/0/functions/1/functions/0/address", "1");
+  add(json::parse(views[2]), "/instance/class", "Other");
   documents.push_back(json::object());
   documents.push_back(json::array());
   EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "invalid"));

@@ -30,9 +30,9 @@ std::string Error(const std::vector<const char*>& arguments) {
   return answer != nullptr && answer->isError ? answer->text : "no error";
 }
 
-TEST(Options, NothingMeansTheInventory) {
+TEST(Options, NothingMeansTheOverview) {
   const Options options = Parsed({});
-  EXPECT_EQ(options.command, Command::kInventory);
+  EXPECT_EQ(options.command, Command::kOverview);
   EXPECT_EQ(options.format, "table");
   EXPECT_THAT(options.plugins, IsEmpty());
   EXPECT_EQ(options.logFile, "");
@@ -49,6 +49,40 @@ TEST(Options, InstancesTakesClassesAndAFormat) {
 TEST(Options, OtherCommands) {
   EXPECT_EQ(Parsed({"classes"}).command, Command::kClasses);
   EXPECT_EQ(Parsed({"slots", "--format=json"}).command, Command::kSlots);
+}
+
+TEST(Options, ShowTakesAName) {
+  EXPECT_EQ(Parsed({"show", "Slot 3"}).command, Command::kShow);
+  EXPECT_EQ(Parsed({"show", "Slot 3"}).target, "Slot 3");
+  EXPECT_THAT(Error({"show"}), HasSubstr("NAME"));
+}
+
+TEST(Options, TreeCanShowAll) {
+  EXPECT_EQ(Parsed({"tree"}).command, Command::kTree);
+  EXPECT_FALSE(Parsed({"tree"}).showAll);
+  EXPECT_TRUE(Parsed({"tree", "--all"}).showAll);
+  EXPECT_EQ(Parsed({"devices", "--format", "json"}).format, "json");
+}
+
+TEST(Options, ColoursAndPagerAreForTheTerminalToDecide) {
+  EXPECT_EQ(Parsed({}).terminal.color, "auto");
+  EXPECT_TRUE(Parsed({}).terminal.pager);
+  EXPECT_FALSE(Parsed({"slots", "--no-pager"}).terminal.pager);
+  EXPECT_EQ(Parsed({"--color", "never", "tree"}).terminal.color, "never");
+  EXPECT_THAT(Error({"--color", "pink"}), HasSubstr("pink"));
+}
+
+TEST(Options, FiltersStandOnBothSides) {
+  EXPECT_TRUE(Parsed({}).filter.IsEmpty());
+  EXPECT_FALSE(Parsed({"--filter", "class=02", "slots"}).filter.IsEmpty());
+  EXPECT_TRUE(Parsed({"devices", "--filter", "class=02", "--filter=slot=3"}).filter.NeedsSlots());
+  EXPECT_THAT(Parsed({"instances", "--filter", "class=02", "A"}).classes, ElementsAre("A"));
+}
+
+TEST(Options, SenselessFiltersAreRefused) {
+  EXPECT_THAT(Error({"--filter", "colour=red"}), HasSubstr("colour=red"));
+  EXPECT_THAT(Error({"classes", "--filter", "class=02"}), HasSubstr("--filter"));
+  EXPECT_THAT(Error({"capture", "x", "--filter", "class=02"}), HasSubstr("--filter"));
 }
 
 TEST(Options, SchemaHasFormatsOfItsOwn) {
@@ -127,7 +161,8 @@ TEST(Options, ErrorsAreOneLine) {
 }
 
 TEST(Options, EveryCommandHasItsHelp) {
-  for (const char* command : {"instances", "classes", "slots", "capture"}) {
+  for (const char* command :
+       {"instances", "classes", "slots", "devices", "tree", "show", "capture"}) {
     const auto result = Parse({command, "--help"});
     const Answer* answer = std::get_if<Answer>(&result);
     ASSERT_NE(answer, nullptr);

@@ -77,7 +77,7 @@ class Root : public testing::Test {
 };
 
 TEST_F(Root, ShowsTheCapturedMachine) {
-  const RunResult result = RunPciinfo({"--root", Archive(SmallMachine())});
+  const RunResult result = RunPciinfo({"devices", "--root", Archive(SmallMachine())});
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(LinesOf(result.out),
               ElementsAre(testing::StartsWith("ADDRESS"), HasSubstr("Recorded Card")));
@@ -109,7 +109,7 @@ TEST_F(Root, RunsTheRealToolsOnTheCapturedFiles) {
 TEST_F(Root, RunsWhatIsNotRecorded) {
   std::vector<MadeEntry> machine = SmallMachine();
   std::erase_if(machine, [](const MadeEntry& entry) { return entry.path == "commands/lspci"; });
-  const RunResult result = RunPciinfo({"--root", Archive(machine)});
+  const RunResult result = RunPciinfo({"devices", "--root", Archive(machine)});
   EXPECT_THAT(LinesOf(result.out),
               Contains(testing::AllOf(HasSubstr("8086:1234"), HasSubstr("Ethernet controller"))));
 }
@@ -219,7 +219,7 @@ RunResult RunAsNobody(const std::string& capture, const std::string& arguments) 
 }
 
 TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
-  const RunResult result = RunAsNobody(Archive(SmallMachine()), "--live-commands");
+  const RunResult result = RunAsNobody(Archive(SmallMachine()), "devices --live-commands");
   if (result.status == 0) {
     EXPECT_THAT(result.out, HasSubstr("8086:1234"));
   } else {

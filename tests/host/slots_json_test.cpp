@@ -20,7 +20,7 @@ TEST(SlotsJson, NestsTheFunctionsInTheirSlot) {
   const json document = Document(ReadSlots(*MakeFixedRepository()));
   ASSERT_EQ(document["slots"].size(), 3U);
   const json device = json::parse(R"({
-    "address": "01:00.0", "kind": "device", "vendorID": 4318, "pciDeviceID": 7040, "revision": 161,
+    "address": "01:00.0", "kind": "device", "class": {"base": 3, "text": "Display controller"}, "vendorID": 4318, "pciDeviceID": 7040, "revision": 161,
     "description": "VGA compatible controller: NVIDIA Corporation GP104",
     "path": "/root/cimv2:QZMSG_PCIDevice.CreationClassName=\"QZMSG_PCIDevice\",DeviceID=\"PCI Bus  1, device   0, function  0\",SystemCreationClassName=\"CIM_ComputerSystem\",SystemName=\"box\""})");
   EXPECT_EQ(document["slots"][0]["functions"], json::array({device}));

@@ -9,12 +9,18 @@
 namespace pciinfo {
 namespace {
 
+Terminal OfWidth(std::size_t width) {
+  Terminal terminal;
+  terminal.width = width;
+  return terminal;
+}
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-std::vector<std::string> Table(const SlotsModel& model) {
+std::vector<std::string> Table(const SlotsModel& model, const Terminal& terminal = {}) {
   OutputToText output;
-  WriteSlotsTable(output.Get(), model);
+  WriteSlotsTable(output.Get(), model, terminal);
   return LinesOf(output.Text());
 }
 
@@ -35,7 +41,7 @@ Slot WideSlot() {
 
 TEST(SlotsTable, ShowsSlotsTheirFunctionsAndTheBoard) {
   EXPECT_THAT(
-      Table(ReadSlots(*MakeFixedRepository())),
+      Table(ReadSlots(*MakeFixedRepository()), OfWidth(100)),
       ElementsAre(
           "TAG    DESIGNATION                               TYPE               USAGE      WIDTH  "
           "ID  HOTPLUG",
@@ -52,24 +58,25 @@ TEST(SlotsTable, ShowsSlotsTheirFunctionsAndTheBoard) {
           "  00:1f.3  Audio device: Fa\xc3\xa7onn\xc3\xa9"));
 }
 
-TEST(SlotsTable, ADesignationTakesTheRoomThatOthersLeave) {
-  SlotsModel model;
-  model.slots.resize(1);
-  model.slots[0].tag = "Tag 1";
-  model.slots[0].designation = std::string(52, 'd');
-  EXPECT_THAT(Table(model)[1], HasSubstr(*model.slots[0].designation));
-  model.slots[0].designation = std::string(200, 'd');
-  EXPECT_EQ(DisplayWidth(Table(model)[1] + std::string(6, ' ')), 100U);
-  EXPECT_THAT(Table(model)[1], HasSubstr("ddd...  -"));
-}
-
-TEST(SlotsTable, FitsAHundredColumnsHoweverLongTheTexts) {
+TEST(SlotsTable, WithoutATerminalNothingIsCut) {
   SlotsModel model;
   model.slots = {WideSlot()};
   model.onBoard = model.slots[0].functions;
   const std::vector<std::string> lines = Table(model);
-  EXPECT_EQ(lines.size(), 6U);
-  for (const std::string& line : lines) EXPECT_LE(DisplayWidth(line), 100U) << line;
+  EXPECT_THAT(lines[1], HasSubstr(*model.slots[0].designation));
+  EXPECT_THAT(lines[2], HasSubstr(model.onBoard[0].description));
+  EXPECT_THAT(lines[5], HasSubstr(model.onBoard[0].description));
+}
+
+TEST(SlotsTable, FitsTheTerminalHoweverLongTheTexts) {
+  SlotsModel model;
+  model.slots = {WideSlot()};
+  model.onBoard = model.slots[0].functions;
+  for (const std::size_t width : {72U, 100U, 150U}) {
+    const std::vector<std::string> lines = Table(model, OfWidth(width));
+    EXPECT_EQ(lines.size(), 6U);
+    for (const std::string& line : lines) EXPECT_LE(DisplayWidth(line), width) << line;
+  }
 }
 
 TEST(SlotsTable, UnsetValuesAreDashes) {

@@ -38,7 +38,7 @@ class Surroundings : public testing::Test {
 };
 
 TEST_F(Surroundings, WithoutLspciTheFunctionsAreListedAndTheReasonIsTold) {
-  const RunResult result = RunHidden(kWithoutLspci, "$PCIINFO");
+  const RunResult result = RunHidden(kWithoutLspci, "$PCIINFO devices");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("PCI Vendor ID ")));
   EXPECT_THAT(LinesOf(result.err),
@@ -57,7 +57,7 @@ TEST_F(Surroundings, WithoutLspciTheRawDataIsLostForAReason) {
 }
 
 TEST_F(Surroundings, WithoutAPciBusNothingIsWrong) {
-  const RunResult inventory = RunHidden(kWithoutPciBus, "$PCIINFO");
+  const RunResult inventory = RunHidden(kWithoutPciBus, "$PCIINFO devices");
   EXPECT_EQ(inventory.status, 0) << inventory.err;
   EXPECT_EQ(LinesOf(inventory.out).size(), 1U);
   EXPECT_THAT(LinesOf(inventory.err),
@@ -72,12 +72,12 @@ TEST_F(Surroundings, WithoutAPciBusTheBoardIsStillThere) {
 }
 
 TEST_F(Surroundings, AnUnreadableFunctionIsNamedAndTheOthersAreListed) {
-  const std::string first = LinesOf(RunPciinfo({}).out).at(1).substr(0, 7);  // "00:00.0"
+  const std::string first = LinesOf(RunPciinfo({"devices"}).out).at(1).substr(0, 7);  // "00:00.0"
   const std::string file = "/proc/bus/pci/" + first.substr(0, 2) + "/" + first.substr(3);
-  const RunResult result = RunHidden("mount --bind /dev/null " + file, "$PCIINFO");
+  const RunResult result = RunHidden("mount --bind /dev/null " + file, "$PCIINFO devices");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.out, Not(HasSubstr(first)));
-  EXPECT_EQ(LinesOf(result.out).size() + 1, LinesOf(RunPciinfo({}).out).size());
+  EXPECT_EQ(LinesOf(result.out).size() + 1, LinesOf(RunPciinfo({"devices"}).out).size());
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre(EndsWith(file + " could not be read; this function is missing")));
 }

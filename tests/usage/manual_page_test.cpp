@@ -75,8 +75,9 @@ TEST(ManualPage, OfTheProgramHasEveryCommandAndOptionOfTheHelp) {
   const ShellResult page = RunShell(std::string("MANWIDTH=200 man -E ASCII -l ") + kPage);
   ASSERT_EQ(page.status, 0);
   const std::string help = RunShell(PCIINFO_PROGRAM " --help").text;
+  const std::size_t list = help.find("Subcommands:");
   const std::set<std::string> commands =
-      WordsLike(help.substr(help.find("Subcommands:")), "\n  ([a-z]+) ");
+      WordsLike(help.substr(list, help.find("\n\n", list) - list), "\n  ([a-z]+) ");
   EXPECT_GE(commands.size(), 5U);
   std::set<std::string> options = WordsLike(help, "(--[a-z-]+)");
   for (const std::string& command : commands) {

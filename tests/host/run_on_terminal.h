@@ -1,0 +1,19 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/host/run_program.h"
+
+/// How pciinfo is run on a terminal of its own.
+struct TerminalRun {
+  std::vector<std::string> arguments;
+  std::map<std::string, std::string> environment = {};  ///< besides TERM, LANG and PATH
+  unsigned short columns = 80;
+  std::string keys = {};  ///< typed once anything was shown
+};
+
+/// Runs pciinfo with a terminal for all three standard streams. `out` is what it showed, with the
+/// line ends of terminals.
+RunResult RunOnTerminal(const TerminalRun& run);
