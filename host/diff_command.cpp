@@ -16,7 +16,9 @@
 #include "host/json_reader.h"
 #include "host/output.h"
 #include "host/pci_schema.h"
+#include "host/progress_line.h"
 #include "host/query_order.h"
+#include "host/text.h"
 
 namespace pciinfo {
 namespace {
@@ -98,8 +100,12 @@ ExitStatus AnswerOf(int verdict, bool hasTroubles) {
 ExitStatus CompareSides(const Options& options, const Limits& limits, const CommandRunner& run) {
   CheckSides(options);
   CheckIgnored(options.ignored);
+  ProgressLine progress(true);
+  progress.Tell("collecting " + Printable(options.diffBefore));
   const DiffSide before = ReadDiffSide(options.diffBefore, options, run);
+  progress.Tell("collecting " + Printable(options.diffAfter));
   const DiffSide after = ReadDiffSide(options.diffAfter, options, run);
+  progress.End();
   const pid_t self = getpid();
   const ExitStatus verdict = RunInStages(limits, {"comparing", true}, [&](Stages&) {
     return RunGuarded([&] { return ComparePrinting(options, before, after); });
