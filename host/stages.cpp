@@ -19,6 +19,7 @@
 #include "host/confinement.h"
 #include "host/descendants.h"
 #include "host/ending_signals.h"
+#include "host/large_pages.h"
 #include "host/output.h"
 #include "host/scratch_folder.h"
 
@@ -180,6 +181,7 @@ ExitStatus Stages::End(ExitStatus status) {
 ExitStatus Stages::RunFirst(const std::function<ExitStatus(Stages&)>& run) {
   GiveUpPrivileges();
   if (limits_.memory) LimitMemory(*limits_.memory);
+  UseLargePages();
   return run(*this);
 }
 
