@@ -11,6 +11,7 @@
 #include <set>
 #include <sstream>
 
+#include "tests/host/captures.h"
 #include "tests/host/run_program.h"
 #include "tests/runtime/temporary_directory.h"
 
@@ -62,15 +63,6 @@ class Machine {
   vtq::TemporaryDirectory folder_;
   json findings_;
 };
-
-std::vector<std::string> Captures() {
-  std::vector<std::string> files;
-  for (const auto& entry : fs::directory_iterator(PCIINFO_MACHINES)) {
-    if (entry.path().string().ends_with(".tar.gz")) files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
 
 /// The numbers of a file's first line.
 unsigned long NumberIn(const fs::path& file) {
@@ -152,13 +144,6 @@ TEST_P(CapturedChecks, KnowTheAddressesThatAreRepeated) {
   EXPECT_EQ(machine.Objects("address-repeated").size(), static_cast<std::size_t>(repeated));
 }
 
-std::string NameOf(const testing::TestParamInfo<std::string>& capture) {
-  std::string name = fs::path(capture.param).stem().stem();
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Machines, CapturedChecks, testing::ValuesIn(Captures()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Machines, CapturedChecks, testing::ValuesIn(Captures()), NameOfCapture);
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "tests/host/captures.h"
 #include "tests/host/run_program.h"
 #include "tests/runtime/temporary_directory.h"
 
@@ -17,15 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using nlohmann::json;
-
-std::vector<std::string> Captures() {
-  std::vector<std::string> files;
-  for (const auto& entry : fs::directory_iterator(PCIINFO_MACHINES)) {
-    if (entry.path().string().ends_with(".tar.gz")) files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
 
 class CapturedDiffs : public testing::TestWithParam<std::string> {};
 
@@ -63,13 +55,6 @@ TEST_P(CapturedDiffs, EveryRevisionThatIsChangedIsFound) {
   EXPECT_EQ(found, expected);
 }
 
-std::string NameOf(const testing::TestParamInfo<std::string>& capture) {
-  std::string name = fs::path(capture.param).stem().stem();
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Machines, CapturedDiffs, testing::ValuesIn(Captures()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Machines, CapturedDiffs, testing::ValuesIn(Captures()), NameOfCapture);
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "host/json_reader.h"
+#include "tests/host/captures.h"
 #include "tests/host/cim_xml_document.h"
 #include "tests/host/run_program.h"
 #include "tests/host/written.h"
@@ -19,15 +20,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> Captures() {
-  std::vector<std::string> files;
-  for (const auto& entry : fs::directory_iterator(PCIINFO_MACHINES)) {
-    if (entry.path().string().ends_with(".tar.gz")) files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
 
 class CapturedMachine : public testing::TestWithParam<std::string> {
  protected:
@@ -121,7 +113,7 @@ TEST_P(CapturedMachine, ItsOverviewCountsEveryFunction) {
 }
 
 TEST_P(CapturedMachine, ABridgeFilterAndADeviceFilterShareTheFunctions) {
-  const auto count = [this](std::vector<std::string> filter) {
+  const auto count = [](std::vector<std::string> filter) {
     filter.insert(filter.begin(), {"devices", "--format", "json"});
     return Document(Run(GetParam(), filter))["functions"].size();
   };
@@ -130,13 +122,6 @@ TEST_P(CapturedMachine, ABridgeFilterAndADeviceFilterShareTheFunctions) {
   EXPECT_EQ(count({"--filter", "kind=bridge,kind=device"}), 0U);
 }
 
-std::string NameOf(const testing::TestParamInfo<std::string>& capture) {
-  std::string name = fs::path(capture.param).stem().stem();
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Machines, CapturedMachine, testing::ValuesIn(Captures()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Machines, CapturedMachine, testing::ValuesIn(Captures()), NameOfCapture);
 
 }  // namespace

@@ -13,6 +13,16 @@
 namespace pciinfo {
 namespace {
 
+/// Runs `check` in a process of its own, whose memory is not used any more afterwards.
+bool HoldsInNewProcess(bool (*check)()) {
+  const pid_t child = fork();
+  if (child == 0) _exit(check() ? 0 : 1);
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+#ifndef PCIINFO_SANITIZED  // sanitizers bring memory of their own
 /// Whether the kernel takes the advice at all.
 bool HasLargePages() {
   constexpr std::size_t kSize = 4U << 20U;
@@ -32,16 +42,6 @@ bool IsMarked() {
   return false;
 }
 
-/// Runs `check` in a process of its own, whose memory is not used any more afterwards.
-bool HoldsInNewProcess(bool (*check)()) {
-  const pid_t child = fork();
-  if (child == 0) _exit(check() ? 0 : 1);
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-#ifndef PCIINFO_SANITIZED  // sanitizers bring memory of their own
 TEST(LargePages, TheHeapIsMarkedForThemWhereTheSystemHasThem) {
   EXPECT_EQ(HoldsInNewProcess([] {
               UseLargePages();
