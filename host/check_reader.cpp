@@ -144,7 +144,7 @@ void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
     const char* domain = bus.find(':') == std::string::npos ? "0:" : "";
     for (const std::string& file : NamesIn(folder / bus)) {
       const std::string name = fmt::format("{}{}:{}", domain, bus, file);
-      if (const auto where = ParseFullAddress(name)) facts.functions[*where];
+      if (const auto where = ParseFullAddress(name)) facts.functions.try_emplace(*where);
     }
   }
 }

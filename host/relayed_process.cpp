@@ -112,7 +112,8 @@ class Relay final {
 
   RelayedResult End() {
     int status = 0;
-    while (waitpid(process_, &status, 0) < 0 && errno == EINTR) continue;
+    while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+    }
     result_.hasExited = WIFEXITED(status);
     result_.status = result_.hasExited ? WEXITSTATUS(status) : 0;
     return std::move(result_);

@@ -57,9 +57,9 @@ std::unique_ptr<Plugin> PluginManager::Take(const Plugin& plugin) {
   return taken;
 }
 
-void PluginManager::Unload(Plugin& plugin) { Take(plugin).reset(); }
+void PluginManager::Unload(const Plugin& plugin) { Take(plugin).reset(); }
 
-void PluginManager::End(Plugin& plugin) {
+void PluginManager::End(const Plugin& plugin) {
   ended_.push_back(Take(plugin));
   ended_.back()->EndObject();
 }

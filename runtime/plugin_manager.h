@@ -34,12 +34,12 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
 
   /// Ends the plug-in's object (with DeInit first where that is still to come) and unloads its
   /// library. Throws TVTQException for a plug-in that is not this manager's.
-  void Unload(Plugin& plugin);
+  void Unload(const Plugin& plugin);
 
   /// Ends the plug-in's object as Unload does, and leaves its library loaded as long as this
   /// manager lives: the plug-in is this manager's no more. For a host that is about to end, which
   /// is spared the time that unloading takes. Throws like Unload.
-  void End(Plugin& plugin);
+  void End(const Plugin& plugin);
 
   const std::vector<std::unique_ptr<Plugin>>& GetPlugins() const noexcept { return plugins_; }
 
