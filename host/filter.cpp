@@ -38,7 +38,7 @@ std::optional<Test> DeviceTest(std::string_view value) {
 /// "vvvv:dddd", or one of them.
 std::optional<Test> SubsystemTest(std::string_view value) {
   const std::size_t colon = value.find(':');
-  const auto vendor = IdTest(&PciFunction::subsystemVendorId, value.substr(0, colon));
+  auto vendor = IdTest(&PciFunction::subsystemVendorId, value.substr(0, colon));
   if (colon == std::string_view::npos) return vendor;
   const auto device = IdTest(&PciFunction::subsystemId, value.substr(colon + 1));
   if (!vendor || !device) return std::nullopt;

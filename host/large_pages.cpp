@@ -4,13 +4,26 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 namespace pciinfo {
 
+namespace {
+
+/// 0 where the block is not in the heap that ends there.
+std::size_t BytesUntil(const void* end, const void* block) noexcept {
+  const auto last = reinterpret_cast<std::uintptr_t>(end);
+  const auto first = reinterpret_cast<std::uintptr_t>(block);
+  return first < last ? last - first : 0;
+}
+
+}  // namespace
+
 void UseLargePages() noexcept {
-  constexpr std::uintptr_t kLargePage = 2U << 20U;
+  constexpr std::size_t kLargePage = 2U << 20U;
   constexpr int kRoom = 32 << 20;
   constexpr int kUsualRoom = 1 << 20;
   constexpr int kOwnMapping = 8 << 20;  // blocks of this size grow without being copied
@@ -20,10 +33,10 @@ void UseLargePages() noexcept {
   void* const first =
       std::malloc(kUsualRoom);  // more than is there: the heap grows by all the room
   mallopt(M_TOP_PAD, kUsualRoom);
-  const auto begin = (reinterpret_cast<std::uintptr_t>(first) + kLargePage - 1) / kLargePage;
-  const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0)) / kLargePage;
-  if (first != nullptr && begin < end) {
-    madvise(reinterpret_cast<void*>(begin * kLargePage), (end - begin) * kLargePage, MADV_HUGEPAGE);
+  void* begin = first;
+  std::size_t space = BytesUntil(sbrk(0), first);
+  if (first != nullptr && std::align(kLargePage, kLargePage, begin, space) != nullptr) {
+    madvise(begin, space / kLargePage * kLargePage, MADV_HUGEPAGE);
   }
   std::free(first);
 }
