@@ -11,9 +11,9 @@
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
-using testing::StartsWith;
 
 TerminalRun Devices(const std::string& pager) {
   return {{"devices", "--plugin", FakePluginFile("fixed")}, {{"PAGER", pager}}};
@@ -46,7 +46,8 @@ TEST(Pager, MayBeLeftEarly) {
                      {{"PAGER", "head -n 1"}}};
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "QZMSG_PCIRawData: 1 instance\r\n");
+  // On a slow machine, progress stands before it.
+  EXPECT_THAT(result.out, EndsWith("QZMSG_PCIRawData: 1 instance\r\n"));
 }
 
 TEST(Pager, IsDoneWithoutWhereItCannotBeStarted) {
@@ -72,7 +73,7 @@ TEST(Pager, MessagesComeWhenItHasEnded) {
                      {{"PAGER", "cat; sleep 0.3; echo end of the pager"}, {"NO_COLOR", "1"}}};
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.out, StartsWith("On board:\r\n"));
+  EXPECT_LT(result.out.find("On board:\r\n"), result.out.find("end of the pager"));
   EXPECT_LT(result.out.find("end of the pager"), result.out.find("pciinfo: this machine has no"));
 }
 
