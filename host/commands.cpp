@@ -92,14 +92,20 @@ ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus prin
 
 /// What a run writes besides its result.
 struct Channels {
+  LogSettings log;
   ProgressLine& progress;
   const LateMessages& messages;
 };
 
+LogSettings OpenLog(const Options& options) {
+  if (options.logFile.empty()) return {nullptr, options.logLevel};
+  return {vtq::MakeFileSink(options.logFile), options.logLevel};
+}
+
 ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
-  Session session(report, {options.logFile, options.logLevel}, job.classes);
+  Session session(report, channels.log, job.classes);
   LoadPlugins(session, options.plugins);
   stages.EndStage();
   CollectInStages(session, report, job, stages, channels.progress);
@@ -156,9 +162,10 @@ ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& 
     });
   }
   progress.Tell("loading the plug-ins");
-  return RunInStages(LimitsOf(options), {"loading the plug-ins"}, [&](Stages& stages) {
-    return Show(options, job, stages, {progress, messages});
-  });
+  // A run that is repeated for a stage that failed goes on with the same log.
+  const Channels channels{OpenLog(options), progress, messages};
+  return RunInStages(LimitsOf(options), {"loading the plug-ins"},
+                     [&](Stages& stages) { return Show(options, job, stages, channels); });
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ using NQZMVTQ20::ILogger;
 
 std::shared_ptr<vtq::Logger> MakeLogger(TroubleReport& report, const LogSettings& settings) {
   auto logger = std::make_shared<vtq::Logger>();
-  if (!settings.file.empty()) logger->AddSink(vtq::MakeFileSink(settings.file));
+  if (settings.file) logger->AddSink(settings.file);
   logger->AddSink(
       MakeStderrSink(settings.level, report),
       static_cast<ILogger::EVTQLogSeverity>(settings.level.value_or(ILogger::kWarning)));

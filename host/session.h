@@ -15,7 +15,7 @@ namespace pciinfo {
 
 /// Where a session's log records go besides its report.
 struct LogSettings {
-  std::string file;          ///< empty: none
+  vtq::LogSink file;         ///< none where it is empty
   std::optional<int> level;  ///< for standard error, see MakeStderrSink
 };
 
@@ -23,8 +23,7 @@ struct LogSettings {
 /// behind the framework's singletons as long as it lives, so there is one at a time.
 class Session final {
  public:
-  /// `report` must outlive the session. Throws TVTQException when the log file cannot be opened,
-  /// and when two of `classes` have one name.
+  /// `report` must outlive the session. Throws TVTQException when two of `classes` have one name.
   Session(TroubleReport& report, const LogSettings& log,
           std::vector<vtq::ClassSchema> classes = PciSchema());
   Session(const Session&) = delete;

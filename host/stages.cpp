@@ -30,6 +30,11 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr milliseconds kNoTime{0};
+/// Work that takes longer is not done twice.
+constexpr milliseconds kWorthKeeping{1000};
+/// What is done again may take that long, however little time is left: a stage that hangs as the
+/// last one has used it up.
+constexpr milliseconds kTimeForRepetition{5000};
 
 /// To a tenth, for people.
 double Seconds(milliseconds time) {
@@ -64,8 +69,10 @@ bool CameToItsEnd(const SuccessorEnd& end) {
   return end.progress == Progress::kOver && !end.outOfTime && WIFEXITED(end.status);
 }
 
-bool DidItsStage(const SuccessorEnd& end) {
-  return end.progress != Progress::kWorking && end.progress != Progress::kNoRoom;
+/// Whether no stage was being done.
+bool DidItsStages(const SuccessorEnd& end) {
+  return end.progress != Progress::kStage && end.progress != Progress::kLastStage &&
+         end.progress != Progress::kNoRoom;
 }
 
 ExitStatus StatusOf(const SuccessorEnd& end) {
@@ -97,14 +104,14 @@ class HeldSignals final {
 }  // namespace
 
 Stages::Stages(const Limits& limits)
-    : limits_(limits), deadline_(steady_clock::now() + limits.time) {}
+    : limits_(limits), deadline_(steady_clock::now() + limits.time), forked_(steady_clock::now()) {}
 
 Stages::~Stages() { Tell(Progress::kOver); }
 
 void Stages::Tell(Progress progress) noexcept {
   if (!words_.IsOpen()) return;
   const char word = static_cast<char>(progress);
-  // Without the pipe the process before would take this one's work for undone and do it again.
+  // Without the pipe the process that waits would take this one's work for undone.
   if (WriteAll(words_.Get(), {&word, 1}) != 0) _exit(kFailed);
 }
 
@@ -121,41 +128,77 @@ std::optional<Successor> Stages::Fork() {
   if (child > 0) return Successor(child, std::move(reading));
   Settle(parent);
   words_ = std::move(writing);
+  forked_ = steady_clock::now();
   return std::nullopt;
 }
 
-milliseconds Stages::TimeFor(bool isLast) const {
+int Stages::StageOf(int begun) const {
+  int stage = stage_;
+  for (int i = 1; i < begun; ++i) {
+    do ++stage;
+    while (failures_.count(stage) != 0);
+  }
+  return stage;
+}
+
+milliseconds Stages::TimeFor(int begun, bool isLast) const {
   const auto left = std::chrono::ceil<milliseconds>(deadline_ - steady_clock::now());
-  return std::max(kNoTime, isLast ? left : left / 2);
+  const bool isRepetition = StageOf(begun) <= lastDone_;
+  return std::max(isRepetition ? kTimeForRepetition : kNoTime, isLast ? left : left / 2);
+}
+
+SuccessorEnd Stages::Await(Successor& successor, bool isLast, int signals) const {
+  return successor.Await(
+      isLast ? Progress::kLastStage : Progress::kStage,
+      [this](int begun, bool isLastStage) { return TimeFor(begun, isLastStage); }, signals);
+}
+
+int Stages::Lose(const SuccessorEnd& end) {
+  const int stage = StageOf(end.begun);
+  failures_[stage] = ReasonOf(end);
+  lastDone_ = std::max(lastDone_, stage - 1);
+  return stage;
 }
 
 std::string Stages::ReasonOf(const SuccessorEnd& end) const {
   if (end.progress == Progress::kNoRoom) return "left no memory to go on with (--memory-limit)";
   if (!end.outOfTime) return HowItEnded(end.status);
   std::string stopped = fmt::format("was stopped after {:g} seconds", Seconds(*end.outOfTime));
-  if (DidItsStage(end)) return stopped;
+  if (DidItsStages(end)) return stopped;
   return stopped + fmt::format(" (--timeout bounds the whole run to {:g})", Seconds(limits_.time));
 }
 
 std::string Stages::FailureOf(const SuccessorEnd& end, const std::string& stage) const {
-  return fmt::format("{}: the process {}", DidItsStage(end) ? LaterWork(end.progress) : stage,
+  return fmt::format("{}: the process {}", DidItsStages(end) ? LaterWork(end.progress) : stage,
                      ReasonOf(end));
 }
 
 std::optional<std::string> Stages::Begin(bool isLast) {
-  const milliseconds time = TimeFor(isLast);
+  ++stage_;
+  const auto failure = failures_.find(stage_);
+  if (failure != failures_.end()) return failure->second;
+  if (steady_clock::now() - forked_ > kWorthKeeping) return BeginApart(isLast);
+  Tell(isLast ? Progress::kLastStage : Progress::kStage);
+  return std::nullopt;
+}
+
+std::optional<std::string> Stages::BeginApart(bool isLast) {
   try {
-    std::optional<Successor> successor = Fork();
-    if (!successor) return std::nullopt;
-    const SuccessorEnd end = successor->Await(time, -1);
-    if (!DidItsStage(end)) return ReasonOf(end);
-    // The rest of the run was the successor's.
-    if (!CameToItsEnd(end)) WriteMessage(FailureOf(end, ""));
-    Tell(Progress::kOver);
-    _exit(CameToItsEnd(end) ? StatusOf(end) : kFailed);
+    while (std::optional<Successor> successor = Fork()) {
+      const SuccessorEnd end = Await(*successor, isLast, -1);
+      if (DidItsStages(end)) FollowToItsEnd(end);
+      if (Lose(end) == stage_) return failures_[stage_];
+    }
+    return std::nullopt;
   } catch (const std::system_error& error) {
     return "could not be given a process: " + error.code().message();
   }
+}
+
+void Stages::FollowToItsEnd(const SuccessorEnd& end) {
+  if (!CameToItsEnd(end)) WriteMessage(FailureOf(end, ""));
+  Tell(Progress::kOver);
+  _exit(CameToItsEnd(end) ? StatusOf(end) : kFailed);
 }
 
 void Stages::EndStage() {
@@ -190,20 +233,21 @@ ExitStatus RunInStages(const Limits& limits, const FirstStage& first,
   ScratchFolder folder;
   HeldSignals signals;
   Stages stages(limits);
-  std::optional<Successor> successor = stages.Fork();
-  if (!successor) {
-    signals.Release();
-    folder.MoveIn();
-    return stages.RunFirst(run);
+  while (std::optional<Successor> successor = stages.Fork()) {
+    const SuccessorEnd end = stages.Await(*successor, first.isLast, signals.Get());
+    if (end.signal != 0) {
+      folder.Remove();
+      EndBySignal(end.signal);
+    }
+    if (CameToItsEnd(end)) return StatusOf(end);
+    if (DidItsStages(end) || stages.Lose(end) == 0) {
+      WriteMessage(stages.FailureOf(end, first.what));
+      return kFailed;
+    }
   }
-  const SuccessorEnd end = successor->Await(stages.TimeFor(first.isLast), signals.Get());
-  if (end.signal != 0) {
-    folder.Remove();
-    EndBySignal(end.signal);
-  }
-  if (CameToItsEnd(end)) return StatusOf(end);
-  WriteMessage(stages.FailureOf(end, first.what));
-  return kFailed;
+  signals.Release();
+  folder.MoveIn();
+  return stages.RunFirst(run);
 }
 
 }  // namespace pciinfo

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -24,22 +25,27 @@ struct FirstStage {
   bool isLast = false;  ///< no other one comes after it
 };
 
-/// A run that outlives what it runs. Every stage of it is done in a process of its own, forked from
-/// the one that holds what all stages before have given. When a stage dies, hangs, or takes all
-/// memory, the process before it is still there: it goes on without what that stage would have
-/// given, and nothing had to be copied for it. So plug-ins may be forked between two calls.
+/// A run that outlives what it runs. It is done stage by stage in a process that is forked for it,
+/// while this one waits. When a stage dies, hangs, or takes all memory, the process that waits
+/// forks another one, which does the run again, without that stage. So plug-ins may be forked
+/// before they are loaded and between two calls, and may be asked again what they have answered
+/// already.
+///
+/// A fork costs as much as a small machine's inventory: it is made where it saves more than it
+/// costs. A process that has worked for a second forks before its next stage and waits from then
+/// on: what it has done need not be done again.
 class Stages final {
  public:
   Stages(const Stages&) = delete;
   Stages& operator=(const Stages&) = delete;
-  /// Tells the process before that this one came to its end in good order; a process that a
+  /// Tells the process that waits that this one came to its end in good order; a process that a
   /// plug-in ends does not get here.
   ~Stages();
 
-  /// Begins a stage. In a new process it returns nothing: that process does the stage, calls
-  /// EndStage and goes on with the rest of the run. In this process it returns only if the stage
-  /// was not done, with the reason as a clause ("died by signal 11 (...)"). Every stage but the
-  /// last may take half of the time that is left, so that one that hangs leaves some to the others.
+  /// Begins a stage. Returns nothing when this process is to do the stage, call EndStage and go on
+  /// with the rest of the run. Otherwise the stage cannot be done, for the reason that is returned,
+  /// as a clause ("died by signal 11 (...)"). Every stage but the last may take half of the time
+  /// that is left, so that one that hangs leaves some to the others.
   std::optional<std::string> Begin(bool isLast);
 
   /// The stage was done: what it gave is kept, and no time is counted from here on. A stage that
@@ -63,7 +69,17 @@ class Stages final {
   /// Forks. In the new process it returns nothing, and `words_` leads to this one. Throws
   /// std::system_error.
   std::optional<Successor> Fork();
-  std::chrono::milliseconds TimeFor(bool isLast) const;
+  /// Forks for the stage that begins. In the new process it returns nothing; in this one it returns
+  /// why the stage was not done.
+  std::optional<std::string> BeginApart(bool isLast);
+  /// The number of the stage that a successor of this process begins as its `begun`-th one.
+  int StageOf(int begun) const;
+  std::chrono::milliseconds TimeFor(int begun, bool isLast) const;
+  SuccessorEnd Await(Successor& successor, bool isLast, int signals) const;
+  /// Takes note of the stage in which a successor ended, and answers its number.
+  int Lose(const SuccessorEnd& end);
+  /// Ends this process, as the successor that did the rest of the run has ended.
+  [[noreturn]] void FollowToItsEnd(const SuccessorEnd& end);
   /// Why a stage was not done, or the rest of the run not carried to its end, as a clause.
   std::string ReasonOf(const SuccessorEnd& end) const;
   /// The same as a message, which names what was being done; `stage` is the name of the stage.
@@ -74,11 +90,15 @@ class Stages final {
 
   Limits limits_;
   std::chrono::steady_clock::time_point deadline_;
-  vtq::FileDescriptor words_;  ///< to the process before; none in the first one
+  std::chrono::steady_clock::time_point forked_;  ///< when this process began to work
+  int stage_ = 0;                                 ///< the number of the one that was begun last
+  int lastDone_ = -1;  ///< the last one that was done already, in a process that ended later
+  std::map<int, std::string> failures_;  ///< why stages were not done, by their numbers
+  vtq::FileDescriptor words_;            ///< to the process that waits; none in the first one
 };
 
 /// Runs `run`, which begins in its first stage, in a process that has no more rights than it needs
-/// and an empty working directory of its own, while this one waits, whatever becomes of the other.
+/// and a working directory of its own, while this one waits, whatever becomes of the other.
 /// Returns in both processes: what `run` answered, or kFailed after a message when it came to no
 /// end. A signal that ends this process ends them all; nothing that they started outlives it.
 /// Throws std::system_error when there can be no other process.

@@ -51,9 +51,13 @@ Successor::Successor(pid_t process, vtq::FileDescriptor words)
   throw std::system_error(error, std::generic_category());
 }
 
-void Successor::SetProgress(Progress progress) {
+void Successor::SetProgress(Progress progress, const StageTime& time) {
   progress_ = progress;
   isTimed_ = progress != Progress::kDone;
+  if (progress == Progress::kStage || progress == Progress::kLastStage) {
+    ++begun_;
+    AllowTime(time(begun_, progress == Progress::kLastStage));
+  }
   if (progress == Progress::kEnding || progress == Progress::kOver) AllowTime(kEndingTime);
 }
 
@@ -62,12 +66,12 @@ void Successor::AllowTime(milliseconds time) {
   deadline_ = steady_clock::now() + time;
 }
 
-void Successor::ReadWords() {
+void Successor::ReadWords(const StageTime& time) {
   std::array<char, 16> words{};
   const ssize_t count = read(words_.Get(), words.data(), words.size());
   if (count == 0) words_.Close();
   for (ssize_t i = 0; i < count; ++i) {
-    SetProgress(static_cast<Progress>(words[static_cast<std::size_t>(i)]));
+    SetProgress(static_cast<Progress>(words[static_cast<std::size_t>(i)]), time);
   }
 }
 
@@ -82,29 +86,29 @@ void Successor::MakeEnd(int signal) {
   KillTree(process_);
 }
 
-SuccessorEnd Successor::Await(milliseconds time, int signals) {
-  AllowTime(time);
+SuccessorEnd Successor::Await(Progress first, const StageTime& time, int signals) {
+  SetProgress(first, time);
   while (true) {
     std::array<pollfd, 3> watched = {
         {{words_.Get(), POLLIN, 0}, {life_.Get(), POLLIN, 0}, {signals, POLLIN, 0}}};
     const int count = poll(watched.data(), watched.size(), isTimed_ ? PollTime(deadline_) : -1);
-    if (watched[0].revents != 0) ReadWords();
+    if (watched[0].revents != 0) ReadWords(time);
     if (watched[1].revents != 0) break;
     if (watched[2].revents != 0) {
       const int signal = TakeSignal(signals);
       MakeEnd(signal);
-      return {progress_, std::nullopt, signal, 0};
+      return {progress_, begun_, std::nullopt, signal, 0};
     }
     if (count == 0) {
-      MakeEnd(signals < 0 ? SIGKILL : SIGTERM);
-      return {progress_, time_, 0, 0};
+      MakeEnd(signals >= 0 && progress_ == Progress::kLastStage ? SIGTERM : SIGKILL);
+      return {progress_, begun_, time_, 0, 0};
     }
   }
-  if (words_.IsOpen()) ReadWords();  // what it told between the two looks of poll
+  if (words_.IsOpen()) ReadWords(time);  // what it told between the two looks of poll
   int status = 0;
   waitpid(process_, &status, 0);
   KillChildren();
-  return {progress_, std::nullopt, 0, status};
+  return {progress_, begun_, std::nullopt, 0, status};
 }
 
 }  // namespace pciinfo

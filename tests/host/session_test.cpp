@@ -51,7 +51,7 @@ TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
 TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
   const std::string logFile = testing::TempDir() + "session_test.log";
   {
-    Session session(report_, {logFile, {}});
+    Session session(report_, {vtq::MakeFileSink(logFile), {}});
     session.Load(FakePluginFile("fixed"));
     session.Collect({"QZMSG_SystemBoard", "QZMSG_PCIBridge"});
   }

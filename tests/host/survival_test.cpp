@@ -56,6 +56,16 @@ class Survival : public testing::Test {
     return log.find(text) != std::string::npos;
   }
 
+  /// How often the plug-in was asked for a class.
+  int CountQueries(const std::string& className) const {
+    std::ifstream stream(LogFile());
+    int count = 0;
+    for (std::string line; std::getline(stream, line);) {
+      if (line.ends_with("GetData " + className)) ++count;
+    }
+    return count;
+  }
+
   /// What follows `beginning` in the log.
   std::string Logged(const std::string& beginning) const {
     std::ifstream stream(LogFile());
@@ -82,6 +92,38 @@ TEST_F(Survival, AClassWhoseCollectionDiesIsNamedAndTheOthersArePrinted) {
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)"));
+}
+
+TEST_F(Survival, WhatWasCollectedQuicklyIsCollectedAgainWithoutTheClassThatDied) {
+  Run("Abort_QZMSG_SystemSlot");
+  EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 2);
+  EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
+  EXPECT_EQ(CountQueries("QZMSG_PCIRawData"), 1);
+}
+
+TEST_F(Survival, WhatTookLongIsNotCollectedAgain) {
+  const RunResult result =
+      RunFake("slow_then_dying", {"instances", "--format", "jsonl", "--log-file", LogFile()});
+  EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 1);
+  EXPECT_EQ(CountQueries("QZMSG_PCIBridge"), 3);
+  EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
+  EXPECT_EQ(CountQueries("QZMSG_SystemBoard"), 2);
+  EXPECT_EQ(CountQueries("QZMSG_OnBoardDevice"), 1);
+  EXPECT_THAT(ClassesIn(result.out), ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge",
+                                                 "QZMSG_SystemBoard", "QZMSG_PCIRawData"));
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)",
+                          "pciinfo: QZMSG_OnBoardDevice: the plug-in died by signal 6 (Aborted)"));
+}
+
+TEST_F(Survival, TheLastClassMayUseUpAllTimeAndLosesItselfOnly) {
+  const RunResult result = Run("Hang_QZMSG_PCIRawData", {"--timeout", "2"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(ClassesIn(result.out),
+              ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemSlot",
+                          "QZMSG_SystemBoard", "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"));
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre(StartsWith("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after ")));
 }
 
 TEST_F(Survival, APluginThatEndsTheProgramLosesItsClassOnly) {
