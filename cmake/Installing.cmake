@@ -9,6 +9,16 @@ if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set(CMAKE_SKIP_INSTALL_RPATH ON)
 endif()
 
+# Where a target looks for its libraries: PLACES fit the build tree and the installation alike. Left
+# to itself, CMake links with a path of its own for the build tree and adds an empty one, which to
+# the loader is the current directory, whoever wrote what is in it.
+function(pciinfo_find_libraries target)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "${ARGN}")
+  if(NOT CMAKE_SKIP_INSTALL_RPATH)
+    set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+  endif()
+endfunction()
+
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool
   FILES_MATCHING PATTERN "captures.md" PATTERN "formats.md" PATTERN "json.md" PATTERN "findings.md"
