@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -24,6 +25,7 @@
 #include "host/show_target.h"
 #include "host/stages.h"
 #include "host/text.h"
+#include "runtime/command_ahead.h"
 
 namespace pciinfo {
 namespace {
@@ -36,6 +38,17 @@ void LoadPlugins(Session& session, const std::vector<std::string>& files) {
                                "install the plug-in, or name one with --plugin"));
   }
   for (const std::string& file : files) session.Load(file);
+}
+
+/// The plug-in describes functions by the words of `lspci`, which take most of the time of a run:
+/// they are made while the plug-in is loaded and looks around.
+void StartListing(const Options& options, const Job& job) {
+  const auto isDescribed = [](const std::string& className) {
+    return className == "QZMSG_PCIDevice" || className == "QZMSG_PCIBridge";
+  };
+  if (options.plugins.empty() && std::any_of(job.collect.begin(), job.collect.end(), isDescribed)) {
+    vtq::StartCommandAhead("lspci");
+  }
 }
 
 ExitStatus Print(const std::function<void(Output& output)>& print) {
@@ -103,6 +116,7 @@ LogSettings OpenLog(const Options& options) {
 }
 
 ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
+  StartListing(options, job);
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
   Session session(report, channels.log, job.classes);

@@ -14,6 +14,8 @@ namespace {
 
 std::string recordings;
 
+std::string PathOf(const std::string& command) { return recordings + '/' + command; }
+
 bool IsFileName(const std::string& text) {
   return !text.empty() && text != "." && text != ".." &&
          text.find_first_of(std::string("/\0", 2)) == std::string::npos;
@@ -29,12 +31,14 @@ bool IsRegularFile(const std::string& path) {
 
 void ReplayCommandsFrom(std::string directory) { recordings = std::move(directory); }
 
+bool IsRecorded(const std::string& command) {
+  return !recordings.empty() && IsFileName(command) && IsRegularFile(PathOf(command));
+}
+
 std::optional<std::string> RecordedOutput(const std::string& command) {
-  if (recordings.empty() || !IsFileName(command)) return std::nullopt;
-  const std::string path = recordings + '/' + command;
-  if (!IsRegularFile(path)) return std::nullopt;
+  if (!IsRecorded(command)) return std::nullopt;
   try {
-    return ReadFile(path);
+    return ReadFile(PathOf(command));
   } catch (const NQZMVTQ20::TVTQException& failure) {
     FailService("the recorded output of \"" + command + "\" is lost: " + failure.what(),
                 failure.GetStatusCode());

@@ -89,6 +89,19 @@ std::string WithTool(const std::string& script) {
          "mount --bind /tmp/$$.tool /usr/bin/lspci && rm /tmp/$$.tool";
 }
 
+TEST_F(Surroundings, TheListingIsMadeOnceAndOnlyForClassesThatNeedIt) {
+  const std::string tool = WithTool("echo ran \\$* >>/tmp/$$.runs");
+  const auto runsOf = [&](const std::string& words) {
+    return RunHidden("touch /tmp/$$.runs && " + tool,
+                     "$PCIINFO " + words + " >/dev/null 2>&1; cat /tmp/$$.runs; rm /tmp/$$.runs")
+        .out;
+  };
+  EXPECT_EQ(runsOf("instances QZMSG_PCIDevice QZMSG_PCIBridge"), "ran\n");
+  EXPECT_EQ(runsOf("devices"), "ran\n");
+  EXPECT_EQ(runsOf("instances QZMSG_SystemBoard QZMSG_SystemSlot"), "");
+  EXPECT_EQ(runsOf("instances QZMSG_PCIRawData"), "ran -xxxx\nran -vvv\n");
+}
+
 TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
   const RunResult result = RunHidden(
       WithTool("sleep 987654; true"),
