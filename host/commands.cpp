@@ -14,6 +14,7 @@
 #include "host/class_file.h"
 #include "host/diff_command.h"
 #include "host/jobs.h"
+#include "host/large_pages.h"
 #include "host/library_location.h"
 #include "host/output.h"
 #include "host/pager.h"
@@ -117,6 +118,7 @@ LogSettings OpenLog(const Options& options) {
 
 ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
   StartListing(options, job);
+  UseLargePages();
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
   Session session(report, channels.log, job.classes);

@@ -8,6 +8,7 @@
 #include "host/guarded_run.h"
 #include "host/options.h"
 #include "host/output.h"
+#include "host/process_end.h"
 #include "host/query_order.h"
 
 namespace {
@@ -33,5 +34,5 @@ ExitStatus Run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
   ReserveStandardStreams();
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows as a failed write
-  return RunGuarded([&] { return Run(argc, argv); });
+  return EndProcess(RunGuarded([&] { return Run(argc, argv); }));
 }

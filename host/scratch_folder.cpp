@@ -22,6 +22,7 @@ void ScratchFolder::MoveIn() noexcept {
 
 void ScratchFolder::Remove() noexcept {
   if (path_.empty()) return;
+  if (rmdir(path_.c_str()) == 0) return path_.clear();  // as nearly always: nobody wrote there
   try {
     std::filesystem::remove_all(std::exchange(path_, ""));
   } catch (const std::exception&) {

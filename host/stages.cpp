@@ -19,8 +19,8 @@
 #include "host/confinement.h"
 #include "host/descendants.h"
 #include "host/ending_signals.h"
-#include "host/large_pages.h"
 #include "host/output.h"
+#include "host/process_end.h"
 #include "host/scratch_folder.h"
 
 namespace pciinfo {
@@ -212,19 +212,13 @@ void Stages::EndStage() {
 void Stages::BeginEnding() { Tell(Progress::kEnding); }
 
 ExitStatus Stages::End(ExitStatus status) {
-#ifdef PCIINFO_WATCHED_END
-  return status;
-#else
-  std::fflush(nullptr);  // what plug-ins have printed
   Tell(Progress::kOver);
-  _exit(status);
-#endif
+  return EndProcess(status);
 }
 
 ExitStatus Stages::RunFirst(const std::function<ExitStatus(Stages&)>& run) {
   GiveUpPrivileges();
   if (limits_.memory) LimitMemory(*limits_.memory);
-  UseLargePages();
   return run(*this);
 }
 

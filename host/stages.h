@@ -56,9 +56,7 @@ class Stages final {
   /// take ten seconds.
   void BeginEnding();
 
-  /// The run is over, with that status. This process ends here, in good order: what it holds need
-  /// not be taken apart, which takes long for a large machine. Under sanitizers and where coverage
-  /// is counted, both of which look at a process's end, it returns `status` instead.
+  /// The run is over, with that status: EndProcess.
   ExitStatus End(ExitStatus status);
 
  private:
