@@ -92,6 +92,18 @@ TEST(ExtractDecimalDataToHex, AgreesWithAStreamOnAnyText) {
   }
 }
 
+TEST(ReadHex, ReadsAPartOfATextAsThatPartAlone) {
+  constexpr std::string_view kLine = "00f8\t80868d02\tFFFF1\t0x1f g";
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(0, 4)), 0xF8);
+  EXPECT_EQ(ReadHex<unsigned int>(kLine.substr(5, 8)), 0x80868D02U);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(14, 4)), 0xFFFF);
+  EXPECT_EQ(ReadHex<unsigned int>(kLine.substr(14, 5)), 0xFFFF1U);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20)), 0x1F);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20, 3)), 1);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20, 2)), ReadFromStream<unsigned short>("0x"));
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20, 0)), 0);
+}
+
 TEST(InsertProperty, FirstValueOfANameWins) {
   TPropertyMap properties;
   InsertProperty(&properties, "Name", TCIMValue("first"));
