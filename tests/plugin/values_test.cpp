@@ -117,3 +117,17 @@ TEST(InsertProperty, NullValueAddsNothing) {
   InsertProperty(&properties, "Name", TCIMValue());
   EXPECT_TRUE(properties.empty());
 }
+
+TEST(InsertProperty, AgreesWithAPlainSearchInAnyOrder) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    TPropertyMap properties;
+    TPropertyMap plain;
+    for (unsigned number = 0; number < 40; ++number) {
+      const std::string name = "Name" + std::to_string(random() % 30);
+      if (plain.find(name) == plain.end()) plain[name] = TCIMValue(number);
+      InsertProperty(&properties, name, TCIMValue(number));
+    }
+    ASSERT_EQ(properties, plain);
+  }
+}
