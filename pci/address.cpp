@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 
@@ -28,8 +29,15 @@ std::string PciAddress::ListingKey() const {
 }
 
 std::string PciAddress::LegacyKey() const {
-  return " Bus " + PadDecimal(bus, 2) + ", device " + PadDecimal(device, 3) + ", function " +
-         PadDecimal(function, 2);
+  std::string text;
+  text.reserve(std::size("PCI Bus 255, device 255, function 255"));  // with its usual prefix
+  text += " Bus ";
+  text += PadDecimal(bus, 2);
+  text += ", device ";
+  text += PadDecimal(device, 3);
+  text += ", function ";
+  text += PadDecimal(function, 2);
+  return text;
 }
 
 std::string PciAddress::WithDomain() const { return "0000:" + ListingKey(); }

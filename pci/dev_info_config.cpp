@@ -16,8 +16,10 @@ const std::string kEnteringPciRead = "Entering TPciDevInfo::PciRead routine";
 const std::string kExitingPciRead = "Exiting TPciDevInfo::PciRead routine";
 
 std::string ConfigPath(const sPciDevices& record) {
-  const std::string key = PciAddress{record.bus, record.device, record.function}.ListingKey();
-  return std::string(kProcBusPci) + '/' + key.substr(0, 2) + '/' + key.substr(3);
+  const PciAddress address{record.bus, record.device, record.function};
+  std::string path = std::string(kProcBusPci) + '/' + address.ListingKey();
+  std::replace(path.begin(), path.end(), ':', '/');
+  return path;
 }
 
 // A file descriptor that is closed at the end of its scope.

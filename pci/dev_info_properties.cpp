@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "pci/address.h"
 #include "pci/dev_info.h"
 #include "pci/process_state.h"
@@ -68,12 +70,18 @@ TCIMValue ConfigWordValue(const sPciDevices& record, EPciConfigOffset offset) {
   return TCIMValue(ConfigWord(record.configSpace, offset));
 }
 
-void InsertClass(const sPciDevices& record, TPropertyMap* properties) {
+// What the function's own record tells. In name order, which InsertProperty is quickest with.
+void InsertRecord(const sPciDevices& record, TPropertyMap* properties) {
   InsertProperty(properties, "ClassCode", ConfigByteValue(record, kConfigBaseClass));
-  InsertProperty(properties, "Subclass", ConfigByteValue(record, kConfigSubclass));
+  // A function is identified by where it is: its number is "PciDeviceID".
+  std::string location = "PCI" + PciAddress{record.bus, record.device, record.function}.LegacyKey();
+  InsertProperty(properties, "DeviceID", TCIMValue(location));
+  InsertProperty(properties, "Location", TCIMValue(std::move(location)));
+  InsertProperty(properties, "PciDeviceID", TCIMValue(record.deviceId));
   InsertProperty(properties, "ProgrammingInterface",
                  ConfigByteValue(record, kConfigProgrammingInterface));
   InsertProperty(properties, "Revision", ConfigByteValue(record, kConfigRevision));
+  InsertProperty(properties, "Subclass", ConfigByteValue(record, kConfigSubclass));
 }
 
 // What the listing says of the function, else the kernel, else its numbers.
@@ -105,12 +113,11 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
   if (vendorId != record->vendorId) {
     return reject(MismatchText("vendor", vendorId, record->vendorId));
   }
-  InsertProperty(properties, "VendorID", TCIMValue(record->vendorId));
   const std::uint16_t deviceId = ConfigWord(record->configSpace, kConfigDeviceId);
   if (deviceId != record->deviceId) {
     return reject(MismatchText("device", deviceId, record->deviceId));
   }
-  InsertProperty(properties, "PciDeviceID", TCIMValue(record->deviceId));
+  InsertRecord(*record, properties);
   if (PopulateKeyProperties(properties) == 1) return reject("Could not get Key Properties");
 
   if (processState.slotIDRetrievalType != 0) {
@@ -121,14 +128,8 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
   } else {
     WriteDebug("SMBIOS version not support.");
   }
-  InsertClass(*record, properties);
-
-  const PciAddress address{record->bus, record->device, record->function};
+  InsertProperty(properties, "VendorID", TCIMValue(record->vendorId));
   InsertProperty(properties, "Description", TCIMValue(Describe(*this, *record)));
-  // A function is identified by where it is: its number is "PciDeviceID".
-  const std::string location = "PCI" + address.LegacyKey();
-  InsertProperty(properties, "Location", TCIMValue(location));
-  InsertProperty(properties, "DeviceID", TCIMValue(location));
   WriteDebug(kExitingGetCommonDevProperties);
   return 0;
 }
@@ -149,9 +150,9 @@ TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
                  ConfigWordValue(*record, kConfigSubsystemVendorId));
   InsertProperty(&properties, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
 
-  const Regions regions = SortRegions(*record);
-  const auto insertUnlessEmpty = [&](const char* name, const auto& list, auto make) {
-    if (!list.empty()) InsertProperty(&properties, name, (this->*make)(list));
+  Regions regions = SortRegions(*record);
+  const auto insertUnlessEmpty = [&](const char* name, auto& list, auto make) {
+    if (!list.empty()) InsertProperty(&properties, name, (this->*make)(std::move(list)));
   };
   insertUnlessEmpty("MEMAddress", regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue);
   insertUnlessEmpty("MEMLength", regions.memoryLengths, &TPciDevInfo::GetDwordCimValue);

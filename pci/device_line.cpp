@@ -1,7 +1,7 @@
 #include "pci/device_line.h"
 
+#include <algorithm>
 #include <array>
-#include <string>
 
 #include "pci/tokens.h"
 #include "plugin/values.h"
@@ -26,19 +26,11 @@ Columns SplitColumns(std::string_view line) {
   return columns;
 }
 
-template <class Number>
-Number ParseHex(std::string_view text) {
-  return ExtractDecimalDataToHex<Number>(std::string(text));
-}
-
-// The kernel right-aligns these columns with blanks.
+// The kernel right-aligns these columns with blanks; what follows the number does not count.
 std::uint32_t ParsePaddedHex(std::string_view column) {
-  std::uint32_t value = 0;
-  ForEachToken(column, ' ', [&](std::string_view number) {
-    value = ParseHex<unsigned int>(number);
-    return false;
-  });
-  return value;
+  const auto* const number =
+      std::find_if_not(column.begin(), column.end(), [](char c) { return c == ' '; });
+  return ReadHex<unsigned int>({number, column.end()});
 }
 
 void ParseRegionColumns(const Columns& columns, std::size_t first,
@@ -54,14 +46,14 @@ bool ParseDeviceLine(std::string_view line, sPciDevices* record) {
   const Columns columns = SplitColumns(line);
   if (columns.count < 3) return false;
   *record = {};
-  const unsigned address = ParseHex<unsigned short>(columns.texts[0]);
+  const unsigned address = ReadHex<unsigned short>(columns.texts[0]);
   record->bus = static_cast<std::uint8_t>(address >> 8);
   record->device = static_cast<std::uint8_t>((address & 0xFF) >> 3);
   record->function = static_cast<std::uint8_t>(address & 7);
-  const unsigned ids = ParseHex<unsigned int>(columns.texts[1]);
+  const unsigned ids = ReadHex<unsigned int>(columns.texts[1]);
   record->vendorId = static_cast<std::uint16_t>(ids >> 16);
   record->deviceId = static_cast<std::uint16_t>(ids);
-  record->irq = ParseHex<unsigned short>(columns.texts[2]);
+  record->irq = ReadHex<unsigned short>(columns.texts[2]);
   ParseRegionColumns(columns, kFirstBaseAddress, &record->baseAddress);
   ParseRegionColumns(columns, kFirstRegionSize, &record->regionSize);
   return record->vendorId != 0;

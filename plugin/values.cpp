@@ -3,6 +3,7 @@
 #include <ios>
 #include <locale>
 #include <sstream>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -20,7 +21,7 @@ class HexReader {
   }
 
   template <class T>
-  void Read(const std::string& text, T* value) const {
+  void Read(std::string_view text, T* value) const {
     std::ios_base::iostate state = std::ios_base::goodbit;
     facet_.get(text.data(), text.data() + text.size(), format_, state, *value);
   }
@@ -36,7 +37,7 @@ class HexReader {
 
 // What nearly all numbers are: a few lower-case digits and nothing else. False for any other text.
 template <class T>
-bool ReadDigits(const std::string& text, T* value) {
+bool ReadDigits(std::string_view text, T* value) {
   if (text.size() > 2 * sizeof(T)) return false;
   T number = 0;
   for (const char c : text) {
@@ -64,7 +65,7 @@ std::string dataToString(T value) {
 }
 
 template <class T>
-T ExtractDecimalDataToHex(std::string text) {
+T ReadHex(std::string_view text) {
   T value = 0;
   if (ReadDigits(text, &value)) return value;
   static const HexReader reader;
@@ -72,10 +73,17 @@ T ExtractDecimalDataToHex(std::string text) {
   return value;
 }
 
+template <class T>
+T ExtractDecimalDataToHex(std::string text) {
+  return ReadHex<T>(text);
+}
+
 template <class Map>
 void InsertProperty(Map* map, std::string name, TCIMValue value) {
   if (value.IsNull()) return;
-  map->emplace(std::move(name), std::move(value));
+  // A name behind all others costs one comparison, so whoever fills many maps does it in name
+  // order.
+  map->emplace_hint(map->end(), std::move(name), std::move(value));
 }
 
 template VTQ_EXPORT std::string dataToString(const char* value);
@@ -84,6 +92,8 @@ template VTQ_EXPORT std::string dataToString(NQZMVTQ20::TVTQStatusCode::EVTQStat
 template VTQ_EXPORT std::string dataToString(int value);
 template VTQ_EXPORT std::string dataToString(unsigned short value);
 template VTQ_EXPORT std::string dataToString(std::string value);
+template unsigned short ReadHex(std::string_view text);
+template unsigned int ReadHex(std::string_view text);
 template VTQ_EXPORT unsigned short ExtractDecimalDataToHex(std::string text);
 template VTQ_EXPORT unsigned int ExtractDecimalDataToHex(std::string text);
 template VTQ_EXPORT void InsertProperty(TPropertyMap* map, std::string name, TCIMValue value);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "framework/export.h"
 #include "framework/status_code.h"
@@ -19,6 +20,10 @@ VTQ_EXPORT std::string dataToString(T value);
 template <class T>
 VTQ_EXPORT T ExtractDecimalDataToHex(std::string text);
 
+/// The same for a part of a longer text, which is not copied. Instantiated for the same types.
+template <class T>
+T ReadHex(std::string_view text);
+
 /// Adds a property, unless `value` is null or the map has one of that name: the first value wins.
 /// Instantiated for TPropertyMap.
 template <class Map>
@@ -30,6 +35,8 @@ extern template std::string dataToString(NQZMVTQ20::TVTQStatusCode::EVTQStatusCo
 extern template std::string dataToString(int value);
 extern template std::string dataToString(unsigned short value);
 extern template std::string dataToString(std::string value);
+extern template unsigned short ReadHex(std::string_view text);
+extern template unsigned int ReadHex(std::string_view text);
 extern template unsigned short ExtractDecimalDataToHex(std::string text);
 extern template unsigned int ExtractDecimalDataToHex(std::string text);
 extern template void InsertProperty(TPropertyMap* map, std::string name,

@@ -9,9 +9,7 @@
 #include <utility>
 
 #include "framework/exception.h"
-#include "framework/root_object.h"
 #include "runtime/file_descriptor.h"
-#include "runtime/root.h"
 
 namespace vtq {
 
@@ -68,16 +66,3 @@ LogSink MakeFileSink(const std::string& path) {
 }
 
 }  // namespace vtq
-
-namespace NQZMVTQ20 {
-
-void fdrWriteLog(int number, const char* text) noexcept {
-  if (text == nullptr || vtq::CoreLoggerDrops(number)) return;  // spares the copy of the text
-  try {
-    TRootObject::GetCoreLogger()->Write(static_cast<ILogger::EVTQLogSeverity>(number), text);
-  } catch (...) {
-    // Not enough memory for the text: logging never fails its caller.
-  }
-}
-
-}  // namespace NQZMVTQ20

@@ -23,6 +23,21 @@ std::shared_ptr<ILogger> coreLogger;
 const vtq::Logger* tellingLogger = nullptr;
 std::shared_ptr<ICIMNamespace> pluginManager;
 
+// As far as is known without asking the logger.
+bool IsDropped(ILogger::EVTQLogSeverity severity) {
+  if (tellingLogger == nullptr) return coreLogger == nullptr;
+  return !tellingLogger->Takes(severity);
+}
+
+// Apart from its caller, which then needs no room for the text: most records are dropped.
+[[gnu::noinline]] void WriteToCore(ILogger::EVTQLogSeverity severity, const char* text) noexcept {
+  try {
+    NQZMVTQ20::TRootObject::GetCoreLogger()->Write(severity, text);
+  } catch (...) {
+    // Not enough memory for the text: logging never fails its caller.
+  }
+}
+
 }  // namespace
 
 namespace vtq {
@@ -30,11 +45,6 @@ namespace vtq {
 void SetCoreLogger(std::shared_ptr<ILogger> logger) {
   tellingLogger = dynamic_cast<const Logger*>(logger.get());
   coreLogger = std::move(logger);
-}
-
-bool CoreLoggerDrops(int severity) noexcept {
-  if (tellingLogger == nullptr) return coreLogger == nullptr;
-  return !tellingLogger->Takes(static_cast<ILogger::EVTQLogSeverity>(severity));
 }
 
 void SetPluginManager(std::shared_ptr<ICIMNamespace> manager) {
@@ -50,5 +60,10 @@ std::shared_ptr<ILogger> TRootObject::GetCoreLogger() {
 }
 
 std::shared_ptr<ICIMNamespace> TRootObject::GetPluginManager() { return pluginManager; }
+
+void fdrWriteLog(int number, const char* text) noexcept {
+  const auto severity = static_cast<ILogger::EVTQLogSeverity>(number);
+  if (text != nullptr && !IsDropped(severity)) WriteToCore(severity, text);
+}
 
 }  // namespace NQZMVTQ20

@@ -16,7 +16,4 @@ namespace vtq {
 VTQ_EXPORT void SetCoreLogger(std::shared_ptr<NQZMVTQ20::ILogger> logger);
 VTQ_EXPORT void SetPluginManager(std::shared_ptr<NQZMVTQ20::ICIMNamespace> manager);
 
-/// Whether the core logger drops records of that severity, as far as is known without asking it.
-bool CoreLoggerDrops(int severity) noexcept;
-
 }  // namespace vtq

@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <random>
+#include <sstream>
 #include <string>
+
+#include "plugin/values.h"
 
 namespace {
 
@@ -131,6 +135,21 @@ TEST(DeviceLine, RegionColumnIsReadBehindItsBlanks) {
 
 TEST(DeviceLine, OnlyTheFirstNumberOfARegionColumnCounts) {
   EXPECT_EQ(BaseAddress(" 10 20"), 0x10U);
+}
+
+TEST(DeviceLine, RegionColumnsAgreeWithTheirFirstPieceOnAnyText) {
+  std::mt19937 random(1);
+  constexpr char kCharacters[] = "   0123456789abcdefABCDEFxX+-,g";
+  for (int round = 0; round < 20000; ++round) {
+    std::string column = " ";
+    for (std::size_t length = random() % 18; length > 0; --length) {
+      column += kCharacters[random() % (sizeof kCharacters - 1)];
+    }
+    std::istringstream pieces(column);
+    std::string first;
+    pieces >> first;
+    ASSERT_EQ(BaseAddress(column), ExtractDecimalDataToHex<unsigned int>(first)) << column;
+  }
 }
 
 TEST(DeviceLine, RegionColumnOfBlanksIsZero) { EXPECT_EQ(BaseAddress("   "), 0U); }

@@ -92,6 +92,18 @@ TEST(ExtractDecimalDataToHex, AgreesWithAStreamOnAnyText) {
   }
 }
 
+TEST(ReadHex, ReadsAPartOfATextAsThatPartAlone) {
+  constexpr std::string_view kLine = "00f8\t80868d02\tFFFF1\t0x1f g";
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(0, 4)), 0xF8);
+  EXPECT_EQ(ReadHex<unsigned int>(kLine.substr(5, 8)), 0x80868D02U);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(14, 4)), 0xFFFF);
+  EXPECT_EQ(ReadHex<unsigned int>(kLine.substr(14, 5)), 0xFFFF1U);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20)), 0x1F);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20, 3)), 1);
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20, 2)), ReadFromStream<unsigned short>("0x"));
+  EXPECT_EQ(ReadHex<unsigned short>(kLine.substr(20, 0)), 0);
+}
+
 TEST(InsertProperty, FirstValueOfANameWins) {
   TPropertyMap properties;
   InsertProperty(&properties, "Name", TCIMValue("first"));
@@ -104,4 +116,18 @@ TEST(InsertProperty, NullValueAddsNothing) {
   TPropertyMap properties;
   InsertProperty(&properties, "Name", TCIMValue());
   EXPECT_TRUE(properties.empty());
+}
+
+TEST(InsertProperty, AgreesWithAPlainSearchInAnyOrder) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    TPropertyMap properties;
+    TPropertyMap plain;
+    for (unsigned number = 0; number < 40; ++number) {
+      const std::string name = "Name" + std::to_string(random() % 30);
+      if (plain.find(name) == plain.end()) plain[name] = TCIMValue(number);
+      InsertProperty(&properties, name, TCIMValue(number));
+    }
+    ASSERT_EQ(properties, plain);
+  }
 }

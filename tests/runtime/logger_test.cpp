@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "framework/os_specific.h"
-#include "runtime/root.h"
 #include "tests/runtime/failure_of.h"
 #include "tests/runtime/temporary_directory.h"
 
@@ -108,18 +107,6 @@ TEST(LoggerTest, ALinkIsNotFollowed) {
                               " cannot be opened: it is a symbolic link; name the file that it "
                               "leads to");
   EXPECT_EQ(TOSSpecific::CaptureFile(target), "precious");
-}
-
-TEST(LoggerTest, TheDirectCallWritesToTheCoreLogger) {
-  Records records;
-  const auto logger = std::make_shared<Logger>();
-  logger->AddSink(RecordInto(records));
-  SetCoreLogger(logger);
-  NQZMVTQ20::fdrWriteLog(3, "direct");
-  NQZMVTQ20::fdrWriteLog(3, nullptr);
-  SetCoreLogger(nullptr);
-  NQZMVTQ20::fdrWriteLog(0, "dropped");
-  EXPECT_EQ(records, (Records{{3, "direct"}}));
 }
 
 }  // namespace

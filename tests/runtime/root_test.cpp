@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "framework/cim_namespace.h"
 #include "framework/logger.h"
 #include "framework/root_object.h"
@@ -13,6 +17,8 @@ namespace {
 
 using NQZMVTQ20::ILogger;
 using NQZMVTQ20::TRootObject;
+
+using Records = std::vector<std::pair<int, std::string>>;
 
 TEST(RootTest, StartsWithASilentLoggerAndNoPluginManager) {
   ASSERT_NE(TRootObject::GetCoreLogger(), nullptr);
@@ -42,6 +48,38 @@ TEST(RootTest, ThePluginManagerIsRecognisedByItsRunTimeType) {
                 TRootObject::GetPluginManager()),
             nullptr);
   SetPluginManager(nullptr);
+}
+
+TEST(RootTest, TheDirectCallWritesToTheCoreLogger) {
+  Records records;
+  const auto logger = std::make_shared<Logger>();
+  logger->AddSink([&records](ILogger::EVTQLogSeverity severity,
+                             const std::string& text) { records.emplace_back(severity, text); },
+                  ILogger::kDebug);
+  SetCoreLogger(logger);
+  NQZMVTQ20::fdrWriteLog(3, "direct");
+  NQZMVTQ20::fdrWriteLog(4, "taken by no sink");
+  NQZMVTQ20::fdrWriteLog(3, nullptr);
+  SetCoreLogger(nullptr);
+  NQZMVTQ20::fdrWriteLog(0, "dropped");
+  EXPECT_EQ(records, (Records{{3, "direct"}}));
+}
+
+TEST(RootTest, TheDirectCallLeavesTheChoiceToALoggerThatTellsNothing) {
+  class AnyLogger final : public ILogger {
+   public:
+    void Write(EVTQLogSeverity severity, const std::string& text) noexcept override {
+      records.emplace_back(severity, text);
+    }
+    Records records;
+  };
+  const auto logger = std::make_shared<AnyLogger>();
+  SetCoreLogger(logger);
+  NQZMVTQ20::fdrWriteLog(4, "a");
+  NQZMVTQ20::fdrWriteLog(9, "b");
+  NQZMVTQ20::fdrWriteLog(0, nullptr);
+  SetCoreLogger(nullptr);
+  EXPECT_EQ(logger->records, (Records{{4, "a"}, {9, "b"}}));
 }
 
 }  // namespace
