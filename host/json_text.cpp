@@ -1,18 +1,20 @@
 #include "host/json_text.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
 
 #include "host/utf8.h"
-#include "host/value_text.h"
 
 namespace pciinfo {
 namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-// How a character stands in a JSON string of printable ASCII, as far as that can be told without
-// its neighbours; null for itself.
+// How a character that is not plain stands in a JSON string, as far as that can be told without its
+// neighbours; null where it cannot.
 const char* EscapeOf(char c) {
   switch (c) {
     case '"':
@@ -26,35 +28,27 @@ const char* EscapeOf(char c) {
   }
 }
 
-bool IsPlain(std::string_view text) {
-  // Nearly all texts are: all of it is looked at without a branch, which compilers make wide steps
-  // of.
-  unsigned char special = 0;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    special |= static_cast<unsigned char>(byte < ' ') | static_cast<unsigned char>(byte > '~') |
-               static_cast<unsigned char>(byte == '"') | static_cast<unsigned char>(byte == '\\');
-  }
-  return special == 0;
+// Which bytes stand for themselves in a JSON string; nearly all do.
+constexpr auto kIsPlain = [] {
+  std::array<bool, 256> isPlain{};
+  for (unsigned char c = ' '; c <= '~'; ++c) isPlain[c] = c != '"' && c != '\\';
+  return isPlain;
+}();
+
+std::size_t CountPlain(std::string_view text) {
+  const auto* const end = std::find_if_not(
+      text.begin(), text.end(), [](char c) { return kIsPlain[static_cast<unsigned char>(c)]; });
+  return static_cast<std::size_t>(end - text.begin());
 }
 
-bool NeedsConversion(std::string_view text) {
-  return std::any_of(text.begin(), text.end(),
-                     [](char c) { return (c < ' ' || c > '~') && EscapeOf(c) == nullptr; });
+// The rest of a string from its first character that may need conversion, and the closing quote.
+// The plain characters before it have no say in what the rest is converted to.
+void WriteConverted(Output& output, std::string_view rest) {
+  output.Write(std::string_view(nlohmann::json(ToUtf8(rest)).dump()).substr(1));
 }
 
-void WriteEscaped(Output& output, std::string_view text) {
-  for (std::size_t begin = 0; begin < text.size();) {
-    if (const char* escape = EscapeOf(text[begin])) {
-      output.Write(escape);
-      ++begin;
-    }
-    const auto* const end = std::find_if(text.begin() + begin, text.end(),
-                                         [](char c) { return EscapeOf(c) != nullptr; });
-    const auto size = static_cast<std::size_t>(end - text.begin()) - begin;
-    output.Write(text.substr(begin, size));
-    begin += size;
-  }
+void WriteDigits(Output& output, const fmt::format_int& digits) {
+  output.Write({digits.data(), digits.size()});
 }
 
 void WriteScalar(Output& output, const TCIMValue& value) {
@@ -71,25 +65,30 @@ void WriteScalar(Output& output, const TCIMValue& value) {
       return WriteJsonString(output, value.GetString());
     case kReference:
       return WriteJsonString(output, value.GetReference().ToString());
+    case kSint8:
+    case kSint16:
+    case kSint32:
+    case kSint64:
+      return WriteDigits(output, fmt::format_int(static_cast<long>(value)));
     default:
-      return output.Write(IntegerText(value));
+      return WriteDigits(output, fmt::format_int(static_cast<unsigned long>(value)));
   }
 }
 
 }  // namespace
 
 void WriteJsonString(Output& output, std::string_view bytes) {
-  const bool isPlain = IsPlain(bytes);
-  if (!isPlain && NeedsConversion(bytes)) {
-    return output.Write(nlohmann::json(ToUtf8(bytes)).dump());
-  }
   output.Write("\"");
-  if (isPlain) {
-    output.Write(bytes);
-  } else {
-    WriteEscaped(output, bytes);
+  for (;;) {
+    const std::size_t plain = CountPlain(bytes);
+    output.Write(bytes.substr(0, plain));
+    bytes.remove_prefix(plain);
+    if (bytes.empty()) return output.Write("\"");
+    const char* const escape = EscapeOf(bytes.front());
+    if (escape == nullptr) return WriteConverted(output, bytes);
+    output.Write(escape);
+    bytes.remove_prefix(1);
   }
-  output.Write("\"");
 }
 
 void WriteJsonValue(Output& output, const TCIMValue& value) {

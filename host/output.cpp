@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "host/text.h"
 
@@ -19,15 +20,23 @@ int WriteAll(int descriptor, std::string_view text) noexcept {
   return 0;
 }
 
-Output::Output(int descriptor) : descriptor_(descriptor) { buffer_.reserve(kBufferSize); }
+Output::Output(int descriptor)
+    : descriptor_(descriptor), buffer_(std::make_unique_for_overwrite<char[]>(kBufferSize)) {}
 
-void Output::Flush() {
-  const int error = WriteAll(descriptor_, buffer_);
-  buffer_.clear();
+void Output::Send(std::string_view text) const {
+  const int error = WriteAll(descriptor_, text);
   if (error == EPIPE) throw ClosedPipe();
   if (error != 0) {
     throw OutputError(std::string("cannot write the output: ") + std::strerror(error));
   }
+}
+
+void Output::Flush() { Send({buffer_.get(), std::exchange(size_, 0)}); }
+
+void Output::WriteBeyondBuffer(std::string_view text) {
+  Flush();
+  if (text.size() > kBufferSize) return Send(text);
+  Write(text);
 }
 
 void ReserveStandardStreams() {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <exception>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -32,8 +34,8 @@ class Output final {
 
   /// Throws OutputError or ClosedPipe when something could not be written.
   void Write(std::string_view text) {
-    buffer_.append(text);
-    if (buffer_.size() >= kBufferSize) Flush();
+    if (text.size() > kBufferSize - size_) return WriteBeyondBuffer(text);
+    size_ += text.copy(buffer_.get() + size_, text.size());
   }
   /// Writes what is still buffered; throws like Write. What was not flushed is lost.
   void Flush();
@@ -41,8 +43,12 @@ class Output final {
  private:
   static constexpr std::size_t kBufferSize = 65536;
 
+  void WriteBeyondBuffer(std::string_view text);
+  void Send(std::string_view text) const;
+
   int descriptor_;
-  std::string buffer_;
+  std::size_t size_ = 0;
+  std::unique_ptr<char[]> buffer_;
 };
 
 /// Opens /dev/null in the place of standard streams that are closed, so that no file opened later

@@ -48,21 +48,13 @@ Class::Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema 
       instances_(std::make_shared<std::vector<std::shared_ptr<Instance>>>()) {}
 
 std::size_t Class::PositionOf(const std::string& property) const {
-  const auto nameAt = [this](std::size_t position) -> const std::string& {
-    return schema_.properties[position].name;
-  };
-  if (expected_ >= nameOrder_.size() || nameAt(nameOrder_[expected_]) != property) {
-    const auto found = std::lower_bound(nameOrder_.begin(), nameOrder_.end(), property,
-                                        [&nameAt](std::size_t position, const std::string& name) {
-                                          return nameAt(position) < name;
-                                        });
-    if (found == nameOrder_.end() || nameAt(*found) != property) {
-      throw TVTQException("the class " + schema_.name + " has no property " + property,
-                          TVTQStatusCode::kNotFound);
-    }
-    expected_ = static_cast<std::size_t>(found - nameOrder_.begin());
+  for (std::size_t left = nameOrder_.size(); left > 0; --left) {
+    if (expected_ >= nameOrder_.size()) expected_ = 0;
+    const std::size_t position = nameOrder_[expected_++];
+    if (schema_.properties[position].name == property) return position;
   }
-  return nameOrder_[expected_++];
+  throw TVTQException("the class " + schema_.name + " has no property " + property,
+                      TVTQStatusCode::kNotFound);
 }
 
 std::shared_ptr<Instance> Class::Find(const std::string& path) const {
@@ -70,32 +62,27 @@ std::shared_ptr<Instance> Class::Find(const std::string& path) const {
   return found != instanceByPath_.end() ? (*instances_)[found->second] : nullptr;
 }
 
-// Either all of it is done or, where memory does not suffice, nothing.
-void Class::Append(std::shared_ptr<Instance> instance) {
-  const std::string& path = instance->GetPath();
-  instances_->push_back(std::move(instance));
-  try {
-    instanceByPath_.emplace(path, instances_->size() - 1);
-  } catch (...) {
-    instances_->pop_back();
-    throw;
-  }
-}
-
-void Class::Commit(std::shared_ptr<Instance> instance) {
-  const std::string& path = instance->GetPath();
-  const auto found = instanceByPath_.find(path);
-  if (found == instanceByPath_.end()) {
-    Append(std::move(instance));
-    return;
-  }
+void Class::Replace(std::shared_ptr<Instance> instance) {
   if (instances_.use_count() > 1) {
     instances_ = std::make_shared<std::vector<std::shared_ptr<Instance>>>(*instances_);
   }
-  auto entry = instanceByPath_.extract(found);
+  const std::string& path = instance->GetPath();
+  auto entry = instanceByPath_.extract(path);
   entry.key() = path;  // the text of the instance that goes would go with it
   (*instances_)[entry.mapped()] = std::move(instance);
   instanceByPath_.insert(std::move(entry));
+}
+
+// Either all of it is done or, where memory does not suffice, nothing.
+void Class::Commit(std::shared_ptr<Instance> instance) {
+  const auto [entry, isNew] = instanceByPath_.try_emplace(instance->GetPath(), instances_->size());
+  if (!isNew) return Replace(std::move(instance));
+  try {
+    instances_->push_back(std::move(instance));
+  } catch (...) {
+    instanceByPath_.erase(entry);
+    throw;
+  }
 }
 
 std::string Class::GetName(const TQualifierMap&) const { return schema_.name; }

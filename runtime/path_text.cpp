@@ -14,15 +14,23 @@ using TCIMType = TCIMValue::TCIMType;
 
 constexpr std::size_t kUsualLength = 256;
 
+void AppendEscaped(std::string& text, const std::string& escaped) {
+  for (const char c : escaped) {
+    if (c == '\\' || c == '"') text += '\\';
+    text += c;
+  }
+}
+
 void AppendQuoted(std::string& text, const std::string& quoted) {
   text += '"';
-  std::size_t written = 0;
-  for (std::size_t at = 0; at < quoted.size(); ++at) {
-    if (quoted[at] != '\\' && quoted[at] != '"') continue;
-    text.append(quoted, written, at - written).append(1, '\\');
-    written = at;
+  const bool isPlain =
+      quoted.find('"') == std::string::npos && quoted.find('\\') == std::string::npos;
+  if (isPlain) {
+    text += quoted;
+  } else {
+    AppendEscaped(text, quoted);
   }
-  text.append(quoted, written).append(1, '"');
+  text += '"';
 }
 
 void AppendScalar(std::string& text, const TCIMValue& value) {

@@ -89,14 +89,14 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
  private:
   friend class Instance;
 
-  void Append(std::shared_ptr<Instance> instance);
+  void Replace(std::shared_ptr<Instance> instance);
 
   std::weak_ptr<Namespace> owner_;
   std::string nameSpace_;
   ClassSchema schema_;
   std::vector<std::size_t> nameOrder_;
   std::vector<std::size_t> keyOrder_;
-  /// Place in nameOrder_ of the property that is asked for next, if names are asked for in order.
+  /// Place in nameOrder_ behind the property found last: names are mostly asked for in that order.
   mutable std::size_t expected_ = 0;
   // Shared with the enumerations under way, which go on over the instances that they began with.
   std::shared_ptr<std::vector<std::shared_ptr<Instance>>> instances_;

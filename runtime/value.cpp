@@ -88,34 +88,34 @@ TCIMValue::TCIMValue(const char* text) : TCIMValue() {
   if (text != nullptr) *this = TCIMValue(std::string(text));
 }
 
-TCIMValue::TCIMValue(std::string text) : type_(TCIMType::kString), data_(std::move(text)) {}
+TCIMValue::TCIMValue(std::string text) : data_(std::move(text)), type_(TCIMType::kString) {}
 
-TCIMValue::TCIMValue(bool value) noexcept : type_(TCIMType::kBoolean), data_(value) {}
+TCIMValue::TCIMValue(bool value) noexcept : data_(value), type_(TCIMType::kBoolean) {}
 
 TCIMValue::TCIMValue(unsigned char value) noexcept
-    : type_(TCIMType::kUint8), data_(std::uint64_t{value}) {}
+    : data_(std::uint64_t{value}), type_(TCIMType::kUint8) {}
 
 TCIMValue::TCIMValue(signed char value) noexcept
-    : type_(TCIMType::kSint8), data_(std::int64_t{value}) {}
+    : data_(std::int64_t{value}), type_(TCIMType::kSint8) {}
 
 TCIMValue::TCIMValue(unsigned short value) noexcept
-    : type_(TCIMType::kUint16), data_(std::uint64_t{value}) {}
+    : data_(std::uint64_t{value}), type_(TCIMType::kUint16) {}
 
-TCIMValue::TCIMValue(short value) noexcept : type_(TCIMType::kSint16), data_(std::int64_t{value}) {}
+TCIMValue::TCIMValue(short value) noexcept : data_(std::int64_t{value}), type_(TCIMType::kSint16) {}
 
 TCIMValue::TCIMValue(unsigned int value) noexcept
-    : type_(TCIMType::kUint32), data_(std::uint64_t{value}) {}
+    : data_(std::uint64_t{value}), type_(TCIMType::kUint32) {}
 
-TCIMValue::TCIMValue(int value) noexcept : type_(TCIMType::kSint32), data_(std::int64_t{value}) {}
+TCIMValue::TCIMValue(int value) noexcept : data_(std::int64_t{value}), type_(TCIMType::kSint32) {}
 
 TCIMValue::TCIMValue(unsigned long value) noexcept
-    : type_(TypeOf<unsigned long>()), data_(std::uint64_t{value}) {}
+    : data_(std::uint64_t{value}), type_(TypeOf<unsigned long>()) {}
 
-TCIMValue::TCIMValue(long value) noexcept : type_(TypeOf<long>()), data_(std::int64_t{value}) {}
+TCIMValue::TCIMValue(long value) noexcept : data_(std::int64_t{value}), type_(TypeOf<long>()) {}
 
-TCIMValue::TCIMValue(float value) noexcept : type_(TCIMType::kReal32), data_(double{value}) {}
+TCIMValue::TCIMValue(float value) noexcept : data_(double{value}), type_(TCIMType::kReal32) {}
 
-TCIMValue::TCIMValue(double value) noexcept : type_(TCIMType::kReal64), data_(value) {}
+TCIMValue::TCIMValue(double value) noexcept : data_(value), type_(TCIMType::kReal64) {}
 
 TCIMValue::TCIMValue(TCIMReference reference) noexcept : TCIMValue() {
   if (reference.IsNull()) return;

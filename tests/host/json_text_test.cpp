@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
+#include "host/utf8.h"
 #include "tests/host/fixed_repository.h"
 
 namespace pciinfo {
@@ -36,10 +37,10 @@ TEST(JsonText, EveryByteStringComesBackFromItsJson) {
 
 TEST(JsonText, EscapesLikeTheLibrary) {
   std::mt19937 random(1);
-  for (int i = 0; i < 2000; ++i) {
-    std::string text(random() % 6, ' ');
-    for (char& c : text) c = "\"\\a\n~\x7f /"[random() % 8];
-    EXPECT_EQ(JsonString(text), nlohmann::json(text).dump());
+  for (int i = 0; i < 20000; ++i) {
+    std::string text(random() % 12, ' ');
+    for (char& c : text) c = "\"\\a\n\t~\x7f /\xc3\xa9\0"[random() % 12];
+    EXPECT_EQ(JsonString(text), nlohmann::json(ToUtf8(text)).dump());
   }
 }
 

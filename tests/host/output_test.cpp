@@ -22,6 +22,20 @@ TEST(Output, ArrivesInOrderAndInFull) {
   EXPECT_EQ(output.Text(), expected);
 }
 
+TEST(Output, TextsOfAllSizesArriveInOrder) {
+  constexpr std::size_t kLong = 65536;
+  OutputToText output;
+  std::string expected;
+  for (const std::size_t size :
+       {std::size_t{1}, kLong - 1, kLong, std::size_t{1}, kLong - 2, std::size_t{2}, kLong + 1,
+        std::size_t{0}, 3 * kLong, std::size_t{5}, kLong - 4, kLong}) {
+    const std::string text(size, static_cast<char>('a' + expected.size() % 26));
+    expected += text;
+    output.Get().Write(text);
+  }
+  EXPECT_TRUE(output.Text() == expected);  // not EXPECT_EQ, which would show all of it
+}
+
 TEST(Output, NothingIsWrittenBeforeTheFlushOfAShortText) {
   int ends[2];
   ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
