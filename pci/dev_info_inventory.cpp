@@ -1,4 +1,5 @@
 #include "pci/address.h"
+#include "pci/config_file.h"
 #include "pci/dev_info.h"
 #include "pci/hardware_probe.h"
 #include "pci/process_state.h"
@@ -13,12 +14,23 @@ void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
                              std::vector<TPropertyMap>* devices) {
   WriteDebug("Entering TPciDevInfo::GetPciInfo routine");
   std::vector<sPciDevices> records = ScanPciDevices();
+  // The first function has to wait for the listing of `lspci`, which a host may be making by now:
+  // what is read before that takes no time of its own. The log speaks of each function in its turn.
+  const std::vector<bool> headersRead = ReadHeadersAhead(&records);
+  const auto read = [&](TRecord record) {
+    if (!headersRead[static_cast<std::size_t>(record - records.begin())]) {
+      return PciRead(record) == 0;
+    }
+    WriteDebug(kEnteringPciRead);
+    WriteDebug(kExitingPciRead);
+    return true;
+  };
   // The probe is a stand-in for firmware that tells no bus numbers. Bridges get a slot number from
   // the firmware only, so it has work only where slot numbers come from elsewhere.
   const bool mayProbe = processState.slotIDRetrievalType == 0;
   THwinfoSlotMap hwinfoSlotMap;
   for (auto record = records.begin(); record != records.end(); ++record) {
-    if (PciRead(record) != 0) continue;
+    if (!read(record)) continue;
     if (GetClassCode(record) != kBridgeBaseClass) {
       TPropertyMap device = PopulatePciDeviceProperties(record);
       if (!device.empty()) devices->push_back(std::move(device));

@@ -107,7 +107,7 @@ TEST_P(ProgramFaults, EachIsToldAndLeavesTheRest) {
     ADD_FAILURE() << TextOf(fault) << " (" << PlaceOfStrike() << "): " << apart.failure;
   }
   EXPECT_GT(faults, 0U);
-  std::cout << faults << " faults\n";
+  std::cout << faults << " faults" << std::endl;  // or a forked test prints it again
 }
 
 std::string TestName(const testing::TestParamInfo<Run>& info) {

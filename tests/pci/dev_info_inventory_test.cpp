@@ -1,3 +1,4 @@
+#include <iterator>
 #include <stdexcept>
 
 #include "tests/pci/fake_hwinfo.h"
@@ -98,6 +99,24 @@ TEST_F(InventoryTest, FunctionWithoutReadableConfigurationSpaceIsInNeitherList) 
   EXPECT_EQ(Fake().LogOf(2), (Lines{"Could not open PCI file./proc/bus/pci/00/01.0",
                                     "Could not open PCI file./proc/bus/pci/00/02.0",
                                     "Could not read PCI file /proc/bus/pci/00/03.0"}));
+}
+
+// Headers are read before the functions are looked at one by one; the log must not show it.
+TEST_F(InventoryTest, TheLogSpeaksOfEachHeaderWhenItsFunctionIsLookedAt) {
+  PutFunctions({Function(1, 0x06), Function(2, 0x02), Function(3, 0x02)});
+  MachineTree::Remove(ConfigFile(2));
+  Pass();
+  Lines log;
+  std::copy_if(Fake().log.begin(), Fake().log.end(), std::back_inserter(log),
+               [](const std::string& record) {
+                 return record.find("PciRead") != record.npos || record[0] == '2' ||
+                        record.find("GetCommonDevProperties") != record.npos;
+               });
+  const Lines described = {Entering("PciRead"), Exiting("PciRead"),
+                           Entering("GetCommonDevProperties"), Exiting("GetCommonDevProperties")};
+  EXPECT_EQ(log, Join({described,
+                       {Entering("PciRead"), "2 Could not open PCI file./proc/bus/pci/00/02.0"},
+                       described}));
 }
 
 TEST_F(InventoryTest, FunctionWhoseIdentifiersDisagreeIsInNeitherList) {
