@@ -127,8 +127,7 @@ class VTQ_EXPORT TCIMValue {
   template <class Integer>
   Integer ToInteger() const;
 
-  // Small, as there are hundreds of thousands: the type lies in bytes that the variant leaves free.
-  [[no_unique_address]] TData data_;
+  TData data_;
   TCIMType type_;
 };
 
