@@ -18,14 +18,6 @@ std::string ConfigPath(const sPciDevices& record) {
   return path;
 }
 
-bool ReadHeaderAhead(sPciDevices* record) {
-  const ConfigFile file(*record);
-  std::array<unsigned char, kConfigHeaderSize> header;
-  if (!file.IsOpen() || !file.ReadHeader(header.data())) return false;
-  std::copy(header.begin(), header.end(), record->configSpace.begin());
-  return true;
-}
-
 }  // namespace
 
 ConfigFile::ConfigFile(const sPciDevices& record)
@@ -39,9 +31,10 @@ bool ConfigFile::ReadHeader(unsigned char* header) const {
   return read(descriptor_, header, kConfigHeaderSize) == static_cast<ssize_t>(kConfigHeaderSize);
 }
 
-std::vector<bool> ReadHeadersAhead(std::vector<sPciDevices>* records) {
-  std::vector<bool> done;
-  done.reserve(records->size());
-  for (sPciDevices& record : *records) done.push_back(ReadHeaderAhead(&record));
-  return done;
+bool ReadHeaderAhead(sPciDevices* record) {
+  const ConfigFile file(*record);
+  std::array<unsigned char, kConfigHeaderSize> header;
+  if (!file.IsOpen() || !file.ReadHeader(header.data())) return false;
+  std::copy(header.begin(), header.end(), record->configSpace.begin());
+  return true;
 }

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <cstddef>
 #include <string>
-#include <vector>
 
 #include "pci/records.h"
 
@@ -32,7 +28,7 @@ class ConfigFile final {
   int descriptor_;
 };
 
-/// Reads the configuration headers of all these functions into their records. Answers for each
-/// whether that was done; a record for which it was not is as before, and nobody has been told why:
-/// that is for whoever needs it, and reads it again.
-std::vector<bool> ReadHeadersAhead(std::vector<sPciDevices>* records);
+/// Reads the configuration header of a function into its record. Where that cannot be done the
+/// record is as before, and nobody has been told why: that is for whoever needs it, and reads it
+/// again.
+bool ReadHeaderAhead(sPciDevices* record);

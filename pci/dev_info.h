@@ -37,6 +37,16 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
 
   // Inventory: one pass over all functions.
 
+  /// What can be known of a function without the listing of lspci and without a word in the log.
+  struct Ahead {
+    bool isRead = false;  ///< the configuration header, into the record
+    TPropertyMap own;     ///< OwnProperties, where it was read
+  };
+  [[gnu::visibility("hidden")]] EFunctionKind KindOf(TRecord record);
+  [[gnu::visibility("hidden")]] std::vector<Ahead> PrepareFunctions(
+      std::vector<sPciDevices>* records);
+  [[gnu::visibility("hidden")]] bool ReadUnlessRead(TRecord record, Ahead* ahead);
+
   /// Appends a map for each bridge and each other function that could be read.
   void GetPciInfo(std::vector<TPropertyMap>* bridges, std::vector<TPropertyMap>* devices);
   /// The device key for an address "00:1f.2" that the probe tool prints.
@@ -93,6 +103,13 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
   /// Empty when the function is rejected.
   TPropertyMap PopulatePciDeviceProperties(TRecord record);
   TPropertyMap PopulatePciBridgeProperties(TRecord record);
+  /// What the function's record tells: no need to look anywhere, and no word in the log.
+  [[gnu::visibility("hidden")]] TPropertyMap OwnProperties(TRecord record, EFunctionKind kind);
+  /// What the two Populate routines and GetCommonDevProperties do with these properties, which they
+  /// make first.
+  [[gnu::visibility("hidden")]] TPropertyMap CompleteDevice(TRecord record, TPropertyMap own);
+  [[gnu::visibility("hidden")]] TPropertyMap CompleteBridge(TRecord record, TPropertyMap own);
+  [[gnu::visibility("hidden")]] int CompleteProperties(TRecord record, TPropertyMap* properties);
   /// The base class code (PCI Code and ID Assignment 1.11, 1).
   std::uint8_t GetClassCode(TRecord record);
   /// Array values of uint16 and uint32.

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "pci/address.h"
 #include "pci/config_file.h"
 #include "pci/dev_info.h"
@@ -10,33 +12,51 @@ constexpr std::uint8_t kBridgeBaseClass = 0x06;  // PCI Code and ID Assignment 1
 
 }  // namespace
 
+EFunctionKind TPciDevInfo::KindOf(TRecord record) {
+  return GetClassCode(record) == kBridgeBaseClass ? kBridge : kDevice;
+}
+
+std::vector<TPciDevInfo::Ahead> TPciDevInfo::PrepareFunctions(std::vector<sPciDevices>* records) {
+  std::vector<Ahead> prepared(records->size());
+  auto ahead = prepared.begin();
+  for (auto record = records->begin(); record != records->end(); ++record, ++ahead) {
+    ahead->isRead = ReadHeaderAhead(&*record);
+    if (ahead->isRead) ahead->own = OwnProperties(record, KindOf(record));
+  }
+  return prepared;
+}
+
+bool TPciDevInfo::ReadUnlessRead(TRecord record, Ahead* ahead) {
+  if (ahead->isRead) {
+    WriteDebug(kEnteringPciRead);
+    WriteDebug(kExitingPciRead);
+    return true;
+  }
+  if (PciRead(record) != 0) return false;
+  ahead->own = OwnProperties(record, KindOf(record));
+  return true;
+}
+
 void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
                              std::vector<TPropertyMap>* devices) {
   WriteDebug("Entering TPciDevInfo::GetPciInfo routine");
   std::vector<sPciDevices> records = ScanPciDevices();
   // The first function has to wait for the listing of `lspci`, which a host may be making by now:
-  // what is read before that takes no time of its own. The log speaks of each function in its turn.
-  const std::vector<bool> headersRead = ReadHeadersAhead(&records);
-  const auto read = [&](TRecord record) {
-    if (!headersRead[static_cast<std::size_t>(record - records.begin())]) {
-      return PciRead(record) == 0;
-    }
-    WriteDebug(kEnteringPciRead);
-    WriteDebug(kExitingPciRead);
-    return true;
-  };
+  // what is done before that takes no time of its own. The log speaks of each function in its turn.
+  std::vector<Ahead> prepared = PrepareFunctions(&records);
   // The probe is a stand-in for firmware that tells no bus numbers. Bridges get a slot number from
   // the firmware only, so it has work only where slot numbers come from elsewhere.
   const bool mayProbe = processState.slotIDRetrievalType == 0;
   THwinfoSlotMap hwinfoSlotMap;
   for (auto record = records.begin(); record != records.end(); ++record) {
-    if (!read(record)) continue;
-    if (GetClassCode(record) != kBridgeBaseClass) {
-      TPropertyMap device = PopulatePciDeviceProperties(record);
+    Ahead& ahead = prepared[static_cast<std::size_t>(record - records.begin())];
+    if (!ReadUnlessRead(record, &ahead)) continue;
+    if (KindOf(record) == kDevice) {
+      TPropertyMap device = CompleteDevice(record, std::move(ahead.own));
       if (!device.empty()) devices->push_back(std::move(device));
       continue;
     }
-    TPropertyMap bridge = PopulatePciBridgeProperties(record);
+    TPropertyMap bridge = CompleteBridge(record, std::move(ahead.own));
     if (bridge.empty()) continue;
     bridges->push_back(std::move(bridge));
     if (!mayProbe || !HasSlotNumber(bridges->back())) continue;

@@ -70,18 +70,10 @@ TCIMValue ConfigWordValue(const sPciDevices& record, EPciConfigOffset offset) {
   return TCIMValue(ConfigWord(record.configSpace, offset));
 }
 
-// What the function's own record tells. In name order, which InsertProperty is quickest with.
-void InsertRecord(const sPciDevices& record, TPropertyMap* properties) {
-  InsertProperty(properties, "ClassCode", ConfigByteValue(record, kConfigBaseClass));
-  // A function is identified by where it is: its number is "PciDeviceID".
-  std::string location = "PCI" + PciAddress{record.bus, record.device, record.function}.LegacyKey();
-  InsertProperty(properties, "DeviceID", TCIMValue(location));
-  InsertProperty(properties, "Location", TCIMValue(std::move(location)));
-  InsertProperty(properties, "PciDeviceID", TCIMValue(record.deviceId));
-  InsertProperty(properties, "ProgrammingInterface",
-                 ConfigByteValue(record, kConfigProgrammingInterface));
-  InsertProperty(properties, "Revision", ConfigByteValue(record, kConfigRevision));
-  InsertProperty(properties, "Subclass", ConfigByteValue(record, kConfigSubclass));
+// No value for a function of any class.
+TCIMValue CreationClassOf(EFunctionKind kind) {
+  if (kind == kAnyFunction) return TCIMValue();
+  return TCIMValue(kind == kBridge ? kPciBridgeClass : kPciDeviceClass);
 }
 
 // What the listing says of the function, else the kernel, else its numbers.
@@ -101,7 +93,47 @@ int TPciDevInfo::PopulateKeyProperties(TPropertyMap* properties) {
   return 0;
 }
 
+// In name order, which InsertProperty is quickest with; what there is not is no value.
+TPropertyMap TPciDevInfo::OwnProperties(TRecord record, EFunctionKind kind) {
+  const bool isDevice = kind == kDevice;
+  Regions regions = isDevice ? SortRegions(*record) : Regions();
+  const auto valueOf = [this](auto& list, auto make) {
+    return list.empty() ? TCIMValue() : (this->*make)(std::move(list));
+  };
+  TPropertyMap own;
+  InsertProperty(&own, "ClassCode", ConfigByteValue(*record, kConfigBaseClass));
+  InsertProperty(&own, "CreationClassName", CreationClassOf(kind));
+  // A function is identified by where it is: its number is "PciDeviceID".
+  std::string location =
+      "PCI" + PciAddress{record->bus, record->device, record->function}.LegacyKey();
+  InsertProperty(&own, "DeviceID", TCIMValue(location));
+  InsertProperty(&own, "IOAddress", valueOf(regions.ioAddresses, &TPciDevInfo::GetWordCimValue));
+  InsertProperty(&own, "IOLength", valueOf(regions.ioLengths, &TPciDevInfo::GetWordCimValue));
+  if (isDevice && record->irq != 0) InsertProperty(&own, "IRQ", TCIMValue(record->irq));
+  InsertProperty(&own, "Location", TCIMValue(std::move(location)));
+  InsertProperty(&own, "MEMAddress",
+                 valueOf(regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue));
+  InsertProperty(&own, "MEMLength", valueOf(regions.memoryLengths, &TPciDevInfo::GetDwordCimValue));
+  InsertProperty(&own, "PciDeviceID", TCIMValue(record->deviceId));
+  InsertProperty(&own, "ProgrammingInterface",
+                 ConfigByteValue(*record, kConfigProgrammingInterface));
+  InsertProperty(&own, "Revision", ConfigByteValue(*record, kConfigRevision));
+  InsertProperty(&own, "Subclass", ConfigByteValue(*record, kConfigSubclass));
+  if (isDevice) {
+    InsertProperty(&own, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
+    InsertProperty(&own, "SubsystemVendorID", ConfigWordValue(*record, kConfigSubsystemVendorId));
+  }
+  InsertProperty(&own, "VendorID", TCIMValue(record->vendorId));
+  return own;
+}
+
 int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties) {
+  TPropertyMap own = OwnProperties(record, kAnyFunction);
+  properties->merge(own);  // the first value of a name wins
+  return CompleteProperties(record, properties);
+}
+
+int TPciDevInfo::CompleteProperties(TRecord record, TPropertyMap* properties) {
   WriteDebug(kEnteringGetCommonDevProperties);
   const auto reject = [&](const std::string& why) {
     properties->clear();
@@ -117,7 +149,6 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
   if (deviceId != record->deviceId) {
     return reject(MismatchText("device", deviceId, record->deviceId));
   }
-  InsertRecord(*record, properties);
   if (PopulateKeyProperties(properties) == 1) return reject("Could not get Key Properties");
 
   if (processState.slotIDRetrievalType != 0) {
@@ -128,39 +159,29 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
   } else {
     WriteDebug("SMBIOS version not support.");
   }
-  InsertProperty(properties, "VendorID", TCIMValue(record->vendorId));
   InsertProperty(properties, "Description", TCIMValue(Describe(*this, *record)));
   WriteDebug(kExitingGetCommonDevProperties);
   return 0;
 }
 
 TPropertyMap TPciDevInfo::PopulatePciBridgeProperties(TRecord record) {
-  TPropertyMap properties;
-  InsertProperty(&properties, "CreationClassName", TCIMValue(kPciBridgeClass));
-  if (GetCommonDevProperties(record, &properties) == 1) properties.clear();
-  return properties;
+  return CompleteBridge(record, OwnProperties(record, kBridge));
+}
+
+TPropertyMap TPciDevInfo::CompleteBridge(TRecord record, TPropertyMap own) {
+  if (CompleteProperties(record, &own) == 1) return {};
+  return own;
 }
 
 TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
-  WriteDebug(kEnteringPopulatePciDeviceProperties);
-  TPropertyMap properties;
-  InsertProperty(&properties, "CreationClassName", TCIMValue(kPciDeviceClass));
-  if (GetCommonDevProperties(record, &properties) == 1) return {};
-  InsertProperty(&properties, "SubsystemVendorID",
-                 ConfigWordValue(*record, kConfigSubsystemVendorId));
-  InsertProperty(&properties, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
+  return CompleteDevice(record, OwnProperties(record, kDevice));
+}
 
-  Regions regions = SortRegions(*record);
-  const auto insertUnlessEmpty = [&](const char* name, auto& list, auto make) {
-    if (!list.empty()) InsertProperty(&properties, name, (this->*make)(std::move(list)));
-  };
-  insertUnlessEmpty("MEMAddress", regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue);
-  insertUnlessEmpty("MEMLength", regions.memoryLengths, &TPciDevInfo::GetDwordCimValue);
-  insertUnlessEmpty("IOAddress", regions.ioAddresses, &TPciDevInfo::GetWordCimValue);
-  insertUnlessEmpty("IOLength", regions.ioLengths, &TPciDevInfo::GetWordCimValue);
-  if (record->irq != 0) InsertProperty(&properties, "IRQ", TCIMValue(record->irq));
+TPropertyMap TPciDevInfo::CompleteDevice(TRecord record, TPropertyMap own) {
+  WriteDebug(kEnteringPopulatePciDeviceProperties);
+  if (CompleteProperties(record, &own) == 1) return {};
   WriteDebug(kExitingPopulatePciDeviceProperties);
-  return properties;
+  return own;
 }
 
 std::uint8_t TPciDevInfo::GetClassCode(TRecord record) {
