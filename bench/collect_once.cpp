@@ -1,6 +1,6 @@
 // bench_collect CLASS...: what `pciinfo instances CLASS... --format json` does, in one process.
 //
-// The program does each stage in a process of its own and watches it by means that valgrind 3.19
+// The program works in a process of its own and watches it by means that valgrind 3.19
 // does not know. The work that grows with the machine is the same.
 
 #include <unistd.h>
