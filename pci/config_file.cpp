@@ -33,7 +33,7 @@ bool ConfigFile::ReadHeader(unsigned char* header) const {
 
 bool ReadHeaderAhead(sPciDevices* record) {
   const ConfigFile file(*record);
-  std::array<unsigned char, kConfigHeaderSize> header;
+  std::array<unsigned char, kConfigHeaderSize> header{};
   if (!file.IsOpen() || !file.ReadHeader(header.data())) return false;
   std::copy(header.begin(), header.end(), record->configSpace.begin());
   return true;

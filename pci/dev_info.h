@@ -9,6 +9,12 @@
 #include "pci/records.h"
 #include "plugin/collector.h"
 
+/// What can be known of a function without the listing of lspci and without a word in the log.
+struct PreparedFunction {
+  bool isRead = false;  ///< the configuration header, into the record
+  TPropertyMap own;     ///< TPciDevInfo::OwnProperties, where it was read
+};
+
 /// Collector of PCI functions, of their places in slots, and of the raw listings. Everything that
 /// it finds about the machine is kept process-wide; the object itself holds nothing. Each file
 /// dev_info_<role>.cpp holds the operations of one role.
@@ -37,15 +43,10 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
 
   // Inventory: one pass over all functions.
 
-  /// What can be known of a function without the listing of lspci and without a word in the log.
-  struct Ahead {
-    bool isRead = false;  ///< the configuration header, into the record
-    TPropertyMap own;     ///< OwnProperties, where it was read
-  };
   [[gnu::visibility("hidden")]] EFunctionKind KindOf(TRecord record);
-  [[gnu::visibility("hidden")]] std::vector<Ahead> PrepareFunctions(
+  [[gnu::visibility("hidden")]] std::vector<PreparedFunction> PrepareFunctions(
       std::vector<sPciDevices>* records);
-  [[gnu::visibility("hidden")]] bool ReadUnlessRead(TRecord record, Ahead* ahead);
+  [[gnu::visibility("hidden")]] bool ReadUnlessRead(TRecord record, PreparedFunction* prepared);
 
   /// Appends a map for each bridge and each other function that could be read.
   void GetPciInfo(std::vector<TPropertyMap>* bridges, std::vector<TPropertyMap>* devices);

@@ -16,24 +16,24 @@ EFunctionKind TPciDevInfo::KindOf(TRecord record) {
   return GetClassCode(record) == kBridgeBaseClass ? kBridge : kDevice;
 }
 
-std::vector<TPciDevInfo::Ahead> TPciDevInfo::PrepareFunctions(std::vector<sPciDevices>* records) {
-  std::vector<Ahead> prepared(records->size());
-  auto ahead = prepared.begin();
-  for (auto record = records->begin(); record != records->end(); ++record, ++ahead) {
-    ahead->isRead = ReadHeaderAhead(&*record);
-    if (ahead->isRead) ahead->own = OwnProperties(record, KindOf(record));
+std::vector<PreparedFunction> TPciDevInfo::PrepareFunctions(std::vector<sPciDevices>* records) {
+  std::vector<PreparedFunction> functions(records->size());
+  auto prepared = functions.begin();
+  for (auto record = records->begin(); record != records->end(); ++record, ++prepared) {
+    prepared->isRead = ReadHeaderAhead(&*record);
+    if (prepared->isRead) prepared->own = OwnProperties(record, KindOf(record));
   }
-  return prepared;
+  return functions;
 }
 
-bool TPciDevInfo::ReadUnlessRead(TRecord record, Ahead* ahead) {
-  if (ahead->isRead) {
+bool TPciDevInfo::ReadUnlessRead(TRecord record, PreparedFunction* prepared) {
+  if (prepared->isRead) {
     WriteDebug(kEnteringPciRead);
     WriteDebug(kExitingPciRead);
     return true;
   }
   if (PciRead(record) != 0) return false;
-  ahead->own = OwnProperties(record, KindOf(record));
+  prepared->own = OwnProperties(record, KindOf(record));
   return true;
 }
 
@@ -43,20 +43,20 @@ void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
   std::vector<sPciDevices> records = ScanPciDevices();
   // The first function has to wait for the listing of `lspci`, which a host may be making by now:
   // what is done before that takes no time of its own. The log speaks of each function in its turn.
-  std::vector<Ahead> prepared = PrepareFunctions(&records);
+  std::vector<PreparedFunction> functions = PrepareFunctions(&records);
   // The probe is a stand-in for firmware that tells no bus numbers. Bridges get a slot number from
   // the firmware only, so it has work only where slot numbers come from elsewhere.
   const bool mayProbe = processState.slotIDRetrievalType == 0;
   THwinfoSlotMap hwinfoSlotMap;
   for (auto record = records.begin(); record != records.end(); ++record) {
-    Ahead& ahead = prepared[static_cast<std::size_t>(record - records.begin())];
-    if (!ReadUnlessRead(record, &ahead)) continue;
+    PreparedFunction& prepared = functions[static_cast<std::size_t>(record - records.begin())];
+    if (!ReadUnlessRead(record, &prepared)) continue;
     if (KindOf(record) == kDevice) {
-      TPropertyMap device = CompleteDevice(record, std::move(ahead.own));
+      TPropertyMap device = CompleteDevice(record, std::move(prepared.own));
       if (!device.empty()) devices->push_back(std::move(device));
       continue;
     }
-    TPropertyMap bridge = CompleteBridge(record, std::move(ahead.own));
+    TPropertyMap bridge = CompleteBridge(record, std::move(prepared.own));
     if (bridge.empty()) continue;
     bridges->push_back(std::move(bridge));
     if (!mayProbe || !HasSlotNumber(bridges->back())) continue;

@@ -119,6 +119,21 @@ TEST_F(InventoryTest, TheLogSpeaksOfEachHeaderWhenItsFunctionIsLookedAt) {
                        described}));
 }
 
+TEST_F(InventoryTest, WhatCouldNotBeReadAheadIsReadInItsTurn) {
+  PutFunctions({Function(1, 0x02), Function(2, 0x02), Function(3, 0x06)});
+  MachineTree::Remove(ConfigFile(2));
+  MachineTree::Remove(ConfigFile(3));
+  Fake().commands["lspci"] = [] {
+    MachineTree::Write(ConfigFile(2), AsText(Header(Function(2, 0x02))));
+    MachineTree::Write(ConfigFile(3), AsText(Header(Function(3, 0x06))));
+    return std::string("none\n");
+  };
+  Pass();
+  EXPECT_EQ(Locations(devices), (Lines{LocationOf(1), LocationOf(2)}));
+  EXPECT_EQ(Locations(bridges), Lines{LocationOf(3)});
+  EXPECT_TRUE(Fake().LogOf(2).empty());
+}
+
 TEST_F(InventoryTest, FunctionWhoseIdentifiersDisagreeIsInNeitherList) {
   FakeFunction other = Function(0, 0x06);
   other.vendorId = 0x8087;
