@@ -48,8 +48,8 @@ class Stages final {
   /// that is left, so that one that hangs leaves some to the others.
   std::optional<std::string> Begin(bool isLast);
 
-  /// The stage was done: what it gave is kept, and no time is counted from here on. A stage that
-  /// leaves no memory to go on with is given up here, and does not return.
+  /// The stage was done, and no time is counted until the next one begins. A stage that leaves no
+  /// memory to go on with is given up here, and does not return.
   void EndStage();
 
   /// What is done for the user only is over: what comes now is work of the plug-ins again, and may
