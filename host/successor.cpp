@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/signalfd.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +15,8 @@
 #include <utility>
 
 #include "host/descendants.h"
+#include "runtime/command_ahead.h"
+#include "runtime/process_descriptor.h"
 
 namespace pciinfo {
 namespace {
@@ -31,9 +32,6 @@ int PollTime(steady_clock::time_point deadline) {
   return static_cast<int>(std::clamp<decltype(left)>(left, 0, std::numeric_limits<int>::max()));
 }
 
-// As a system call: the C library's header for it is not made for C++.
-int OpenProcess(pid_t process) { return static_cast<int>(syscall(SYS_pidfd_open, process, 0)); }
-
 int TakeSignal(int signals) {
   signalfd_siginfo signal{};
   const bool whole = read(signals, &signal, sizeof signal) == sizeof signal;
@@ -44,7 +42,7 @@ int TakeSignal(int signals) {
 
 // The end of the pipe tells nothing about the process: what it started may hold it open.
 Successor::Successor(pid_t process, vtq::FileDescriptor words)
-    : process_(process), words_(std::move(words)), life_(OpenProcess(process)) {
+    : process_(process), words_(std::move(words)), life_(vtq::OpenProcess(process)) {
   if (life_.IsOpen()) return;
   const int error = errno;
   KillTree(process);
@@ -87,11 +85,20 @@ void Successor::MakeEnd(int signal) {
 }
 
 SuccessorEnd Successor::Await(Progress first, const StageTime& time, int signals) {
+  const SuccessorEnd end = Follow(first, time, signals);
+  vtq::EndCommandAhead();  // one of the children that were killed
+  return end;
+}
+
+SuccessorEnd Successor::Follow(Progress first, const StageTime& time, int signals) {
   SetProgress(first, time);
   while (true) {
-    std::array<pollfd, 3> watched = {
-        {{words_.Get(), POLLIN, 0}, {life_.Get(), POLLIN, 0}, {signals, POLLIN, 0}}};
+    std::array<pollfd, 4> watched = {{{words_.Get(), POLLIN, 0},
+                                      {life_.Get(), POLLIN, 0},
+                                      {signals, POLLIN, 0},
+                                      {vtq::GetCommandAheadLife(), POLLIN, 0}}};
     const int count = poll(watched.data(), watched.size(), isTimed_ ? PollTime(deadline_) : -1);
+    if (watched[3].revents != 0) vtq::PassOnCommandAheadEnd();
     if (watched[0].revents != 0) ReadWords(time);
     if (watched[1].revents != 0) break;
     if (watched[2].revents != 0) {

@@ -1,6 +1,7 @@
 #include "runtime/command_ahead.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,7 +27,7 @@ constexpr int kLimit = 20;
 class CommandAheadTest : public testing::Test {
  protected:
   void TearDown() override {
-    StartCommandAhead("");
+    EndCommandAhead();
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a program was left";
   }
 
@@ -113,7 +114,8 @@ TEST_F(CommandAheadTest, ARecordedCommandIsNotStarted) {
   StartCommandAhead("true");
   recordings.Write("true", "recorded\n");
   EXPECT_EQ(TOSSpecific::SpawnProcess("true", kLimit), "recorded\n");
-  StartCommandAhead("true");  // and ends the one before
+  EndCommandAhead();
+  StartCommandAhead("true");
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
   ReplayCommandsFrom("");
 }
@@ -126,16 +128,113 @@ TEST_F(CommandAheadTest, TheOneBeforeIsEnded) {
   EXPECT_EQ(TOSSpecific::SpawnProcess(script, kLimit), "out\n");
 }
 
-TEST_F(CommandAheadTest, AForkedProcessRunsTheCommandItself) {
+TEST_F(CommandAheadTest, TheOneThatIsUnderWayGoesOn) {
   const std::string script = Script("script", "echo out");
   StartCommandAhead(script);
   AwaitStart();
+  StartCommandAhead(script);
+  EXPECT_EQ(TOSSpecific::SpawnProcess(script, kLimit), "out\n");
+  EXPECT_EQ(CountStarts(), 1);
+}
+
+// What a forked process makes of the command while this one passes on its end.
+class ForkedCommandAheadTest : public CommandAheadTest {
+ protected:
+  // The output of the command or the text of the failure, in a forked process.
+  std::string InFork(const std::string& command, int limit = kLimit) {
+    int ends[2];
+    EXPECT_EQ(::pipe(ends), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      std::string text;
+      const Failure failure = FailureOf([&] { text = TOSSpecific::SpawnProcess(command, limit); });
+      text += failure.text;
+      _exit(::write(ends[1], text.data(), text.size()) < 0 ? 1 : 0);
+    }
+    ::close(ends[1]);
+    if (passesOn_) PassOnEnd();
+    std::string text;
+    char piece[4096];
+    for (ssize_t size = 1; size > 0; text.append(piece, static_cast<std::size_t>(size))) {
+      size = std::max<ssize_t>(::read(ends[0], piece, sizeof piece), 0);
+    }
+    ::close(ends[0]);
+    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+    return text;
+  }
+
+  bool passesOn_ = true;
+
+ private:
+  static void PassOnEnd() {
+    pollfd life{GetCommandAheadLife(), POLLIN, 0};
+    ASSERT_GE(life.fd, 0);
+    ASSERT_EQ(::poll(&life, 1, kLimit * 1000), 1);
+    PassOnCommandAheadEnd();
+    EXPECT_EQ(GetCommandAheadLife(), -1) << "once is enough";
+  }
+};
+
+TEST_F(ForkedCommandAheadTest, AForkedProcessTakesTheProgramOver) {
+  const std::string script = Script("script", "seq 100000");
+  StartCommandAhead(script);
+  AwaitStart();
+  EXPECT_EQ(InFork(script).size(), 588895U);
+  EXPECT_EQ(CountStarts(), 1);
+}
+
+TEST_F(ForkedCommandAheadTest, ItLearnsHowTheProgramEnded) {
+  const std::string failing = Script("failing", "echo sorry >&2; exit 3");
+  StartCommandAhead(failing);
+  EXPECT_EQ(InFork(failing),
+            "the command \"" + failing + "\" exited with status 3 and printed nothing: sorry");
+  const std::string dying = Script("dying", "echo out; kill -9 $$");
+  StartCommandAhead(dying);
+  EXPECT_EQ(InFork(dying), "the command \"" + dying + "\" died by signal 9");
+}
+
+TEST_F(ForkedCommandAheadTest, ItEndsAProgramThatTakesTooLong) {
+  const std::string script = Script("endless", "sleep 1000");
+  StartCommandAhead(script);
+  EXPECT_EQ(InFork(script, 1), "the command \"" + script + "\" ran out of time after 1 seconds");
+}
+
+TEST_F(ForkedCommandAheadTest, WithoutTheEndTheOutputIsNotTaken) {
+  const std::string script = Script("script", "echo out");
+  StartCommandAhead(script);
+  passesOn_ = false;
+  EXPECT_EQ(InFork(script, 1),
+            "the command \"" + script + "\" could not be followed to its end: No child processes");
+}
+
+TEST_F(ForkedCommandAheadTest, WhatWasEndedBeforeTheForkRunsAnew) {
+  const std::string script = Script("script", "echo out");
+  StartCommandAhead(script);
+  AwaitStart();
+  EndCommandAhead();
+  passesOn_ = false;
+  EXPECT_EQ(InFork(script), "out\n");
+  EXPECT_EQ(CountStarts(), 2);
+}
+
+TEST_F(ForkedCommandAheadTest, TheEndOfAForkedProcessEndsNothing) {
+  const std::string script = Script("script", "sleep 1; echo out");
+  StartCommandAhead(script);
   const pid_t child = ::fork();
-  if (child == 0) _exit(TOSSpecific::SpawnProcess(script, kLimit) == "out\n" ? 0 : 1);
+  if (child == 0) {
+    const bool hasNothingToPassOn = GetCommandAheadLife() == -1;
+    EndCommandAhead();
+    _exit(hasNothingToPassOn ? 0 : 1);
+  }
   int status = -1;
   ::waitpid(child, &status, 0);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(CountStarts(), 2);
+  EXPECT_EQ(TOSSpecific::SpawnProcess(script, kLimit), "out\n");
+  EXPECT_EQ(CountStarts(), 1);
+}
+
+TEST_F(ForkedCommandAheadTest, NothingIsPassedOnWithoutACommand) {
+  EXPECT_EQ(GetCommandAheadLife(), -1);
 }
 
 }  // namespace
