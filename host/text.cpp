@@ -51,6 +51,11 @@ char32_t ShownAs(char32_t codePoint) {
   return IsIn(kUnprintable, codePoint) ? U'?' : codePoint;
 }
 
+/// Whether every byte is a character of one column that is shown as it is, as in nearly all texts.
+bool IsPlain(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 /// The longest beginning of `utf8` that fits into `width` columns.
 std::string_view Beginning(std::string_view utf8, std::size_t width) {
   std::size_t used = 0;
@@ -68,6 +73,7 @@ std::string_view Beginning(std::string_view utf8, std::size_t width) {
 }  // namespace
 
 std::string Printable(std::string_view bytes) {
+  if (IsPlain(bytes)) return std::string(bytes);
   const std::string utf8 = ToUtf8(bytes);
   std::string shown;
   shown.reserve(utf8.size());
@@ -78,6 +84,7 @@ std::string Printable(std::string_view bytes) {
 }
 
 std::size_t DisplayWidth(std::string_view utf8) {
+  if (IsPlain(utf8)) return utf8.size();
   std::size_t width = 0;
   for (std::size_t position = 0; position < utf8.size();) {
     const std::size_t start = position;

@@ -27,6 +27,18 @@ TEST(Text, DisplayWidthCountsColumnsNotBytes) {
   EXPECT_EQ(DisplayWidth("\xe6\x97\xa5\xe6\x9c\xac"), 4U);  // two wide characters
 }
 
+// Texts of plain characters only are not looked at one by one; one other character makes them so.
+TEST(Text, EveryByteIsTheSameInPlainTexts) {
+  const std::string other = "gr\xc3\xbcn";
+  for (int byte = 0; byte < 0x80; ++byte) {
+    const std::string text = std::string("a b") + static_cast<char>(byte) + "~ ";
+    EXPECT_EQ(Printable(text) + other, Printable(text + other)) << byte;
+    EXPECT_EQ(DisplayWidth(text) + 4, DisplayWidth(text + other)) << byte;
+  }
+  EXPECT_EQ(Printable(""), "");
+  EXPECT_EQ(DisplayWidth(""), 0U);
+}
+
 TEST(Text, PadRightFillsUpToTheWidth) {
   EXPECT_EQ(PadRight("\xc3\xbc", 3), "\xc3\xbc  ");
   EXPECT_EQ(PadRight("longer", 3), "longer");
