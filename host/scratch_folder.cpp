@@ -9,9 +9,14 @@
 
 namespace pciinfo {
 
-// Not where the environment says: for a privileged user it may come from somebody else.
-ScratchFolder::ScratchFolder() : path_("/tmp/pciinfo-XXXXXX") {
-  if (mkdtemp(path_.data()) == nullptr) path_.clear();
+// Not where the environment says: for a privileged user it may come from somebody else. What is
+// made and removed within milliseconds had better be in memory.
+ScratchFolder::ScratchFolder() {
+  for (const char* const folder : {"/dev/shm", "/tmp"}) {
+    path_ = std::string(folder) + "/pciinfo-XXXXXX";
+    if (mkdtemp(path_.data()) != nullptr) return;
+  }
+  path_.clear();
 }
 
 void ScratchFolder::MoveIn() noexcept {

@@ -7,7 +7,7 @@ namespace pciinfo {
 /// An empty folder that only this user may enter, for files that a plug-in writes where it stands.
 class ScratchFolder final {
  public:
-  /// Makes it below /tmp. Where that cannot be done there is none.
+  /// Makes it below /dev/shm, or else below /tmp. Where neither can be done there is none.
   ScratchFolder();
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;

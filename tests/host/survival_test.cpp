@@ -18,6 +18,7 @@ namespace {
 
 using std::chrono::steady_clock;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -221,7 +222,7 @@ TEST_F(Survival, WhatAPluginWritesWhereItStandsIsNotLeftBehind) {
   const RunResult result = Run("WriteFile_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
   const std::string folder = Logged("wrote into: ");
-  EXPECT_THAT(folder, StartsWith("/tmp/pciinfo-"));
+  EXPECT_THAT(folder, AnyOf(StartsWith("/dev/shm/pciinfo-"), StartsWith("/tmp/pciinfo-")));
   EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
