@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -16,6 +15,7 @@
 #include "host/jobs.h"
 #include "host/large_pages.h"
 #include "host/library_location.h"
+#include "host/listing_ahead.h"
 #include "host/output.h"
 #include "host/pager.h"
 #include "host/progress_line.h"
@@ -26,7 +26,6 @@
 #include "host/show_target.h"
 #include "host/stages.h"
 #include "host/text.h"
-#include "runtime/command_ahead.h"
 
 namespace pciinfo {
 namespace {
@@ -39,17 +38,6 @@ void LoadPlugins(Session& session, const std::vector<std::string>& files) {
                                "install the plug-in, or name one with --plugin"));
   }
   for (const std::string& file : files) session.Load(file);
-}
-
-/// The plug-in describes functions by the words of `lspci`, which take most of the time of a run:
-/// they are made while the plug-in is loaded and looks around.
-void StartListing(const Options& options, const Job& job) {
-  const auto isDescribed = [](const std::string& className) {
-    return className == "QZMSG_PCIDevice" || className == "QZMSG_PCIBridge";
-  };
-  if (options.plugins.empty() && std::any_of(job.collect.begin(), job.collect.end(), isDescribed)) {
-    vtq::StartCommandAhead("lspci");
-  }
 }
 
 ExitStatus Print(const std::function<void(Output& output)>& print) {
@@ -117,7 +105,7 @@ LogSettings OpenLog(const Options& options) {
 }
 
 ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
-  StartListing(options, job);
+  if (options.plugins.empty()) StartListingFor(job.collect);
   UseLargePages();
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
@@ -150,10 +138,8 @@ Manifest MoveToRoot(const Options& options) {
 }
 
 Limits LimitsOf(const Options& options) {
-  constexpr std::uint64_t kMebibyte = 1U << 20U;
-  Limits limits{std::chrono::milliseconds(std::llround(options.timeout * 1000)), std::nullopt};
-  if (options.memoryLimit > 0) limits.memory = options.memoryLimit * kMebibyte;
-  return limits;
+  return {std::chrono::milliseconds(std::llround(options.timeout * 1000)),
+          BytesOfLimit(options.memoryLimit)};
 }
 
 ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& messages) {

@@ -26,6 +26,10 @@ bool IsNeeded(unsigned capability) noexcept {
   }
 }
 
+bool HasBit(const CapabilitySets& sets, unsigned capability) noexcept {
+  return (sets[CAP_TO_INDEX(capability)].effective & CAP_TO_MASK(capability)) != 0;
+}
+
 void ClearBit(CapabilitySets& sets, unsigned capability) noexcept {
   __user_cap_data_struct& data = sets[CAP_TO_INDEX(capability)];
   const __u32 mask = ~CAP_TO_MASK(capability);
@@ -40,9 +44,10 @@ void GiveUp(const Predicate& goes) noexcept {
   __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
   CapabilitySets sets{};
   if (syscall(SYS_capget, &header, sets.data()) != 0) return;
+  const bool isBoundFree = HasBit(sets, CAP_SETPCAP);  // as it is the first time only
   for (unsigned capability = 0; capability <= CAP_LAST_CAP; ++capability) {
     if (!goes(capability)) continue;
-    prctl(PR_CAPBSET_DROP, capability);
+    if (isBoundFree) prctl(PR_CAPBSET_DROP, capability);
     ClearBit(sets, capability);
   }
   syscall(SYS_capset, &header, sets.data());

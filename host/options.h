@@ -37,6 +37,12 @@ inline constexpr std::uint64_t kDefaultMemoryLimit = 0;
 inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
 #endif
 
+/// The bytes of a limit of that many MiB; none for 0.
+inline std::optional<std::uint64_t> BytesOfLimit(std::uint64_t mebibytes) {
+  if (mebibytes == 0) return std::nullopt;
+  return mebibytes << 20U;
+}
+
 /// What the command line asks for.
 struct Options {
   Command command = Command::kOverview;

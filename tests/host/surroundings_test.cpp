@@ -111,6 +111,34 @@ TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
   EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after "));
 }
 
+TEST_F(Surroundings, AToolThatDiesTellsNothing) {
+  const RunResult result =
+      RunHidden(WithTool("echo 00:00.0 Host bridge: half; kill -9 \\$\\$"), "$PCIINFO devices");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, Not(HasSubstr("half")));
+  EXPECT_THAT(LinesOf(result.err), ElementsAre(HasSubstr("\"lspci\" died by signal 9")));
+}
+
+TEST_F(Surroundings, AToolThatHangsOnceIsRunAgainForTheOtherClasses) {
+  const std::string tool = WithTool("mkdir /tmp/$$.once && sleep 987657; echo 00:00.0 Host bridge");
+  const RunResult result = RunHidden(tool, "$PCIINFO devices --timeout 4; rmdir /tmp/$$.once");
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: the plug-in was stopped after ")));
+}
+
+TEST_F(Surroundings, AWrongCommandLineLeavesNoToolBehind) {
+  const RunResult result =
+      RunHidden(WithTool("sleep 987655; true"),
+                "$PCIINFO devices --bogus; echo $?; pgrep -fx \"sleep 987655\"");
+  EXPECT_EQ(result.out, "2\n");
+}
+
+TEST_F(Surroundings, AToolThatIsNotCalledForIsNotLeftBehind) {
+  const RunResult result = RunHidden(WithTool("sleep 987656; true") + " && " + kWithoutPciBus,
+                                     "$PCIINFO devices; echo $?; pgrep -fx \"sleep 987656\"");
+  EXPECT_EQ(LinesOf(result.out).back(), "0") << result.out;
+}
+
 // A sanitizer has limits of its own.
 #ifndef PCIINFO_SANITIZED
 TEST_F(Surroundings, AToolThatPrintsWithoutEndLosesItsClassOnly) {
