@@ -3,7 +3,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <sstream>
+#include <algorithm>
+#include <string_view>
 
 namespace vtq {
 
@@ -32,12 +33,12 @@ std::vector<std::string> SplitCommand(const std::string& command) {
 std::string FindProgram(const std::string& name) {
   if (name.starts_with('/')) return name;
   if (name.find_first_of(std::string("/\0", 2)) != std::string::npos) return {};
-  std::istringstream directories(kProgramSearchPath);
-  directories.exceptions(std::ios::badbit);  // no memory is not the end of the path
-  std::string directory;
-  while (std::getline(directories, directory, ':')) {
-    std::string file = directory.append("/").append(name);
+  std::string_view directories = kProgramSearchPath;
+  while (!directories.empty()) {
+    const std::size_t end = std::min(directories.find(':'), directories.size());
+    std::string file = std::string(directories.substr(0, end)).append("/").append(name);
     if (IsProgram(file)) return file;
+    directories.remove_prefix(std::min(end + 1, directories.size()));
   }
   return {};
 }
