@@ -18,6 +18,7 @@
 #include "host/listing_ahead.h"
 #include "host/output.h"
 #include "host/pager.h"
+#include "host/process_end.h"
 #include "host/progress_line.h"
 #include "host/query_order.h"
 #include "host/root.h"
@@ -166,8 +167,11 @@ ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& 
   progress.Tell("loading the plug-ins");
   // A run that is repeated for a stage that failed goes on with the same log.
   const Channels channels{OpenLog(options), progress, messages};
-  return RunInStages(LimitsOf(options), {"loading the plug-ins"},
-                     [&](Stages& stages) { return Show(options, job, stages, channels); });
+  const ExitStatus status =
+      RunInStages(LimitsOf(options), {"loading the plug-ins"},
+                  [&](Stages& stages) { return Show(options, job, stages, channels); });
+  progress.End();
+  return EndProcess(status);
 }
 
 }  // namespace
