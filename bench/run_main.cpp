@@ -34,11 +34,16 @@ struct Settings {
   std::string docs;  ///< empty: to standard output only
 };
 
-// Fewer rounds where each takes long.
+// Fewer rounds where each takes long, more where a moment of the machine's own weighs much.
+unsigned RoundsFor(unsigned functions, unsigned rounds) {
+  if (functions > 4096) return (rounds + 2) / 3;
+  return rounds * std::clamp(4096 / std::max(functions, 1U), 1U, 16U);
+}
+
 Plan PlanFor(unsigned functions, const Settings& settings) {
   Plan plan;
   plan.functions = functions;
-  plan.rounds = functions > 4096 ? (settings.rounds + 2) / 3 : settings.rounds;
+  plan.rounds = RoundsFor(functions, settings.rounds);
   plan.listingRounds = functions > 4096 ? 1 : (settings.rounds + 2) / 3;
   plan.withSlowTools = functions <= settings.slowToolsUpTo;
   plan.withInstructions = settings.withInstructions;
@@ -118,7 +123,8 @@ CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
   app.add_option("--sizes", settings.sizes, "Numbers of PCI functions")
       ->delimiter(',')
       ->capture_default_str();
-  app.add_option("--rounds", settings.rounds, "How often the device list is measured")
+  app.add_option("--rounds", settings.rounds,
+                 "How often the device list of 4,096 functions is measured")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
   app.add_option(
