@@ -9,6 +9,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <thread>
 
 #include "tests/host/run_program.h"
@@ -255,9 +256,9 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
   int CountProcesses() const {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-      std::ifstream stream(entry.path() / "cmdline");
-      const std::string words{std::istreambuf_iterator<char>(stream), {}};
-      if (words.find(LogFile()) != std::string::npos) ++count;
+      std::ostringstream words;
+      words << std::ifstream(entry.path() / "cmdline").rdbuf();  // fails for one that just ended
+      if (words.str().find(LogFile()) != std::string::npos) ++count;
     }
     return count;
   }
