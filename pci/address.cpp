@@ -1,17 +1,10 @@
 #include "pci/address.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
-#include <iterator>
 
 namespace {
-
-char HexDigit(unsigned number) { return "0123456789abcdef"[number & 0xF]; }
-
-void PutHexPair(std::uint8_t number, char* place) {
-  place[0] = HexDigit(number >> 4U);
-  place[1] = HexDigit(number);
-}
 
 std::string HexToDecimal(std::string_view digits) {
   return std::to_string(std::strtoul(std::string(digits).c_str(), nullptr, 16));
@@ -20,24 +13,14 @@ std::string HexToDecimal(std::string_view digits) {
 }  // namespace
 
 std::string PciAddress::ListingKey() const {
-  // Made for every function of a machine, and several times as fast as with a format.
-  std::string text = "00:00.";
-  PutHexPair(bus, &text[0]);
-  PutHexPair(device, &text[3]);
-  if (function > 0xF) text += HexDigit(function >> 4);
-  return text += HexDigit(function);
+  char text[16];
+  std::snprintf(text, sizeof text, "%02x:%02x.%x", bus, device, function);
+  return text;
 }
 
 std::string PciAddress::LegacyKey() const {
-  std::string text;
-  text.reserve(std::size("PCI Bus 255, device 255, function 255"));  // with its usual prefix
-  text += " Bus ";
-  text += PadDecimal(bus, 2);
-  text += ", device ";
-  text += PadDecimal(device, 3);
-  text += ", function ";
-  text += PadDecimal(function, 2);
-  return text;
+  return " Bus " + PadDecimal(bus, 2) + ", device " + PadDecimal(device, 3) + ", function " +
+         PadDecimal(function, 2);
 }
 
 std::string PciAddress::WithDomain() const { return "0000:" + ListingKey(); }

@@ -9,12 +9,6 @@
 #include "pci/records.h"
 #include "plugin/collector.h"
 
-/// What can be known of a function without the listing of lspci and without a word in the log.
-struct PreparedFunction {
-  bool isRead = false;  ///< the configuration header, into the record
-  TPropertyMap own;     ///< TPciDevInfo::OwnProperties, where it was read
-};
-
 /// Collector of PCI functions, of their places in slots, and of the raw listings. Everything that
 /// it finds about the machine is kept process-wide; the object itself holds nothing. Each file
 /// dev_info_<role>.cpp holds the operations of one role.
@@ -43,12 +37,8 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
 
   // Inventory: one pass over all functions.
 
-  [[gnu::visibility("hidden")]] EFunctionKind KindOf(TRecord record);
-  [[gnu::visibility("hidden")]] std::vector<PreparedFunction> PrepareFunctions(
-      std::vector<sPciDevices>* records);
-  [[gnu::visibility("hidden")]] bool ReadUnlessRead(TRecord record, PreparedFunction* prepared);
-
-  /// Appends a map for each bridge and each other function that could be read.
+  /// Appends a map for each bridge and each other function that could be read. When it throws, the
+  /// maps of the functions before stay.
   void GetPciInfo(std::vector<TPropertyMap>* bridges, std::vector<TPropertyMap>* devices);
   /// The device key for an address "00:1f.2" that the probe tool prints.
   std::string Parsehwinfo(std::string address);
@@ -104,13 +94,6 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
   /// Empty when the function is rejected.
   TPropertyMap PopulatePciDeviceProperties(TRecord record);
   TPropertyMap PopulatePciBridgeProperties(TRecord record);
-  /// What the function's record tells: no need to look anywhere, and no word in the log.
-  [[gnu::visibility("hidden")]] TPropertyMap OwnProperties(TRecord record, EFunctionKind kind);
-  /// What the two Populate routines and GetCommonDevProperties do with these properties, which they
-  /// make first.
-  [[gnu::visibility("hidden")]] TPropertyMap CompleteDevice(TRecord record, TPropertyMap own);
-  [[gnu::visibility("hidden")]] TPropertyMap CompleteBridge(TRecord record, TPropertyMap own);
-  [[gnu::visibility("hidden")]] int CompleteProperties(TRecord record, TPropertyMap* properties);
   /// The base class code (PCI Code and ID Assignment 1.11, 1).
   std::uint8_t GetClassCode(TRecord record);
   /// Array values of uint16 and uint32.

@@ -1,30 +1,65 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 #include <new>
 
 #include "pci/address.h"
-#include "pci/config_file.h"
 #include "pci/dev_info.h"
+#include "pci/paths.h"
+
+namespace {
+
+constexpr std::size_t kBufferSize = 256;
+
+std::string ConfigPath(const sPciDevices& record) {
+  char path[64];
+  std::snprintf(path, sizeof path, "%s/%02x/%02x.%d", kProcBusPci, record.bus, record.device,
+                record.function);
+  return path;
+}
+
+// A file that is open for reading until this goes out of scope.
+class OpenFile final {
+ public:
+  explicit OpenFile(const std::string& path)
+      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() {
+    if (IsOpen()) close(descriptor_);
+  }
+
+  bool IsOpen() const { return descriptor_ >= 0; }
+  int Get() const { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
+}  // namespace
 
 unsigned TPciDevInfo::PciRead(TRecord record) {
-  WriteDebug(kEnteringPciRead);
-  const ConfigFile file(*record);
+  WriteDebug("Entering TPciDevInfo::PciRead routine");
+  const std::string path = ConfigPath(*record);
+  const OpenFile file(path);
   if (!file.IsOpen()) {
-    WriteStatus("Could not open PCI file." +
-                file.GetPath());  // log readers know it without a blank
+    WriteStatus("Could not open PCI file." + path);  // without a blank: log readers match it so
     return 1;
   }
-  const std::unique_ptr<unsigned char[]> header(new (std::nothrow) unsigned char[256]);
+  const std::unique_ptr<unsigned char[]> header(new (std::nothrow) unsigned char[kBufferSize]);
   if (!header) {
     WriteError("Could not allocate memory.");
     return 1;
   }
-  if (!file.ReadHeader(header.get())) {
-    WriteStatus("Could not read PCI file " + file.GetPath());
+  if (read(file.Get(), header.get(), kConfigHeaderSize) != ssize_t{kConfigHeaderSize}) {
+    WriteStatus("Could not read PCI file " + path);
     return 1;
   }
   std::copy_n(header.get(), kConfigHeaderSize, record->configSpace.begin());
-  WriteDebug(kExitingPciRead);
+  WriteDebug("Exiting TPciDevInfo::PciRead routine");
   return 0;
 }
 

@@ -16,12 +16,6 @@ using NQZMVTQ20::TVTQException;
 
 namespace {
 
-// Written for every function: made once.
-const std::string kEnteringGetLspciDeviceDescription =
-    "Entering TPciDevInfo::GetLspciDeviceDescription routine";
-const std::string kExitingGetLspciDeviceDescription =
-    "Exiting TPciDevInfo::GetLspciDeviceDescription routine";
-
 constexpr int kListingSeconds = 60;
 constexpr std::streamsize kLineBufferSize = 1024;
 
@@ -55,7 +49,7 @@ std::vector<std::string> TPciDevInfo::MultiStringTok(std::string& text, const ch
 }
 
 std::string TPciDevInfo::GetLspciDeviceDescription(std::string key) {
-  WriteDebug(kEnteringGetLspciDeviceDescription);
+  WriteDebug("Entering TPciDevInfo::GetLspciDeviceDescription routine");
   PciProcessState& state = processState;
   if (state.listingUnavailable) return "";
   if (!state.listingRun) {
@@ -76,7 +70,7 @@ std::string TPciDevInfo::GetLspciDeviceDescription(std::string key) {
     return "";
   }
   std::string description(state.listing->Find(key));
-  WriteDebug(kExitingGetLspciDeviceDescription);
+  WriteDebug("Exiting TPciDevInfo::GetLspciDeviceDescription routine");
   return description;
 }
 

@@ -12,16 +12,6 @@ using NQZMVTQ20::TCIMValue;
 
 namespace {
 
-// Written for every function: made once.
-const std::string kEnteringGetCommonDevProperties =
-    "Entering TPciDevInfo::GetCommonDevProperties routine";
-const std::string kExitingGetCommonDevProperties =
-    "Exiting TPciDevInfo::GetCommonDevProperties routine";
-const std::string kEnteringPopulatePciDeviceProperties =
-    "Entering TPciDevInfo::PopulatePciDeviceProperties routine";
-const std::string kExitingPopulatePciDeviceProperties =
-    "Exiting TPciDevInfo::PopulatePciDeviceProperties routine";
-
 constexpr unsigned kNoSlot = 0xFFFFFFFF;
 
 // Flag bits in the low end of a base address (PCI Local Bus 3.0, 6.2.5.1).
@@ -70,12 +60,6 @@ TCIMValue ConfigWordValue(const sPciDevices& record, EPciConfigOffset offset) {
   return TCIMValue(ConfigWord(record.configSpace, offset));
 }
 
-// No value for a function of any class.
-TCIMValue CreationClassOf(EFunctionKind kind) {
-  if (kind == kAnyFunction) return TCIMValue();
-  return TCIMValue(kind == kBridge ? kPciBridgeClass : kPciDeviceClass);
-}
-
 // What the listing says of the function, else the kernel, else its numbers.
 std::string Describe(TPciDevInfo& collector, const sPciDevices& record) {
   const PciAddress address{record.bus, record.device, record.function};
@@ -86,6 +70,18 @@ std::string Describe(TPciDevInfo& collector, const sPciDevices& record) {
          dataToString<unsigned short>(record.deviceId);
 }
 
+void InsertRegions(TPciDevInfo& collector, const sPciDevices& record, TPropertyMap* properties) {
+  Regions regions = SortRegions(record);
+  const auto insert = [&](const char* name, auto& numbers, auto makeValue) {
+    if (numbers.empty()) return;
+    InsertProperty(properties, name, (collector.*makeValue)(std::move(numbers)));
+  };
+  insert("MEMAddress", regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue);
+  insert("MEMLength", regions.memoryLengths, &TPciDevInfo::GetDwordCimValue);
+  insert("IOAddress", regions.ioAddresses, &TPciDevInfo::GetWordCimValue);
+  insert("IOLength", regions.ioLengths, &TPciDevInfo::GetWordCimValue);
+}
+
 }  // namespace
 
 int TPciDevInfo::PopulateKeyProperties(TPropertyMap* properties) {
@@ -93,48 +89,8 @@ int TPciDevInfo::PopulateKeyProperties(TPropertyMap* properties) {
   return 0;
 }
 
-// In name order, which InsertProperty is quickest with; what there is not is no value.
-TPropertyMap TPciDevInfo::OwnProperties(TRecord record, EFunctionKind kind) {
-  const bool isDevice = kind == kDevice;
-  Regions regions = isDevice ? SortRegions(*record) : Regions();
-  const auto valueOf = [this](auto& list, auto make) {
-    return list.empty() ? TCIMValue() : (this->*make)(std::move(list));
-  };
-  TPropertyMap own;
-  InsertProperty(&own, "ClassCode", ConfigByteValue(*record, kConfigBaseClass));
-  InsertProperty(&own, "CreationClassName", CreationClassOf(kind));
-  // A function is identified by where it is: its number is "PciDeviceID".
-  std::string location =
-      "PCI" + PciAddress{record->bus, record->device, record->function}.LegacyKey();
-  InsertProperty(&own, "DeviceID", TCIMValue(location));
-  InsertProperty(&own, "IOAddress", valueOf(regions.ioAddresses, &TPciDevInfo::GetWordCimValue));
-  InsertProperty(&own, "IOLength", valueOf(regions.ioLengths, &TPciDevInfo::GetWordCimValue));
-  if (isDevice && record->irq != 0) InsertProperty(&own, "IRQ", TCIMValue(record->irq));
-  InsertProperty(&own, "Location", TCIMValue(std::move(location)));
-  InsertProperty(&own, "MEMAddress",
-                 valueOf(regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue));
-  InsertProperty(&own, "MEMLength", valueOf(regions.memoryLengths, &TPciDevInfo::GetDwordCimValue));
-  InsertProperty(&own, "PciDeviceID", TCIMValue(record->deviceId));
-  InsertProperty(&own, "ProgrammingInterface",
-                 ConfigByteValue(*record, kConfigProgrammingInterface));
-  InsertProperty(&own, "Revision", ConfigByteValue(*record, kConfigRevision));
-  InsertProperty(&own, "Subclass", ConfigByteValue(*record, kConfigSubclass));
-  if (isDevice) {
-    InsertProperty(&own, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
-    InsertProperty(&own, "SubsystemVendorID", ConfigWordValue(*record, kConfigSubsystemVendorId));
-  }
-  InsertProperty(&own, "VendorID", TCIMValue(record->vendorId));
-  return own;
-}
-
 int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties) {
-  TPropertyMap own = OwnProperties(record, kAnyFunction);
-  properties->merge(own);  // the first value of a name wins
-  return CompleteProperties(record, properties);
-}
-
-int TPciDevInfo::CompleteProperties(TRecord record, TPropertyMap* properties) {
-  WriteDebug(kEnteringGetCommonDevProperties);
+  WriteDebug("Entering TPciDevInfo::GetCommonDevProperties routine");
   const auto reject = [&](const std::string& why) {
     properties->clear();
     WriteStatus(why);
@@ -145,10 +101,12 @@ int TPciDevInfo::CompleteProperties(TRecord record, TPropertyMap* properties) {
   if (vendorId != record->vendorId) {
     return reject(MismatchText("vendor", vendorId, record->vendorId));
   }
+  InsertProperty(properties, "VendorID", TCIMValue(record->vendorId));
   const std::uint16_t deviceId = ConfigWord(record->configSpace, kConfigDeviceId);
   if (deviceId != record->deviceId) {
     return reject(MismatchText("device", deviceId, record->deviceId));
   }
+  InsertProperty(properties, "PciDeviceID", TCIMValue(record->deviceId));
   if (PopulateKeyProperties(properties) == 1) return reject("Could not get Key Properties");
 
   if (processState.slotIDRetrievalType != 0) {
@@ -159,29 +117,40 @@ int TPciDevInfo::CompleteProperties(TRecord record, TPropertyMap* properties) {
   } else {
     WriteDebug("SMBIOS version not support.");
   }
+  InsertProperty(properties, "ClassCode", ConfigByteValue(*record, kConfigBaseClass));
+  InsertProperty(properties, "Subclass", ConfigByteValue(*record, kConfigSubclass));
+  InsertProperty(properties, "ProgrammingInterface",
+                 ConfigByteValue(*record, kConfigProgrammingInterface));
+  InsertProperty(properties, "Revision", ConfigByteValue(*record, kConfigRevision));
   InsertProperty(properties, "Description", TCIMValue(Describe(*this, *record)));
-  WriteDebug(kExitingGetCommonDevProperties);
+  // A function is identified by where it is: its number is "PciDeviceID".
+  const std::string location =
+      "PCI" + PciAddress{record->bus, record->device, record->function}.LegacyKey();
+  InsertProperty(properties, "Location", TCIMValue(location));
+  InsertProperty(properties, "DeviceID", TCIMValue(location));
+  WriteDebug("Exiting TPciDevInfo::GetCommonDevProperties routine");
   return 0;
 }
 
 TPropertyMap TPciDevInfo::PopulatePciBridgeProperties(TRecord record) {
-  return CompleteBridge(record, OwnProperties(record, kBridge));
-}
-
-TPropertyMap TPciDevInfo::CompleteBridge(TRecord record, TPropertyMap own) {
-  if (CompleteProperties(record, &own) == 1) return {};
-  return own;
+  TPropertyMap properties;
+  InsertProperty(&properties, "CreationClassName", TCIMValue(kPciBridgeClass));
+  if (GetCommonDevProperties(record, &properties) == 1) return {};
+  return properties;
 }
 
 TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
-  return CompleteDevice(record, OwnProperties(record, kDevice));
-}
-
-TPropertyMap TPciDevInfo::CompleteDevice(TRecord record, TPropertyMap own) {
-  WriteDebug(kEnteringPopulatePciDeviceProperties);
-  if (CompleteProperties(record, &own) == 1) return {};
-  WriteDebug(kExitingPopulatePciDeviceProperties);
-  return own;
+  WriteDebug("Entering TPciDevInfo::PopulatePciDeviceProperties routine");
+  TPropertyMap properties;
+  InsertProperty(&properties, "CreationClassName", TCIMValue(kPciDeviceClass));
+  if (GetCommonDevProperties(record, &properties) == 1) return {};
+  InsertProperty(&properties, "SubsystemVendorID",
+                 ConfigWordValue(*record, kConfigSubsystemVendorId));
+  InsertProperty(&properties, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
+  InsertRegions(*this, *record, &properties);
+  if (record->irq != 0) InsertProperty(&properties, "IRQ", TCIMValue(record->irq));
+  WriteDebug("Exiting TPciDevInfo::PopulatePciDeviceProperties routine");
+  return properties;
 }
 
 std::uint8_t TPciDevInfo::GetClassCode(TRecord record) {

@@ -17,9 +17,6 @@ struct sPciDevices {
   std::array<std::uint8_t, 256> configSpace{};
 };
 
-/// What a function is taken for.
-enum EFunctionKind { kAnyFunction, kBridge, kDevice };
-
 /// Offsets in configuration space; multi-byte fields are little-endian.
 enum EPciConfigOffset : unsigned {
   kConfigVendorId = 0x00,

@@ -107,7 +107,10 @@ bool TOSSpecific::FileExists(const std::string& path) noexcept {
   return std::filesystem::exists(path, ignored);
 }
 
-std::string TOSSpecific::GetBiosID() { return Fake().biosId; }
+std::string TOSSpecific::GetBiosID() {
+  Fake().onGetBiosId();
+  return Fake().biosId;
+}
 
 std::string GetModulePathLin(const void* address) {
   Dl_info info{};

@@ -33,6 +33,7 @@ struct FakeFramework {
   std::vector<std::pair<std::string, int>> spawned;
 
   std::string biosId;
+  std::function<void()> onGetBiosId = [] {};  ///< called first; what it throws is the failure
   std::string systemCreationClassName = "CIM_ComputerSystem";
   std::string systemName = "host.example";
   bool systemCreationClassNameFails = false;

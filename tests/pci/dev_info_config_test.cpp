@@ -71,6 +71,12 @@ TEST_F(PciReadTest, PathHasTwoHexadecimalDigitsForBusAndDevice) {
   EXPECT_EQ(Fake().log.back(), "2 Could not open PCI file./proc/bus/pci/fe/0a.7");
 }
 
+TEST_F(PciReadTest, FunctionNumberInThePathIsDecimal) {
+  records[0].function = 12;
+  Read();
+  EXPECT_EQ(Fake().log.back(), "2 Could not open PCI file./proc/bus/pci/03/1f.12");
+}
+
 TEST_F(PciReadTest, ShortFileIsLoggedAndChangesNothing) {
   for (const std::size_t size : {0U, 1U, 63U}) {
     Fake().log.clear();

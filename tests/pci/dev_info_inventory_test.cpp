@@ -1,6 +1,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "tests/pci/failing_allocation.h"
 #include "tests/pci/fake_hwinfo.h"
 #include "tests/pci/pci_fixture.h"
 
@@ -101,7 +102,6 @@ TEST_F(InventoryTest, FunctionWithoutReadableConfigurationSpaceIsInNeitherList) 
                                     "Could not read PCI file /proc/bus/pci/00/03.0"}));
 }
 
-// Headers are read before the functions are looked at one by one; the log must not show it.
 TEST_F(InventoryTest, TheLogSpeaksOfEachHeaderWhenItsFunctionIsLookedAt) {
   PutFunctions({Function(1, 0x06), Function(2, 0x02), Function(3, 0x02)});
   MachineTree::Remove(ConfigFile(2));
@@ -119,7 +119,8 @@ TEST_F(InventoryTest, TheLogSpeaksOfEachHeaderWhenItsFunctionIsLookedAt) {
                        described}));
 }
 
-TEST_F(InventoryTest, WhatCouldNotBeReadAheadIsReadInItsTurn) {
+// The listing is taken while the first function is described.
+TEST_F(InventoryTest, HeaderThatAppearsBeforeItsTurnIsRead) {
   PutFunctions({Function(1, 0x02), Function(2, 0x02), Function(3, 0x06)});
   MachineTree::Remove(ConfigFile(2));
   MachineTree::Remove(ConfigFile(3));
@@ -132,6 +133,46 @@ TEST_F(InventoryTest, WhatCouldNotBeReadAheadIsReadInItsTurn) {
   EXPECT_EQ(Locations(devices), (Lines{LocationOf(1), LocationOf(2)}));
   EXPECT_EQ(Locations(bridges), Lines{LocationOf(3)});
   EXPECT_TRUE(Fake().LogOf(2).empty());
+}
+
+TEST_F(InventoryTest, HeaderThatIsGoneInItsTurnIsNotRead) {
+  PutFunctions({Function(1, 0x02), Function(2, 0x02), Function(3, 0x06), Function(4, 0x06)});
+  Fake().commands["lspci"] = [] {
+    MachineTree::Remove(ConfigFile(2));
+    MachineTree::Remove(ConfigFile(3));
+    return std::string("none\n");
+  };
+  Pass();
+  EXPECT_EQ(Locations(devices), Lines{LocationOf(1)});
+  EXPECT_EQ(Locations(bridges), Lines{LocationOf(4)});
+  EXPECT_EQ(Fake().LogOf(2), (Lines{"Could not open PCI file./proc/bus/pci/00/02.0",
+                                    "Could not open PCI file./proc/bus/pci/00/03.0"}));
+}
+
+TEST_F(InventoryTest, HeaderThatChangesBeforeItsTurnIsReadAsItIsThen) {
+  PutFunctions({Function(1, 0x02), Function(2, 0x02)});
+  Fake().commands["lspci"] = [] {
+    MachineTree::Write(ConfigFile(2), AsText(Header(Function(2, 0x06))));
+    return std::string("none\n");
+  };
+  Pass();
+  EXPECT_EQ(Locations(devices), Lines{LocationOf(1)});
+  EXPECT_EQ(Locations(bridges), Lines{LocationOf(2)});
+}
+
+TEST_F(InventoryTest, FunctionWithoutMemoryForItsHeaderIsInNeitherList) {
+  PutFunctions({Function(1, 0x06), Function(2, 0x02)});
+  {
+    const FailingAllocation failing;
+    Pass();
+  }
+  EXPECT_TRUE(bridges.empty());
+  EXPECT_TRUE(devices.empty());
+  EXPECT_EQ(Fake().log,
+            (Lines{Entering("GetPciInfo"), Entering("ScanPciDevices"), Exiting("ScanPciDevices"),
+                   Entering("PciRead"), "0 Could not allocate memory.", Entering("PciRead"),
+                   "0 Could not allocate memory.", Exiting("GetPciInfo")}));
+  EXPECT_TRUE(Fake().spawned.empty()) << "no function, no listing";
 }
 
 TEST_F(InventoryTest, FunctionWhoseIdentifiersDisagreeIsInNeitherList) {

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+
+/// While it lives, `new` of exactly `size` bytes throws std::bad_alloc.
+class FailingNew final {
+ public:
+  explicit FailingNew(std::size_t size);
+  FailingNew(const FailingNew&) = delete;
+  FailingNew& operator=(const FailingNew&) = delete;
+  ~FailingNew();
+};
