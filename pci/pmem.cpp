@@ -28,10 +28,6 @@ void LookUpEntryPoints() {
   PMemSearch = dlsym(FunctionLib, "PMemSearch");
 }
 
-void ForgetEntryPoints() {
-  PMemIsInitialized = PMemOpen = PMemClose = PMemRead = PMemSearch = nullptr;
-}
-
 }  // namespace
 
 TVTQStatusCode::EVTQStatusCode pmemLoad() {
@@ -48,7 +44,6 @@ TVTQStatusCode::EVTQStatusCode pmemLoad() {
 
 TVTQStatusCode::EVTQStatusCode pmemUnLoad() {
   if (FunctionLib == nullptr || dlclose(FunctionLib) != 0) return TVTQStatusCode::kSuccess;
-  FunctionLib = nullptr;
-  ForgetEntryPoints();
+  FunctionLib = nullptr;  // a closed handle is not to be closed again
   return TVTQStatusCode::kFailure;
 }

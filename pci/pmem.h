@@ -7,7 +7,8 @@
 /// The collectors need none of it; it is there for tools that examine a machine through the same
 /// library.
 
-/// Null until pmemLoad, and where the library lacks one.
+/// Null until pmemLoad, and where the library lacks one. pmemUnLoad leaves them as they are: what
+/// they point to is gone then.
 extern VTQ_EXPORT void* PMemIsInitialized;
 extern VTQ_EXPORT void* PMemOpen;
 extern VTQ_EXPORT void* PMemClose;
@@ -19,5 +20,5 @@ extern VTQ_EXPORT void* PMemSearch;
 VTQ_EXPORT NQZMVTQ20::TVTQStatusCode::EVTQStatusCode pmemLoad();
 
 /// Unloads the library: 3 when it was closed, 0 when closing failed (none loaded included). This is
-/// the reverse of pmemLoad's codes; tools have relied on it since the first release.
+/// the reverse of pmemLoad's codes, as tools that call it expect.
 VTQ_EXPORT NQZMVTQ20::TVTQStatusCode::EVTQStatusCode pmemUnLoad();
