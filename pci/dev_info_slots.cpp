@@ -1,7 +1,6 @@
 #include <array>
 #include <cstdio>
 #include <memory>
-#include <sstream>
 
 #include "framework/logger.h"
 #include "framework/os_specific.h"
@@ -18,8 +17,9 @@ using NQZMVTQ20::smBiosGetVersion;
 using NQZMVTQ20::TOSSpecific;
 using NQZMVTQ20::TPluginManagerProvider;
 
-std::vector<SlotLocation> slotLocationVect;
-std::vector<SlotBusCollection> slotBusCollectionVect;
+// There before any code of the plug-in runs: a registry may ask for data while it registers it.
+constinit std::vector<SlotLocation> slotLocationVect;
+constinit std::vector<SlotBusCollection> slotBusCollectionVect;
 std::uint16_t tagCounter = 0;
 char dbgBuff[kDbgBuffSize];
 
@@ -60,11 +60,10 @@ struct SmBiosVersion {
 SmBiosVersion ReadVersion(void* smBios) {
   char text[kSmBiosVersionSize] = {};
   smBiosGetVersion(smBios, text);
-  std::istringstream stream(text);
   SmBiosVersion version;
-  char dot = 0;
-  stream >> version.major >> dot >> version.minor;
-  if (dot != '.') version.minor = 0;
+  // Numbers that are not there stay 0. Unlike a stream, this minds no locale of the host's.
+  // NOLINTNEXTLINE(cert-err34-c)
+  std::sscanf(text, "%d.%d", &version.major, &version.minor);
   return version;
 }
 

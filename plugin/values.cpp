@@ -59,7 +59,8 @@ std::string dataToString(T value) {
     if (value == nullptr) return "";
   }
   std::stringstream stream;
-  stream.exceptions(std::ios::badbit);  // a text is whole, or there is none
+  stream.exceptions(std::ios::badbit);   // a text is whole, or there is none
+  stream.imbue(std::locale::classic());  // no digit grouping, whatever the host set
   stream << value;
   return stream.str();
 }

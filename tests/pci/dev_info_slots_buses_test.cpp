@@ -101,8 +101,10 @@ TEST_F(SlotBusesTest, SlotWhereNobodyAnswersLeadsNowhere) {
     header[0] = header[1] = static_cast<unsigned char>(byte);
     EXPECT_TRUE(ReadHeader(header).empty());
   }
-  header[0] = 0x00;
-  EXPECT_EQ(ReadHeader(header).size(), 2U) << "vendor 0xff00";
+  for (const Bytes& vendor : {Bytes{0x00, 0xFF}, {0xFF, 0x00}, {0xFF, 0x12}, {0x00, 0x12}}) {
+    std::copy(vendor.begin(), vendor.end(), header.begin());
+    EXPECT_EQ(ReadHeader(header).size(), 2U) << int{vendor[0]} << ' ' << int{vendor[1]};
+  }
 }
 
 TEST_F(SlotBusesTest, OnlySlotsInUseAreRead) {
@@ -122,6 +124,17 @@ TEST_F(SlotBusesTest, SegmentGroupFfIsPassedOver) {
   MachineTree::Write("/sys/bus/pci/devices/00ff:03:02.1/config", AsText(DeviceHeader()));
   EXPECT_TRUE(ReadConfig({slot}).empty());
   EXPECT_EQ(Fake().log, (Lines{kEntering, "3 segNum = ff, bus = 3, dev = 2, func = 1", kExiting}));
+}
+
+TEST_F(SlotBusesTest, SegmentGroupsThatEndWithFfAreNotPassedOver) {
+  for (const unsigned segmentGroup : {0x01FFU, 0xFFFFU}) {
+    SlotLocation slot = UsedSlot();
+    slot.segmentGroup = static_cast<std::uint16_t>(segmentGroup);
+    MachineTree::Write(segmentGroup == 0xFFFF ? "/sys/bus/pci/devices/ffff:03:02.1/config"
+                                              : "/sys/bus/pci/devices/01ff:03:02.1/config",
+                       AsText(DeviceHeader()));
+    EXPECT_EQ(ReadConfig({slot}).size(), 1U) << segmentGroup;
+  }
 }
 
 TEST_F(SlotBusesTest, SegmentGroupIsTheDomainInThePath) {

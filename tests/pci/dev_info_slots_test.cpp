@@ -1,3 +1,4 @@
+#include "tests/fakes/host_locale.h"
 #include "tests/fakes/slot_record.h"
 #include "tests/pci/oem_strings.h"
 #include "tests/pci/pci_fixture.h"
@@ -122,6 +123,26 @@ TEST_F(SlotsTest, MissingOemStringsTellNothing) {
   Fake().smBios.firstStatus = 3;
   EXPECT_EQ(RetrievalType("2.5", {OemStrings({"$T9"})}), 0);
   EXPECT_EQ(Fake().log, Lines{kEntering});
+}
+
+TEST_F(SlotsTest, VersionIsTwoDecimalNumbersAroundADot) {
+  const std::vector<Bytes> slot{SlotOfLength(0x18)};
+  for (const char* version : {"2.6", "2.6.1", " 2.6", "2. 6", "+2.+6", "2.06", "2.6a", "02.10"}) {
+    EXPECT_EQ(RetrievalType(version, slot), 2) << version;
+  }
+  for (const char* version : {"2", "2 .6", "2,6", "2.0x6", "2.", "2.a", "x2.6", ".6", ""}) {
+    EXPECT_EQ(RetrievalType(version, slot), 0) << version;
+    EXPECT_EQ(Fake().log, (Lines{kEntering, kNotSupported})) << version;
+  }
+}
+
+TEST_F(SlotsTest, VersionIsReadAlikeInEveryLocaleOfTheHost) {
+  for (const char separator : {'.', ','}) {
+    const GroupingLocale locale(separator);
+    EXPECT_EQ(RetrievalType("2.7", {SlotOfLength(0x18)}), 2) << separator;
+    EXPECT_EQ(RetrievalType("2.5", {SlotOfLength(0x18)}), 0) << separator;
+    EXPECT_EQ(Fake().log, Lines{kEntering}) << separator;
+  }
 }
 
 TEST_F(SlotsTest, RetrievalTypeIsOnlyAnsweredNotKept) {

@@ -5,6 +5,8 @@
 #include <random>
 #include <sstream>
 
+#include "tests/fakes/host_locale.h"
+
 using NQZMVTQ20::TCIMValue;
 using NQZMVTQ20::TVTQStatusCode;
 
@@ -31,6 +33,20 @@ TEST(DataToString, StringIsUnchanged) {
 
 TEST(DataToString, StatusCodeGivesItsNumber) {
   EXPECT_EQ(dataToString<TVTQStatusCode::EVTQStatusCode>(TVTQStatusCode::kFailure), "3");
+}
+
+TEST(DataToString, NumbersAreWrittenAlikeInEveryLocaleOfTheHost) {
+  const GroupingLocale locale(',');
+  EXPECT_EQ(dataToString<unsigned short>(65535), "65535");
+  EXPECT_EQ(dataToString<int>(-1234567), "-1234567");
+  EXPECT_EQ(dataToString(static_cast<TVTQStatusCode::EVTQStatusCode>(1000)), "1000");
+}
+
+TEST(ExtractDecimalDataToHex, ReadsAlikeInEveryLocaleOfTheHost) {
+  const GroupingLocale locale(',');
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned int>("1,fff"), 1U);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned int>("0X1,fff"), 1U);
+  EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("ffff"), 0xFFFF);
 }
 
 TEST(ExtractDecimalDataToHex, EmptyTextIsZero) {
