@@ -1,6 +1,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "framework/exception.h"
 #include "framework/os_specific.h"
@@ -55,22 +56,34 @@ class SlotFinder {
 };
 
 // On one platform, all ports of a network chip are in the slot of the first port that tells one.
+// All that identifies a device is read of every device, the subsystem as well: a device that lacks
+// one of these, or firmware that cannot be read, ends the association with a line in the log
+// instead of leaving some devices in doubtful slots.
 bool SharesSlotOfFirstPort(const ICIMInstance& device) {
   constexpr unsigned short kVendor = 0x14E4;
   constexpr unsigned short kChip = 0x1656;
-  return static_cast<unsigned short>(ValueOf(device, "VendorID")) == kVendor &&
-         static_cast<unsigned short>(ValueOf(device, "PciDeviceID")) == kChip &&
-         TOSSpecific::GetBiosID() == "B2";
+  const TCIMValue chip = ValueOf(device, "PciDeviceID");
+  const TCIMValue vendor = ValueOf(device, "VendorID");
+  ValueOf(device, "SubsystemID");
+  const std::string biosId = TOSSpecific::GetBiosID();
+  return static_cast<unsigned short>(vendor) == kVendor &&
+         static_cast<unsigned short>(chip) == kChip && biosId == "B2";
+}
+
+// The slot that a device shares with the first port of its kind, 0 when it shares none.
+std::uint8_t SharedSlotOf(const ICIMInstance& device, const TCIMValue& ownNumber) {
+  if (!SharesSlotOfFirstPort(device)) return 0;
+  unsigned char& shared = processState.specialSlotNumber;
+  if (shared == 0 && !ownNumber.IsNull()) shared = static_cast<unsigned char>(ownNumber);
+  return shared;
 }
 
 // 0 when the function is in no slot.
 std::uint8_t SlotNumberOf(const ICIMInstance& function, bool isDevice) {
-  const TCIMValue value = ValueOf(function, "UINumber");
-  const std::uint8_t own = value.IsNull() ? std::uint8_t{0} : static_cast<unsigned char>(value);
-  if (!isDevice || !SharesSlotOfFirstPort(function)) return own;
-  unsigned char& shared = processState.specialSlotNumber;
-  if (shared == 0) shared = own;
-  return shared != 0 ? shared : own;
+  const TCIMValue ownNumber = ValueOf(function, "UINumber");
+  const std::uint8_t shared = isDevice ? SharedSlotOf(function, ownNumber) : std::uint8_t{0};
+  if (shared != 0 || ownNumber.IsNull()) return shared;
+  return static_cast<unsigned char>(ownNumber);
 }
 
 TPropertyMap MakeAssociation(const ICIMInstance& slot, const ICIMInstance& function) {

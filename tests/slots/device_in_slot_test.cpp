@@ -4,6 +4,7 @@
 #include "pci/process_state.h"
 #include "plugin/class_names.h"
 #include "tests/fakes/plugin_fixture.h"
+#include "tests/fakes/watched_framework.h"
 
 using NQZMVTQ20::TCIMValue;
 using NQZMVTQ20::TVTQException;
@@ -155,6 +156,13 @@ TEST_F(SharedSlotTest, PortsShareTheSlotOfTheFirst) {
   EXPECT_EQ(Associate(), (Pairs{{"slot 5", "a"}, {"slot 5", "b"}}));
 }
 
+TEST_F(SharedSlotTest, FirstNumberCountsAlsoWhereALaterOneIsSmaller) {
+  PutPort("a", 7);
+  PutPort("b", 5);
+  PutPort("c", 6);
+  EXPECT_EQ(Associate(), (Pairs{{"slot 7", "a"}, {"slot 7", "b"}, {"slot 7", "c"}}));
+}
+
 TEST_F(SharedSlotTest, PortWithoutANumberIsInTheSharedSlotOnceItIsKnown) {
   PutPort("a", kNone);
   PutPort("b", 7);
@@ -189,6 +197,130 @@ TEST_F(SharedSlotTest, BridgesShareNothing) {
   PutPort("a", 5);
   PutFunction(kPciBridgeClass, "bridge", 7, 0x14E4, 0x1656);
   EXPECT_EQ(Associate(), (Pairs{{"slot 5", "a"}, {"slot 7", "bridge"}}));
+}
+
+// What the association does with the framework, and how it fails there.
+class WatchedAssociationTest : public DeviceInSlotTest {
+ protected:
+  WatchedAssociationTest() {
+    processState.slotDataLoaded = true;
+    Fake().onGetBiosId = [this] { watch.operations.emplace_back("GetBiosID"); };
+    PutSlot("slot", 3);
+    PutDevice("device", 3);
+    PutBridge("bridge", 3);
+  }
+
+  std::size_t CountAssociations() {
+    const auto watched = watch.Class(kDeviceInSlotClass);
+    return TPciDevInfo(watched, &provider).MakeDeviceSlotAssociation().size();
+  }
+
+  void FailAt(const std::string& failing) {
+    watch.before = [failing](const std::string& operation) {
+      if (operation == failing) throw TVTQException("gone");
+    };
+  }
+
+  static Lines LogOfFailure(const std::string& why) {
+    return {
+        "2 PCI Device-slot association encountered an error\t\t\t\t\t\t\tenumerating CIM "
+        "instances for QZMSG_PCIDevice OR QZMSG_SystemSlot Error Code: " +
+        why};
+  }
+
+  WatchedFramework watch{nameSpace};
+};
+
+TEST_F(WatchedAssociationTest, IdentifiersOfEachDeviceAreReadInTheirOrderAndOfNoBridge) {
+  PutDevice("another", 0);
+  EXPECT_EQ(CountAssociations(), 2U);
+  const Lines device{"QZMSG_PCIDevice GetProperty UINumber",
+                     "QZMSG_PCIDevice GetProperty PciDeviceID",
+                     "QZMSG_PCIDevice GetProperty VendorID",
+                     "QZMSG_PCIDevice GetProperty SubsystemID", "GetBiosID"};
+  Lines expected{"QZMSG_DeviceInSlot GetNamespace",     "namespace GetClass QZMSG_SystemSlot",
+                 "QZMSG_SystemSlot EnumerateInstances", "namespace GetClass QZMSG_PCIDevice",
+                 "QZMSG_PCIDevice EnumerateInstances",  "namespace GetClass QZMSG_PCIBridge",
+                 "QZMSG_PCIBridge EnumerateInstances"};
+  expected.insert(expected.end(), device.begin(), device.end());
+  expected.insert(expected.end(),
+                  {"QZMSG_SystemSlot GetProperty Number", "QZMSG_SystemSlot GetObjectReference",
+                   "QZMSG_PCIDevice GetObjectReference"});
+  expected.insert(expected.end(), device.begin(), device.end());
+  expected.insert(expected.end(),
+                  {"QZMSG_PCIBridge GetProperty UINumber", "QZMSG_SystemSlot GetObjectReference",
+                   "QZMSG_PCIBridge GetObjectReference"});
+  EXPECT_EQ(watch.operations, expected);
+}
+
+TEST_F(WatchedAssociationTest, ClassThatIsNotThereIsLoggedAndGivesNothing) {
+  for (const char* name : {kSystemSlotClass, kPciDeviceClass, kPciBridgeClass}) {
+    for (const std::string& operation :
+         {std::string("namespace GetClass ") + name, std::string(name) + " EnumerateInstances"}) {
+      Fake().log.clear();
+      FailAt(operation);
+      EXPECT_EQ(CountAssociations(), 0U) << operation;
+      EXPECT_EQ(Fake().log, LogOfFailure("gone")) << operation;
+    }
+  }
+}
+
+TEST_F(WatchedAssociationTest, PropertyThatCannotBeReadEndsTheAssociation) {
+  for (const char* name : {"UINumber", "PciDeviceID", "VendorID", "SubsystemID"}) {
+    Fake().log.clear();
+    FailAt(std::string("QZMSG_PCIDevice GetProperty ") + name);
+    EXPECT_EQ(CountAssociations(), 0U) << name;
+    EXPECT_EQ(Fake().log, LogOfFailure("gone")) << name;
+  }
+  Fake().log.clear();
+  FailAt("QZMSG_PCIBridge GetProperty UINumber");
+  EXPECT_EQ(CountAssociations(), 1U) << "of the device before";
+  EXPECT_EQ(Fake().log, LogOfFailure("gone"));
+}
+
+TEST_F(WatchedAssociationTest, FirmwareThatCannotBeReadEndsTheAssociation) {
+  int asked = 0;
+  Fake().onGetBiosId = [&] {
+    if (++asked == 2) throw TVTQException("unreadable tables");
+  };
+  PutDevice("another", 3);
+  EXPECT_EQ(CountAssociations(), 1U) << "of the device before";
+  EXPECT_EQ(Fake().log, LogOfFailure("unreadable tables"));
+}
+
+TEST_F(WatchedAssociationTest, ExceptionThatIsNoneOfTheFrameworkPassesThrough) {
+  Fake().onGetBiosId = [] { throw 1; };
+  EXPECT_THROW(CountAssociations(), int);
+  EXPECT_TRUE(Fake().log.empty());
+}
+
+TEST_F(DeviceInSlotTest, DeviceWhoseClassHasNoSubsystemEndsTheAssociation) {
+  // Classes of another version of the schema.
+  const auto other = vtq::Namespace::Create("root/other");
+  const auto declare = [&](const char* name, std::vector<vtq::PropertySchema> properties) {
+    vtq::ClassSchema schema;
+    schema.name = name;
+    schema.properties = std::move(properties);
+    other->Declare(schema);
+  };
+  const TCIMValue::TCIMType text(TCIMValue::TCIMType::kString);
+  const TCIMValue::TCIMType word(TCIMValue::TCIMType::kUint16);
+  declare(kSystemSlotClass, {{"Tag", text, false, true, {}, ""}});
+  declare(kPciBridgeClass, {{"DeviceID", text, false, true, {}, ""}});
+  declare(kDeviceInSlotClass, {});
+  declare(kPciDeviceClass,
+          {{"DeviceID", text, false, true, {}, ""},
+           {"UINumber", TCIMValue::TCIMType(TCIMValue::TCIMType::kUint8), false, false, {}, ""},
+           {"PciDeviceID", word, false, false, {}, ""},
+           {"VendorID", word, false, false, {}, ""}});
+  const auto device = other->Find(kPciDeviceClass)->CreateInstance({});
+  device->SetProperty("DeviceID", TCIMValue("a"), {});
+  device->Commit({});
+  processState.slotDataLoaded = true;
+  TPciDevInfo collector(other->Find(kDeviceInSlotClass), &provider);
+  EXPECT_TRUE(collector.MakeDeviceSlotAssociation().empty());
+  ASSERT_EQ(Fake().log.size(), 1U);
+  EXPECT_NE(Fake().log[0].find("SubsystemID"), std::string::npos) << Fake().log[0];
 }
 
 TEST_F(DeviceInSlotTest, FailureToEnumerateIsLoggedAndGivesNothing) {
