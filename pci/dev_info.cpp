@@ -13,7 +13,7 @@ using NQZMVTQ20::ICIMInstance;
 using NQZMVTQ20::TPluginManagerProvider;
 using NQZMVTQ20::TVTQException;
 
-PciProcessState processState;
+constinit PciProcessState processState;
 
 TPciDevInfo::TPciDevInfo(std::shared_ptr<ICIMClass> cimClass) : TPci(std::move(cimClass)) {}
 

@@ -3,16 +3,17 @@
 #include <string>
 
 // String constants of the plug-in. Each source unit that includes this header has its own copy,
-// made when the library is loaded and gone when it is unloaded, so that no unit depends on the
-// order in which another one is initialised.
+// made when the library is loaded and destroyed when it is unloaded. They are made before all other
+// static objects: the plug-in registers itself from one of those, and a registry may ask for data
+// at once.
 
 // Names by which frameworks configure plug-ins; every unit of a plug-in can count on them.
-const std::string kPlugin = "plugin";
-const std::string kCmpi = "cmpi";
-const std::string kNspId = "nspID";
+[[gnu::init_priority(200)]] const std::string kPlugin = "plugin";
+[[gnu::init_priority(200)]] const std::string kCmpi = "cmpi";
+[[gnu::init_priority(200)]] const std::string kNspId = "nspID";
 
-const std::string kLineEnd = "\n";
+[[gnu::init_priority(200)]] const std::string kLineEnd = "\n";
 /// Hexadecimal dump of every function's whole configuration space.
-const std::string kListHexCommand = "lspci -xxxx";
+[[gnu::init_priority(200)]] const std::string kListHexCommand = "lspci -xxxx";
 /// Most verbose decoded listing.
-const std::string kListVerboseCommand = "lspci -vvv";
+[[gnu::init_priority(200)]] const std::string kListVerboseCommand = "lspci -vvv";

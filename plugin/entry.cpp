@@ -53,14 +53,24 @@ std::shared_ptr<TPluginManagerNamespace> FindRegistry() {
 // The registry owns the object; PrepareForUnload ends it.
 void MakeCallbacks() { new TPciInfoCallbacks; }  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
 
-// Without a registry nobody would own the object, so none is made. A registry that refuses it
-// leaves the plug-in idle: loading a library must not end the process.
+void LogRefusal(const char* why) noexcept {
+  try {
+    Log(ILogger::kError, std::string("The plug-in could not register: ") + why);
+  } catch (...) {
+    // The logger refuses as well: nobody is left to tell.
+  }
+}
+
+// Without a registry nobody would own the object, so none is made. A registry that refuses it, with
+// whatever it throws, leaves the plug-in idle: loading a library must not end the process.
 struct Registration {
   Registration() noexcept {
     try {
       if (FindRegistry()) MakeCallbacks();
     } catch (const std::exception& failure) {
-      Log(ILogger::kError, std::string("The plug-in could not register: ") + failure.what());
+      LogRefusal(failure.what());
+    } catch (...) {
+      LogRefusal("the registry threw something that is no standard exception");
     }
   }
 };

@@ -1,9 +1,11 @@
+#include <new>
 #include <stdexcept>
 
 #include "board/system_board.h"
 #include "framework/exception.h"
 #include "plugin/class_names.h"
 #include "tests/fakes/plugin_fixture.h"
+#include "tests/fakes/watched_framework.h"
 
 using NQZMVTQ20::TCIMReference;
 using NQZMVTQ20::TCIMValue;
@@ -99,6 +101,72 @@ TEST_F(OnBoardDeviceTest, FailureToEnumerateIsLoggedAndGivesNothing) {
             (std::vector<std::string>{
                 "PCI Device-slot association encountered an error\t\t\t\t\t\t\tenumerating CIM "
                 "instances for QZMSG_SystemBoard OR QZMSG_PCIDevice Error Code: gone"}));
+}
+
+// What the association does with the framework, and how it fails there.
+class WatchedBoardTest : public OnBoardDeviceTest {
+ protected:
+  WatchedBoardTest() {
+    Put(kSystemBoardClass, "board");
+    Put(kPciDeviceClass, "device", 2);
+    Put(kPciBridgeClass, "bridge", 0);
+  }
+
+  std::size_t CountAssociations() {
+    const auto watched = watch.Class(kOnBoardDeviceClass);
+    return TSysBrd(watched, &provider).MakeDeviceBoardAssociation().size();
+  }
+
+  WatchedFramework watch{nameSpace};
+};
+
+TEST_F(WatchedBoardTest, ClassesAreLookedUpInTheirOrderAndEachFunctionIsReadOnce) {
+  EXPECT_EQ(CountAssociations(), 1U);
+  EXPECT_EQ(watch.operations,
+            (Paths{"QZMSG_OnBoardDevice GetNamespace", "namespace GetClass QZMSG_SystemBoard",
+                   "QZMSG_SystemBoard EnumerateInstances", "namespace GetClass QZMSG_PCIDevice",
+                   "QZMSG_PCIDevice EnumerateInstances", "namespace GetClass QZMSG_PCIBridge",
+                   "QZMSG_PCIBridge EnumerateInstances", "QZMSG_PCIDevice GetProperty UINumber",
+                   "QZMSG_PCIBridge GetProperty UINumber", "QZMSG_SystemBoard GetObjectReference",
+                   "QZMSG_PCIBridge GetObjectReference"}));
+}
+
+TEST_F(WatchedBoardTest, ClassThatIsNotThereIsLoggedAndGivesNothing) {
+  for (const char* name : {kSystemBoardClass, kPciDeviceClass, kPciBridgeClass}) {
+    for (const std::string& failing :
+         {std::string("namespace GetClass ") + name, std::string(name) + " EnumerateInstances"}) {
+      Fake().log.clear();
+      watch.before = [&](const std::string& operation) {
+        if (operation == failing) throw TVTQException("gone");
+      };
+      EXPECT_EQ(CountAssociations(), 0U) << failing;
+      EXPECT_EQ(Fake().log,
+                Paths{"2 PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
+                      "enumerating CIM instances for QZMSG_SystemBoard OR QZMSG_PCIDevice Error "
+                      "Code: gone"})
+          << failing;
+    }
+  }
+}
+
+TEST_F(WatchedBoardTest, FunctionIsOnTheBoardWhateverIsThrownWhenItsNumberIsRead) {
+  const std::vector<std::function<void()>> failures{
+      [] { throw TVTQException("gone"); }, [] { throw std::bad_alloc(); }, [] { throw 1; }};
+  for (const auto& fail : failures) {
+    watch.before = [&](const std::string& operation) {
+      if (operation == "QZMSG_PCIDevice GetProperty UINumber") fail();
+    };
+    EXPECT_EQ(CountAssociations(), 2U);
+  }
+  EXPECT_TRUE(Fake().log.empty());
+}
+
+TEST_F(WatchedBoardTest, FailureToTakeAReferencePassesThrough) {
+  watch.before = [](const std::string& operation) {
+    if (operation == "QZMSG_PCIBridge GetObjectReference") throw TVTQException("gone");
+  };
+  EXPECT_THROW(CountAssociations(), TVTQException);
+  EXPECT_TRUE(Fake().log.empty());
 }
 
 TEST_F(OnBoardDeviceTest, OtherExceptionsPassThrough) {

@@ -5,7 +5,10 @@
 #include <string>
 
 #include "framework/cim_class.h"
+#include "framework/cim_instance.h"
 #include "framework/exception.h"
+#include "framework/plugin_basic_query_callbacks.h"
+#include "framework/plugin_callbacks.h"
 #include "framework/plugin_manager_namespace.h"
 #include "host/pci_schema.h"
 #include "runtime/logger.h"
@@ -39,6 +42,62 @@ class FullPluginManager final : public TPluginManagerNamespace {
     throw TVTQException("no classes here");
   }
 };
+
+// Throws something that is no standard exception.
+class RudePluginManager final : public TPluginManagerNamespace {
+ public:
+  void RegisterPlugin(IPluginCallbacks*) override { throw 1; }
+  std::string GetName(const TQualifierMap&) const override { return "plugins"; }
+  std::shared_ptr<ICIMClass> GetClass(const std::string&, const TQualifierMap&) override {
+    throw TVTQException("no classes here");
+  }
+};
+
+// Asks a plug-in for data as soon as it registers, while its library is still being loaded.
+class EagerPluginManager final : public TPluginManagerNamespace {
+ public:
+  explicit EagerPluginManager(std::shared_ptr<vtq::Namespace> nameSpace)
+      : nameSpace_(std::move(nameSpace)) {}
+
+  void RegisterPlugin(IPluginCallbacks* callbacks) override {
+    registered = callbacks;
+    auto& queries = dynamic_cast<NQZMVTQ20::IPluginBasicQueryCallbacks&>(*callbacks);
+    queries.SetProvider(&provider_);
+    std::vector<std::shared_ptr<ICIMClass>> classes;
+    for (const char* name : {"QZMSG_PCIDevice", "QZMSG_SystemBoard", "QZMSG_PCIRawData"}) {
+      classes.push_back(nameSpace_->Find(name));
+    }
+    queries.GetData(nameSpace_, classes);
+  }
+  std::string GetName(const TQualifierMap&) const override { return "plugins"; }
+  std::shared_ptr<ICIMClass> GetClass(const std::string&, const TQualifierMap&) override {
+    throw TVTQException("no classes here");
+  }
+
+  IPluginCallbacks* registered = nullptr;
+
+ private:
+  std::shared_ptr<vtq::Namespace> nameSpace_;
+  NQZMVTQ20::TPluginManagerProvider provider_{"eager"};
+};
+
+using Log = std::vector<std::string>;
+
+Log Texts(const vtq::Class& held, const std::string& property) {
+  Log texts;
+  for (const auto& instance : held.GetInstances()) {
+    texts.push_back(instance->GetProperty(property, {}).value.GetString());
+  }
+  return texts;
+}
+
+std::shared_ptr<vtq::Logger> LoggerInto(Log& log) {
+  auto logger = std::make_shared<vtq::Logger>();
+  logger->AddSink([&log](ILogger::EVTQLogSeverity severity, const std::string& text) {
+    log.push_back(std::to_string(static_cast<int>(severity)) + " " + text);
+  });
+  return logger;
+}
 
 std::shared_ptr<vtq::Namespace> MakeNamespace() {
   auto nameSpace = vtq::Namespace::Create("root/cimv2");
@@ -93,18 +152,63 @@ TEST_F(LoadTest, WithoutAPluginManagerItLoadsAndStaysIdle) {
 }
 
 TEST_F(LoadTest, RefusedRegistrationIsLoggedAndLeavesItIdle) {
-  std::vector<std::string> log;
-  const auto logger = std::make_shared<vtq::Logger>();
-  logger->AddSink([&log](ILogger::EVTQLogSeverity severity, const std::string& text) {
-    log.push_back(std::to_string(static_cast<int>(severity)) + " " + text);
-  });
-  vtq::SetCoreLogger(logger);
+  Log log;
+  vtq::SetCoreLogger(LoggerInto(log));
   vtq::SetPluginManager(std::make_shared<FullPluginManager>());
   void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
-  EXPECT_EQ(log, std::vector<std::string>{"0 The plug-in could not register: full"});
+  EXPECT_EQ(log, Log{"0 The plug-in could not register: full"});
   EXPECT_EQ(dlclose(library), 0);
   EXPECT_FALSE(IsMapped());
+}
+
+TEST_F(LoadTest, RegistryThatThrowsAnythingLeavesItIdle) {
+  Log log;
+  vtq::SetCoreLogger(LoggerInto(log));
+  vtq::SetPluginManager(std::make_shared<RudePluginManager>());
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  EXPECT_EQ(log, Log{"0 The plug-in could not register: the registry threw something that is no "
+                     "standard exception"});
+  EXPECT_EQ(dlclose(library), 0);
+}
+
+TEST_F(LoadTest, RegistryThatAsksAtOnceGetsTheSameDataAndLog) {
+  const auto atOnce = MakeNamespace();
+  const auto afterwards = MakeNamespace();
+  const auto eager = std::make_shared<EagerPluginManager>(atOnce);
+  Log logAtOnce;
+  vtq::SetCoreLogger(LoggerInto(logAtOnce));
+  vtq::SetPluginManager(eager);
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  ASSERT_NE(eager->registered, nullptr);
+  eager->registered->PrepareForUnload();
+  ASSERT_EQ(dlclose(library), 0);
+  ASSERT_FALSE(IsMapped());
+
+  Log logAfterwards;
+  vtq::SetCoreLogger(LoggerInto(logAfterwards));
+  vtq::SetPluginManager(manager);
+  vtq::Plugin& plugin = manager->Load(PLUGIN_FILE);
+  std::vector<std::shared_ptr<ICIMClass>> classes;
+  for (const char* name : {"QZMSG_PCIDevice", "QZMSG_SystemBoard", "QZMSG_PCIRawData"}) {
+    classes.push_back(afterwards->Find(name));
+  }
+  plugin.Init();
+  logAfterwards.clear();
+  plugin.GetData(afterwards, classes);
+  EXPECT_EQ(logAtOnce, logAfterwards);
+  EXPECT_GT(logAtOnce.size(), 10U);
+  for (const auto& served : classes) {
+    const std::string name = served->GetName({});
+    EXPECT_EQ(atOnce->Find(name)->GetInstances().size(),
+              afterwards->Find(name)->GetInstances().size())
+        << name;
+  }
+  EXPECT_EQ(Texts(*atOnce->Find("QZMSG_PCIRawData"), "Command"),
+            (Log{"lspci -xxxx", "lspci -vvv"}));
+  plugin.DeInit();
 }
 
 TEST_F(LoadTest, RegistersWhenItIsLoadedByHand) {

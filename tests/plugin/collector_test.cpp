@@ -5,6 +5,7 @@
 #include "plugin/class_names.h"
 #include "plugin/values.h"
 #include "tests/fakes/plugin_fixture.h"
+#include "tests/fakes/watched_framework.h"
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ICIMInstance;
@@ -142,6 +143,27 @@ TEST_F(CollectorTest, EmptyMapStillCreatesAndCommitsAnInstance) {
   EXPECT_EQ(Instances("Keyless").size(), 1U);
 }
 
+TEST_F(CollectorTest, InstanceOfAnotherClassNameHasAllPropertiesSet) {
+  const auto noting = std::make_shared<NotingClass>();
+  TestCollector(noting, &provider)
+      .GenerateCIMInstance({{"b", TCIMValue("1")}, {"a", TCIMValue("2")}, {"c", TCIMValue("3")}},
+                           "Another");
+  EXPECT_EQ(noting->notes, (std::vector<std::string>{"create", "a", "b", "c"}));
+}
+
+TEST_F(CollectorTest, GeneratingAnInstanceAsksTheFrameworkForNothingElse) {
+  WatchedFramework watch(nameSpace);
+  const auto watched = watch.Class(kSystemBoardClass);
+  TestCollector(watched, &provider).GenerateCIMInstance(Board("b"), kSystemBoardClass);
+  EXPECT_EQ(watch.operations,
+            (std::vector<std::string>{"QZMSG_SystemBoard CreateInstance",
+                                      "QZMSG_SystemBoard SetProperty CreationClassName",
+                                      "QZMSG_SystemBoard SetProperty DeviceID",
+                                      "QZMSG_SystemBoard SetProperty SystemCreationClassName",
+                                      "QZMSG_SystemBoard SetProperty SystemName",
+                                      "QZMSG_SystemBoard GetName", "QZMSG_SystemBoard Commit"}));
+}
+
 TEST_F(CollectorTest, InstanceOfAnotherClassNameIsFilledButNotCommitted) {
   TestCollector collector(board, &provider);
   collector.GenerateCIMInstance(Board("b"), "Another");
@@ -160,6 +182,17 @@ TEST_F(CollectorTest, NoInstanceIsADuplicateInAnEmptyClass) {
 TEST_F(CollectorTest, CommittedCandidateIsItsOwnDuplicate) {
   const auto candidate = Commit(kSystemBoardClass, Board("b"));
   EXPECT_TRUE(TestCollector(board, &provider).IsDuplicateInstance(candidate.get()));
+}
+
+TEST_F(CollectorTest, SearchForADuplicateEndsAtTheFirst) {
+  for (const char* id : {"a", "b", "c"}) Commit(kSystemBoardClass, Board(id));
+  WatchedFramework watch(nameSpace);
+  const auto candidate = watch.Instance(Commit(kSystemBoardClass, Board("b")));
+  EXPECT_TRUE(TestCollector(board, &provider).IsDuplicateInstance(candidate.get()));
+  const std::string reference = "QZMSG_SystemBoard GetObjectReference";
+  EXPECT_EQ(watch.operations, (std::vector<std::string>{"QZMSG_SystemBoard GetClass", reference,
+                                                        "QZMSG_SystemBoard EnumerateInstances",
+                                                        reference, reference}));
 }
 
 TEST_F(CollectorTest, DuplicatesAreEqualByKeysAlone) {

@@ -6,8 +6,10 @@
 #include "framework/exception.h"
 #include "plugin/class_names.h"
 #include "plugin/collector.h"
+#include "tests/fakes/failing_new.h"
 #include "tests/fakes/plugin_fixture.h"
 #include "tests/fakes/slot_record.h"
+#include "tests/fakes/watched_framework.h"
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ICIMInstance;
@@ -101,10 +103,19 @@ TEST_F(EntryTest, RegistersNowhereWhenTheManagerIsAnotherNamespace) {
   EXPECT_NO_THROW(TPciInfoCallbacks());
 }
 
-TEST_F(EntryTest, PrepareForUnloadEndsTheObject) {
-  // The leak checker and valgrind see an object that survives.
-  IPluginCallbacks* object = new TPciInfoCallbacks;
+TEST_F(EntryTest, PrepareForUnloadDestroysTheObject) {
+  class Watched final : public TPciInfoCallbacks {
+   public:
+    explicit Watched(bool* isGone) : isGone_(isGone) {}
+    ~Watched() override { *isGone_ = true; }
+
+   private:
+    bool* isGone_;
+  };
+  bool isGone = false;
+  IPluginCallbacks* object = new Watched(&isGone);
   object->PrepareForUnload();
+  EXPECT_TRUE(isGone);
   EXPECT_TRUE(Fake().log.empty());
 }
 
@@ -165,6 +176,28 @@ TEST_F(EntryTest, ExceptionFromReadingTheNameLeavesTheQuery) {
   EXPECT_TRUE(Fake().log.empty()) << "no normal exit";
 }
 
+// The tables of slots are loaded by the constructor of the first collector of PCI functions.
+TEST_F(EntryTest, ExceptionFromMakingACollectorLeavesTheQuery) {
+  SlotRecord slot;
+  slot.bus = 3;
+  Fake().smBios.structures = {slot.Bytes()};
+  std::vector<std::shared_ptr<ICIMClass>> classes{Class(kPciRawDataClass),
+                                                  Class(kSystemBoardClass)};
+  const long before = classes[0].use_count();
+  {
+    const FailingNew noMemory(sizeof(SlotLocation));
+    EXPECT_THROW(callbacks.GetData(nameSpace, classes), std::bad_alloc);
+  }
+  EXPECT_EQ(Fake().log,
+            (Lines{kReceived + "QZMSG_PCIRawData.", "3 Entering GetSlotIDRetrievalType",
+                   "3 Exiting GetSlotIDRetrievalType, current SMBIOS version >= 2.6 and "
+                   "type 9 contains bus info",
+                   "3 Entering readPCISlotLocation"}))
+      << "neither a collection nor a normal exit";
+  EXPECT_EQ(classes[0].use_count(), before);
+  EXPECT_EQ(Fake().smBios.openHandles, 0);
+}
+
 TEST_F(EntryTest, KeepsNoReferenceToTheClassesItServed) {
   const std::shared_ptr<ICIMClass> board = Class(kSystemBoardClass);
   const long before = board.use_count();
@@ -193,6 +226,40 @@ TEST_F(EntryTest, EveryServedClassReachesACollector) {
     EXPECT_GT(Fake().log.size(), 2U) << name;
     EXPECT_EQ(Fake().log.back(), kNormalExit);
   }
+}
+
+TEST_F(EntryTest, EveryServedClassIsCollectedByItsOwnCollector) {
+  SlotRecord slot;
+  slot.bus = 3;
+  Fake().smBios.structures = {slot.Bytes()};
+  for (const char* command : {"lspci", "lspci -xxxx", "lspci -vvv"}) {
+    Fake().commands[command] = [] { return std::string("a line\n"); };
+  }
+  FakeFunction bridge;
+  bridge.baseClass = 0x06;
+  FakeFunction card;
+  card.bus = 3;
+  PutFunctions({bridge, card});
+  MachineTree::Write("/sys/bus/pci/devices/0000:03:00.0/config", AsText(Header(card)));
+
+  const std::vector<std::pair<const char*, std::size_t>> expected{
+      {kPciDeviceClass, 1},   {kPciBridgeClass, 1},    {kSystemSlotClass, 1},
+      {kSystemBoardClass, 1}, {kDeviceInSlotClass, 1}, {kOnBoardDeviceClass, 1},
+      {kPciRawDataClass, 2}};
+  for (const auto& [name, count] : expected) {
+    Query({Class(name)});
+    EXPECT_EQ(Instances(name).size(), count) << name;
+  }
+}
+
+TEST_F(EntryTest, QueryAsksEachClassForItsNameTwice) {
+  WatchedFramework watch(nameSpace);
+  Query({watch.Class(kOnBoardDeviceClass), watch.Class(kSystemBoardClass)});
+  const auto names = [&](const std::string& name) {
+    return std::count(watch.operations.begin(), watch.operations.end(), name + " GetName");
+  };
+  EXPECT_EQ(names(kOnBoardDeviceClass), 2) << "for the dispatch and for the collector";
+  EXPECT_EQ(names(kSystemBoardClass), 3) << "and before the instance is committed";
 }
 
 TEST_F(EntryTest, RetrieveDataForClassAnswersZeroWhateverTheOutcome) {
