@@ -54,9 +54,8 @@ class Misbehaving final : public IPluginCallbacks, public IPluginBasicQueryCallb
     fan->SetProperty("DeviceID", TCIMValue("fan0"), {});
     fan->SetProperty("Bank", TCIMValue(static_cast<unsigned short>(1)), {});
     fan->Commit({});
-    if (IsAskedTo("keep an instance")) instance_ = fan;
-    if (IsAskedTo("keep an instance and throw")) {
-      instance_ = fan;
+    if (IsAskedTo("keep the namespace and throw")) {
+      nameSpace_ = nameSpace;
       throw std::runtime_error("a fan is stuck");
     }
   }
