@@ -4,6 +4,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "framework/cim_class.h"
 #include "framework/cim_instance.h"
@@ -31,7 +32,12 @@ class Misbehaving final : public IPluginCallbacks, public IPluginBasicQueryCallb
   int GetType() override { return 0; }
   std::string GetName() override { return "Misbehaving"; }
   std::string GetVersion() override { return "1"; }
-  std::string GetInterfaceVersion() override { return "1"; }
+  std::string GetInterfaceVersion() override {
+    constexpr std::string_view kVersion = "answer interface version ";
+    const char* asked = std::getenv("RUNTIME_TEST_MISDEED");
+    const std::string misdeed = asked == nullptr ? "" : asked;
+    return misdeed.starts_with(kVersion) ? misdeed.substr(kVersion.size()) : "1.0";
+  }
   void PrepareForUnload() override {
     const bool shallThrow = IsAskedTo("throw in PrepareForUnload");
     delete this;
