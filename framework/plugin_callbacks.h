@@ -16,6 +16,9 @@ class IPluginCallbacks {
   virtual int GetType() = 0;
   virtual std::string GetName() = 0;
   virtual std::string GetVersion() = 0;
+  /// The version of the contract that the plug-in was compiled against, as "MAJOR.MINOR" (see
+  /// interface_version.h). This function and those before and right after it keep their places in
+  /// every version, so that a host can refuse a plug-in and end its object.
   virtual std::string GetInterfaceVersion() = 0;
   /// Destroys the object itself. Next, the library is unloaded, or the process ends without that;
   /// nothing of the library may be used after.

@@ -13,9 +13,7 @@
 #include "host/class_file.h"
 #include "host/diff_command.h"
 #include "host/jobs.h"
-#include "host/large_pages.h"
 #include "host/library_location.h"
-#include "host/listing_ahead.h"
 #include "host/output.h"
 #include "host/pager.h"
 #include "host/process_end.h"
@@ -106,8 +104,6 @@ LogSettings OpenLog(const Options& options) {
 }
 
 ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
-  if (options.plugins.empty()) StartListingFor(job.collect);
-  UseLargePages();
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
   Session session(report, channels.log, job.classes);

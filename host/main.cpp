@@ -2,19 +2,15 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
-#include <string_view>
-#include <vector>
+#include <variant>
 
 #include "host/commands.h"
 #include "host/guarded_run.h"
-#include "host/listing_ahead.h"
 #include "host/options.h"
 #include "host/output.h"
 #include "host/process_end.h"
 #include "host/query_order.h"
-#include "runtime/command_ahead.h"
 
 namespace {
 
@@ -29,7 +25,6 @@ ExitStatus Reply(const Answer& answer) {
 }
 
 ExitStatus Run(int argc, const char* const* argv) {
-  StartListingFor(std::vector<std::string_view>(argv + std::min(argc, 1), argv + argc));
   const std::variant<Options, Answer> parsed = ParseOptions(argc, argv);
   if (const Answer* answer = std::get_if<Answer>(&parsed)) return Reply(*answer);
   return RunCommand(std::get<Options>(parsed));
@@ -40,7 +35,5 @@ ExitStatus Run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
   ReserveStandardStreams();
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows as a failed write
-  const ExitStatus status = RunGuarded([&] { return Run(argc, argv); });
-  vtq::EndCommandAhead();  // the listing, after a wrong command line
-  return EndProcess(status);
+  return EndProcess(RunGuarded([&] { return Run(argc, argv); }));
 }

@@ -15,7 +15,6 @@
 #include <utility>
 
 #include "host/descendants.h"
-#include "runtime/command_ahead.h"
 #include "runtime/process_descriptor.h"
 
 namespace pciinfo {
@@ -85,20 +84,11 @@ void Successor::MakeEnd(int signal) {
 }
 
 SuccessorEnd Successor::Await(Progress first, const StageTime& time, int signals) {
-  const SuccessorEnd end = Follow(first, time, signals);
-  vtq::EndCommandAhead();  // one of the children that were killed
-  return end;
-}
-
-SuccessorEnd Successor::Follow(Progress first, const StageTime& time, int signals) {
   SetProgress(first, time);
   while (true) {
-    std::array<pollfd, 4> watched = {{{words_.Get(), POLLIN, 0},
-                                      {life_.Get(), POLLIN, 0},
-                                      {signals, POLLIN, 0},
-                                      {vtq::GetCommandAheadLife(), POLLIN, 0}}};
+    std::array<pollfd, 3> watched = {
+        {{words_.Get(), POLLIN, 0}, {life_.Get(), POLLIN, 0}, {signals, POLLIN, 0}}};
     const int count = poll(watched.data(), watched.size(), isTimed_ ? PollTime(deadline_) : -1);
-    if (watched[3].revents != 0) vtq::PassOnCommandAheadEnd();
     if (watched[0].revents != 0) ReadWords(time);
     if (watched[1].revents != 0) break;
     if (watched[2].revents != 0) {

@@ -49,7 +49,6 @@ class Successor final {
   SuccessorEnd Await(Progress first, const StageTime& time, int signals);
 
  private:
-  SuccessorEnd Follow(Progress first, const StageTime& time, int signals);
   void ReadWords(const StageTime& time);
   void SetProgress(Progress progress, const StageTime& time);
   void AllowTime(std::chrono::milliseconds time);

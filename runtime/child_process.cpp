@@ -1,9 +1,7 @@
 #include "runtime/child_process.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <spawn.h>
-#include <sys/eventfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -87,43 +85,24 @@ pid_t Spawn(const std::string& file, std::vector<std::string>& arguments, int ou
   return leader;
 }
 
-bool HasComeIn(const FileDescriptor& event, int milliseconds) noexcept {
-  pollfd watched{event.Get(), POLLIN, 0};
-  int count = 0;
-  do count = ::poll(&watched, 1, milliseconds);
-  while (count < 0 && errno == EINTR);
-  return count == 1;
-}
-
-FileDescriptor OpenEvent() {
-  FileDescriptor event(::eventfd(0, EFD_CLOEXEC));
-  if (!event.IsOpen()) Check(errno);
-  return event;
-}
-
 }  // namespace
 
 ChildProcess::ChildProcess(const std::string& file, std::vector<std::string> arguments, int output,
                            int errors)
-    : starter_(::getpid()), end_(OpenEvent()), leader_(Spawn(file, arguments, output, errors)) {}
+    : leader_(Spawn(file, arguments, output, errors)) {}
 
 ChildProcess::~ChildProcess() {
-  siginfo_t end{};
-  if (!LookForEnd(end)) return;  // it was waited for, or is another process's child
+  if (leader_ < 0) return;
   KillGroup();
   while (::waitpid(leader_, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
 
-bool ChildProcess::LookForEnd(siginfo_t& end) const noexcept {
-  return leader_ >= 0 &&
-         ::waitid(P_PID, static_cast<id_t>(leader_), &end, WEXITED | WNOHANG | WNOWAIT) == 0;
-}
-
 bool ChildProcess::HasEnded() const noexcept {
-  if (!IsStarter()) return HasComeIn(end_, 0);
-  siginfo_t end{};
-  return !LookForEnd(end) || end.si_pid != 0;
+  siginfo_t ended{};
+  const int result =
+      ::waitid(P_PID, static_cast<id_t>(leader_), &ended, WEXITED | WNOHANG | WNOWAIT);
+  return result != 0 || ended.si_pid != 0;
 }
 
 void ChildProcess::KillGroup() const noexcept {
@@ -132,24 +111,7 @@ void ChildProcess::KillGroup() const noexcept {
   ::kill(leader_, SIGKILL);
 }
 
-// The leader stays a process that is not waited for: its number, and the one of its group, are to
-// belong to nobody else until the other process is done with it.
-void ChildProcess::PassOnEnd() const noexcept {
-  siginfo_t end{};
-  if (!LookForEnd(end)) return;
-  const int status = end.si_code == CLD_EXITED ? W_EXITCODE(end.si_status, 0) : end.si_status;
-  ::eventfd_write(end_.Get(), static_cast<eventfd_t>(status) + 1);
-}
-
-int ChildProcess::WaitForPassedOnEnd() const {
-  constexpr int kPatience = 5000;  // milliseconds; the one that passes it on may be gone itself
-  eventfd_t passed = 0;
-  if (!HasComeIn(end_, kPatience) || ::eventfd_read(end_.Get(), &passed) != 0) Check(ECHILD);
-  return static_cast<int>(passed - 1);
-}
-
 int ChildProcess::WaitForEnd() {
-  if (!IsStarter()) return WaitForPassedOnEnd();
   const pid_t leader = std::exchange(leader_, -1);
   int status = 0;
   while (::waitpid(leader, &status, 0) < 0) {

@@ -27,13 +27,13 @@ bool IsRegularFile(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-}  // namespace
-
-void ReplayCommandsFrom(std::string directory) { recordings = std::move(directory); }
-
 bool IsRecorded(const std::string& command) {
   return !recordings.empty() && IsFileName(command) && IsRegularFile(PathOf(command));
 }
+
+}  // namespace
+
+void ReplayCommandsFrom(std::string directory) { recordings = std::move(directory); }
 
 std::optional<std::string> RecordedOutput(const std::string& command) {
   if (!IsRecorded(command)) return std::nullopt;

@@ -13,9 +13,6 @@ namespace vtq {
 /// whose text is no plain file name (one with a slash) has no recording. Not thread-safe.
 VTQ_EXPORT void ReplayCommandsFrom(std::string directory);
 
-/// Whether a command has a recording.
-bool IsRecorded(const std::string& command);
-
 /// For SpawnProcess: the recorded output of a command; nothing when there is none. Throws
 /// TVTQException when there is one that cannot be read.
 std::optional<std::string> RecordedOutput(const std::string& command);

@@ -78,8 +78,7 @@ bool CommandRun::Drain(Clock::time_point deadline) {
   while (!child_.HasEnded()) {
     if (Clock::now() >= deadline) return false;
     // poll passes over the streams that are closed already.
-    std::array<pollfd, 3> watched = {
-        {{output_.Get(), POLLIN, 0}, {errors_.Get(), POLLIN, 0}, {child_.GetEnd(), POLLIN, 0}}};
+    std::array<pollfd, 2> watched = {{{output_.Get(), POLLIN, 0}, {errors_.Get(), POLLIN, 0}}};
     const int wait = std::min(MillisecondsUntil(deadline), LookAgainAfter());
     if (::poll(watched.data(), watched.size(), wait) < 0) {
       if (errno != EINTR) ThrowErrno();

@@ -23,8 +23,6 @@ class CommandRun final {
   /// program's status as waitpid reports it. Called once. Throws std::system_error.
   int Finish();
 
-  const ChildProcess& GetChild() const noexcept { return child_; }
-
   std::string& Output() noexcept { return outputText_; }
   std::string FirstErrorLine() const { return errorText_.substr(0, errorText_.find('\n')); }
 

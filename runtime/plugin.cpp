@@ -1,10 +1,12 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
 #include <utility>
 
 #include "framework/exception.h"
+#include "framework/interface_version.h"
 #include "framework/plugin_basic_query_callbacks.h"
 #include "framework/plugin_callbacks.h"
 #include "runtime/plugin_manager.h"
@@ -22,6 +24,26 @@ namespace {
 // The loader takes a name without a slash for one that it has to search for.
 std::string LoaderPath(const std::string& file) {
   return file.find('/') == std::string::npos ? "./" + file : file;
+}
+
+struct InterfaceVersion {
+  int major = -1;
+  int minor = -1;
+};
+
+// A version of -1.-1, which fits nowhere, for a text that is none.
+InterfaceVersion ParseInterfaceVersion(const std::string& text) {
+  InterfaceVersion version;
+  const char* const end = text.data() + text.size();
+  const auto major = std::from_chars(text.data(), end, version.major);
+  if (major.ptr == end || *major.ptr != '.') return {};
+  const auto minor = std::from_chars(major.ptr + 1, end, version.minor);
+  return minor.ptr == end ? version : InterfaceVersion{};
+}
+
+bool Fits(const InterfaceVersion& version) {
+  return version.major == NQZMVTQ20::kInterfaceMajorVersion && version.minor >= 0 &&
+         version.minor <= NQZMVTQ20::kInterfaceMinorVersion;
 }
 
 // What went wrong in `step`; empty when nothing did.
@@ -88,7 +110,18 @@ void Plugin::JoinByHand(IPluginCallbacks* callbacks) {
   library_ = ::dlopen(GetFile().c_str(), RTLD_NOW | RTLD_NOLOAD);
 }
 
+void Plugin::CheckInterface() const {
+  const std::string version = GetInterfaceVersion();
+  if (Fits(ParseInterfaceVersion(version))) return;
+  throw TVTQException("the plug-in " + GetFile() + " is built for version " + version +
+                      " of the plug-in interface, which does not fit version " +
+                      std::to_string(NQZMVTQ20::kInterfaceMajorVersion) + "." +
+                      std::to_string(NQZMVTQ20::kInterfaceMinorVersion) +
+                      " of this program: build the plug-in for that version");
+}
+
 void Plugin::Connect() {
+  CheckInterface();
   queries_ = dynamic_cast<IPluginBasicQueryCallbacks*>(callbacks_);
   if (queries_ != nullptr) queries_->SetProvider(&provider_);
 }

@@ -28,8 +28,9 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
 
   /// Loads the library `file` (a path; one without a slash is in the current directory) and hands
   /// its object the provider handle. The plug-in stays the manager's; the reference is valid until
-  /// it is unloaded. Throws TVTQException when the file cannot be loaded, is loaded already, or
-  /// does not register exactly one plug-in, or when this manager is not installed.
+  /// it is unloaded. Throws TVTQException when the file cannot be loaded, is loaded already, does
+  /// not register exactly one plug-in, or is built for a version of the interface that does not
+  /// fit, or when this manager is not installed.
   Plugin& Load(const std::string& file);
 
   /// Ends the plug-in's object (with DeInit first where that is still to come) and unloads its
@@ -45,8 +46,8 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
 
   /// What plug-ins or their host did against the contract so far, a sentence each, oldest first:
   /// a query before Init, a second Init, DeInit without Init, unloading without DeInit, an
-  /// exception while unloading, instances that were created and not committed, namespaces, classes
-  /// or instances still held after a query. A call that comes at the wrong time is noted and made.
+  /// exception while unloading, instances that were created and not committed, namespaces or
+  /// classes still held after a query. A call that comes at the wrong time is noted and made.
   const std::vector<std::string>& GetViolations() const noexcept { return violations_; }
 
   /// A plug-in that registers while Load loads nothing, because the host loaded its library by
@@ -85,6 +86,8 @@ class VTQ_EXPORT Plugin final {
   std::string GetVersion() const;
   std::string GetInterfaceVersion() const;
 
+  /// Throws TVTQException as Load does for a plug-in that was loaded by hand and does not fit.
+  /// Exceptions of the plug-in pass through.
   void Init();
   /// Asks the plug-in for the instances of `classes`. Exceptions of the plug-in pass through. Does
   /// nothing when the plug-in answers no queries.
@@ -99,6 +102,7 @@ class VTQ_EXPORT Plugin final {
   void Open();
   void Adopt(const std::vector<NQZMVTQ20::IPluginCallbacks*>& registered);
   void JoinByHand(NQZMVTQ20::IPluginCallbacks* callbacks);
+  void CheckInterface() const;
   void Connect();
   void EndObject();
   void NoteViolation(const std::string& what);

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "framework/os_specific.h"
-#include "runtime/command_ahead.h"
 #include "runtime/command_line.h"
 #include "runtime/command_replay.h"
 #include "runtime/command_run.h"
@@ -63,8 +62,7 @@ std::string RunToEnd(const std::string& command, CommandRun& run, int seconds) {
 std::string TOSSpecific::SpawnProcess(const std::string& command, int seconds) {
   if (std::optional<std::string> recorded = vtq::RecordedOutput(command)) return *recorded;
   try {
-    std::unique_ptr<CommandRun> run = vtq::TakeCommandAhead(command);
-    if (!run) run = Start(command);
+    const std::unique_ptr<CommandRun> run = Start(command);
     return RunToEnd(command, *run, std::max(seconds, 0));
   } catch (const std::system_error& error) {
     Fail(command, "could not be followed to its end: " + error.code().message());

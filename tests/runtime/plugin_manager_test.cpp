@@ -30,7 +30,7 @@ TEST_F(PluginManagerTest, LoadsAPluginAndAsksItForItsNames) {
   EXPECT_EQ(fans.GetType(), 0);
   EXPECT_EQ(fans.GetName(), "Fan Collector");
   EXPECT_EQ(fans.GetVersion(), "1.2");
-  EXPECT_EQ(fans.GetInterfaceVersion(), "3.4");
+  EXPECT_EQ(fans.GetInterfaceVersion(), "1.0");
 }
 
 TEST_F(PluginManagerTest, LeadsAPluginThroughItsLifeInOrder) {
@@ -205,6 +205,32 @@ TEST_F(PluginManagerTest, APluginThatWasLoadedByHandIsNotLoadedAgain) {
   EXPECT_EQ(FailureOfLoading(FileOf("fans")).text,
             "the plug-in " + FileOf("fans") + " is loaded already: name it once only");
   EXPECT_EQ(manager_->GetPlugins().size(), 1U);
+  EXPECT_EQ(::dlclose(library), 0);
+}
+
+TEST_F(PluginManagerTest, APluginOfAnotherInterfaceVersionIsRefusedAndUnloaded) {
+  for (const std::string version :
+       {"2.0", "0.9", "1.1", "10.0", "1", "1.", ".0", "1.0.0", "1.x", "-1.0", "1.-1", " 1.0", ""}) {
+    AskFor("answer interface version " + version);
+    EXPECT_EQ(FailureOfLoading(FileOf("misbehaving")).text,
+              "the plug-in " + FileOf("misbehaving") + " is built for version " + version +
+                  " of the plug-in interface, which does not fit version 1.0 of this program: "
+                  "build the plug-in for that version");
+    EXPECT_FALSE(IsMapped("misbehaving")) << version;
+  }
+}
+
+TEST_F(PluginManagerTest, APluginOfThisInterfaceVersionIsTaken) {
+  AskFor("answer interface version 1.0");
+  EXPECT_EQ(manager_->Load(FileOf("misbehaving")).GetInterfaceVersion(), "1.0");
+}
+
+TEST_F(PluginManagerTest, APluginOfAnotherInterfaceVersionThatWasLoadedByHandIsNotInitialised) {
+  AskFor("answer interface version 2.0");
+  void* library = ::dlopen(FileOf("misbehaving").c_str(), RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr);
+  ASSERT_EQ(manager_->GetPlugins().size(), 1U);
+  EXPECT_THROW(manager_->GetPlugins()[0]->Init(), TVTQException);
   EXPECT_EQ(::dlclose(library), 0);
 }
 

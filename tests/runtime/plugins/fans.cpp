@@ -34,7 +34,7 @@ class Fans final : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
   int GetType() override { return 0; }
   std::string GetName() override { return "Fan Collector"; }
   std::string GetVersion() override { return "1.2"; }
-  std::string GetInterfaceVersion() override { return "3.4"; }
+  std::string GetInterfaceVersion() override { return "1.0"; }
   void PrepareForUnload() override {
     Log("PrepareForUnload");
     delete this;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "framework/cim_class.h"
 #include "framework/cim_instance.h"
@@ -31,7 +32,12 @@ class Misbehaving final : public IPluginCallbacks, public IPluginBasicQueryCallb
   int GetType() override { return 0; }
   std::string GetName() override { return "Misbehaving"; }
   std::string GetVersion() override { return "1"; }
-  std::string GetInterfaceVersion() override { return "1"; }
+  std::string GetInterfaceVersion() override {
+    constexpr std::string_view kVersion = "answer interface version ";
+    const char* asked = std::getenv("RUNTIME_TEST_MISDEED");
+    const std::string misdeed = asked == nullptr ? "" : asked;
+    return misdeed.starts_with(kVersion) ? misdeed.substr(kVersion.size()) : "1.0";
+  }
   void PrepareForUnload() override {
     const bool shallThrow = IsAskedTo("throw in PrepareForUnload");
     delete this;
@@ -54,9 +60,8 @@ class Misbehaving final : public IPluginCallbacks, public IPluginBasicQueryCallb
     fan->SetProperty("DeviceID", TCIMValue("fan0"), {});
     fan->SetProperty("Bank", TCIMValue(static_cast<unsigned short>(1)), {});
     fan->Commit({});
-    if (IsAskedTo("keep an instance")) instance_ = fan;
-    if (IsAskedTo("keep an instance and throw")) {
-      instance_ = fan;
+    if (IsAskedTo("keep the namespace and throw")) {
+      nameSpace_ = nameSpace;
       throw std::runtime_error("a fan is stuck");
     }
   }

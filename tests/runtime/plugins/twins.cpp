@@ -16,7 +16,7 @@ class Twin final : public IPluginCallbacks {
   int GetType() override { return 0; }
   std::string GetName() override { return "Twin"; }
   std::string GetVersion() override { return "1"; }
-  std::string GetInterfaceVersion() override { return "1"; }
+  std::string GetInterfaceVersion() override { return "1.0"; }
   void PrepareForUnload() override {
     fdrWriteLog(ILogger::kDebug, "a twin ends");
     delete this;
