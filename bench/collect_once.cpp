@@ -9,11 +9,11 @@
 #include <cstdio>
 #include <exception>
 
-#include "host/instance_writer.h"
-#include "host/output.h"
-#include "host/pci_schema.h"
-#include "host/query_order.h"
-#include "host/session.h"
+#include "host/collect/query_order.h"
+#include "host/collect/session.h"
+#include "host/console/output.h"
+#include "host/formats/instance_writer.h"
+#include "host/schema/pci_schema.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include "bench/machine_files.h"
 #include "bench/measured_run.h"
-#include "host/root.h"
+#include "host/replay/root.h"
 
 namespace fs = std::filesystem;
 

@@ -17,7 +17,7 @@
 #include <system_error>
 
 #include "bench/lspci_places.h"
-#include "host/root_namespace.h"
+#include "host/replay/root_namespace.h"
 #include "runtime/file_descriptor.h"
 
 namespace fs = std::filesystem;

@@ -4,8 +4,8 @@
 #include <fcntl.h>
 
 #include "framework/add_to_vector_callback.h"
-#include "host/instance_writer.h"
-#include "host/pci_schema.h"
+#include "host/formats/instance_writer.h"
+#include "host/schema/pci_schema.h"
 #include "plugin/array_value.h"
 #include "plugin/property_map.h"
 #include "runtime/file_descriptor.h"

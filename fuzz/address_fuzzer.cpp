@@ -5,7 +5,7 @@
 
 #include "fuzz/fuzz.h"
 #include "fuzz/models.h"
-#include "host/address.h"
+#include "host/model/address.h"
 #include "pci/address.h"
 #include "pci/hardware_probe.h"
 #include "plugin/values.h"

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "fuzz/fuzz.h"
-#include "host/manifest.h"
+#include "host/capture/manifest.h"
 
 namespace {
 

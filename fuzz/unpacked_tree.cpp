@@ -5,8 +5,8 @@
 #include <system_error>
 
 #include "fuzz/fuzz.h"
-#include "host/manifest.h"
-#include "host/root_unpack.h"
+#include "host/capture/manifest.h"
+#include "host/replay/root_unpack.h"
 #include "tests/runtime/temporary_directory.h"
 
 namespace fuzz {

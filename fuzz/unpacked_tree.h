@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/archive_entry.h"
+#include "host/replay/archive_entry.h"
 
 namespace fuzz {
 

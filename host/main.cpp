@@ -5,12 +5,12 @@
 #include <csignal>
 #include <variant>
 
-#include "host/commands.h"
-#include "host/guarded_run.h"
-#include "host/options.h"
-#include "host/output.h"
-#include "host/process_end.h"
-#include "host/query_order.h"
+#include "host/base/errors.h"
+#include "host/cli/commands.h"
+#include "host/cli/options.h"
+#include "host/console/output.h"
+#include "host/process/guarded_run.h"
+#include "host/process/process_end.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/options.h"
-#include "host/pci_schema.h"
+#include "host/cli/options.h"
+#include "host/schema/pci_schema.h"
 #include "usage/writers.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "tests/fakes/plugin_fixture.h"
 
-#include "host/pci_schema.h"
+#include "host/schema/pci_schema.h"
 #include "pci/process_state.h"
 
 using NQZMVTQ20::ICIMInstance;

@@ -1,8 +1,8 @@
 #include "tests/faults/loaded_plugin.h"
 
-#include "host/instance_writer.h"
-#include "host/pci_schema.h"
-#include "host/query_order.h"
+#include "host/collect/query_order.h"
+#include "host/formats/instance_writer.h"
+#include "host/schema/pci_schema.h"
 #include "runtime/logger.h"
 #include "runtime/root.h"
 #include "tests/fakes/captured_output.h"

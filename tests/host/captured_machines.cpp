@@ -10,7 +10,7 @@
 #include <regex>
 #include <set>
 
-#include "host/json_reader.h"
+#include "host/formats/json_reader.h"
 #include "tests/host/captures.h"
 #include "tests/host/cim_xml_document.h"
 #include "tests/host/run_program.h"

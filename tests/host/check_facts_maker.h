@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/checks.h"
+#include "host/check/checks.h"
 
 /// Facts of a machine without any doubt: a device, a bridge and a slot in use that holds the
 /// device. Tests change what they are about.

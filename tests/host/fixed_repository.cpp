@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "host/pci_schema.h"
+#include "host/schema/pci_schema.h"
 #include "tests/host/plugins/fixed_machine.h"
 
 std::shared_ptr<vtq::Namespace> MakeEmptyRepository() {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "host/output.h"
+#include "host/console/output.h"
 #include "runtime/repository.h"
 
 /// A repository with the program's classes and no instances.

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "host/pci_schema.h"
+#include "host/schema/pci_schema.h"
 
 namespace {
 

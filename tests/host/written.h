@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "host/instance_writer.h"
+#include "host/formats/instance_writer.h"
 #include "tests/host/fixed_repository.h"
 
 /// What a format makes of the given classes.

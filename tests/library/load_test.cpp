@@ -10,7 +10,7 @@
 #include "framework/plugin_basic_query_callbacks.h"
 #include "framework/plugin_callbacks.h"
 #include "framework/plugin_manager_namespace.h"
-#include "host/pci_schema.h"
+#include "host/schema/pci_schema.h"
 #include "runtime/logger.h"
 #include "runtime/plugin_manager.h"
 #include "runtime/repository.h"

@@ -29,6 +29,27 @@ const std::map<std::string, std::vector<std::string>> kMeetingPlaces{
     {"slots/device_in_slot.cpp", {"pci"}},
 };
 
+// The rooms of the host, and the rooms that each may include from, the own one included. A room
+// stands below all rooms that include from it: there is no circle.
+const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
+    {"base", {"base"}},
+    {"console", {"base", "console"}},
+    {"formats", {"base", "console", "formats"}},
+    {"process", {"base", "console", "process"}},
+    {"model", {"base", "console", "formats", "model"}},
+    {"schema", {"base", "console", "formats", "model", "schema"}},
+    {"check", {"base", "console", "formats", "model", "check"}},
+    {"diff", {"base", "console", "formats", "model", "diff"}},
+    {"collect", {"base", "console", "schema", "process", "collect"}},
+    {"capture", {"base", "console", "process", "schema", "capture"}},
+    {"replay", {"base", "console", "process", "capture", "replay"}},
+    {"views", {"base", "console", "formats", "model", "schema", "collect", "views"}},
+    {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
+    {"cli",
+     {"base", "console", "formats", "process", "model", "schema", "check", "diff", "collect",
+      "capture", "replay", "views", "cli"}},
+};
+
 struct Include {
   std::string file;
   std::string target;
@@ -67,6 +88,40 @@ TEST(WallsTest, FoldersIncludeOnlyWhatStandsBelowThem) {
       EXPECT_TRUE(Contains(allowed, target) || meets)
           << include.file << " includes " << include.target;
     }
+  }
+}
+
+TEST(WallsTest, RoomsOfTheHostIncludeOnlyWhatStandsBelowThem) {
+  for (const Include& include : IncludesOf("host")) {
+    if (include.target.rfind("host/", 0) != 0 || include.file == "host/main.cpp") continue;
+    const auto roomOf = [](const std::string& path) {
+      const std::string inside = path.substr(path.find('/') + 1);
+      return inside.substr(0, inside.find('/'));
+    };
+    const auto allowed = kRoomMayInclude.find(roomOf(include.file));
+    ASSERT_NE(allowed, kRoomMayInclude.end()) << include.file << " is in no room of the list";
+    EXPECT_TRUE(Contains(allowed->second, roomOf(include.target)))
+        << include.file << " includes " << include.target;
+  }
+}
+
+TEST(WallsTest, TheRoomsOfTheHostFormNoCircle) {
+  std::vector<std::string> built;
+  while (built.size() < kRoomMayInclude.size()) {
+    const std::size_t before = built.size();
+    for (const auto& [room, allowed] : kRoomMayInclude) {
+      const bool stands = std::all_of(
+          allowed.begin(), allowed.end(),
+          [&](const std::string& other) { return other == room || Contains(built, other); });
+      if (stands && !Contains(built, room)) built.push_back(room);
+    }
+    ASSERT_GT(built.size(), before) << "these rooms include from each other";
+  }
+}
+
+TEST(WallsTest, EveryRoomOfTheHostSaysWhatItIsFor) {
+  for (const auto& [room, allowed] : kRoomMayInclude) {
+    EXPECT_TRUE(fs::exists(fs::path(SOURCE_DIR) / "host" / room / "README.md")) << room;
   }
 }
 

@@ -1,0 +1,128 @@
+#include "host/capture/capture_target.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "host/base/errors.h"
+
+namespace pciinfo {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Suffix {
+  std::string_view text;
+  Compression compression;
+};
+
+constexpr std::array<Suffix, 4> kSuffixes = {{{".tar", Compression::kNone},
+                                              {".tar.gz", Compression::kGzip},
+                                              {".tgz", Compression::kGzip},
+                                              {".tar.zst", Compression::kZstd}}};
+
+void Require(bool done, const std::string& what) {
+  if (!done) throw std::system_error(errno, std::generic_category(), what);
+}
+
+void CheckPlace(const std::string& name, TargetKind kind) {
+  std::error_code ignored;
+  const fs::file_status status = fs::status(name, ignored);
+  if (!fs::exists(status)) return;
+  if (kind == TargetKind::kArchive && !fs::is_regular_file(status)) {
+    throw UsageError(name + " is there already, and is no file");
+  }
+  if (kind == TargetKind::kArchive) return;
+  if (!fs::is_directory(status)) {
+    throw UsageError(name +
+                     " is there already, and is no directory (the names of archives end in "
+                     ".tar.zst, .tar.gz or .tar)");
+  }
+  if (!fs::is_empty(name)) throw UsageError("the directory " + name + " is not empty");
+}
+
+}  // namespace
+
+TargetForm FormOf(const std::string& name) {
+  if (name == "-") return {TargetKind::kStandardOutput, Compression::kNone};
+  for (const Suffix& suffix : kSuffixes) {
+    if (name.ends_with(suffix.text)) return {TargetKind::kArchive, suffix.compression};
+  }
+  const std::string file = fs::path(name).filename();
+  if (file.find(".tar.") != std::string::npos || file.ends_with(".zip")) {
+    throw UsageError(name + ": archives are written as .tar.zst, .tar.gz and .tar");
+  }
+  return {TargetKind::kDirectory, Compression::kNone};
+}
+
+CaptureTarget::CaptureTarget(const std::string& name) : name_(name) {
+  // A directory may be given with a slash at its end.
+  while (name_.size() > 1 && name_.ends_with('/')) name_.pop_back();
+  if (name_.empty()) throw UsageError("a capture needs a name");
+  const TargetForm form = FormOf(name_);
+  if (form.kind != TargetKind::kStandardOutput) CheckPlace(name_, form.kind);
+  try {
+    Open(form);
+  } catch (...) {
+    Abandon();
+    throw;
+  }
+}
+
+CaptureTarget::~CaptureTarget() {
+  writer_.reset();
+  Abandon();
+}
+
+void CaptureTarget::Open(const TargetForm& form) {
+  switch (form.kind) {
+    case TargetKind::kStandardOutput:
+      if (isatty(STDOUT_FILENO) != 0) throw UsageError("an archive is nothing for a terminal");
+      writer_ = MakeArchiveWriter(STDOUT_FILENO, form.compression);
+      break;
+    case TargetKind::kArchive:
+      MakeTemporaryFile();
+      writer_ = MakeArchiveWriter(file_.Get(), form.compression);
+      break;
+    case TargetKind::kDirectory:
+      MakeTemporaryDirectory();
+      writer_ = MakeFolderWriter(temporary_);
+      break;
+  }
+}
+
+void CaptureTarget::MakeTemporaryFile() {
+  std::string pattern = name_ + ".part-XXXXXX";
+  file_ = vtq::FileDescriptor(mkostemp(pattern.data(), O_CLOEXEC));
+  Require(file_.IsOpen(), "cannot write " + name_);
+  temporary_ = pattern;
+}
+
+void CaptureTarget::MakeTemporaryDirectory() {
+  std::string pattern = name_ + ".part-XXXXXX";
+  Require(mkdtemp(pattern.data()) != nullptr, "cannot write " + name_);
+  temporary_ = pattern;
+}
+
+void CaptureTarget::Commit() {
+  writer_->Finish();
+  if (temporary_.empty()) return;
+  if (file_.IsOpen()) Require(fsync(file_.Get()) == 0, "cannot write " + name_);
+  Require(std::rename(temporary_.c_str(), name_.c_str()) == 0, "cannot write " + name_);
+  temporary_.clear();
+}
+
+void CaptureTarget::Abandon() noexcept {
+  if (temporary_.empty()) return;
+  std::error_code ignored;
+  fs::remove_all(std::exchange(temporary_, ""), ignored);
+}
+
+}  // namespace pciinfo

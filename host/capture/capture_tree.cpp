@@ -1,0 +1,73 @@
+#include "host/capture/capture_tree.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "host/console/output.h"
+
+namespace pciinfo {
+namespace {
+
+using vtq::FileDescriptor;
+
+constexpr mode_t kFolderMode = 0755;
+constexpr mode_t kFileMode = 0644;
+
+void Require(bool done, const std::string& path) {
+  if (!done) throw std::system_error(errno, std::generic_category(), "cannot write " + path);
+}
+
+void MakeFolderIn(const FileDescriptor& folder, const std::string& name, const std::string& path) {
+  Require(mkdirat(folder.Get(), name.c_str(), kFolderMode) == 0 || errno == EEXIST, path);
+}
+
+std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+}  // namespace
+
+CaptureTree::CaptureTree(const std::string& directory)
+    : root_(open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+  Require(root_.IsOpen(), directory);
+}
+
+FileDescriptor CaptureTree::OpenFolderOf(const std::string& path) {
+  FileDescriptor folder(fcntl(root_.Get(), F_DUPFD_CLOEXEC, 0));
+  std::size_t start = 0;
+  for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', start)) {
+    const std::string name = path.substr(start, end - start);
+    MakeFolderIn(folder, name, path);
+    folder = FileDescriptor(
+        openat(folder.Get(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    Require(folder.IsOpen(), path);
+    start = end + 1;
+  }
+  return folder;
+}
+
+void CaptureTree::MakeFolder(const std::string& path) {
+  MakeFolderIn(OpenFolderOf(path), NameOf(path), path);
+}
+
+void CaptureTree::MakeLink(const std::string& path, const std::string& target) {
+  const FileDescriptor folder = OpenFolderOf(path);
+  Require(symlinkat(target.c_str(), folder.Get(), NameOf(path).c_str()) == 0, path);
+}
+
+FileDescriptor CaptureTree::MakeFile(const std::string& path) {
+  const FileDescriptor folder = OpenFolderOf(path);
+  FileDescriptor file(openat(folder.Get(), NameOf(path).c_str(),
+                             O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kFileMode));
+  Require(file.IsOpen(), path);
+  return file;
+}
+
+void WriteBytes(const FileDescriptor& file, std::string_view bytes) {
+  const int error = WriteAll(file.Get(), bytes);
+  if (error != 0) throw std::system_error(error, std::generic_category(), "cannot write a file");
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,131 @@
+#include "host/capture/manifest.h"
+
+#include <sys/utsname.h>
+
+#include <algorithm>
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+#include "framework/exception.h"
+#include "framework/os_specific.h"
+#include "framework/schema_helper.h"
+#include "host/console/utf8.h"
+#include "host/schema/pci_schema.h"
+#include "runtime/repository.h"
+
+namespace pciinfo {
+namespace {
+
+using Json = nlohmann::json;
+using nlohmann::ordered_json;
+
+constexpr int kFormatVersion = 1;
+constexpr int kDeepestNesting = 32;              // values are copied and freed by recursion
+constexpr std::size_t kLongestSystemName = 253;  // RFC 1035, 2.3.4, without the final dot
+constexpr int kVersionSeconds = 10;
+
+std::string KernelRelease() {
+  utsname system{};
+  return uname(&system) == 0 ? system.release : "";
+}
+
+std::string Now() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  char text[sizeof "2026-01-31T23:59:59Z"] = {};
+  return std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc) != 0 ? text : "";
+}
+
+std::string VersionOfLspci() {
+  try {
+    const std::string text =
+        NQZMVTQ20::TOSSpecific::SpawnProcess("lspci --version", kVersionSeconds);
+    return text.substr(0, text.find('\n'));
+  } catch (const NQZMVTQ20::TVTQException&) {
+    return "";  // what lspci itself could not do is noted where it was to list
+  }
+}
+
+bool IsSystemName(const std::string& name) {
+  return name.size() <= kLongestSystemName &&
+         std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < '\x7F'; });
+}
+
+[[noreturn]] void RefuseDamaged(const std::string& how) {
+  throw BadCapture("its manifest.json is damaged: " + how);
+}
+
+// Not for ordered_json: an object of many keys would take the square of their number.
+Json ParseShallow(std::string_view text) {
+  return Json::parse(text, [](int depth, Json::parse_event_t, Json&) {
+    if (depth > kDeepestNesting) RefuseDamaged("it is nested too deeply");
+    return true;
+  });
+}
+
+// A conversion to a number would take 1.5, true and 2^32 + 1 for 1.
+void RequireKnownVersion(const Json& version) {
+  if (!version.is_number_integer()) RefuseDamaged("its formatVersion is no whole number");
+  if (version == kFormatVersion) return;
+  throw BadCapture("it is of format version " + version.dump() +
+                   ", and this program knows version " + std::to_string(kFormatVersion));
+}
+
+Manifest FromJson(const Json& parsed) {
+  Manifest manifest;
+  manifest.systemName = parsed.value("systemName", "");
+  manifest.kernelRelease = parsed.value("kernelRelease", "");
+  manifest.capturedAt = parsed.value("capturedAt", "");
+  manifest.tools = parsed.value("tools", manifest.tools);
+  manifest.redacted = parsed.value("redacted", false);
+  for (const Json& part : parsed.value("unread", Json::array())) {
+    manifest.unread.push_back({part.value("path", ""), part.value("reason", "")});
+  }
+  return manifest;
+}
+
+}  // namespace
+
+Manifest DescribeThisMachine() {
+  Manifest manifest;
+  manifest.systemName =
+      NQZMVTQ20::TCIMSchemaHelper::GetSystemName(vtq::Namespace::Create(kNamespaceName));
+  manifest.kernelRelease = KernelRelease();
+  manifest.capturedAt = Now();
+  manifest.tools = {{"pciinfo", PCIINFO_VERSION}, {"lspci", VersionOfLspci()}};
+  return manifest;
+}
+
+std::string ManifestJson(const Manifest& manifest) {
+  ordered_json json;
+  json["formatVersion"] = kFormatVersion;
+  json["systemName"] = ToUtf8(manifest.systemName);
+  json["kernelRelease"] = ToUtf8(manifest.kernelRelease);
+  json["capturedAt"] = manifest.capturedAt;
+  std::map<std::string, std::string> tools = manifest.tools;
+  for (auto& [tool, version] : tools) version = ToUtf8(version);
+  json["tools"] = tools;
+  json["redacted"] = manifest.redacted;
+  json["unread"] = ordered_json::array();
+  for (const UnreadPart& part : manifest.unread) {
+    json["unread"].push_back({{"path", ToUtf8(part.path)}, {"reason", ToUtf8(part.reason)}});
+  }
+  return json.dump(2) + "\n";
+}
+
+Manifest ParseManifest(std::string_view text) {
+  try {
+    const Json parsed = ParseShallow(text);
+    RequireKnownVersion(parsed.at("formatVersion"));
+    Manifest manifest = FromJson(parsed);
+    if (!IsSystemName(manifest.systemName)) {
+      throw BadCapture("the systemName in its manifest.json is none");
+    }
+    return manifest;
+  } catch (const Json::exception& error) {
+    RefuseDamaged(error.what());
+  }
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,231 @@
+#include "host/check/check_reader.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <filesystem>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+
+#include "framework/exception.h"
+#include "framework/os_specific.h"
+#include "host/formats/value_text.h"
+#include "runtime/file_descriptor.h"
+
+namespace pciinfo {
+namespace {
+
+namespace fs = std::filesystem;
+
+using NQZMVTQ20::TOSSpecific;
+using NQZMVTQ20::TVTQException;
+
+constexpr const char* kProcFolder = "/proc/bus/pci";
+constexpr const char* kSysFolder = "/sys/bus/pci/devices";
+
+std::optional<std::string> FileText(const std::string& path) {
+  try {
+    return TOSSpecific::CaptureFile(path);
+  } catch (const TVTQException&) {
+    return std::nullopt;  // what is not there or not for this user is not known
+  }
+}
+
+/// A hexadecimal number with blanks before it and "0x", as the kernel prints them; 0 for no number.
+std::uint64_t HexNumber(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  if (text.starts_with("0x")) text.remove_prefix(2);
+  std::uint64_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  return number;
+}
+
+/// Takes a hexadecimal number up to `highest` and the character behind it from the front.
+std::optional<unsigned> TakeHex(std::string_view& text, char end, unsigned highest) {
+  unsigned number = 0;
+  const auto [next, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  if (error != std::errc() || number > highest) return std::nullopt;
+  text.remove_prefix(static_cast<std::size_t>(next - text.data()));
+  if (end == '\0') return text.empty() ? std::optional(number) : std::nullopt;
+  if (!text.starts_with(end)) return std::nullopt;
+  text.remove_prefix(1);
+  return number;
+}
+
+/// "DDDD:BB:DD.F"
+std::optional<FullAddress> ParseFullAddress(std::string_view text) {
+  const auto domain = TakeHex(text, ':', 0xFFFFFFFF);
+  const auto bus = TakeHex(text, ':', 255);
+  const auto device = TakeHex(text, '.', 31);
+  const auto function = TakeHex(text, '\0', 7);
+  if (!domain || !bus || !device || !function) return std::nullopt;
+  return FullAddress{*domain, {*bus, *device, *function}};
+}
+
+std::vector<std::string> NamesIn(const fs::path& folder) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    names.push_back(entry->path().filename());
+  }
+  return names;
+}
+
+std::vector<std::string> TabColumns(const std::string& line) {
+  std::vector<std::string> columns;
+  std::istringstream stream(line);
+  for (std::string column; std::getline(stream, column, '\t');) columns.push_back(column);
+  return columns;
+}
+
+std::optional<ListedFunction> ParseListLine(const std::string& line) {
+  constexpr std::size_t kFirstBase = 3;
+  constexpr std::size_t kFirstSize = 10;
+  const std::vector<std::string> columns = TabColumns(line);
+  if (columns.size() < kFirstBase) return std::nullopt;
+  const auto place = static_cast<unsigned>(HexNumber(columns[0]) & 0xFFFF);
+  const auto ids = static_cast<unsigned>(HexNumber(columns[1]) & 0xFFFFFFFF);
+  if (ids >> 16U == 0) return std::nullopt;  // nobody's
+  ListedFunction function;
+  function.address = {place >> 8U, (place & 0xFFU) >> 3U, place & 7U};
+  function.ids = {ids >> 16U, ids & 0xFFFFU};
+  for (std::size_t i = 0; i < kRegions && kFirstSize + i < columns.size(); ++i) {
+    function.bases[i] = HexNumber(columns[kFirstBase + i]);
+    function.sizes[i] = HexNumber(columns[kFirstSize + i]);
+  }
+  return function;
+}
+
+std::optional<std::vector<ListedFunction>> ReadList(const std::string& file) {
+  const std::optional<std::string> text = FileText(file);
+  if (!text) return std::nullopt;
+  std::vector<ListedFunction> list;
+  std::istringstream stream(*text);
+  for (std::string line; std::getline(stream, line);) {
+    if (const auto function = ParseListLine(line)) list.push_back(*function);
+  }
+  return list;
+}
+
+/// One line a region: first address, last address, flags.
+std::array<bool, kRegions> ReadIoRegions(const std::string& folder) {
+  constexpr std::uint64_t kIoFlag = 0x100;  // Linux: IORESOURCE_IO
+  std::array<bool, kRegions> isIo{};
+  std::istringstream lines(FileText(folder + "/resource").value_or(""));
+  for (bool& region : isIo) {
+    std::string first, last, flags;
+    if (!(lines >> first >> last >> flags)) break;
+    region = (HexNumber(flags) & kIoFlag) != 0;
+  }
+  return isIo;
+}
+
+KernelFunction ReadSysFunction(const std::string& folder) {
+  KernelFunction function;
+  const std::optional<std::string> vendor = FileText(folder + "/vendor");
+  const std::optional<std::string> device = FileText(folder + "/device");
+  if (vendor && device) {
+    function.ids = {static_cast<unsigned>(HexNumber(*vendor)),
+                    static_cast<unsigned>(HexNumber(*device))};
+  }
+  function.isIo = ReadIoRegions(folder);
+  return function;
+}
+
+/// The functions whose configuration files stand below /proc/bus/pci: in "BB" for domain 0, in
+/// "DDDD:BB" for others.
+void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
+  const fs::path folder = root + kProcFolder;
+  for (const std::string& bus : NamesIn(folder)) {
+    const char* domain = bus.find(':') == std::string::npos ? "0:" : "";
+    for (const std::string& file : NamesIn(folder / bus)) {
+      const std::string name = fmt::format("{}{}:{}", domain, bus, file);
+      if (const auto where = ParseFullAddress(name)) facts.functions.try_emplace(*where);
+    }
+  }
+}
+
+void ReadSysFunctions(const std::string& root, CheckFacts& facts) {
+  const fs::path folder = root + kSysFolder;
+  for (const std::string& name : NamesIn(folder)) {
+    const auto where = ParseFullAddress(name);
+    if (!where) continue;
+    facts.functions[*where] = ReadSysFunction(folder / name);
+  }
+}
+
+std::optional<ConfigStart> ReadConfigStart(const std::string& path) {
+  constexpr std::size_t kHeader = 64;
+  const vtq::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+  std::array<std::uint8_t, kHeader> header{};
+  if (!file.IsOpen() || pread(file.Get(), header.data(), kHeader, 0) != ssize_t{kHeader}) {
+    return std::nullopt;
+  }
+  std::uint8_t next = 0;
+  const bool goesOn = pread(file.Get(), &next, 1, kHeader) == 1;
+  const auto word = [&](std::size_t at) { return header[at] | unsigned{header[at + 1]} << 8U; };
+  return ConfigStart{{word(0), word(2)}, !goesOn};
+}
+
+void ReadConfigurations(const std::string& root, CheckFacts& facts) {
+  for (const ListedFunction& function : *facts.list) {
+    const PciAddress& at = function.address;
+    const std::string file =
+        fmt::format("{}{}/{:02x}/{:02x}.{}", root, kProcFolder, at.bus, at.device, at.function);
+    if (const auto start = ReadConfigStart(file)) facts.configurations[at] = *start;
+  }
+}
+
+void ReadPublished(const vtq::Namespace& repository, CheckFacts& facts) {
+  for (const char* name : {"QZMSG_PCIDevice", "QZMSG_PCIBridge"}) {
+    const std::shared_ptr<vtq::Class> cimClass = repository.Find(name);
+    for (const auto& instance : cimClass->GetInstances()) {
+      facts.published.push_back(
+          {ReadFunction(*cimClass, *instance), NumberOf(*instance, "UINumber")});
+    }
+  }
+  facts.slots = ReadSlots(repository);
+}
+
+/// Why lspci gives no listing; empty when it does.
+std::string FailureOfListing() {
+  constexpr int kSeconds = 60;
+  try {
+    return TOSSpecific::SpawnProcess("lspci", kSeconds).empty() ? "it printed nothing" : "";
+  } catch (const TVTQException& failure) {
+    return failure.what();
+  }
+}
+
+}  // namespace
+
+std::string FormatFullAddress(const FullAddress& address) {
+  const std::string text = FormatAddress(address.address);
+  return address.domain == 0 ? text : fmt::format("{:04x}:{}", address.domain, text);
+}
+
+void ReadKernelFacts(const std::string& root, CheckFacts& facts) {
+  std::error_code ignored;
+  facts.hasSysfs = fs::is_directory(root + kSysFolder, ignored);
+  facts.hasPciBus = facts.hasSysfs || fs::is_directory(root + kProcFolder, ignored);
+  facts.list = ReadList(root + kProcFolder + "/devices");
+  ReadProcFunctions(root, facts);
+  ReadSysFunctions(root, facts);
+  if (facts.list) ReadConfigurations(root, facts);
+}
+
+CheckFacts ReadCheckFacts(const vtq::Namespace& repository, bool isCapture) {
+  CheckFacts facts;
+  facts.isCapture = isCapture;
+  ReadPublished(repository, facts);
+  ReadKernelFacts("", facts);
+  facts.slotRecords = ReadSlotRecords("");
+  if (facts.hasPciBus) facts.listingFailure = FailureOfListing();
+  return facts;
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "host/base/exit_status.h"
+#include "host/cli/options.h"
+
+namespace pciinfo {
+
+/// Does what the options ask for: result to standard output, messages to standard error. Throws
+/// UsageError, and std::exception for what keeps it from collecting anything.
+ExitStatus RunCommand(Options options);
+
+}  // namespace pciinfo

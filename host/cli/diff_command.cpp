@@ -1,0 +1,129 @@
+#include "host/cli/diff_command.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <unistd.h>
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <tuple>
+
+#include "host/base/errors.h"
+#include "host/console/output.h"
+#include "host/console/text.h"
+#include "host/diff/diff.h"
+#include "host/diff/diff_view.h"
+#include "host/formats/json_reader.h"
+#include "host/process/guarded_run.h"
+#include "host/process/progress_line.h"
+#include "host/schema/pci_schema.h"
+
+namespace pciinfo {
+namespace {
+
+/// A process that compares answers in its own words: the one that waits for it has to tell a
+/// difference from a crash.
+enum Verdict : int { kSaidSame = 0, kSaidDifferent = 10 };
+
+void CheckSides(const Options& options) {
+  const auto& [before, after] = std::tie(options.diffBefore, options.diffAfter);
+  if (before == "live" && after == "live") {
+    throw UsageError(
+        "both sides are this machine: compare it with a capture or with JSON (a file of the name "
+        "\"live\" is \"./live\")");
+  }
+  if (before == "-" && after == "-") throw UsageError("standard input can be one side only");
+  if (before.empty() || after.empty()) throw UsageError("a side has no name");
+  if (!options.root.empty()) {
+    throw UsageError("diff names its machines itself: leave out --root, and name the capture");
+  }
+  if (!options.logFile.empty()) {
+    throw UsageError("diff has no log file: use --log-file with a command for one side");
+  }
+}
+
+void CheckIgnored(const std::vector<std::string>& ignored) {
+  std::set<std::string> known(DerivedProperties().begin(), DerivedProperties().end());
+  for (const vtq::ClassSchema& schema : PciSchema()) {
+    for (const vtq::PropertySchema& property : schema.properties) known.insert(property.name);
+  }
+  for (const std::string& name : ignored) {
+    if (known.count(name) != 0) continue;
+    throw UsageError(fmt::format("--ignore: there is no property \"{}\"; the properties are {}",
+                                 name, fmt::join(known, ", ")));
+  }
+}
+
+std::shared_ptr<vtq::Namespace> ReadSide(const DiffSide& side) {
+  std::shared_ptr<vtq::Namespace> repository = vtq::Namespace::Create(kNamespaceName);
+  for (vtq::ClassSchema& schema : PciSchema()) repository->Declare(std::move(schema));
+  try {
+    ReadInstances(side.json, *repository);
+  } catch (const JsonInputError& error) {
+    throw std::runtime_error(side.name + ": " + error.what());
+  }
+  return repository;
+}
+
+void TellLeftOut(const DiffSide& side, const std::vector<std::string>& classes) {
+  if (classes.empty()) return;
+  WriteMessage(fmt::format("{}: it holds nothing of {}, which is not compared", side.name,
+                           fmt::join(classes, ", ")));
+}
+
+ExitStatus ComparePrinting(const Options& options, const DiffSide& before, const DiffSide& after) {
+  const auto oldRepository = ReadSide(before);
+  const auto newRepository = ReadSide(after);
+  const std::set<std::string> ignored(options.ignored.begin(), options.ignored.end());
+  const DiffResult result = Compare({oldRepository.get(), before.isCollected},
+                                    {newRepository.get(), after.isCollected}, ignored);
+  TellLeftOut(before, result.onlyNew);
+  TellLeftOut(after, result.onlyOld);
+  if (!result.hasCompared && !(result.onlyOld.empty() && result.onlyNew.empty())) {
+    throw std::runtime_error("the two sides have no class in common: there is nothing to compare");
+  }
+  Output output(STDOUT_FILENO);
+  const auto write = options.format == "json" ? &WriteDiffJson : &WriteDiff;
+  write(output, {before.name, after.name, ignored}, result);
+  output.Flush();
+  return static_cast<ExitStatus>(result.changes.empty() ? kSaidSame : kSaidDifferent);
+}
+
+ExitStatus AnswerOf(int verdict, bool hasTroubles) {
+  if (verdict == kPipeClosed) return kPipeClosed;
+  if (hasTroubles || (verdict != kSaidSame && verdict != kSaidDifferent)) return kDiffTrouble;
+  return verdict == kSaidSame ? kSidesEqual : kSidesDiffer;
+}
+
+ExitStatus CompareSides(const Options& options, const Limits& limits, const CommandRunner& run) {
+  CheckSides(options);
+  CheckIgnored(options.ignored);
+  ProgressLine progress(true);
+  progress.Tell("collecting " + Printable(options.diffBefore));
+  const DiffSide before = ReadDiffSide(options.diffBefore, options, run);
+  progress.Tell("collecting " + Printable(options.diffAfter));
+  const DiffSide after = ReadDiffSide(options.diffAfter, options, run);
+  progress.End();
+  const pid_t self = getpid();
+  const ExitStatus verdict = RunInStages(limits, {"comparing", true}, [&](Stages&) {
+    return RunGuarded([&] { return ComparePrinting(options, before, after); });
+  });
+  if (getpid() != self) return verdict;
+  return AnswerOf(verdict, before.hasTroubles || after.hasTroubles);
+}
+
+}  // namespace
+
+ExitStatus RunDiff(const Options& options, const Limits& limits, const CommandRunner& run) {
+  std::optional<ExitStatus> answer;
+  const ExitStatus status = RunGuarded([&] {
+    answer = CompareSides(options, limits, run);
+    return *answer;
+  });
+  if (answer) return *answer;
+  return status == kPipeClosed ? kPipeClosed : kDiffTrouble;  // it threw
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "host/base/exit_status.h"
+#include "host/cli/options.h"
+
+namespace pciinfo {
+
+/// One side of a comparison as JSON of instances.
+struct DiffSide {
+  std::string name;  ///< as the user gave it
+  std::string json;
+  /// It was collected just now: a class without instances has none. JSON that somebody kept may
+  /// leave classes out.
+  bool isCollected = false;
+  bool hasTroubles = false;  ///< something of it could not be collected
+};
+
+/// Runs a command as the program would.
+using CommandRunner = std::function<ExitStatus(Options options)>;
+
+/// Reads the side that a user named: "live" for this machine, a file of JSON, or a capture; "-" for
+/// either of the last two from standard input. Machines are collected by `run` in a process of its
+/// own, whose messages are passed on with the side's name. Options besides the root are those of
+/// `options`. Throws std::runtime_error, naming the side, when it cannot be read at all.
+DiffSide ReadDiffSide(const std::string& name, const Options& options, const CommandRunner& run);
+
+}  // namespace pciinfo

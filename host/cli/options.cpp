@@ -1,0 +1,234 @@
+#include "host/cli/options.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+
+#include "host/base/errors.h"
+#include "host/formats/instance_writer.h"
+#include "host/schema/schema_writer.h"
+
+namespace pciinfo {
+namespace {
+
+constexpr const char* kFooter =
+    "Severities: 0 error, 1 warning, 2 status, 3 debug, 4 verbose; records go to standard error.\n"
+    "\n"
+    "Exit status:\n"
+    "  0    all was collected; a thing that this machine does not have is no failure\n"
+    "  1    something could not be collected or written; standard error says what and why\n"
+    "  2    wrong usage\n"
+    "  141  the reader of the output closed the pipe early (nothing is said about it)\n";
+
+constexpr const char* kCheckFooter =
+    "Exit status:\n"
+    "  0    there are notes at most\n"
+    "  1    there are errors or warnings, or something could not be collected or written\n"
+    "\n"
+    "The options of \"pciinfo --help\" can be given here as well.\n";
+
+constexpr const char* kDiffFooter =
+    "A side is a capture (a directory or an archive), a file of JSON that \"pciinfo instances\" "
+    "has\n"
+    "printed, - for either of them from standard input, or \"live\" for this machine. --timeout "
+    "and\n"
+    "--memory-limit hold for each side.\n"
+    "\n"
+    "Exit status, other than that of the other commands:\n"
+    "  0    no differences\n"
+    "  1    differences\n"
+    "  2    wrong usage, or something could not be collected, read or written\n"
+    "\n"
+    "The options of \"pciinfo --help\" can be given here as well.\n";
+
+/// CLI11 takes what a validator answers for the message, and nothing for agreement.
+std::string IsNoLimitOrEnough(const std::string& text) {
+  // Less is not enough for the program's own libraries; no address space holds more.
+  constexpr long kLeast = 128;
+  constexpr long kMost = 1L << 30;
+  char* end = nullptr;
+  const long limit = std::strtol(text.c_str(), &end, 10);
+  const bool isNumber = end != text.c_str() && *end == '\0';
+  return isNumber && (limit == 0 || (limit >= kLeast && limit <= kMost))
+             ? ""
+             : "must be 0 or at least 128 (MiB)";
+}
+
+void AddViewOptions(CLI::App& app, Options& options) {
+  app.add_option_function<std::vector<std::string>>(
+         "--filter",
+         [&options](const std::vector<std::string>& texts) { options.filter = Filter(texts); },
+         "Show only what all terms hold for; may be given more than once, for alternatives")
+      ->type_name("KEY=VALUE,...")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+  app.add_option("--color", options.terminal.color, "Use colours")
+      ->type_name("auto|always|never")
+      ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
+      ->capture_default_str();
+  app.add_flag_callback(
+      "--no-pager", [&options] { options.terminal.pager = false; },
+      "Do not show output through a pager");
+}
+
+void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
+              const char* description) {
+  app.add_option(name, files, description)
+      ->type_name("FILE")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+}
+
+void AddGlobalOptions(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
+  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be given more than once");
+  AddFiles(app, "--class-file", options.classFiles,
+           "Declare the classes in this file as well, for plug-ins that serve them");
+  app.add_option("--log-file", options.logFile, "Write every log record to this file")
+      ->type_name("FILE");
+  app.add_option("--log-level", options.logLevel,
+                 "Show log records up to this severity (default: 1)")
+      ->type_name("0..4")
+      ->check(CLI::Range(0, 4).description(""));
+  app.add_option("--timeout", options.timeout,
+                 "Seconds after which collecting is given up; what is there is printed")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.1, 1e6).description(""))
+      ->capture_default_str();
+  app.add_option("--memory-limit", options.memoryLimit,
+                 "Memory that collecting may take, in MiB; 0: no limit")
+      ->type_name("MIB")
+      ->check(CLI::Validator(IsNoLimitOrEnough, ""))
+      ->capture_default_str();
+  CLI::Option* root =
+      app.add_option("--root", options.root,
+                     "Show the machine of a capture: a directory, an archive, or - for standard "
+                     "input")
+          ->type_name("CAPTURE")
+          ->check(
+              CLI::Validator([](std::string& name) { return name.empty() ? "empty" : ""; }, ""));
+  app.add_flag("--live-commands", options.liveCommands,
+               "Run commands on the captured files instead of replaying their recorded outputs")
+      ->needs(root);
+  AddViewOptions(app, options);
+  app.footer(FilterHelp() + "\n" + kFooter);
+}
+
+CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
+                     Options& options, Command command) {
+  CLI::App* sub = app.add_subcommand(name, description);
+  sub->fallthrough();  // global options may stand behind the command
+  sub->footer("The options of \"pciinfo --help\" can be given here as well.\n");
+  sub->callback([&options, command] { options.command = command; });
+  return sub;
+}
+
+void AddFormat(CLI::App& command, std::string& format, const std::vector<std::string>& formats) {
+  command.add_option("--format", format, "Output format")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember(formats))
+      ->capture_default_str();
+}
+
+void AddDiff(CLI::App& app, Options& options) {
+  CLI::App* diff = AddCommand(app, "diff", "Say what differs between two machines or captures",
+                              options, Command::kDiff);
+  diff->add_option("A", options.diffBefore, "The old machine: a capture, JSON, - or live")
+      ->type_name("CAPTURE")
+      ->required();
+  diff->add_option("B", options.diffAfter, "The new machine")->type_name("CAPTURE")->required();
+  diff->add_option("--ignore", options.ignored,
+                   "Leave out changes of this property; may be given more than once")
+      ->type_name("PROPERTY")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
+  AddFormat(*diff, options.format, {"table", "json"});
+  diff->footer(kDiffFooter);
+}
+
+void AddViews(CLI::App& app, Options& options) {
+  CLI::App* devices =
+      AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
+  AddFormat(*devices, options.format, {"table", "json"});
+  CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
+  AddFormat(*tree, options.format, {"table", "json"});
+  tree->add_flag("--all", options.showAll, "Do not fold functions that are alike");
+  CLI::App* show =
+      AddCommand(app, "show", "Print all that is known of one thing", options, Command::kShow);
+  show->add_option("NAME", options.target,
+                   "Address of a function, slot ID, designation or tag of a slot, or object path")
+      ->required();
+  AddFormat(*show, options.format, {"table", "json"});
+}
+
+void AddCommands(CLI::App& app, Options& options) {
+  CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
+                                   Command::kInstances);
+  instances->add_option("CLASS", options.classes, "Classes to print (default: all)");
+  AddFormat(*instances, options.format, InstanceFormats());
+  AddCommand(app, "classes", "Print the plug-ins and the classes that they serve", options,
+             Command::kClasses);
+  CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
+                               options, Command::kSlots);
+  AddFormat(*slots, options.format, {"table", "json"});
+  AddViews(app, options);
+  CLI::App* check =
+      AddCommand(app, "check", "Say what of the inventory is incomplete or doubtful, and why",
+                 options, Command::kCheck);
+  AddFormat(*check, options.format, {"table", "json"});
+  check->footer(kCheckFooter);
+  AddDiff(app, options);
+  CLI::App* schema =
+      AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
+  AddFormat(*schema, options.schemaFormat, SchemaFormats());
+  CLI::App* capture = AddCommand(app, "capture", "Keep all that can be shown of this machine",
+                                 options, Command::kCapture);
+  capture
+      ->add_option("FILE", options.captureFile,
+                   "NAME.tar.zst, NAME.tar.gz, NAME.tar, a new directory, or - for standard output")
+      ->required();
+  capture->add_flag("--redact", options.redact,
+                    "Blank serial numbers, asset tags, UUIDs and the system's name");
+  app.require_subcommand(0, 1);
+}
+
+bool CanFilter(Command command) {
+  return command != Command::kClasses && command != Command::kCapture &&
+         command != Command::kSchema && command != Command::kCheck && command != Command::kDiff;
+}
+
+}  // namespace
+
+std::shared_ptr<CLI::App> BuildApp(Options& options) {
+  auto app = std::make_shared<CLI::App>(
+      "Shows the PCI functions and system slots of this machine.\n"
+      "Without a command: an overview.",
+      "pciinfo");
+  AddGlobalOptions(*app, options);
+  AddCommands(*app, options);
+  return app;
+}
+
+std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
+  Options options;
+  const std::shared_ptr<CLI::App> app = BuildApp(options);
+  try {
+    app->parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    return Answer{false, app->help()};
+  } catch (const CLI::CallForVersion& version) {
+    return Answer{false, std::string(version.what()) + "\n"};
+  } catch (const CLI::ParseError& error) {
+    return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  } catch (const UsageError& error) {
+    return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+  }
+  if (!options.filter.IsEmpty() && !CanFilter(options.command)) {
+    return Answer{true, "--filter goes with the views and \"instances\" only"};
+  }
+  return options;
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,102 @@
+#include "host/collect/session.h"
+
+#include <utility>
+
+#include "framework/exception.h"
+#include "host/collect/stderr_log.h"
+#include "runtime/root.h"
+#include "runtime/service_failures.h"
+
+namespace pciinfo {
+namespace {
+
+using NQZMVTQ20::ILogger;
+
+std::shared_ptr<vtq::Logger> MakeLogger(TroubleReport& report, const LogSettings& settings) {
+  auto logger = std::make_shared<vtq::Logger>();
+  if (settings.file) logger->AddSink(settings.file);
+  logger->AddSink(
+      MakeStderrSink(settings.level, report),
+      static_cast<ILogger::EVTQLogSeverity>(settings.level.value_or(ILogger::kWarning)));
+  logger->AddSink([&report](ILogger::EVTQLogSeverity severity,
+                            const std::string& text) { report.AddRecord(severity, text); },
+                  ILogger::kStatus);
+  return logger;
+}
+
+std::shared_ptr<vtq::Namespace> MakeRepository(std::vector<vtq::ClassSchema> classes) {
+  std::shared_ptr<vtq::Namespace> repository = vtq::Namespace::Create(kNamespaceName);
+  for (vtq::ClassSchema& schema : classes) repository->Declare(std::move(schema));
+  return repository;
+}
+
+/// Runs `step` of a plug-in. Answers why it failed; nothing when it did not. Only the text of the
+/// exception is kept: the object may be of a type that goes when the plug-in is unloaded.
+template <class Step>
+std::optional<std::string> FailureOf(const Step& step) {
+  try {
+    step();
+    return std::nullopt;
+  } catch (const std::exception& failure) {
+    return std::string("the plug-in failed: ") + failure.what();
+  } catch (...) {
+    return "the plug-in failed and did not say why";
+  }
+}
+
+}  // namespace
+
+Session::Session(TroubleReport& report, const LogSettings& log,
+                 std::vector<vtq::ClassSchema> classes)
+    : report_(report),
+      logger_(MakeLogger(report, log)),
+      manager_(std::make_shared<vtq::PluginManager>()),
+      repository_(MakeRepository(std::move(classes))) {
+  vtq::SetCoreLogger(logger_);
+  vtq::SetPluginManager(manager_);
+  vtq::ObserveServiceFailures(
+      [&report](const std::string& description) { report.AddServiceFailure(description); });
+}
+
+Session::~Session() {
+  EndPlugins();
+  vtq::ObserveServiceFailures(nullptr);
+  vtq::SetPluginManager(nullptr);
+  vtq::SetCoreLogger(nullptr);
+}
+
+void Session::Load(const std::string& pluginFile) {
+  vtq::Plugin& plugin = manager_->Load(pluginFile);
+  if (const auto failure = FailureOf([&plugin] { plugin.Init(); })) {
+    manager_->Unload(plugin);
+    throw NQZMVTQ20::TVTQException(pluginFile + ": " + *failure);
+  }
+}
+
+void Session::Collect(const std::vector<std::string>& classes) {
+  for (const std::string& className : classes) {
+    report_.BeginClass(className);
+    for (const auto& plugin : manager_->GetPlugins()) Ask(*plugin, className);
+    report_.EndClass();
+  }
+}
+
+void Session::Ask(vtq::Plugin& plugin, const std::string& className) {
+  const auto failure = FailureOf([&] {
+    std::vector<std::shared_ptr<NQZMVTQ20::ICIMClass>> request = {repository_->Find(className)};
+    plugin.GetData(repository_, request);
+  });
+  if (failure) report_.AddFailure(*failure);
+}
+
+std::vector<std::string> Session::EndPlugins() {
+  while (!manager_->GetPlugins().empty()) {
+    vtq::Plugin& plugin = *manager_->GetPlugins().back();
+    const auto failure = FailureOf([&plugin] { plugin.DeInit(); });
+    if (failure) report_.AddFailure(plugin.GetFile() + ": " + *failure);
+    manager_->End(plugin);
+  }
+  return manager_->GetViolations();
+}
+
+}  // namespace pciinfo

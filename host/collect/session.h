@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/collect/trouble_report.h"
+#include "host/schema/pci_schema.h"
+#include "runtime/logger.h"
+#include "runtime/plugin_manager.h"
+#include "runtime/repository.h"
+
+namespace pciinfo {
+
+/// Where a session's log records go besides its report.
+struct LogSettings {
+  vtq::LogSink file;         ///< none where it is empty
+  std::optional<int> level;  ///< for standard error, see MakeStderrSink
+};
+
+/// A repository with the declared classes, a log, and plug-ins that fill the repository. It stands
+/// behind the framework's singletons as long as it lives, so there is one at a time.
+class Session final {
+ public:
+  /// `report` must outlive the session. Throws TVTQException when two of `classes` have one name.
+  Session(TroubleReport& report, const LogSettings& log,
+          std::vector<vtq::ClassSchema> classes = PciSchema());
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  /// Ends the plug-ins if nobody has, and unloads them.
+  ~Session();
+
+  /// Loads a plug-in and initialises it. Throws TVTQException when either fails.
+  void Load(const std::string& pluginFile);
+
+  /// Asks every plug-in for every class, class by class in the given order. What goes wrong goes to
+  /// the report; the other classes are collected all the same. The classes must be declared.
+  void Collect(const std::vector<std::string>& classes);
+
+  /// Ends the plug-ins; their libraries and the repository stay as long as the session. Answers
+  /// what was done against the framework's contract.
+  std::vector<std::string> EndPlugins();
+
+  const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
+  const TroubleReport& GetReport() const noexcept { return report_; }
+  const vtq::PluginManager& GetPlugins() const noexcept { return *manager_; }
+
+ private:
+  void Ask(vtq::Plugin& plugin, const std::string& className);
+
+  TroubleReport& report_;
+  std::shared_ptr<vtq::Logger> logger_;
+  std::shared_ptr<vtq::PluginManager> manager_;
+  std::shared_ptr<vtq::Namespace> repository_;
+};
+
+}  // namespace pciinfo

@@ -1,0 +1,113 @@
+#include "host/diff/diff_view.h"
+
+#include <nlohmann/json.hpp>
+
+#include "host/console/text.h"
+#include "host/formats/json_text.h"
+#include "host/formats/json_writer.h"
+
+namespace pciinfo {
+namespace {
+
+using nlohmann::json;
+
+/// By Change::Op.
+constexpr const char* kOps[] = {"add", "remove", "move", "replace"};
+constexpr char kMarks[] = {'+', '-', '~', '~'};
+
+char MarkOf(const Change& change) { return kMarks[static_cast<std::size_t>(change.op)]; }
+
+bool IsComing(const Change& change) {
+  return change.op == Change::Op::kAdd || change.op == Change::Op::kRemove;
+}
+
+bool AreOfOne(const Change& left, const Change& right) {
+  return left.subject == right.subject && left.from == right.from && left.to == right.to;
+}
+
+class JsonChanges final {
+ public:
+  explicit JsonChanges(Output& output) : output_(output) {}
+
+  void Write(const Change& change) {
+    isFirst_ = true;
+    output_.Write("{");
+    Text("op", kOps[static_cast<std::size_t>(change.op)]);
+    Text("subject", change.subject);
+    Text("label", change.label);
+    if (change.from != nullptr) Text("from", change.from->GetPath());
+    if (change.to != nullptr) Text("path", change.to->GetPath());
+    if (IsComing(change)) {
+      WriteInstance(change.op == Change::Op::kAdd ? *change.to : *change.from);
+    } else {
+      Text("property", change.property);
+      Value("old", change.oldValue);
+      Value("new", change.newValue);
+    }
+    Text("text", change.text);
+    output_.Write("}");
+  }
+
+ private:
+  void Name(const char* name) {
+    output_.Write(std::string(isFirst_ ? "" : ",") + '"' + name + "\":");
+    isFirst_ = false;
+  }
+  void Text(const char* name, const std::string& text) {
+    Name(name);
+    WriteJsonString(output_, text);
+  }
+  void Value(const char* name, const NQZMVTQ20::TCIMValue& value) {
+    Name(name);
+    value.IsNull() ? output_.Write("null") : WriteJsonValue(output_, value);
+  }
+  void WriteInstance(const vtq::Instance& instance) {
+    const auto cimClass = std::static_pointer_cast<vtq::Class>(instance.GetClass({}));
+    JsonObjects objects(output_);
+    Name("instance");
+    objects.BeginClass(*cimClass);
+    objects.Write(*cimClass, instance);
+  }
+
+  Output& output_;
+  bool isFirst_ = true;
+};
+
+}  // namespace
+
+void WriteDiff(Output& output, const DiffHeading& heading, const DiffResult& result) {
+  if (result.changes.empty()) {
+    output.Write("No differences.\n");
+    return;
+  }
+  output.Write("--- " + Printable(heading.before) + "\n+++ " + Printable(heading.after) + "\n");
+  const Change* last = nullptr;
+  for (const Change& change : result.changes) {
+    const bool isNew = last == nullptr || !AreOfOne(*last, change);
+    last = &change;
+    const std::string head = std::string(1, MarkOf(change)) + ' ' + change.subject + ' ';
+    if (isNew) output.Write(TrimEnd(head + change.label) + "\n");
+    output.Write("    " + change.text + "\n");
+  }
+}
+
+void WriteDiffJson(Output& output, const DiffHeading& heading, const DiffResult& result) {
+  json head = {{"before", Printable(heading.before)},
+               {"after", Printable(heading.after)},
+               {"onlyBefore", result.onlyOld},
+               {"onlyAfter", result.onlyNew},
+               {"ignored", heading.ignored}};
+  std::string text = head.dump();
+  text.pop_back();
+  output.Write(text + ",\"changes\":[");
+  JsonChanges changes(output);
+  bool isFirst = true;
+  for (const Change& change : result.changes) {
+    output.Write(isFirst ? "\n" : ",\n");
+    isFirst = false;
+    changes.Write(change);
+  }
+  output.Write(isFirst ? "]}\n" : "\n]}\n");
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,51 @@
+#include <dlfcn.h>
+
+#include <stdexcept>
+
+#include "host/extras/extras.h"
+#include "host/process/library_location.h"
+
+namespace pciinfo {
+namespace {
+
+// Never unloaded: what it makes lives as long as it does.
+void* LoadExtras() {
+  const std::string file = FirstExisting(LibraryPlaces(ProgramFolder(), kExtrasFile),
+                                         "install this program again, a part of it is missing");
+  void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_NODELETE);
+  if (library != nullptr) return library;
+  throw std::runtime_error(std::string("a part of this program cannot be loaded (") + dlerror() +
+                           "); install it again");
+}
+
+template <class Function>
+Function* Find(const char* name) {
+  static void* const extras = LoadExtras();
+  if (void* function = dlsym(extras, name)) return reinterpret_cast<Function*>(function);
+  throw std::runtime_error(std::string(kExtrasFile) +
+                           " is of another version of this program; install it again");
+}
+
+}  // namespace
+
+std::unique_ptr<ArchiveReader> OpenArchive(const std::string& name) {
+  const auto open = Find<decltype(PciinfoOpenArchive)>("PciinfoOpenArchive");
+  return std::unique_ptr<ArchiveReader>(open(name));
+}
+
+std::unique_ptr<CaptureWriter> MakeArchiveWriter(int descriptor, Compression compression) {
+  const auto make = Find<decltype(PciinfoMakeArchiveWriter)>("PciinfoMakeArchiveWriter");
+  return std::unique_ptr<CaptureWriter>(make(descriptor, compression));
+}
+
+std::unique_ptr<InstanceWriter> MakeCimXmlWriter(Output& output) {
+  const auto make = Find<decltype(PciinfoMakeCimXmlWriter)>("PciinfoMakeCimXmlWriter");
+  return std::unique_ptr<InstanceWriter>(make(output));
+}
+
+std::unique_ptr<InstanceWriter> MakeYamlWriter(Output& output) {
+  const auto make = Find<decltype(PciinfoMakeYamlWriter)>("PciinfoMakeYamlWriter");
+  return std::unique_ptr<InstanceWriter>(make(output));
+}
+
+}  // namespace pciinfo

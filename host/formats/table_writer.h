@@ -1,0 +1,23 @@
+#pragma once
+
+#include "host/formats/instance_writer.h"
+
+namespace pciinfo {
+
+/// For people: a heading for every class, then for every instance a block of lines
+/// "property = value". An array of texts takes a line an element, every other array one line.
+class TableWriter final : public InstanceWriter {
+ public:
+  explicit TableWriter(Output& output) : output_(output) {}
+
+  void BeginClass(const vtq::Class& cimClass) override;
+  void Write(const vtq::Class& cimClass, const vtq::Instance& instance) override;
+
+ private:
+  void WriteValue(const NQZMVTQ20::TCIMValue& value, std::size_t indent);
+
+  Output& output_;
+  bool first_ = true;
+};
+
+}  // namespace pciinfo

@@ -1,0 +1,86 @@
+#include "host/formats/xml_text.h"
+
+#include <libxml/xmlwriter.h>
+
+#include <new>
+#include <string>
+
+#include "host/console/utf8.h"
+
+namespace pciinfo {
+namespace {
+
+struct Free {
+  void operator()(xmlBuffer* buffer) const noexcept { xmlBufferFree(buffer); }
+  void operator()(xmlTextWriter* writer) const noexcept { xmlFreeTextWriter(writer); }
+};
+
+const xmlChar* Xml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
+
+// It has no other reason to fail than a lack of memory: what it writes into is memory.
+void Check(int result) {
+  if (result < 0) throw std::bad_alloc();
+}
+
+bool CanStandInXml(char32_t codePoint) {
+  if (codePoint < 0x20) return codePoint == U'\t' || codePoint == U'\n';
+  return codePoint != 0xFFFE && codePoint != 0xFFFF;
+}
+
+std::string Carriable(std::string_view bytes) {
+  constexpr char32_t kReplacement = 0xFFFD;
+  const std::string utf8 = ToUtf8(bytes);
+  std::string text;
+  text.reserve(utf8.size());
+  for (std::size_t position = 0; position < utf8.size();) {
+    const char32_t codePoint = NextCodePoint(utf8, position);
+    AppendUtf8(text, CanStandInXml(codePoint) ? codePoint : kReplacement);
+  }
+  return text;
+}
+
+}  // namespace
+
+struct XmlText::Parts {
+  std::unique_ptr<xmlBuffer, Free> buffer{xmlBufferCreate()};
+  std::unique_ptr<xmlTextWriter, Free> writer;
+};
+
+XmlText::XmlText() : parts_(std::make_unique<Parts>()) {
+  if (parts_->buffer == nullptr) throw std::bad_alloc();
+  xmlBufferSetAllocationScheme(parts_->buffer.get(), XML_BUFFER_ALLOC_DOUBLEIT);
+  parts_->writer.reset(xmlNewTextWriterMemory(parts_->buffer.get(), 0));
+  if (parts_->writer == nullptr) throw std::bad_alloc();
+}
+
+XmlText::~XmlText() = default;
+
+void XmlText::Begin() {
+  Check(xmlTextWriterStartDocument(parts_->writer.get(), "1.0", "UTF-8", nullptr));
+}
+
+void XmlText::Open(const char* element, Attributes attributes) {
+  Check(xmlTextWriterStartElement(parts_->writer.get(), Xml(element)));
+  for (const auto& [name, value] : attributes) {
+    Check(xmlTextWriterWriteAttribute(parts_->writer.get(), Xml(name),
+                                      Xml(Carriable(value).c_str())));
+  }
+}
+
+void XmlText::Close() { Check(xmlTextWriterFullEndElement(parts_->writer.get())); }
+
+void XmlText::Text(std::string_view bytes) {
+  Check(xmlTextWriterWriteString(parts_->writer.get(), Xml(Carriable(bytes).c_str())));
+}
+
+void XmlText::EndLine() { Check(xmlTextWriterWriteRaw(parts_->writer.get(), Xml("\n"))); }
+
+void XmlText::MoveTo(Output& output) {
+  Check(xmlTextWriterFlush(parts_->writer.get()));
+  const xmlBuffer* buffer = parts_->buffer.get();
+  output.Write({reinterpret_cast<const char*>(xmlBufferContent(buffer)),
+                static_cast<std::size_t>(xmlBufferLength(buffer))});
+  xmlBufferEmpty(parts_->buffer.get());
+}
+
+}  // namespace pciinfo

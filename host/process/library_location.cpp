@@ -1,0 +1,29 @@
+#include "host/process/library_location.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace pciinfo {
+
+std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file) {
+  const std::filesystem::path folder = programFolder;
+  const std::filesystem::path installed = (folder / PCIINFO_PLUGIN_FOLDER).lexically_normal();
+  return {folder / file, folder.parent_path() / "lib" / file, installed / file};
+}
+
+std::string FirstExisting(const std::vector<std::string>& places, const std::string& advice) {
+  for (const std::string& place : places) {
+    std::error_code ignored;
+    if (std::filesystem::exists(place, ignored)) return place;
+  }
+  throw std::runtime_error(fmt::format("none of {} exists; {}", fmt::join(places, ", "), advice));
+}
+
+std::string ProgramFolder() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
+}  // namespace pciinfo

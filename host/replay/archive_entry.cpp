@@ -1,0 +1,77 @@
+#include "host/replay/archive_entry.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <sstream>
+#include <vector>
+
+#include "host/capture/manifest.h"
+
+namespace pciinfo {
+namespace {
+
+[[noreturn]] void Refuse(const ArchiveEntry& entry, const std::string& what) {
+  throw BadCapture(fmt::format("its entry \"{}\" {}", entry.path.substr(0, 200), what));
+}
+
+/// The parts of a path without the empty ones and ".".
+std::vector<std::string> Parts(const std::string& path) {
+  std::vector<std::string> parts;
+  std::istringstream stream(path);
+  stream.exceptions(std::ios::badbit);  // no memory is not the end of the path
+  for (std::string part; std::getline(stream, part, '/');) {
+    if (!part.empty() && part != ".") parts.push_back(part);
+  }
+  return parts;
+}
+
+std::string PlainPath(const ArchiveEntry& entry) {
+  if (entry.path.starts_with('/')) Refuse(entry, "has an absolute path");
+  std::string plain;
+  for (const std::string& part : Parts(entry.path)) {
+    if (part == "..") Refuse(entry, "leads out of the capture");
+    plain += (plain.empty() ? "" : "/") + part;
+  }
+  return plain;
+}
+
+}  // namespace
+
+bool IsInnerLink(const std::string& path, const std::string& target) {
+  if (!path.starts_with("sys/") || target.empty() || target.starts_with('/')) return false;
+  const std::vector<std::string> parts = Parts(target);
+  const auto isUp = [](const std::string& part) { return part == ".."; };
+  const auto down = std::find_if_not(parts.begin(), parts.end(), isUp);
+  if (std::any_of(down, parts.end(), isUp)) return false;
+  // Folders between "sys" and the link, which stands in the last one.
+  const auto depth = std::count(path.begin(), path.end(), '/') - 1;
+  return down - parts.begin() <= depth;
+}
+
+std::string EntryGate::Admit(const ArchiveEntry& entry) {
+  Count(entry);
+  std::string path = PlainPath(entry);
+  if (entry.kind == EntryKind::kHardLink) Refuse(entry, "is a hard link");
+  if (entry.kind == EntryKind::kOther) Refuse(entry, "is neither a file nor a folder nor a link");
+  if (entry.kind == EntryKind::kLink && !IsInnerLink(path, entry.target)) {
+    Refuse(entry, fmt::format("is a link to \"{}\", which is not inside of the captured sys/",
+                              entry.target.substr(0, 200)));
+  }
+  return path;
+}
+
+void EntryGate::Count(const ArchiveEntry& entry) {
+  if (entry.path.size() > limits_.pathLength) {
+    Refuse(entry, fmt::format("has a path of more than {} bytes", limits_.pathLength));
+  }
+  if (++entries_ > limits_.entries) {
+    throw BadCapture(fmt::format("it has more than {} entries", limits_.entries));
+  }
+  if (entry.size > limits_.bytes - bytes_) {
+    throw BadCapture(fmt::format("it unpacks to more than {} MiB", limits_.bytes >> 20));
+  }
+  bytes_ += entry.size;
+}
+
+}  // namespace pciinfo

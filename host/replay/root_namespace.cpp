@@ -1,0 +1,79 @@
+#include "host/replay/root_namespace.h"
+
+#include <fmt/format.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace pciinfo {
+namespace {
+
+// Linux: __NEW_UTS_LEN.
+constexpr std::size_t kLongestHostName = 64;
+constexpr int kNamespaces = CLONE_NEWNS | CLONE_NEWUTS;
+constexpr const char* kAppArmorSwitch = "/proc/sys/kernel/apparmor_restrict_unprivileged_userns";
+
+void Require(bool done, const char* what) {
+  if (done) return;
+  const int error = errno;
+  std::error_code ignored;
+  const bool confined = std::filesystem::exists(kAppArmorSwitch, ignored);
+  throw std::runtime_error(fmt::format(
+      "a capture is served in namespaces of its own, and the kernel does not allow this user to {} "
+      "({}); run as root, or allow it: sysctl kernel.{}",
+      what, std::strerror(error),
+      confined ? "apparmor_restrict_unprivileged_userns=0" : "unprivileged_userns_clone=1"));
+}
+
+void WriteText(const std::string& file, const std::string& text) {
+  std::ofstream stream(file);
+  stream << text << std::flush;
+  Require(stream.good(), "set up a user namespace");
+}
+
+std::string SameNumber(unsigned number) { return fmt::format("{} {} 1", number, number); }
+
+void EnterUserNamespace() {
+  const uid_t user = geteuid();
+  const gid_t group = getegid();
+  Require(unshare(CLONE_NEWUSER | kNamespaces) == 0, "make a user namespace");
+  WriteText("/proc/self/setgroups", "deny");
+  WriteText("/proc/self/uid_map", SameNumber(user));
+  WriteText("/proc/self/gid_map", SameNumber(group));
+}
+
+}  // namespace
+
+void EnterNamespaces() {
+  if (unshare(kNamespaces) != 0) EnterUserNamespace();
+  Require(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "keep mounts private");
+}
+
+void MountMemory(const std::string& place) {
+  Require(mount("tmpfs", place.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, nullptr) == 0,
+          "mount a file system in memory");
+}
+
+void ShowAt(const std::string& from, const std::string& place) {
+  Require(mount(from.c_str(), place.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0,
+          "mount a directory at another place");
+}
+
+void NameSystem(const std::string& name, const std::string& hostsFile) {
+  // The domain of a name that is too long for the kernel comes from the hosts file.
+  const bool fits = name.size() <= kLongestHostName;
+  const std::string host = fits ? name : name.substr(0, std::min(name.find('.'), kLongestHostName));
+  WriteText(hostsFile, fits ? "" : "0.0.0.0 " + name + " " + host + "\n");
+  Require(sethostname(host.data(), host.size()) == 0, "set a host name");
+  std::error_code ignored;
+  if (std::filesystem::exists("/etc/hosts", ignored)) ShowAt(hostsFile, "/etc/hosts");
+}
+
+}  // namespace pciinfo

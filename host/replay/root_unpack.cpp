@@ -1,0 +1,118 @@
+#include "host/replay/root_unpack.h"
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "host/capture/manifest.h"
+
+namespace pciinfo {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLargestManifest = 1 << 20;
+
+/// The captured folders and files that are served, by the path in the capture.
+constexpr std::array<std::string_view, 4> kServed = {"proc/bus/pci", "proc/pci", "sys", "commands"};
+
+bool IsWithin(std::string_view path, std::string_view folder) {
+  return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+bool IsServed(std::string_view path) {
+  for (const std::string_view part : kServed) {
+    if (IsWithin(path, part)) return true;
+  }
+  return false;
+}
+
+/// Whether something that is served can stand in this folder.
+bool LeadsToServed(std::string_view folder) {
+  return folder.empty() || folder == "proc" || folder == "proc/bus" || IsServed(folder);
+}
+
+void UnpackFile(ArchiveReader& capture, const vtq::FileDescriptor& file) {
+  for (std::string_view block = capture.Read(); !block.empty(); block = capture.Read()) {
+    WriteBytes(file, block);
+  }
+}
+
+std::string ReadManifest(ArchiveReader& capture) {
+  std::string text;
+  for (std::string_view block = capture.Read(); !block.empty(); block = capture.Read()) {
+    text += block;
+    if (text.size() > kLargestManifest) throw BadCapture("its manifest.json is too large");
+  }
+  return text;
+}
+
+bool IsOfCapture(std::string_view path) { return LeadsToServed(path) || path == kManifestFile; }
+
+/// Unpacks the entries of one capture.
+class Unpacking final {
+ public:
+  Unpacking(ArchiveReader& capture, CaptureTree& tree) : capture_(capture), tree_(tree) {}
+
+  void Unpack(const ArchiveEntry& entry, const std::string& place) {
+    if (entry.kind == EntryKind::kFile) UnpackFile(capture_, tree_.MakeFile(place));
+    if (entry.kind == EntryKind::kFolder) tree_.MakeFolder(place);
+    if (entry.kind == EntryKind::kLink) {
+      tree_.MakeLink(place, entry.target);
+      links_.push_back(fs::path(place).parent_path() / entry.target);
+    }
+    isEmpty_ = false;
+  }
+
+  /// A driver's link leads to the driver's folder, which captures need not hold; tools take a link
+  /// that leads nowhere for no driver.
+  void CompleteLinks() {
+    for (const fs::path& target : links_) {
+      try {
+        tree_.MakeFolder(target.lexically_normal());
+      } catch (const std::system_error&) {
+        // There is no place for a folder, so the link leads nowhere in the capture as well.
+        continue;
+      }
+    }
+  }
+
+  bool IsEmpty() const noexcept { return isEmpty_; }
+
+ private:
+  ArchiveReader& capture_;
+  CaptureTree& tree_;
+  std::vector<fs::path> links_;
+  bool isEmpty_ = true;
+};
+
+}  // namespace
+
+std::optional<std::string> ServedPlace(const std::string& path) {
+  if (!IsServed(path)) return std::nullopt;
+  return IsWithin(path, "commands") ? "proc/pciinfo/" + path : path;
+}
+
+std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
+                                         const CaptureLimits& limits) {
+  EntryGate gate(limits);
+  Unpacking unpacking(capture, tree);
+  std::optional<std::string> manifest;
+  while (const std::optional<ArchiveEntry> entry = capture.Next()) {
+    // What else stands in somebody's directory is not touched and nobody's concern.
+    if (capture.IsDirectory() && !IsOfCapture(entry->path)) continue;
+    const std::string path = gate.Admit(*entry);
+    if (entry->kind == EntryKind::kFolder && LeadsToServed(path)) capture.Enter();
+    if (path == kManifestFile && entry->kind == EntryKind::kFile) manifest = ReadManifest(capture);
+    if (const auto place = ServedPlace(path)) unpacking.Unpack(*entry, *place);
+  }
+  if (unpacking.IsEmpty() && !manifest) {
+    throw BadCapture("it holds no proc/bus/pci, proc/pci, sys, commands or manifest.json");
+  }
+  unpacking.CompleteLinks();
+  return manifest;
+}
+
+}  // namespace pciinfo

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vector>
+
+#include "host/console/output.h"
+#include "runtime/class_schema.h"
+
+namespace pciinfo {
+
+/// Writes the classes as MOF declarations (DSP0004), for a repository that holds their superclasses
+/// and the qualifiers of the DMTF schema. docs/formats.md describes it.
+void WriteMofSchema(Output& output, const std::vector<vtq::ClassSchema>& classes);
+
+}  // namespace pciinfo

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/console/output.h"
+#include "host/schema/pci_schema.h"
+
+namespace pciinfo {
+
+/// The formats that WriteSchema knows.
+std::vector<std::string> SchemaFormats();
+
+/// Writes classes in one of SchemaFormats.
+void WriteSchema(Output& output, const std::string& format,
+                 const std::vector<vtq::ClassSchema>& classes = PciSchema());
+
+}  // namespace pciinfo

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/console/output.h"
+#include "host/console/terminal.h"
+#include "runtime/repository.h"
+
+namespace pciinfo {
+
+/// Writes every PCI function of the repository, sorted by address, one a line.
+void WriteDevicesTable(Output& output, const vtq::Namespace& repository, const Terminal& terminal);
+
+/// Writes the same as JSON, which docs/json.md describes.
+void WriteDevicesJson(Output& output, const vtq::Namespace& repository);
+
+}  // namespace pciinfo

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "host/model/pci_function.h"
+
+namespace pciinfo {
+
+/// A function as docs/json.md describes it.
+nlohmann::ordered_json FunctionJson(const PciFunction& function);
+
+}  // namespace pciinfo

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "host/model/slots_model.h"
+
+namespace pciinfo {
+
+/// A slot with its functions as docs/json.md describes it.
+nlohmann::ordered_json SlotJson(const Slot& slot);
+
+}  // namespace pciinfo

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "host/console/output.h"
+#include "host/console/terminal.h"
+#include "host/model/slots_model.h"
+
+namespace pciinfo {
+
+/// Writes the slots, each with its functions on lines below it, and the functions on the board.
+void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal);
+
+/// Writes the same as JSON, texts untrimmed, one slot or function a line. docs/json.md describes
+/// it.
+void WriteSlotsJson(Output& output, const SlotsModel& model);
+
+}  // namespace pciinfo

@@ -1,0 +1,198 @@
+// Captures of this machine, made and shown by the program.
+
+#include "host/capture/capture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+#include "tests/host/made_archive.h"
+#include "tests/host/run_program.h"
+#include "tests/runtime/smbios_bytes.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+std::string Text(const vtq::SmBiosBytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+std::string AllInstances(const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = {"instances", "--format", "json"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  const RunResult result = RunPciinfo(arguments);
+  EXPECT_EQ(result.status, 0) << result.err;
+  return result.out;
+}
+
+class CaptureTest : public testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
+
+  std::string Content(const std::string& name) const {
+    std::ifstream file(Path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {
+      names.push_back(entry.path().filename());
+    }
+    return names;
+  }
+
+  vtq::TemporaryDirectory directory_;
+};
+
+class CaptureOfThisMachine : public CaptureTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(CaptureOfThisMachine, GivesTheSameInstancesByteForByte) {
+  const RunResult made = RunPciinfo({"capture", Path(GetParam())});
+  ASSERT_EQ(made.status, 0) << made.err;
+  EXPECT_EQ(made.out + made.err, "");
+  const std::string live = AllInstances({});
+  EXPECT_EQ(AllInstances({"--root", Path(GetParam())}), live);
+  EXPECT_EQ(AllInstances({"--root", Path(GetParam()), "--live-commands"}), live);
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, CaptureOfThisMachine,
+                         testing::Values("box.tar.zst", "box.tar.gz", "box.tar", "box"));
+
+TEST_F(CaptureTest, GoesToStandardOutputAsATarArchive) {
+  EXPECT_EQ(RunShell("$PCIINFO capture - > " + Path("box")).status, 0);
+  EXPECT_EQ(Content("box").substr(257, 5), "ustar");
+  EXPECT_EQ(AllInstances({"--root", Path("box")}), AllInstances({}));
+}
+
+TEST_F(CaptureTest, AnOrdinaryUsersIsThatUsersView) {
+  fs::permissions(directory_.GetPath(), fs::perms{0777});
+  const std::string who =
+      geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  const RunResult live = RunShell(who + "$PCIINFO instances --format json");
+  RunShell(who + "$PCIINFO capture " + Path("box.tar"));
+  const RunResult replayed =
+      RunShell(who + "$PCIINFO --root " + Path("box.tar") + " instances --format json");
+  if (replayed.status != 0) {
+    EXPECT_THAT(replayed.err, HasSubstr("run as root"));
+    EXPECT_EQ(AllInstances({"--root", Path("box.tar")}), live.out);
+  } else {
+    EXPECT_EQ(replayed.out, live.out);
+  }
+}
+
+TEST_F(CaptureTest, ACaptureOfACaptureIsTheSame) {
+  ASSERT_EQ(RunPciinfo({"capture", Path("one")}).status, 0);
+  ASSERT_EQ(RunPciinfo({"--root", Path("one"), "capture", Path("two")}).status, 0);
+  EXPECT_EQ(RunShell("diff -r --no-dereference " + Path("one") + " " + Path("two")).out, "");
+}
+
+TEST_F(CaptureTest, ATakenDirectoryStaysAsItIs) {
+  fs::create_directory(Path("box"));
+  directory_.Write("box/mine", "1");
+  const RunResult result = RunPciinfo({"capture", Path("box")});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("is not empty"));
+  EXPECT_THAT(Names(), ElementsAre("box"));
+}
+
+TEST_F(CaptureTest, AFailureLeavesNothing) {
+  const RunResult result =
+      RunShell("ulimit -f 1; trap '' XFSZ; $PCIINFO capture " + Path("box.tar"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("cannot write"));
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
+  for (const std::string name : {"box.tar", "box"}) {
+    // A tool that goes on until nobody reads it any more.
+    const std::string tool = directory_.WriteScript("slow-tool",
+                                                    "[ \"$1\" != --version ] || exit\n"
+                                                    "while sleep 0.1; do echo x; done");
+    const RunResult result = RunShell(
+        "unshare --user --map-root-user --mount bash -c 'mount --bind " + tool +
+        " /usr/bin/lspci; $PCIINFO capture " + Path(name) +
+        " & capture=$!; for i in {1..200}; do ls " + directory_.GetPath() +
+        " | grep -q part- && break; sleep 0.05; done; kill -TERM $capture; wait $capture'");
+    EXPECT_EQ(result.status, 143) << result.err;
+    fs::remove(tool);
+    EXPECT_THAT(Names(), IsEmpty());
+  }
+}
+
+TEST_F(CaptureTest, WhatCannotBeReadIsToldAndListed) {
+  const RunResult result = RunShell(
+      "unshare --user --map-root-user --mount bash -c 'mount --bind /dev/null /usr/bin/lspci; "
+      "$PCIINFO capture " +
+      Path("box") + "'");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.err),
+              testing::Contains(HasSubstr("not in the capture: commands/lspci -vvv: ")));
+  const auto manifest = nlohmann::json::parse(Content("box/manifest.json"));
+  EXPECT_EQ(manifest["unread"].size(), 3U);
+  EXPECT_EQ(manifest["unread"][0]["path"], "commands/lspci");
+}
+
+TEST_F(CaptureTest, AMachineWithoutPciIsNoFailure) {
+  const RunResult result = RunShell(
+      "unshare --user --map-root-user --mount bash -c 'mount -t tmpfs none /proc/bus && "
+      "mount -t tmpfs none /sys && $PCIINFO capture " +
+      Path("box") + "'");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  EXPECT_FALSE(fs::exists(Path("box/commands")));
+}
+
+/// A machine with two slots, one function and serial numbers wherever there may be some.
+std::vector<MadeEntry> TellingMachine() {
+  vtq::SmBiosBytes board(11);
+  board[7 - 4] = 1;
+  board[8 - 4] = 2;
+  const vtq::SmBiosBytes table =
+      vtq::Joined({vtq::MakeStructure(2, board, {"SECRET-1", "SECRET-2"}),
+                   vtq::MakeStructure(9, {1, 0xA5, 0x0D, 3, 4, 1, 0, 0x0C, 1}, {"LEFT SLOT"}),
+                   vtq::MakeStructure(9, {1, 0xA5, 0x0D, 3, 4, 2, 0, 0x0C, 1}, {"RIGHT SLOT"}),
+                   vtq::MakeStructure(221, {1, 2}, {"SECRET-3"}), vtq::MakeStructure(127, {})});
+  return {{"proc/bus/pci/devices", ""},
+          {"sys/firmware/dmi/tables/smbios_entry_point",
+           Text(vtq::MakeVersion3Entry(3, 0, table.size()))},
+          {"sys/firmware/dmi/tables/DMI", Text(table)},
+          {"commands/lspci", ""},
+          {"commands/lspci -xxxx", ""},
+          {"commands/lspci -vvv", "\t\t\t[SN] Serial number: SECRET-4\n"},
+          {"manifest.json", R"({"formatVersion": 1, "systemName": "SECRET-5.example.org"})"}};
+}
+
+TEST_F(CaptureTest, ARedactedOneHoldsTheSlotsAndNoSerialNumber) {
+  MakeArchive(Path("box.tar"), TellingMachine());
+  ASSERT_EQ(RunPciinfo({"--root", Path("box.tar"), "capture", "--redact", Path("safe.tar")}).status,
+            0);
+  EXPECT_THAT(Content("box.tar"), HasSubstr("SECRET"));
+  EXPECT_THAT(Content("safe.tar"), Not(HasSubstr("SECRET")));
+  const RunResult slots = RunPciinfo({"--root", Path("box.tar"), "slots", "--format", "json"});
+  EXPECT_THAT(slots.out, HasSubstr("RIGHT SLOT"));
+  EXPECT_EQ(RunPciinfo({"--root", Path("safe.tar"), "slots", "--format", "json"}).out, slots.out);
+}
+
+TEST_F(CaptureTest, TablesThatCannotBeRedactedAreLeftOut) {
+  std::vector<MadeEntry> machine = TellingMachine();
+  machine[1].content[5] ^= 1;  // the checksum
+  MakeArchive(Path("box.tar"), machine);
+  const RunResult result =
+      RunPciinfo({"--root", Path("box.tar"), "capture", "--redact", Path("safe.tar")});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("cannot be redacted"));
+  EXPECT_THAT(Content("safe.tar"), Not(HasSubstr("SECRET")));
+}
+
+}  // namespace

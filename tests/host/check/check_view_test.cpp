@@ -1,0 +1,74 @@
+#include "host/check/check_view.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/host/fixed_repository.h"
+
+namespace pciinfo {
+namespace {
+
+using nlohmann::json;
+
+constexpr Check kWarning{"a-code", Severity::kWarning, "Something is odd.", "Look at it.", nullptr};
+constexpr Check kNote{"b-code", Severity::kNote, "Something is usual.", "Leave it.", nullptr};
+
+using Write = void (*)(Output&, const std::vector<CheckFinding>&);
+
+std::string Written(Write write, const std::vector<CheckFinding>& findings) {
+  OutputToText output;
+  write(output.Get(), findings);
+  return output.Text();
+}
+
+TEST(CheckView, ATextHasObjectsAndAdvice) {
+  EXPECT_EQ(Written(&WriteFindings,
+                    {{&kWarning, {{"03:00.0", "path", "odd\x1b"}}}, {&kNote, {{"Tag 1", "", ""}}}}),
+            "warning: a-code\n"
+            "  Something is odd.\n"
+            "    03:00.0  odd?\n"
+            "  Advice: Look at it.\n"
+            "\n"
+            "note: b-code\n"
+            "  Something is usual.\n"
+            "    Tag 1\n"
+            "  Advice: Leave it.\n");
+}
+
+TEST(CheckView, ManyObjectsAreCounted) {
+  const std::string nine =
+      Written(&WriteFindings, {{&kNote, std::vector<Doubt>(9, {"x", "", ""})}});
+  EXPECT_THAT(nine, testing::Not(testing::HasSubstr("more")));
+  const std::string ten =
+      Written(&WriteFindings, {{&kNote, std::vector<Doubt>(10, {"x", "", ""})}});
+  EXPECT_THAT(ten, testing::HasSubstr("    and 2 more (--format json shows all)\n"));
+}
+
+TEST(CheckView, JsonHasEveryObject) {
+  const std::vector<Doubt> doubts(20, {"03:00.0", "/path", "caf\xe9"});
+  const json document = json::parse(Written(&WriteFindingsJson, {{&kWarning, doubts}}));
+  const json& finding = document.at("findings").at(0);
+  EXPECT_EQ(finding.at("code"), "a-code");
+  EXPECT_EQ(finding.at("severity"), "warning");
+  EXPECT_EQ(finding.at("what"), "Something is odd.");
+  EXPECT_EQ(finding.at("advice"), "Look at it.");
+  ASSERT_EQ(finding.at("objects").size(), 20U);
+  EXPECT_EQ(finding.at("objects").at(0),
+            json({{"object", "03:00.0"}, {"path", "/path"}, {"detail", "caf\xc3\xa9"}}));
+}
+
+TEST(CheckView, NothingIsSaidToBeNothing) {
+  EXPECT_THAT(Written(&WriteFindings, {}), testing::StartsWith("Nothing "));
+  EXPECT_EQ(json::parse(Written(&WriteFindingsJson, {})), json({{"findings", json::array()}}));
+}
+
+TEST(CheckView, NotesAreNoDoubts) {
+  EXPECT_FALSE(AreDoubtful({}));
+  EXPECT_FALSE(AreDoubtful({{&kNote, {}}}));
+  EXPECT_TRUE(AreDoubtful({{&kNote, {}}, {&kWarning, {}}}));
+}
+
+}  // namespace
+}  // namespace pciinfo

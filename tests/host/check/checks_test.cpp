@@ -1,0 +1,70 @@
+#include "host/check/checks.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+
+#include "tests/host/check_facts_maker.h"
+
+namespace pciinfo {
+namespace {
+
+struct Documented {
+  std::string severity;
+  std::string text;
+};
+
+/// The rows of the document's table: | `code` | severity | what | advice |
+std::map<std::string, Documented> DocumentedChecks() {
+  std::map<std::string, Documented> rows;
+  std::ifstream file(FINDINGS_DOCUMENT);
+  const std::regex pattern(R"(\| `([a-z-]+)` \| ([a-z]+) \| (.*) \|)");
+  for (std::string line; std::getline(file, line);) {
+    std::smatch match;
+    if (std::regex_match(line, match, pattern)) rows[match[1]] = {match[2], match[3]};
+  }
+  return rows;
+}
+
+TEST(Checks, TheDocumentHasEveryOneAndNoOther) {
+  const std::map<std::string, Documented> documented = DocumentedChecks();
+  for (const Check& check : AllChecks()) {
+    const auto row = documented.find(check.code);
+    ASSERT_NE(row, documented.end()) << check.code;
+    EXPECT_EQ(row->second.severity, SeverityText(check.severity)) << check.code;
+    EXPECT_EQ(row->second.text, std::string(check.what) + " | " + check.advice) << check.code;
+  }
+  EXPECT_EQ(documented.size(), AllChecks().size());
+}
+
+TEST(Checks, CodesAreUniqueAndAdviceIsOneLine) {
+  std::set<std::string> codes;
+  for (const Check& check : AllChecks()) {
+    EXPECT_TRUE(codes.insert(check.code).second) << check.code;
+    EXPECT_THAT(check.advice, testing::MatchesRegex("[^\n]+\\."));
+  }
+}
+
+TEST(Checks, ASoundMachineHasNoFinding) {
+  for (const CheckFinding& finding : RunChecks(MakeSoundFacts())) {
+    ADD_FAILURE() << finding.check->code << ": " << finding.doubts.front().object;
+  }
+}
+
+TEST(Checks, AFindingHasItsDoubts) {
+  CheckFacts facts = MakeSoundFacts();
+  facts.listingFailure = "no such program";
+  const std::vector<CheckFinding> findings = RunChecks(facts);
+  ASSERT_EQ(findings.size(), 1U);
+  EXPECT_STREQ(findings.front().check->code, "listing-missing");
+  EXPECT_EQ(findings.front().doubts.size(), 1U);
+}
+
+TEST(Checks, NothingAtAllIsNoReasonToCrash) { EXPECT_FALSE(RunChecks(CheckFacts()).empty()); }
+
+}  // namespace
+}  // namespace pciinfo

@@ -1,0 +1,123 @@
+#include "host/collect/session.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "framework/exception.h"
+#include "framework/root_object.h"
+#include "tests/host/run_program.h"
+
+namespace pciinfo {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class SessionTest : public testing::Test {
+ protected:
+  std::size_t Count(const Session& session, const std::string& className) {
+    return session.GetRepository().Find(className)->GetInstances().size();
+  }
+
+  TroubleReport report_{true, true};
+};
+
+TEST_F(SessionTest, CollectsWhatIsAskedForAndNothingElse) {
+  Session session(report_, {});
+  session.Load(FakePluginFile("fixed"));
+  session.Collect({"QZMSG_PCIDevice", "QZMSG_SystemSlot"});
+  EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
+  EXPECT_EQ(Count(session, "QZMSG_SystemSlot"), 3U);
+  EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 0U);
+  EXPECT_THAT(session.EndPlugins(), IsEmpty());
+  EXPECT_FALSE(report_.HasTroubles());
+}
+
+TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
+  Session session(report_, {});
+  session.Load(FakePluginFile("fixed"));
+  session.Collect({"QZMSG_PCIRawData"});
+  session.EndPlugins();
+  EXPECT_THAT(session.GetPlugins().GetPlugins(), IsEmpty());
+  const auto& listing = *session.GetRepository().Find("QZMSG_PCIRawData")->GetInstances()[0];
+  EXPECT_EQ(listing.GetProperty("RawResult", {}).value.GetArray().size(), 3U);
+}
+
+TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
+  const std::string logFile = testing::TempDir() + "session_test.log";
+  {
+    Session session(report_, {vtq::MakeFileSink(logFile), {}});
+    session.Load(FakePluginFile("fixed"));
+    session.Collect({"QZMSG_SystemBoard", "QZMSG_PCIBridge"});
+  }
+  std::ifstream stream(logFile);
+  const std::string log{std::istreambuf_iterator<char>(stream), {}};
+  EXPECT_THAT(LinesOf(log), ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_SystemBoard",
+                                        "3 fake: GetData QZMSG_PCIBridge", "3 fake: DeInit",
+                                        "3 fake: PrepareForUnload"));
+  std::filesystem::remove(logFile);
+}
+
+TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {
+  Session session(report_, {});
+  session.Load(FakePluginFile("throwing"));
+  session.Collect({"QZMSG_PCIBridge", "QZMSG_SystemBoard", "QZMSG_PCIDevice"});
+  EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
+  EXPECT_THAT(session.EndPlugins(), IsEmpty());
+  EXPECT_THAT(report_.GetLines(),
+              ElementsAre("QZMSG_PCIBridge: the plug-in failed: bridge out",
+                          "QZMSG_SystemBoard: the plug-in failed and did not say why"));
+}
+
+TEST_F(SessionTest, EveryLoadedPluginIsAsked) {
+  Session session(report_, {});
+  session.Load(FakePluginFile("throwing"));
+  session.Load(FakePluginFile("fixed"));
+  session.Collect({"QZMSG_PCIBridge"});
+  EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 2U);
+  EXPECT_TRUE(report_.HasTroubles());
+}
+
+TEST_F(SessionTest, AFailedCommandExplainsALostClass) {
+  Session session(report_, {});
+  session.Load(FakePluginFile("grumbling"));
+  session.Collect({"QZMSG_PCIRawData"});
+  EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("no-such-listing-tool")));
+}
+
+TEST_F(SessionTest, BreachesOfTheContractAreAnswered) {
+  Session session(report_, {});
+  session.Load(FakePluginFile("untidy"));
+  session.Collect({"QZMSG_SystemBoard"});
+  EXPECT_THAT(session.EndPlugins(), testing::Not(IsEmpty()));
+}
+
+TEST_F(SessionTest, AFileThatCannotBeLoadedIsAnError) {
+  Session session(report_, {});
+  EXPECT_THROW(session.Load("/nowhere/x.pi.so"), NQZMVTQ20::TVTQException);
+  EXPECT_THROW(session.Load(FakePluginFile("no_plugin")), NQZMVTQ20::TVTQException);
+}
+
+TEST_F(SessionTest, APluginThatCannotBeInitialisedIsAnErrorAndUnloaded) {
+  Session session(report_, {});
+  try {
+    session.Load(FakePluginFile("uninitialisable"));
+    FAIL() << "no error";
+  } catch (const NQZMVTQ20::TVTQException& error) {
+    EXPECT_THAT(error.what(), HasSubstr("no fuel"));
+  }
+  EXPECT_THAT(session.GetPlugins().GetPlugins(), SizeIs(0));
+}
+
+TEST_F(SessionTest, LeavesNoSingletonBehind) {
+  { Session session(report_, {}); }
+  EXPECT_EQ(NQZMVTQ20::TRootObject::GetPluginManager(), nullptr);
+}
+
+}  // namespace
+}  // namespace pciinfo

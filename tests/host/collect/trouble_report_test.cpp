@@ -1,0 +1,109 @@
+#include "host/collect/trouble_report.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace pciinfo {
+namespace {
+
+using NQZMVTQ20::ILogger;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const std::string kThrown = "PCIInfo plugin threw unknown exception";
+
+class TroubleReportTest : public testing::Test {
+ protected:
+  void Collect(const std::string& className, const std::vector<std::string>& records) {
+    report_.BeginClass(className);
+    for (const std::string& record : records) report_.AddRecord(ILogger::kStatus, record);
+    report_.EndClass();
+  }
+
+  TroubleReport report_{true, true};
+};
+
+TEST_F(TroubleReportTest, StartsWithoutTroubles) {
+  EXPECT_FALSE(report_.HasTroubles());
+  EXPECT_THAT(report_.GetLines(), IsEmpty());
+}
+
+TEST_F(TroubleReportTest, ATroubleNamesTheClassThatMetItFirstAndIsToldOnce) {
+  Collect("A", {"odd", "odd"});
+  Collect("B", {"odd", "other"});
+  EXPECT_THAT(report_.GetLines(), ElementsAre("A: odd", "B: other"));
+  EXPECT_TRUE(report_.HasTroubles());
+}
+
+TEST_F(TroubleReportTest, TheSameSmbiosTroubleInTwoWordingsIsToldOnce) {
+  Collect("A", {"Unable to open SMBIOS library error: 4"});
+  Collect("B", {"SMBIOS library could not load. Error 4"});
+  EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("A: this user may not read")));
+}
+
+TEST_F(TroubleReportTest, EveryLostClassIsToldEvenForTheSameReason) {
+  Collect("A", {kThrown});
+  Collect("B", {kThrown});
+  EXPECT_THAT(report_.GetLines(),
+              ElementsAre("A: the class could not be collected: no reason was given",
+                          "B: the class could not be collected: no reason was given"));
+}
+
+TEST_F(TroubleReportTest, NoticesComeFirstAndAreNoTroubles) {
+  Collect("A", {"SMBIOS library could not load. Error 2"});
+  EXPECT_FALSE(report_.HasTroubles());
+  Collect("B", {"odd", "Return from smBiosGetFirst: Error 2"});
+  EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("this machine has no SMBIOS tables"),
+                                              HasSubstr("hold no slot records"), "B: odd"));
+}
+
+TEST_F(TroubleReportTest, AServiceFailureExplainsTheNextRecordOnly) {
+  report_.BeginClass("A");
+  report_.AddServiceFailure("lspci is missing");
+  report_.AddRecord(ILogger::kDebug, "on the way");
+  report_.AddRecord(ILogger::kStatus, kThrown);
+  report_.BeginClass("B");
+  report_.AddServiceFailure("no tables");
+  report_.AddRecord(ILogger::kError, "Unable to open SMBIOS library error: 2");
+  report_.AddRecord(ILogger::kStatus, kThrown);
+  EXPECT_THAT(report_.GetLines(),
+              ElementsAre(HasSubstr("no SMBIOS tables"),
+                          HasSubstr("A: the class could not be collected: lspci is missing"),
+                          HasSubstr("B: the class could not be collected: no reason was given")));
+}
+
+TEST_F(TroubleReportTest, AServiceFailureOfOneClassDoesNotExplainAnother) {
+  report_.BeginClass("A");
+  report_.AddServiceFailure("swallowed");
+  report_.EndClass();
+  Collect("B", {kThrown});
+  EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("no reason was given")));
+}
+
+TEST_F(TroubleReportTest, RecordsOutsideOfACollectionAreNotJudged) {
+  report_.AddRecord(ILogger::kError, "odd");
+  Collect("A", {});
+  report_.AddRecord(ILogger::kError, "odd");
+  EXPECT_FALSE(report_.HasTroubles());
+}
+
+TEST_F(TroubleReportTest, AFailureOutsideOfACollectionStandsWithoutAClass) {
+  report_.AddFailure("x.pi.so: it failed");
+  EXPECT_THAT(report_.GetLines(), ElementsAre("x.pi.so: it failed"));
+  EXPECT_TRUE(report_.HasTroubles());
+}
+
+TEST(TroubleReport, SlotsAreNoMatterForWhoDoesNotShowThem) {
+  TroubleReport report(true, false);
+  report.BeginClass("A");
+  report.AddRecord(ILogger::kError, "Unable to open SMBIOS library error: 4");
+  report.AddRecord(ILogger::kError, "Unable to open SMBIOS library error: 2");
+  EXPECT_FALSE(report.HasTroubles());
+  EXPECT_THAT(report.GetLines(), IsEmpty());
+  report.AddRecord(ILogger::kStatus, "odd");
+  EXPECT_TRUE(report.HasTroubles());
+}
+
+}  // namespace
+}  // namespace pciinfo

@@ -1,0 +1,88 @@
+#include "host/diff/diff_view.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/host/fixed_repository.h"
+
+namespace pciinfo {
+namespace {
+
+using nlohmann::json;
+using NQZMVTQ20::TCIMValue;
+
+constexpr const char* kBefore = "old\x1b";
+
+template <class Write>
+std::string Written(Write write, const DiffResult& result) {
+  OutputToText output;
+  write(output.Get(), DiffHeading{kBefore, "new", {"IRQ"}}, result);
+  return output.Text();
+}
+
+class DiffView : public testing::Test {
+ protected:
+  void SetUp() override {
+    after_->Find("QZMSG_PCIDevice")
+        ->GetInstances()
+        .front()
+        ->SetProperty("IRQ", TCIMValue(static_cast<unsigned short>(7)), {});
+    after_->Find("QZMSG_PCIDevice")
+        ->GetInstances()
+        .front()
+        ->SetProperty("Description", TCIMValue("caf\xe9"), {});
+    result_ = Compare({before_.get(), true}, {after_.get(), true}, {});
+    Change removed;
+    removed.op = Change::Op::kRemove;
+    removed.subject = "slot";
+    removed.label = "X";
+    removed.from = before_->Find("QZMSG_SystemSlot")->GetInstances().front();
+    removed.text = "removed";
+    result_.changes.push_back(removed);
+    result_.onlyOld = {"QZMSG_PCIBridge"};
+  }
+
+  std::shared_ptr<vtq::Namespace> before_ = MakeFixedRepository();
+  std::shared_ptr<vtq::Namespace> after_ = MakeFixedRepository();
+  DiffResult result_;
+};
+
+TEST_F(DiffView, ATextGroupsWhatIsOfOneThing) {
+  EXPECT_EQ(Written(&WriteDiff, result_),
+            "--- old?\n+++ new\n"
+            "~ function 01:00.0  10de:1b80  caf\xc3\xa9\n"
+            "    description \"VGA compatible controller: NVIDIA Corporation GP104\" -> "
+            "\"caf\xc3\xa9\"\n"
+            "    interrupt (not set) -> 7\n"
+            "- slot X\n"
+            "    removed\n");
+}
+
+TEST_F(DiffView, JsonHasWholeValues) {
+  const json document = json::parse(Written(&WriteDiffJson, result_));
+  EXPECT_EQ(document["before"], "old?");
+  EXPECT_EQ(document["ignored"], json({"IRQ"}));
+  EXPECT_EQ(document["onlyBefore"], json({"QZMSG_PCIBridge"}));
+  ASSERT_EQ(document["changes"].size(), 3U);
+  const json& irq = document["changes"][1];
+  EXPECT_EQ(irq["op"], "replace");
+  EXPECT_EQ(irq["property"], "IRQ");
+  EXPECT_TRUE(irq["old"].is_null());
+  EXPECT_EQ(irq["new"], 7);
+  EXPECT_EQ(irq["from"], irq["path"]);
+  const json& removed = document["changes"][2];
+  EXPECT_EQ(removed["op"], "remove");
+  EXPECT_EQ(removed["instance"]["class"], "QZMSG_SystemSlot");
+  EXPECT_EQ(removed["instance"]["path"], removed["from"]);
+  EXPECT_FALSE(removed.contains("path"));
+}
+
+TEST_F(DiffView, NoDifferenceIsSaid) {
+  EXPECT_EQ(Written(&WriteDiff, {}), "No differences.\n");
+  EXPECT_TRUE(json::parse(Written(&WriteDiffJson, {}))["changes"].empty());
+}
+
+}  // namespace
+}  // namespace pciinfo

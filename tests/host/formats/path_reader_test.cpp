@@ -1,0 +1,75 @@
+#include "host/formats/path_reader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/host/fixed_repository.h"
+#include "tests/host/hostile_repository.h"
+
+namespace pciinfo {
+namespace {
+
+using testing::HasSubstr;
+
+std::string Failure(const std::string& path) {
+  try {
+    return "no failure, but " + ReadPath(path, *MakeEmptyHostileRepository()).ToString();
+  } catch (const PathError& error) {
+    return error.what();
+  }
+}
+
+void ExpectPathsReadBack(const vtq::Namespace& repository) {
+  for (const auto& cimClass : repository.GetClasses()) {
+    for (const auto& instance : cimClass->GetInstances()) {
+      const NQZMVTQ20::TCIMReference path = instance->GetObjectReference({});
+      const NQZMVTQ20::TCIMReference read = ReadPath(path.ToString(), repository);
+      EXPECT_EQ(read, path);
+      EXPECT_EQ(read.GetKeys(), path.GetKeys());
+    }
+  }
+}
+
+TEST(PathReader, ReadsThePathsOfAllInstances) {
+  ExpectPathsReadBack(*MakeFixedRepository());
+  ExpectPathsReadBack(*MakeHostileRepository());
+}
+
+TEST(PathReader, KeysMayStandInAnyOrder) {
+  const auto repository = MakeEmptyRepository();
+  EXPECT_EQ(ReadPath(R"(/root/cimv2:QZMSG_SystemSlot.Tag="T",CreationClassName="C")", *repository)
+                .ToString(),
+            R"(/root/cimv2:QZMSG_SystemSlot.CreationClassName="C",Tag="T")");
+}
+
+TEST(PathReader, SaysWhatIsWrong) {
+  EXPECT_THAT(Failure(""), HasSubstr("\"/root/cimv2:\" is expected"));
+  EXPECT_THAT(Failure("/root/other:C"), HasSubstr("\"/root/cimv2:\" is expected"));
+  EXPECT_THAT(Failure("/root/cimv2:C.a=1"), HasSubstr("no class \"C\""));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything"), HasSubstr("the key Key of"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Lock=\"\""), HasSubstr("no key \"Lock\""));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.string=\"\""),
+              HasSubstr("no key \"string\""));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key"), HasSubstr("\"=\" is expected"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=a"), HasSubstr("\"\"\" is expected"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a"), HasSubstr("no closing quote"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\\"), HasSubstr("no closing quote"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\"b"), HasSubstr("\",\" is expected"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\",Key=\"a\""),
+              HasSubstr("Key is there twice"));
+}
+
+TEST(PathReader, ChecksTheTypesOfKeys) {
+  const std::string target = R"(Target="/root/cimv2:Hostile_Everything.Key=\"a\"")";
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Flag=TRUE,Count=-7," + target),
+              HasSubstr("no failure"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Flag=yes"),
+              HasSubstr("Flag is yes and not a boolean"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Count=32768"),
+              HasSubstr("Count is 32768 and not a sint16"));
+  EXPECT_THAT(Failure(R"(/root/cimv2:Hostile_Link.Target="nowhere")"),
+              HasSubstr("\"/root/cimv2:\" is expected where \"nowhere\" stands"));
+}
+
+}  // namespace
+}  // namespace pciinfo

@@ -1,0 +1,34 @@
+#include "host/model/pci_class_names.h"
+
+#include <gtest/gtest.h>
+
+namespace pciinfo {
+namespace {
+
+std::string Words(std::optional<unsigned> base, std::optional<unsigned> subclass = {},
+                  std::optional<unsigned> interface = {}) {
+  PciFunction function;
+  function.classCode = base;
+  function.subclass = subclass;
+  function.programmingInterface = interface;
+  return ClassText(function);
+}
+
+TEST(PciClassNames, SayTheMostThatIsKnown) {
+  EXPECT_EQ(Words(0x0C, 0x03, 0x30), "USB controller, xHCI (USB 3)");
+  EXPECT_EQ(Words(0x0C, 0x03, 0x77), "USB controller");
+  EXPECT_EQ(Words(0x0C, 0x03), "USB controller");
+  EXPECT_EQ(Words(0x0C, 0x77, 0x30), "Serial bus controller");
+  EXPECT_EQ(Words(0x0C), "Serial bus controller");
+}
+
+TEST(PciClassNames, AClassWithoutANameIsANumber) {
+  EXPECT_EQ(Words(0x7E, 0x01, 0x02), "class 7e");
+  EXPECT_EQ(BaseClassText(0x7E), "class 7e");
+  EXPECT_EQ(BaseClassText(0x02), "Network controller");
+}
+
+TEST(PciClassNames, NothingIsSaidOfNothing) { EXPECT_EQ(Words({}), ""); }
+
+}  // namespace
+}  // namespace pciinfo

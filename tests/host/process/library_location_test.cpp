@@ -1,0 +1,43 @@
+#include "host/process/library_location.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace pciinfo {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(LibraryLocation, LooksBesideTheProgramThenInTheLibFolderThenWhereItIsInstalled) {
+  const std::vector<std::string> places = LibraryPlaces("/opt/x/bin", "libpciinfo.pi.so");
+  ASSERT_EQ(places.size(), 3U);
+  EXPECT_EQ(places[0], "/opt/x/bin/libpciinfo.pi.so");
+  EXPECT_EQ(places[1], "/opt/x/lib/libpciinfo.pi.so");
+  EXPECT_THAT(places[2], AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/libpciinfo.pi.so")));
+}
+
+TEST(LibraryLocation, TakesTheFirstPlaceThatExists) {
+  EXPECT_EQ(FirstExisting({"/nowhere/a", "/dev/null", "/dev/zero"}, ""), "/dev/null");
+}
+
+TEST(LibraryLocation, SaysWhereItLookedInVain) {
+  try {
+    FirstExisting({"/nowhere/a", "/nowhere/b"}, "look elsewhere");
+    FAIL() << "no error";
+  } catch (const std::runtime_error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("/nowhere/a, /nowhere/b exists; look elsewhere"));
+  }
+}
+
+TEST(LibraryLocation, ProgramFolderIsThatOfTheRunningProgram) {
+  EXPECT_TRUE(std::filesystem::exists(ProgramFolder() + "/host_tests"));
+}
+
+}  // namespace
+}  // namespace pciinfo

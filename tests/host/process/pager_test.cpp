@@ -1,0 +1,111 @@
+// What is different on a terminal: the pager.
+
+#include "host/process/pager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "tests/host/run_on_terminal.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+TerminalRun Devices(const std::string& pager) {
+  return {{"devices", "--plugin", FakePluginFile("fixed")}, {{"PAGER", pager}}};
+}
+
+TEST(Pager, ShowsTheOutput) {
+  const RunResult result = RunOnTerminal(Devices("sed 's/^/> /'"));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("> "));
+  EXPECT_THAT(result.out, HasSubstr("VGA compatible controller"));
+}
+
+TEST(Pager, CanBeLeftOut) {
+  TerminalRun run = Devices("sed 's/^/> /'");
+  run.arguments.emplace_back("--no-pager");
+  EXPECT_THAT(RunOnTerminal(run).out, Not(HasSubstr("> ")));
+  EXPECT_THAT(RunOnTerminal(Devices("cat")).out, HasSubstr("VGA compatible controller"));
+}
+
+TEST(Pager, IsToldHowToShowColours) {
+  EXPECT_THAT(RunOnTerminal(Devices("echo \"options $LESS\"; cat >/dev/null")).out,
+              HasSubstr("options FRX"));
+  TerminalRun run = Devices("echo \"options $LESS\"; cat >/dev/null");
+  run.environment["LESS"] = "S";
+  EXPECT_THAT(RunOnTerminal(run).out, HasSubstr("options S\r"));
+}
+
+TEST(Pager, MayBeLeftEarly) {
+  TerminalRun run = {{"instances", "QZMSG_PCIRawData", "--plugin", FakePluginFile("long_listing")},
+                     {{"PAGER", "head -n 1"}}};
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_EQ(result.status, 0);
+  // On a slow machine, progress stands before it.
+  EXPECT_THAT(result.out, EndsWith("QZMSG_PCIRawData: 1 instance\r\n"));
+}
+
+TEST(Pager, IsDoneWithoutWhereItCannotBeStarted) {
+  for (const char* pager : {"/nowhere/pager", "/nowhere/pager --option"}) {
+    const RunResult result = RunOnTerminal(Devices(pager));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("the pager \"" + std::string(pager) + "\" cannot be start"));
+    EXPECT_THAT(result.out, HasSubstr("VGA compatible controller"));
+  }
+}
+
+TEST(Pager, AMissingDefaultPagerIsNotMissed) {
+  TerminalRun run = Devices("");
+  run.environment = {{"PATH", "/nowhere"}};
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("VGA compatible controller"));
+  EXPECT_THAT(result.out, Not(HasSubstr("pager")));
+}
+
+TEST(Pager, MessagesComeWhenItHasEnded) {
+  TerminalRun run = {{"slots", "--plugin", FakePluginFile("slotless")},
+                     {{"PAGER", "cat; sleep 0.3; echo end of the pager"}, {"NO_COLOR", "1"}}};
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_LT(result.out.find("On board:\r\n"), result.out.find("end of the pager"));
+  EXPECT_LT(result.out.find("end of the pager"), result.out.find("pciinfo: this machine has no"));
+}
+
+TEST(Pager, IsNotStartedForNothing) {
+  const RunResult result = RunOnTerminal(
+      {{"show", "nothing", "--plugin", FakePluginFile("fixed")}, {{"PAGER", "echo pager"}}});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, Not(HasSubstr("pager\r")));
+}
+
+TEST(Pager, TheExitStatusIsThatOfTheProgram) {
+  EXPECT_EQ(RunOnTerminal({{"instances", "--plugin", FakePluginFile("throwing")},
+                           {{"PAGER", "cat >/dev/null; exit 3"}}})
+                .status,
+            1);
+}
+
+TEST(Pager, AnInterruptIsTheirsWhoReadAndEndsTheProgramThen) {
+  TerminalRun run = Devices("trap '' INT; head -n 1; sleep 1; echo read on");
+  run.keys = "\x03";
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_THAT(result.out, HasSubstr("read on"));
+}
+
+TEST(Pager, AnInterruptBeforeAnyOutputEndsTheProgram) {
+  TerminalRun run = {{"instances", "QZMSG_SystemSlot", "--plugin",
+                      FakePluginFile("hostile_Hang_QZMSG_SystemSlot"), "--timeout", "60"},
+                     {{"PAGER", "echo pager"}}};
+  run.keys = "\x03";
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_EQ(result.status, 128 + SIGINT);
+  EXPECT_THAT(result.out, Not(HasSubstr("pager\r")));
+}
+
+}  // namespace

@@ -1,0 +1,60 @@
+#include "host/process/progress_line.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "tests/host/run_on_terminal.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(ProgressLine, TellsWhatTakesLongAndIsErased) {
+  const RunResult result = RunOnTerminal({{"slots", "--no-pager", "--timeout", "6", "--plugin",
+                                           FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
+                                          {}});
+  const std::string line = "pciinfo: collecting QZMSG_SystemSlot (";
+  ASSERT_THAT(result.out, HasSubstr(line));
+  const std::size_t shown = result.out.find(line);
+  const std::size_t erased = result.out.find("\r\x1B[K\r", shown);
+  ASSERT_NE(erased, std::string::npos);
+  EXPECT_LT(erased, result.out.find("On board"));
+}
+
+TEST(ProgressLine, IsNotShownForAMoment) {
+  using Clock = std::chrono::steady_clock;
+  RunResult result;
+  Clock::duration taken = std::chrono::hours(1);
+  // A busy machine may take longer than a moment for it.
+  for (int round = 0; round < 20 && taken >= std::chrono::seconds(1); ++round) {
+    const Clock::time_point start = Clock::now();
+    result = RunOnTerminal({{"devices", "--no-pager", "--plugin", FakePluginFile("fixed")}, {}});
+    taken = Clock::now() - start;
+  }
+  EXPECT_THAT(result.out, Not(HasSubstr("collecting")));
+}
+
+TEST(ProgressLine, IsNotShownWhereNobodyLooks) {
+  const RunResult result = RunFake("hostile_Hang_QZMSG_SystemSlot", {"slots", "--timeout", "4"});
+  EXPECT_THAT(result.err, Not(HasSubstr("collecting")));
+}
+
+TEST(ProgressLine, GivesWayToTheLog) {
+  const RunResult result =
+      RunOnTerminal({{"slots", "--no-pager", "--timeout", "4", "--log-level", "3", "--plugin",
+                      FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
+                     {}});
+  EXPECT_THAT(result.out, Not(HasSubstr("pciinfo: collecting")));
+}
+
+TEST(ProgressLine, WithoutATerminalItCostsNothingAndEndsAtOnce) {
+  pciinfo::ProgressLine line(false);
+  line.Tell("something");
+  line.End();
+  line.End();
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+// The program with its own plug-in on the machine that the tests run on.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "host/formats/json_reader.h"
+#include "tests/host/cim_xml_document.h"
+#include "tests/host/run_program.h"
+#include "tests/host/written.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+/// "00:1f.3 8086:a170" for every function that `lspci -n` lists, sorted.
+std::vector<std::string> FunctionsOfLspci() {
+  std::vector<std::string> functions;
+  for (const std::string& line : LinesOf(RunProgram("/usr/bin/lspci", {"-n"}).out)) {
+    std::istringstream words(line);
+    std::string address, baseClass, ids;
+    words >> address >> baseClass >> ids;
+    functions.push_back(address + " " + ids);
+  }
+  std::sort(functions.begin(), functions.end());
+  return functions;
+}
+
+/// The same for what pciinfo lists, in its order.
+std::vector<std::string> FunctionsOfPciinfo(const std::string& out) {
+  std::vector<std::string> functions;
+  for (const std::string& line : LinesOf(out)) {
+    std::istringstream words(line);
+    std::string address, kind, ids;
+    words >> address >> kind >> ids;
+    if (address != "ADDRESS") functions.push_back(address + " " + ids);
+  }
+  return functions;
+}
+
+TEST(RealPlugin, TheInventoryIsThatOfLspci) {
+  const RunResult result = RunPciinfo({"devices"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(FunctionsOfPciinfo(result.out), FunctionsOfLspci());
+}
+
+TEST(RealPlugin, DescriptionsAreThoseOfLspci) {
+  const std::string out = RunPciinfo({"devices"}).out;
+  for (const std::string& line : LinesOf(RunProgram("/usr/bin/lspci", {}).out)) {
+    const std::string description = line.substr(line.find(' ') + 1);
+    const std::string withoutRevision = description.substr(0, description.find(" (rev"));
+    EXPECT_THAT(out, HasSubstr(withoutRevision));
+  }
+}
+
+TEST(RealPlugin, EveryFunctionIsInASlotOrOnTheBoard) {
+  const RunResult result = RunPciinfo({"slots", "--format", "json"});
+  const json document = json::parse(result.out);
+  std::size_t count = document["onBoard"].size();
+  for (const json& slot : document["slots"]) count += slot["functions"].size();
+  EXPECT_EQ(count, FunctionsOfLspci().size());
+}
+
+TEST(RealPlugin, RawDataIsTheOutputOfLspci) {
+  const json document =
+      json::parse(RunPciinfo({"instances", "QZMSG_PCIRawData", "--format", "json"}).out);
+  ASSERT_EQ(document["instances"].size(), 2U);
+  const json& dump = document["instances"][0]["properties"];
+  EXPECT_EQ(dump["Command"], "lspci -xxxx");
+  EXPECT_EQ(document["instances"][1]["properties"]["Command"], "lspci -vvv");
+  EXPECT_EQ(dump["RawResult"].get<std::vector<std::string>>().size(),
+            LinesOf(RunProgram("/usr/bin/lspci", {"-xxxx"}).out).size());
+}
+
+TEST(RealPlugin, FormatsHoldTheSame) {
+  const std::string text = RunPciinfo({"instances", "--format", "json"}).out;
+  const auto repository = MakeEmptyRepository();
+  pciinfo::ReadInstances(text, *repository);
+  EXPECT_EQ(Written("json", *repository), text);
+  const CimXmlDocument xml(RunPciinfo({"instances", "--format", "cim-xml"}).out);
+  EXPECT_TRUE(xml.IsValid());
+  EXPECT_EQ(xml.ToJson(), AsXmlCarries(json::parse(text)));
+}
+
+TEST(RealPlugin, NoContractIsBroken) {
+  const RunResult result = RunPciinfo({"instances", "--format", "jsonl"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.err, testing::Not(HasSubstr("warning")));
+}
+
+TEST(RealPlugin, ClassesNamesIt) {
+  EXPECT_THAT(RunPciinfo({"classes"}).out, HasSubstr("PCI Information Collector"));
+}
+
+}  // namespace

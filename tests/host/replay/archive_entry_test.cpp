@@ -1,0 +1,105 @@
+#include "host/replay/archive_entry.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "host/capture/manifest.h"
+
+namespace pciinfo {
+namespace {
+
+using testing::HasSubstr;
+
+std::string RefusalOf(const ArchiveEntry& entry, const CaptureLimits& limits = {}) {
+  try {
+    EntryGate(limits).Admit(entry);
+    return "admitted";
+  } catch (const BadCapture& refusal) {
+    return refusal.what();
+  }
+}
+
+ArchiveEntry File(const std::string& path, std::uint64_t size = 0) {
+  return {path, EntryKind::kFile, "", size};
+}
+
+TEST(EntryGate, PathsGetTheirPlainForm) {
+  EntryGate gate;
+  EXPECT_EQ(gate.Admit(File("sys/bus")), "sys/bus");
+  EXPECT_EQ(gate.Admit(File("./sys/./bus//x")), "sys/bus/x");
+  EXPECT_EQ(gate.Admit({"./", EntryKind::kFolder, "", 0}), "");
+  EXPECT_EQ(gate.Admit({"sys/", EntryKind::kFolder, "", 0}), "sys");
+  EXPECT_EQ(gate.Admit(File("commands/lspci -vvv")), "commands/lspci -vvv");
+  EXPECT_EQ(gate.Admit(File("sys/...")), "sys/...");
+}
+
+TEST(EntryGate, PathsThatLeaveTheCaptureAreRefused) {
+  EXPECT_THAT(RefusalOf(File("/etc/passwd")), HasSubstr("\"/etc/passwd\" has an absolute path"));
+  EXPECT_THAT(RefusalOf(File("//x")), HasSubstr("absolute"));
+  for (const char* path : {"..", "../x", "sys/../../x", "sys/..", "./../x"}) {
+    EXPECT_THAT(RefusalOf(File(path)), HasSubstr("leads out of the capture")) << path;
+  }
+}
+
+TEST(EntryGate, OnlyFilesFoldersAndInnerLinksPass) {
+  EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kHardLink, "sys/y", 0}), HasSubstr("hard link"));
+  EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kOther, "", 0}), HasSubstr("neither a file"));
+  EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kLink, "/etc/passwd", 0}),
+              HasSubstr("is a link to \"/etc/passwd\""));
+  EXPECT_EQ(RefusalOf({"sys/x", EntryKind::kLink, "y", 0}), "admitted");
+}
+
+TEST(EntryGate, ALongPathIsRefused) {
+  EXPECT_EQ(RefusalOf(File(std::string(1024, 'x'))), "admitted");
+  EXPECT_THAT(RefusalOf(File(std::string(1025, 'x'))), HasSubstr("more than 1024 bytes"));
+}
+
+TEST(EntryGate, EntriesAreCounted) {
+  EntryGate gate({2, 100, 100});
+  gate.Admit(File("a"));
+  gate.Admit(File("a"));
+  EXPECT_THROW(gate.Admit(File("a")), BadCapture);
+  EXPECT_THAT(RefusalOf(File("a"), {0, 100, 100}), HasSubstr("more than 0 entries"));
+}
+
+TEST(EntryGate, BytesAreAddedUpWithoutOverflow) {
+  EntryGate gate({100, 10, 100});
+  gate.Admit(File("a", 4));
+  gate.Admit(File("b", 6));
+  gate.Admit(File("c", 0));
+  EXPECT_THROW(gate.Admit(File("d", 1)), BadCapture);
+  EXPECT_THROW(gate.Admit(File("d", ~std::uint64_t{0})), BadCapture);
+  EXPECT_THAT(RefusalOf(File("a", (std::uint64_t{1} << 30) + 1)), HasSubstr("more than 1024 MiB"));
+}
+
+TEST(InnerLink, ADriversLinkIsOne) {
+  EXPECT_TRUE(
+      IsInnerLink("sys/bus/pci/devices/0000:00:1f.2/driver", "../../../../bus/pci/drivers/ahci"));
+  EXPECT_TRUE(IsInnerLink("sys/bus/pci/devices/0000:00:1f.2", "../../../devices/pci0000:00/x"));
+  EXPECT_TRUE(IsInnerLink("sys/a/b", "c"));
+  EXPECT_TRUE(IsInnerLink("sys/a/b", "./c/d"));
+  EXPECT_TRUE(IsInnerLink("sys/a/b", ".."));
+}
+
+TEST(InnerLink, ALinkThatLeavesSysIsNone) {
+  EXPECT_FALSE(IsInnerLink("sys/bus/pci/devices/0000:00:1f.2/driver", "../../../../../etc/passwd"));
+  EXPECT_FALSE(IsInnerLink("sys/a/b", "../.."));
+  EXPECT_FALSE(IsInnerLink("sys/a", ".."));
+  EXPECT_FALSE(IsInnerLink("sys/a/b", "/sys/c"));
+  EXPECT_FALSE(IsInnerLink("sys/a/b", ""));
+  EXPECT_FALSE(IsInnerLink("sys", "x"));
+}
+
+TEST(InnerLink, OneThatGoesUpLaterIsNoneSinceAnotherLinkMayStandThere) {
+  EXPECT_FALSE(IsInnerLink("sys/a/b/c", "up/../x"));
+  EXPECT_FALSE(IsInnerLink("sys/a/b/c", "../up/.."));
+}
+
+TEST(InnerLink, LinksElsewhereAreNone) {
+  EXPECT_FALSE(IsInnerLink("proc/bus/pci/00/00.0", "00.1"));
+  EXPECT_FALSE(IsInnerLink("commands/lspci", "other"));
+  EXPECT_FALSE(IsInnerLink("system/a", "b"));
+}
+
+}  // namespace
+}  // namespace pciinfo

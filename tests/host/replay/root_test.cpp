@@ -1,0 +1,238 @@
+// The program on captures, from its command line.
+
+#include "host/replay/root.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/host/made_archive.h"
+#include "tests/host/run_program.h"
+#include "tests/runtime/smbios_bytes.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using nlohmann::json;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string Text(const vtq::SmBiosBytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+/// The configuration header of a network card, 8086:1234.
+std::string Header() {
+  std::string header(64, '\0');
+  header.replace(0, 4, "\x86\x80\x34\x12", 4);
+  header[0x0B] = 2;
+  return header;
+}
+
+std::string DeviceLine() {
+  std::string line = "0008\t80861234\t0";
+  for (int i = 0; i < 14; ++i) line += "\t0";
+  return line + "\t\n";
+}
+
+/// A machine with one function and, in SMBIOS tables, one slot.
+std::vector<MadeEntry> SmallMachine() {
+  const vtq::SmBiosBytes slot =
+      vtq::MakeStructure(9, {1, 0xA5, 0x0D, 3, 4, 1, 0, 0x0C, 1}, {"LEFT SLOT"});
+  const vtq::SmBiosBytes table = vtq::Joined({slot, vtq::MakeStructure(127, {})});
+  return {{"proc/bus/pci/devices", DeviceLine()},
+          {"proc/bus/pci/00/01.0", Header()},
+          {"sys/firmware/dmi/tables/smbios_entry_point",
+           Text(vtq::MakeVersion3Entry(3, 0, table.size()))},
+          {"sys/firmware/dmi/tables/DMI", Text(table)},
+          {"commands/lspci", "00:01.0 Ethernet controller: Recorded Card\n"},
+          {"commands/lspci -vvv", "recorded verbose\n"},
+          {"commands/lspci -xxxx", "recorded hex\n"},
+          {"manifest.json", R"({"formatVersion": 1, "systemName": "box.example.org"})"}};
+}
+
+class Root : public testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
+
+  std::string Archive(const std::vector<MadeEntry>& entries) const {
+    MakeArchive(Path("capture.tar.gz"), entries, "gzip");
+    return Path("capture.tar.gz");
+  }
+
+  std::vector<std::string> FilesInDirectory() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {
+      names.push_back(entry.path().filename());
+    }
+    return names;
+  }
+
+  vtq::TemporaryDirectory directory_;
+};
+
+TEST_F(Root, ShowsTheCapturedMachine) {
+  const RunResult result = RunPciinfo({"devices", "--root", Archive(SmallMachine())});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(LinesOf(result.out),
+              ElementsAre(testing::StartsWith("ADDRESS"), HasSubstr("Recorded Card")));
+  EXPECT_EQ(result.err, "");
+}
+
+TEST_F(Root, ShowsItsSlots) {
+  const RunResult result = RunPciinfo({"slots", "--root", Archive(SmallMachine())});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("LEFT SLOT"));
+}
+
+TEST_F(Root, ShowsItsNameAndReplaysItsCommands) {
+  const RunResult result =
+      RunPciinfo({"--root", Archive(SmallMachine()), "instances", "--format", "json"});
+  EXPECT_THAT(result.out, HasSubstr("SystemName=\\\"box.example.org\\\""));
+  EXPECT_THAT(result.out, HasSubstr("\"RawResult\":[\"recorded hex\"]"));
+  EXPECT_THAT(result.out, HasSubstr("\"RawResult\":[\"recorded verbose\"]"));
+}
+
+TEST_F(Root, RunsTheRealToolsOnTheCapturedFiles) {
+  const RunResult result = RunPciinfo(
+      {"--root", Archive(SmallMachine()), "--live-commands", "instances", "--format", "json"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, Not(HasSubstr("ecorded")));
+  EXPECT_THAT(result.out, HasSubstr("00: 86 80 34 12"));
+}
+
+TEST_F(Root, RunsWhatIsNotRecorded) {
+  std::vector<MadeEntry> machine = SmallMachine();
+  std::erase_if(machine, [](const MadeEntry& entry) { return entry.path == "commands/lspci"; });
+  const RunResult result = RunPciinfo({"devices", "--root", Archive(machine)});
+  EXPECT_THAT(LinesOf(result.out),
+              Contains(testing::AllOf(HasSubstr("8086:1234"), HasSubstr("Ethernet controller"))));
+}
+
+TEST_F(Root, TakesADirectoryMadeByHand) {
+  fs::create_directories(Path("box/proc/bus/pci/00"));
+  directory_.Write("box/proc/bus/pci/devices", DeviceLine());
+  directory_.Write("box/proc/bus/pci/00/01.0", Header());
+  const RunResult result =
+      RunPciinfo({"--root", Path("box"), "instances", "QZMSG_PCIDevice", "--format", "json"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  const json document = json::parse(result.out);
+  ASSERT_EQ(document["instances"].size(), 1U);
+  EXPECT_EQ(document["instances"][0]["properties"]["SystemName"], "");
+  EXPECT_THAT(result.err, HasSubstr("this capture holds no SMBIOS tables"));
+}
+
+TEST_F(Root, TakesAnArchiveFromStandardInput) {
+  const RunResult result = RunShell("$PCIINFO --root - < " + Archive(SmallMachine()));
+  EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
+}
+
+TEST_F(Root, WhatTheCaptureLacksIsNotThisMachines) {
+  const std::string capture = Archive({{"manifest.json", R"({"formatVersion": 1})"}});
+  for (const char* option : {"--log-level=0", "--live-commands"}) {
+    const RunResult result = RunPciinfo({"--root", capture, "instances", "--format=json", option});
+    EXPECT_THAT(result.err, HasSubstr("this capture holds no /proc/bus/pci"));
+    EXPECT_THAT(result.err, HasSubstr("this capture holds no SMBIOS tables"));
+    const json document = json::parse(result.out);
+    ASSERT_EQ(document["instances"].size(), 1U);
+    for (const json& instance : document["instances"]) {
+      EXPECT_EQ(instance["class"], "QZMSG_SystemBoard");
+      EXPECT_EQ(instance["properties"]["SystemName"], "");
+    }
+  }
+}
+
+TEST_F(Root, NeedsNoPciBusInThisMachinesKernel) {
+  const std::string capture = Archive(SmallMachine());
+  const RunResult result = RunShell(
+      "unshare --user --map-root-user --mount bash -c 'mount -t tmpfs none /proc/bus && mount -t "
+      "tmpfs none /sys/bus && $PCIINFO --root " +
+      capture + "'");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
+}
+
+TEST_F(Root, FilesThatTheUserNamesAreThisMachines) {
+  const std::string capture = Archive(SmallMachine());
+  const RunResult result =
+      RunShell("cd " + directory_.GetPath() +
+               " && $PCIINFO --root capture.tar.gz --log-file here.log --plugin " +
+               FakePluginFile("fixed") + " && test -s here.log");
+  EXPECT_EQ(result.status, 0) << result.err;
+}
+
+TEST_F(Root, NothingIsLeftBehind) {
+  const std::string capture = Archive(SmallMachine());
+  const std::string mounts = RunShell("cat /proc/self/mountinfo; hostname").out;
+  EXPECT_EQ(RunShell("cd " + directory_.GetPath() + " && $PCIINFO --root " + capture).status, 0);
+  EXPECT_THAT(FilesInDirectory(), ElementsAre("capture.tar.gz"));
+  EXPECT_EQ(RunShell("cat /proc/self/mountinfo; hostname").out, mounts);
+}
+
+TEST_F(Root, AHostileArchiveIsOneLine) {
+  for (const MadeEntry& entry : std::vector<MadeEntry>{{"/etc/x"},
+                                                       {"sys/../../x"},
+                                                       {"sys/x", "", 'l', "/etc/shadow"},
+                                                       {"sys/x", "", 'h', "y"},
+                                                       {"sys/x", "", 'c'},
+                                                       {"manifest.json", "{"}}) {
+    const RunResult result = RunPciinfo({"--root", Archive({{"sys/a"}, entry})});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(LinesOf(result.err),
+                ElementsAre(testing::StartsWith("pciinfo: the capture " + Path("capture.tar.gz") +
+                                                " cannot be used: ")));
+  }
+}
+
+TEST_F(Root, ABombIsRefused) {
+  MakeSparseArchive(Path("bomb.tar"), "sys/x", "1T");
+  const RunResult result = RunPciinfo({"--root", Path("bomb.tar")});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("more than 1024 MiB"));
+  // Zeros that only the compression makes small.
+  const RunResult zeros = RunShell("truncate -s 1100M " + Path("zeros") + " && tar -C " +
+                                   directory_.GetPath() + " -czf - zeros | $PCIINFO --root -");
+  EXPECT_THAT(zeros.err, HasSubstr("more than 1024 MiB"));
+}
+
+TEST_F(Root, ManyEntriesAreRefused) {
+  MakeArchive(Path("one.tar"), {{"x"}});
+  const RunResult result =
+      RunShell("cd " + directory_.GetPath() +
+               " && for i in {1..1000}; do head -c 512 one.tar; done >block"
+               " && for i in {1..1001}; do cat block; done | $PCIINFO --root -");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("more than 1000000 entries"));
+}
+
+/// As the user "nobody", who reads the capture from standard input, since nothing else of the
+/// test's is open to that user.
+RunResult RunAsNobody(const std::string& capture, const std::string& arguments) {
+  const std::string who = "setpriv --reuid=65534 --regid=65534 --clear-groups ";
+  return RunShell((geteuid() == 0 ? who : "") + "$PCIINFO --root - " + arguments + " < " + capture);
+}
+
+TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
+  const RunResult result = RunAsNobody(Archive(SmallMachine()), "devices --live-commands");
+  if (result.status == 0) {
+    EXPECT_THAT(result.out, HasSubstr("8086:1234"));
+  } else {
+    EXPECT_THAT(LinesOf(result.err),
+                ElementsAre(testing::AllOf(HasSubstr("run as root"), HasSubstr("sysctl kernel."))));
+  }
+}
+
+TEST_F(Root, SaysWhatIsWrongWithAName) {
+  EXPECT_THAT(RunPciinfo({"--root", Path("nothing")}).err, HasSubstr("No such file or directory"));
+  EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("this machine itself"));
+  EXPECT_EQ(RunPciinfo({"--root", ""}).status, 2);
+  EXPECT_EQ(RunPciinfo({"--live-commands"}).status, 2);
+}
+
+}  // namespace

@@ -1,0 +1,161 @@
+#include "host/schema/json_schema.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "host/model/slots_model.h"
+#include "host/schema/pci_schema.h"
+#include "host/views/devices_view.h"
+#include "host/views/show_view.h"
+#include "host/views/slots_view.h"
+#include "host/views/tree_view.h"
+#include "tests/host/fixed_repository.h"
+#include "tests/host/run_program.h"
+#include "tests/host/written.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace pciinfo {
+namespace {
+
+using nlohmann::json;
+
+std::string SchemaText() {
+  OutputToText output;
+  WriteJsonSchema(output.Get(), PciSchema());
+  return output.Text();
+}
+
+std::string SlotsText() {
+  OutputToText output;
+  WriteSlotsJson(output.Get(), ReadSlots(*MakeFixedRepository()));
+  return output.Text();
+}
+
+/// What the other views print as JSON.
+std::vector<std::string> ViewTexts(const vtq::Namespace& repository) {
+  std::vector<std::string> texts;
+  const auto add = [&texts](const auto& write) {
+    OutputToText output;
+    write(output.Get());
+    texts.push_back(output.Text());
+  };
+  add([&](Output& output) { WriteDevicesJson(output, repository); });
+  add([&](Output& output) {
+    WriteTreeJson(output, MakeBusTree({ReadFunctions(repository), ReadSlots(repository).slots,
+                                       [](const PciAddress&) {
+                                         return BridgeBuses{1, 1};
+                                       }}));
+  });
+  for (const char* name : {"01:00.0", "Tag 1", "00:00.0"}) {
+    add([&](Output& output) { WriteShownJson(output, FindNamed(repository, name)); });
+  }
+  return texts;
+}
+
+/// Prints a word a document of the list: whether it is valid.
+constexpr const char* kValidate = R"(
+import json, sys, jsonschema
+schema = json.load(open(sys.argv[1]))
+jsonschema.Draft202012Validator.check_schema(schema)
+validator = jsonschema.Draft202012Validator(schema)
+for document in json.load(open(sys.argv[2])):
+    print("valid" if validator.is_valid(document) else "invalid")
+)";
+
+class JsonSchema : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (RunProgram("/usr/bin/python3", {"-c", "import jsonschema"}).status != 0) {
+      GTEST_SKIP() << "python3-jsonschema is not installed";
+    }
+  }
+
+  /// What a validator says of each document, or why it says nothing.
+  std::vector<std::string> Verdicts(const json& documents) const {
+    std::ofstream(SchemaFile()) << SchemaText();
+    std::ofstream(DocumentsFile()) << documents;
+    const RunResult result =
+        RunProgram("/usr/bin/python3", {"-c", kValidate, SchemaFile(), DocumentsFile()});
+    return result.status == 0 ? LinesOf(result.out) : std::vector<std::string>{result.err};
+  }
+
+ private:
+  std::string SchemaFile() const { return directory_.GetPath() + "/schema.json"; }
+  std::string DocumentsFile() const { return directory_.GetPath() + "/documents.json"; }
+
+  vtq::TemporaryDirectory directory_;
+};
+
+TEST(PublishedJsonSchema, IsTheOneThatTheProgramPrints) {
+  std::ifstream stream(JSON_SCHEMA);
+  const std::string published{std::istreambuf_iterator<char>(stream), {}};
+  EXPECT_EQ(published, SchemaText()) << "run: pciinfo schema --format json-schema > " JSON_SCHEMA;
+}
+
+TEST(PublishedJsonSchema, HasAVersion) {
+  EXPECT_EQ(json::parse(SchemaText())["$id"],
+            std::string("urn:pciinfo:json-schema:") + kJsonSchemaVersion);
+}
+
+TEST(PublishedJsonSchema, NamesTheValuesOfCodedProperties) {
+  const json schema = json::parse(SchemaText());
+  const json& properties =
+      schema["$defs"]["QZMSG_SystemSlot"]["properties"]["properties"]["properties"];
+  EXPECT_EQ(properties["CurrentUsage"]["x-values"]["4"], "In use");
+  EXPECT_FALSE(properties["Number"].contains("x-values"));
+}
+
+TEST_F(JsonSchema, WhatIsPrintedIsValid) {
+  const auto repository = MakeFixedRepository();
+  json documents = {json::parse(Written("json", *repository)),
+                    json::parse(Written("json", *MakeEmptyRepository())), json::parse(SlotsText())};
+  for (const std::string& text : ViewTexts(*repository)) documents.push_back(json::parse(text));
+  for (const std::string& line : LinesOf(Written("jsonl", *repository))) {
+    documents.push_back(json::parse(line));
+  }
+  EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "valid"));
+}
+
+TEST_F(JsonSchema, WhatIsWrongIsInvalid) {
+  const json slot = json::parse(Written("json", *MakeFixedRepository(), {"QZMSG_SystemSlot"}));
+  const json link = json::parse(Written("json", *MakeFixedRepository(), {"QZMSG_DeviceInSlot"}));
+  const json slots = json::parse(SlotsText());
+  json documents = json::array();
+  const auto add = [&documents](json document, const char* pointer, json value) {
+    document[json::json_pointer(pointer)] = std::move(value);
+    documents.push_back(std::move(document));
+  };
+  add(slot, "/instances/0/class", "QZMSG_Other");
+  add(slot, "/instances/0/class", "QZMSG_PCIDevice");
+  add(slot, "/instances/0/path", "/root/cimv2:QZMSG_PCIDevice.x=\"\"");
+  add(slot, "/instances/0/properties/Number", 65536);
+  add(slot, "/instances/0/properties/Number", "7");
+  add(slot, "/instances/0/properties/ConnectorType", 182);
+  add(slot, "/instances/0/properties/ConnectorType", {"182"});
+  add(slot, "/instances/0/properties/SupportsHotPlug", 0);
+  add(slot, "/instances/0/properties", json::object());
+  add(link, "/instances/0/properties/Antecedent", "/root/cimv2:QZMSG_PCIDevice.x=\"\"");
+  add(slots, "/slots/0/type", 182);
+  add(slots, "/onBoard/0/kind", "board");
+  const std::vector<std::string> views = ViewTexts(*MakeFixedRepository());
+  add(json::parse(views[0]), "/functions/0/class/base", 256);
+  add(json::parse(views[1]), "/buses/0/functions/1/functions/0/address", "1");
+  add(json::parse(views[2]), "/instance/class", "Other");
+  documents.push_back(json::object());
+  documents.push_back(json::array());
+  EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "invalid"));
+}
+
+TEST_F(JsonSchema, KeysMayBeAdded) {
+  json document = json::parse(Written("json", *MakeFixedRepository()));
+  document["new"] = 1;
+  document["instances"][0]["new"] = 1;
+  document["instances"][0]["properties"]["New"] = 1;
+  EXPECT_EQ(Verdicts(json::array({document})), std::vector<std::string>{"valid"});
+}
+
+}  // namespace
+}  // namespace pciinfo
