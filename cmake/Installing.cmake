@@ -21,7 +21,7 @@ endfunction()
 
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool
-  FILES_MATCHING PATTERN "captures.md" PATTERN "formats.md" PATTERN "json.md" PATTERN "findings.md"
+  FILES_MATCHING PATTERN "captures.md" PATTERN "formats.md" PATTERN "findings.md"
     PATTERN "class-files.md" PATTERN "pciinfo.schema.json")
 install(FILES framework/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev
   COMPONENT development)
