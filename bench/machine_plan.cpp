@@ -75,7 +75,7 @@ json& Planner::Add(const DeviceKind& kind, const Address& at, bool isMulti) {
                    {"headerType", type},         {"irq", 16 + functions_.size() % 200},
                    {"driver", kind.driver},      {"configSize", SizeOf(kind.capabilities)}};
   if (!isBridge) {
-    function["subsystem"] = {"15d9", "0953"};
+    function["subsystem"] = {"f1a5", "0001"};
     function["regions"] = {MemoryRegion(&nextAddress_), nullptr};
     if (kind.hasIo) {
       function["regions"].push_back({{"io", 0x1000 + functions_.size() % 256 * 64}, {"size", 32}});

@@ -6,8 +6,9 @@
 
 namespace bench {
 
-/// The tables of docs/performance.md: what each program takes on each machine, and how the targets
-/// are met: by the median of the rounds' ratios; the ratio of the least measures stands beside it.
+/// The tables of docs/dev/performance.md: what each program takes on each machine, and how the
+/// targets are met: by the median of the rounds' ratios; the ratio of the least measures stands
+/// beside it.
 /// `circumstances` is a sentence on when and where it was measured.
 std::string MakeTables(const Results& results, const std::string& circumstances);
 

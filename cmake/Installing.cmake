@@ -19,11 +19,14 @@ function(pciinfo_find_libraries target)
   endif()
 endfunction()
 
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool
-  FILES_MATCHING PATTERN "captures.md" PATTERN "formats.md" PATTERN "json.md" PATTERN "findings.md"
-    PATTERN "class-files.md" PATTERN "pciinfo.schema.json")
-install(FILES framework/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev
-  COMPONENT development)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev
-  COMPONENT development)
+# The installed pages link to installed pages only; the test "links.installed" checks it.
+set(user_pages captures.md class-files.md diff.md findings.md formats.md pciinfo.schema.json)
+list(TRANSFORM user_pages PREPEND docs/)
+install(FILES ${user_pages} CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
+
+# Laid out as here, so that the links between them hold in both places.
+set(development_pages ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev)
+install(FILES framework/README.md DESTINATION ${development_pages}/framework COMPONENT development)
+install(FILES docs/class-files.md DESTINATION ${development_pages}/docs COMPONENT development)
+install(DIRECTORY examples DESTINATION ${development_pages} COMPONENT development
+  PATTERN machines EXCLUDE)

@@ -15,6 +15,14 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/finish.cmake)
 
+# What names the version is written here; finish.cmake finds it by CPACK_WRITTEN_FILES.
+set(CPACK_WRITTEN_FILES ${PROJECT_BINARY_DIR}/packaging)
+execute_process(COMMAND date --utc --rfc-email --date "${release_date} 12:00"
+  OUTPUT_VARIABLE release_moment OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+foreach(file changelog shlibs)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/${file}.in ${CPACK_WRITTEN_FILES}/${file} @ONLY)
+endforeach()
+
 # The packages go together: the plug-in's and the libraries' C++ interface has no lesser bond.
 set(same "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(framework "a hardware data-collection framework")
@@ -23,7 +31,7 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvtq${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 # Versions of the libraries that programs need, for their packages.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-  ${PROJECT_SOURCE_DIR}/packaging/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
+  ${CPACK_WRITTEN_FILES}/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "libraries of ${framework}
  Plug-ins publish what they know of a machine as instances of CIM classes.
  The libraries hold values, classes and instances, load plug-ins, and give

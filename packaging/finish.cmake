@@ -1,6 +1,7 @@
 # Run by cpack when the files of all packages are in place: adds to each what Debian wants to find.
 cmake_minimum_required(VERSION 3.25)
-set(packages library libvtq1 plugin pciinfo-plugin tool pciinfo development libvtq-dev)
+set(packages library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} plugin pciinfo-plugin tool pciinfo
+  development libvtq-dev)
 
 while(packages)
   list(POP_FRONT packages component package)
@@ -8,7 +9,7 @@ while(packages)
   set(documents ${root}/usr/share/doc/${package})
   file(MAKE_DIRECTORY ${documents})
   file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/copyright ${documents}/copyright)
-  file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/changelog ${documents}/changelog.Debian)
+  file(COPY_FILE ${CPACK_WRITTEN_FILES}/changelog ${documents}/changelog.Debian)
   if(EXISTS ${documents}/CHANGELOG.md)
     file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)
   endif()

@@ -20,5 +20,5 @@ extern VTQ_EXPORT void* PMemSearch;
 VTQ_EXPORT NQZMVTQ20::TVTQStatusCode::EVTQStatusCode pmemLoad();
 
 /// Unloads the library: 3 when it was closed, 0 when closing failed (none loaded included). This is
-/// the reverse of pmemLoad's codes, as tools that call it expect.
+/// the reverse of pmemLoad's codes, and part of the interface: callers compare with these values.
 VTQ_EXPORT NQZMVTQ20::TVTQStatusCode::EVTQStatusCode pmemUnLoad();

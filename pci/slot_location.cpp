@@ -50,12 +50,13 @@ void AppendSlotLocation(const std::string& oemString, std::uint16_t* nextTag,
                         std::vector<SlotLocation>* locations) {
   if (!DescribesSlot(oemString)) return;
   SlotLocation location;
-  // One byte of each: that is what readers of the data compare slot IDs and segment groups by.
+  // Only the low byte counts: a function refers to its slot by one byte of the slot's number.
   location.slotId = NumberBehind(oemString, "SID:0x", 4) & 0xFF;
   location.segmentGroup = NumberBehind(oemString, "SegGrp:0x", 4) & 0xFF;
   location.bus = static_cast<std::uint8_t>(NumberBehind(oemString, "B:0x", 2));
   // Every marker is looked for from the start, so with a slot ID in the string, the device number
-  // is found inside "SID:0x". Readers of the data know the slots by the numbers that this gives.
+  // is found inside "SID:0x". The rule is fixed so that reports of different machines can be
+  // compared.
   location.device = static_cast<std::uint8_t>(NumberBehind(oemString, "D:0x", 2));
   location.function = static_cast<std::uint8_t>(NumberBehind(oemString, "F:0x", 2));
   AppendUnlessOnBusZero(location, nextTag, locations);

@@ -10,7 +10,7 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev
   libxml2-dev libyaml-cpp-dev pciutils)
 # What the tests need beside these.
 test_packages=(libgtest-dev libgmock-dev procps binutils valgrind dmidecode qemu-system-x86
-  busybox-static cpio python3-jsonschema man-db groff mandoc zsh fish)
+  busybox-static cpio patch python3-jsonschema man-db groff mandoc zsh fish)
 # What packing, and checking the packages, needs beside these.
 package_packages=(dpkg-dev file lintian mmdebstrap)
 # What the fuzzers need beside the first.

@@ -7,7 +7,7 @@
 
 namespace pciinfo {
 
-/// Writes instances as JSON objects, which docs/json.md describes.
+/// Writes instances as JSON objects, which docs/formats.md describes.
 class JsonObjects final {
  public:
   explicit JsonObjects(Output& output) : output_(output) {}

@@ -9,7 +9,7 @@ namespace pciinfo {
 /// Writes every PCI function of the repository, sorted by address, one a line.
 void WriteDevicesTable(Output& output, const vtq::Namespace& repository, const Terminal& terminal);
 
-/// Writes the same as JSON, which docs/json.md describes.
+/// Writes the same as JSON, which docs/formats.md describes.
 void WriteDevicesJson(Output& output, const vtq::Namespace& repository);
 
 }  // namespace pciinfo

@@ -9,7 +9,7 @@ namespace pciinfo {
 /// Writes the slots, each with its functions on lines below it, and the functions on the board.
 void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal);
 
-/// Writes the same as JSON, texts untrimmed, one slot or function a line. docs/json.md describes
+/// Writes the same as JSON, texts untrimmed, one slot or function a line. docs/formats.md describes
 /// it.
 void WriteSlotsJson(Output& output, const SlotsModel& model);
 

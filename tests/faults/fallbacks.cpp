@@ -46,7 +46,7 @@ bool IsFallback(const Change& change) {
   });
 }
 
-// Records of little severity that tell a failure all the same: log readers know them as they are.
+// Records that tell a failure although their severity is debug.
 constexpr const char* kTelling[] = {
     "3 read PCI config failed",
     "3 no PCI config file, read failed",
@@ -57,7 +57,8 @@ bool Tells(const std::string& record) {
          std::find(std::begin(kTelling), std::end(kTelling), record) != std::end(kTelling);
 }
 
-// No kernel of this century has the file: what cannot be read of it is not looked for.
+// A description that /proc/pci would have given is lost without a record: current kernels do not
+// have the file.
 bool IsSilent(const Strike& strike) {
   return strike.place == "/proc/pci" &&
          std::all_of(strike.changes.begin(), strike.changes.end(),

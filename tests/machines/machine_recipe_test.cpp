@@ -32,7 +32,7 @@ json Slot() {
 
 json Card() {
   return json::parse(R"({"address": "03:1f.2", "vendor": "8086", "device": "a170",
-    "class": "0403", "progIf": 1, "revision": "31", "subsystem": ["1043", "86c7"], "irq": 16,
+    "class": "0403", "progIf": 1, "revision": "31", "subsystem": ["f1a5", "0002"], "irq": 16,
     "driver": "snd", "regions": [{"memory": "38003ff40000", "size": "4000", "flags": "c"}, null,
     {"io": "e000", "size": "20"}]})");
 }
@@ -103,7 +103,7 @@ TEST_F(MachineRecipeTest, WritesTheSameConfigurationToBothPlaces) {
   EXPECT_EQ(config.substr(8, 4), "\x31\x01\x03\x04");
   EXPECT_EQ(config.substr(0x10, 8), std::string("\x0c\0\xf4\x3f\0\x38\0\0", 8));
   EXPECT_EQ(config.substr(0x18, 4), std::string("\x01\xe0\0\0", 4));
-  EXPECT_EQ(config.substr(0x2C, 4), "\x43\x10\xc7\x86");
+  EXPECT_EQ(config.substr(0x2C, 4), std::string("\xa5\xf1\x02\0", 4));
 }
 
 TEST_F(MachineRecipeTest, WritesTheAttributesOfSysfs) {
@@ -112,7 +112,7 @@ TEST_F(MachineRecipeTest, WritesTheAttributesOfSysfs) {
   EXPECT_EQ(Read(folder + "vendor"), "0x8086\n");
   EXPECT_EQ(Read(folder + "class"), "0x040301\n");
   EXPECT_EQ(Read(folder + "irq"), "16\n");
-  EXPECT_EQ(Read(folder + "subsystem_device"), "0x86c7\n");
+  EXPECT_EQ(Read(folder + "subsystem_device"), "0x0002\n");
   EXPECT_THAT(Read(folder + "resource"),
               HasSubstr("0x000038003ff40000 0x000038003ff43fff 0x000000000014220c\n"));
 }

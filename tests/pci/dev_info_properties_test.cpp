@@ -32,7 +32,7 @@ class FunctionPropertiesTest : public PropertiesTest {
 TEST_F(FunctionPropertiesTest, DeviceAddsItsClassNameAndSubsystem) {
   const TPropertyMap device = Device();
   EXPECT_EQ(device.at("CreationClassName"), TCIMValue("QZMSG_PCIDevice"));
-  EXPECT_EQ(device.at("SubsystemVendorID"), Word(0x1028));
+  EXPECT_EQ(device.at("SubsystemVendorID"), Word(0xF1A5));
   EXPECT_EQ(device.at("SubsystemID"), Word(0xCAFE));
   EXPECT_EQ(Names(device),
             (Lines{"ClassCode", "CreationClassName", "Description", "DeviceID", "Location",

@@ -34,7 +34,7 @@ class SlotInfoTest : public PluginTest {
 using Lines = std::vector<std::string>;
 using Values = std::vector<unsigned>;
 
-TEST_F(SlotInfoTest, DecodesAllSixteenProperties) {
+TEST_F(SlotInfoTest, DecodesEveryProperty) {
   SlotRecord record;
   record.slotId = 0x1234;
   record.characteristics1 = 0x0E;

@@ -22,8 +22,8 @@ PciFunction Card() {
   function.classCode = 2;
   function.subclass = 0;
   function.programmingInterface = 1;
-  function.subsystemVendorId = 0x1028;
-  function.subsystemId = 0x0738;
+  function.subsystemVendorId = 0xf1a5;
+  function.subsystemId = 0x0001;
   return function;
 }
 
@@ -48,13 +48,13 @@ TEST(Filter, WithoutTermsKeepsEverything) {
 
 TEST(Filter, KnowsFunctionsByTheirNumbers) {
   for (const char* term :
-       {"vendor=8086", "vendor=0x8086", "device=15b7", "device=15B7", "subsystem=1028",
-        "subsystem=1028:0738", "class=02", "class=0x02", "class=2", "class=0200", "class=020001",
+       {"vendor=8086", "vendor=0x8086", "device=15b7", "device=15B7", "subsystem=f1a5",
+        "subsystem=f1a5:0001", "class=02", "class=0x02", "class=2", "class=0200", "class=020001",
         "bus=5", "bus=05", "address=05:1f.3", "address=0000:05:1f.3", "address=5:1f", "kind=device",
         "slot=none"}) {
     EXPECT_TRUE(Keeps({term})) << term;
   }
-  for (const char* term : {"vendor=8087", "device=15b8", "subsystem=1029", "subsystem=1028:0739",
+  for (const char* term : {"vendor=8087", "device=15b8", "subsystem=f1a6", "subsystem=f1a5:0002",
                            "class=03", "class=0201", "class=020000", "bus=6", "address=05:1f.2",
                            "address=0001:05:1f.3", "address=05:1e", "kind=bridge", "slot=1"}) {
     EXPECT_FALSE(Keeps({term})) << term;
@@ -102,7 +102,7 @@ TEST(Filter, BadValuesAreNamedWithWhatTheyMustBe) {
   for (const char* text :
        {"vendor=", "vendor=12345", "device=-1", "class=123", "class=12345", "class=1234567",
         "bus=100", "address=1", "address=00:20.0", "address=00:00.8", "kind=card",
-        "slot=", "subsystem=1028:", "subsystem=:0738", "subsystem=x:y"}) {
+        "slot=", "subsystem=f1a5:", "subsystem=:0001", "subsystem=x:y"}) {
     EXPECT_THAT(Error(text), HasSubstr("must be")) << text;
   }
 }
