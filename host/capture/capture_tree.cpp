@@ -17,12 +17,12 @@ using vtq::FileDescriptor;
 constexpr mode_t kFolderMode = 0755;
 constexpr mode_t kFileMode = 0644;
 
-void Require(bool done, const std::string& path) {
+void RequireEntry(bool done, const std::string& path) {
   if (!done) throw std::system_error(errno, std::generic_category(), "cannot write " + path);
 }
 
 void MakeFolderIn(const FileDescriptor& folder, const std::string& name, const std::string& path) {
-  Require(mkdirat(folder.Get(), name.c_str(), kFolderMode) == 0 || errno == EEXIST, path);
+  RequireEntry(mkdirat(folder.Get(), name.c_str(), kFolderMode) == 0 || errno == EEXIST, path);
 }
 
 std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
@@ -31,7 +31,7 @@ std::string NameOf(const std::string& path) { return path.substr(path.rfind('/')
 
 CaptureTree::CaptureTree(const std::string& directory)
     : root_(open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
-  Require(root_.IsOpen(), directory);
+  RequireEntry(root_.IsOpen(), directory);
 }
 
 FileDescriptor CaptureTree::OpenFolderOf(const std::string& path) {
@@ -42,7 +42,7 @@ FileDescriptor CaptureTree::OpenFolderOf(const std::string& path) {
     MakeFolderIn(folder, name, path);
     folder = FileDescriptor(
         openat(folder.Get(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    Require(folder.IsOpen(), path);
+    RequireEntry(folder.IsOpen(), path);
     start = end + 1;
   }
   return folder;
@@ -54,14 +54,14 @@ void CaptureTree::MakeFolder(const std::string& path) {
 
 void CaptureTree::MakeLink(const std::string& path, const std::string& target) {
   const FileDescriptor folder = OpenFolderOf(path);
-  Require(symlinkat(target.c_str(), folder.Get(), NameOf(path).c_str()) == 0, path);
+  RequireEntry(symlinkat(target.c_str(), folder.Get(), NameOf(path).c_str()) == 0, path);
 }
 
 FileDescriptor CaptureTree::MakeFile(const std::string& path) {
   const FileDescriptor folder = OpenFolderOf(path);
   FileDescriptor file(openat(folder.Get(), NameOf(path).c_str(),
                              O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kFileMode));
-  Require(file.IsOpen(), path);
+  RequireEntry(file.IsOpen(), path);
   return file;
 }
 

@@ -13,6 +13,11 @@
 
 namespace pciinfo {
 
+/// A slot record (SMBIOS 7.10) of at least this length holds the address of its slot, and at most
+/// so many peers are read of one.
+inline constexpr unsigned kLengthWithAddress = 17;
+inline constexpr unsigned kMostPeers = 8;
+
 /// A PCI function's address on a machine with more than one PCI domain.
 struct FullAddress {
   unsigned domain = 0;

@@ -98,7 +98,7 @@ std::string ReasonOfAbsence(const CheckFacts& facts, const PciAddress& address) 
   return "";
 }
 
-std::vector<Doubt> Unpublished(const CheckFacts& facts) {
+std::vector<Doubt> UnpublishedFunctions(const CheckFacts& facts) {
   const PublishedIndex published(facts);
   std::vector<Doubt> doubts;
   for (const PciAddress& address : KnownAddresses(facts)) {
@@ -180,7 +180,7 @@ std::vector<Doubt> NoSysfs(const CheckFacts& facts) {
            facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
-const std::vector<Check> kChecks = {
+const std::vector<Check> kFunctionChecks = {
     {"pci-bus-missing", Severity::kNote, "There is no PCI bus to be seen.",
      "Nothing is wrong on a machine without PCI; a capture must hold proc/bus/pci.", &NoBus},
     {"list-unreadable", Severity::kError,
@@ -207,7 +207,7 @@ const std::vector<Check> kChecks = {
     {"function-unpublished", Severity::kError,
      "The kernel knows these functions, and they are "
      "not published.",
-     "See the messages of \"pciinfo instances QZMSG_PCIDevice QZMSG_PCIBridge\".", &Unpublished},
+     "See the messages of \"pciinfo instances QZMSG_PCIDevice QZMSG_PCIBridge\".", &UnpublishedFunctions},
     {"ids-disagree", Severity::kError,
      "The kernel's list, the configuration and sysfs name different vendors or devices.",
      "The function may have been exchanged, or have failed; rescan the bus or restart the "
@@ -227,6 +227,6 @@ const std::vector<Check> kChecks = {
 
 }  // namespace
 
-const std::vector<Check>& FunctionChecks() { return kChecks; }
+const std::vector<Check>& FunctionChecks() { return kFunctionChecks; }
 
 }  // namespace pciinfo

@@ -71,7 +71,7 @@ std::vector<Doubt> Judged(const CheckFacts& facts) {
   return JudgeRegions(facts, judge);
 }
 
-const std::vector<Check> kChecks = {
+const std::vector<Check> kRegionChecks = {
     {"region-address-wide", Severity::kError,
      "Memory regions above 4 GiB do not fit into \"MEMAddress\"; they are published as the "
      "\"IOAddress\" 65532, and their sizes as \"IOLength\".",
@@ -91,6 +91,6 @@ const std::vector<Check> kChecks = {
 
 }  // namespace
 
-const std::vector<Check>& RegionChecks() { return kChecks; }
+const std::vector<Check>& RegionChecks() { return kRegionChecks; }
 
 }  // namespace pciinfo

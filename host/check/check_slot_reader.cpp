@@ -12,8 +12,6 @@ using NQZMVTQ20::TVTQStatusCode;
 
 constexpr int kSlotType = 9;
 constexpr int kBufferSize = 1024;
-constexpr unsigned kLengthWithAddress = 17;
-constexpr unsigned kMostPeers = 8;
 
 /// The structure, and zeros behind it: a record may be shorter than its fields.
 using Buffer = std::array<std::uint8_t, kBufferSize>;

@@ -15,8 +15,6 @@ namespace {
 using NQZMVTQ20::TVTQStatusCode;
 
 constexpr unsigned kInUse = 4;  // SMBIOS 7.10.3
-constexpr unsigned kLengthWithAddress = 17;
-constexpr unsigned kMostPeers = 8;
 constexpr unsigned kLongest = 127;  // for readers that take a length for a signed number
 constexpr unsigned kNoSegment = 0xFFFF;
 constexpr unsigned kNoSegmentByte = 0xFF;
@@ -174,7 +172,7 @@ std::vector<Doubt> OutOfPlace(const CheckFacts& facts) {
   return doubts;
 }
 
-std::vector<Doubt> Unpublished(const CheckFacts& facts) {
+std::vector<Doubt> UnpublishedSlots(const CheckFacts& facts) {
   std::size_t expected = 0;
   for (const SlotRecord& record : facts.slotRecords.records) expected += CountPublished(record);
   const std::size_t published = facts.slots.slots.size();
@@ -277,7 +275,7 @@ std::vector<Doubt> NoAddresses(const CheckFacts& facts) {
   return {{"/sys/firmware/dmi/tables", "", ""}};
 }
 
-const std::vector<Check> kChecks = {
+const std::vector<Check> kSlotChecks = {
     {"slot-tables-missing", Severity::kNote, "There are no SMBIOS tables, so no slot is published.",
      "Firmware gives them to physical machines; a capture must be made as root to hold them.",
      &NoTables},
@@ -292,7 +290,7 @@ const std::vector<Check> kChecks = {
      "The firmware's slot records have no addresses, so it is not known what sits in the slots.",
      "Look for a firmware update to SMBIOS 2.6 or later.", &NoAddresses},
     {"slot-unpublished", Severity::kError, "The firmware describes more slots than are published.",
-     "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &Unpublished},
+     "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &UnpublishedSlots},
     {"slot-out-of-place", Severity::kError,
      "A slot before these ones is missing; functions of a slot may be shown in the next one.",
      "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &OutOfPlace},
@@ -341,6 +339,6 @@ const std::vector<Check> kChecks = {
 
 }  // namespace
 
-const std::vector<Check>& SlotChecks() { return kChecks; }
+const std::vector<Check>& SlotChecks() { return kSlotChecks; }
 
 }  // namespace pciinfo

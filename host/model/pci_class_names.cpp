@@ -8,12 +8,12 @@
 namespace pciinfo {
 namespace {
 
-struct CodeText {
+struct ClassText {
   unsigned code;
   const char* text;
 };
 
-constexpr CodeText kBaseClasses[] = {
+constexpr ClassText kBaseClasses[] = {
     {0x00, "Unclassified device"},
     {0x01, "Mass storage controller"},
     {0x02, "Network controller"},
@@ -39,7 +39,7 @@ constexpr CodeText kBaseClasses[] = {
 };
 
 // Base class and subclass.
-constexpr CodeText kSubclasses[] = {
+constexpr ClassText kSubclasses[] = {
     {0x0000, "Non-VGA unclassified device"},
     {0x0001, "VGA compatible unclassified device"},
     {0x0100, "SCSI storage controller"},
@@ -135,7 +135,7 @@ constexpr CodeText kSubclasses[] = {
 };
 
 // Base class, subclass and programming interface.
-constexpr CodeText kInterfaces[] = {
+constexpr ClassText kInterfaces[] = {
     {0x010601, "SATA controller, AHCI"},
     {0x010802, "Non-volatile memory controller, NVMe"},
     {0x060401, "PCI-to-PCI bridge, subtractive decode"},
@@ -151,9 +151,9 @@ constexpr CodeText kInterfaces[] = {
 };
 
 template <std::size_t size>
-const char* Find(const CodeText (&table)[size], unsigned code) {
+const char* Find(const ClassText (&table)[size], unsigned code) {
   const auto* row = std::find_if(std::begin(table), std::end(table),
-                                 [code](const CodeText& entry) { return entry.code == code; });
+                                 [code](const ClassText& entry) { return entry.code == code; });
   return row == std::end(table) ? nullptr : row->text;
 }
 
