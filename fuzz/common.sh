@@ -22,8 +22,8 @@ check_targets() {
 build_preset() {
   require_packages "${build_packages[@]}" "${fuzz_packages[@]}"
   [[ -f $2/build.ninja ]] ||
-    quietly "Configuring preset $1 ..." cmake -S "$here" --preset "$1" -B "$2"
-  quietly "Building the fuzzers' targets ..." cmake --build "$2" --target fuzzers
+    step "Configuring preset $1" quietly cmake -S "$here" --preset "$1" -B "$2"
+  step "Building the fuzzers' targets" quietly cmake --build "$2" --target fuzzers
 }
 
 # regressions TARGET: its folder of inputs that once went wrong, if it has one.

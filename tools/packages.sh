@@ -9,8 +9,10 @@ fail() {
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
   libxml2-dev libyaml-cpp-dev pciutils)
 # What the tests need beside these.
-test_packages=(libgtest-dev libgmock-dev procps binutils valgrind dmidecode qemu-system-x86
-  busybox-static cpio patch python3-jsonschema man-db groff mandoc zsh fish)
+test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch python3-jsonschema man-db
+  groff mandoc)
+# What the slow tests need beside these: valgrind, emulated machines, other shells.
+slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish)
 # What packing, and checking the packages, needs beside these.
 package_packages=(dpkg-dev file lintian mmdebstrap)
 # What the fuzzers need beside the first.
@@ -50,16 +52,28 @@ require_packages() {
   rm -f "$log"
 }
 
-# quietly TEXT COMMAND...: says what it does, shows the command's output only when it fails.
-quietly() {
-  local text=$1 log
+# step TEXT COMMAND...: says what it does, runs the command and says how long it took.
+step() {
+  local text=$1 start=$SECONDS
   shift
+  echo "$text ..." >&2
+  "$@" || fail "failed: $*"
+  echo "$text: $((SECONDS - start)) s" >&2
+}
+
+# quietly COMMAND...: shows the command's output only when it fails.
+quietly() {
+  local log status=0
   log=$(mktemp)
-  echo "$text" >&2
-  if ! "$@" >"$log" 2>&1; then
-    cat "$log" >&2
-    rm -f "$log"
-    fail "failed: $*"
-  fi
+  "$@" >"$log" 2>&1 || status=$?
+  ((status == 0)) || cat "$log" >&2
   rm -f "$log"
+  return "$status"
+}
+
+# build_folder FOLDER [TARGET...]: builds; ninja says how far it is, as in [57/163].
+build_folder() {
+  local folder=$1
+  shift
+  cmake --build "$folder" ${1:+--target "$@"} >&2
 }

@@ -81,7 +81,10 @@ TEST_F(Completion, BashTakesNoValueForTheCommand) {
   EXPECT_EQ(Bash("water --can = log plants F"), "Fern|");
 }
 
-TEST_F(Completion, FishProposesCommandsOptionsAndValues) {
+/// Tests that need a shell which few machines have.
+class OtherShells : public Completion {};
+
+TEST_F(OtherShells, FishProposesCommandsOptionsAndValues) {
   NEEDS("fish");
   EXPECT_EQ(Syntax("fish"), "");
   EXPECT_EQ(Fish("water pl"), "plants\tName plants\n");
@@ -94,25 +97,28 @@ TEST_F(Completion, FishProposesCommandsOptionsAndValues) {
   EXPECT_EQ(Fish("water --ca"), "--can\tUse this can: [big] 'one' \\ only\n");
 }
 
-TEST_F(Completion, ZshAcceptsItsFile) {
+TEST_F(OtherShells, ZshAcceptsItsFile) {
   NEEDS("zsh");
   EXPECT_EQ(Syntax("zsh"), "");
 }
 
-TEST(WrittenCompletions, AreAcceptedByTheirShells) {
+TEST_F(OtherShells, AcceptTheInstalledFiles) {
   NEEDS("fish");
   NEEDS("zsh");
-  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").text, "");
   EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").text, "");
   EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").text, "");
 }
 
-TEST(WrittenCompletions, ProposeTheProgramsOwnCommands) {
+TEST_F(OtherShells, FishProposesTheProgramsOwnCommands) {
   NEEDS("fish");
   EXPECT_EQ(RunShell("fish --no-config -c '. " WRITTEN_FOLDER
                      "/pciinfo.fish; complete -C \"pciinfo inst\"'")
                 .text,
             "instances\tPrint the instances of CIM classes\n");
+}
+
+TEST_F(Completion, BashProposesTheProgramsOwnCommands) {
+  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").text, "");
   EXPECT_EQ(RunShell("bash --norc -c '. " WRITTEN_FOLDER
                      "/pciinfo; COMP_WORDS=(pciinfo instances QZMSG_PCIB); COMP_CWORD=2; "
                      "_pciinfo; echo \"${COMPREPLY[@]}\"'")
