@@ -82,9 +82,7 @@ T ExtractDecimalDataToHex(std::string text) {
 template <class Map>
 void InsertProperty(Map* map, std::string name, TCIMValue value) {
   if (value.IsNull()) return;
-  // A name behind all others costs one comparison, so whoever fills many maps does it in name
-  // order.
-  map->emplace_hint(map->end(), std::move(name), std::move(value));
+  map->emplace(std::move(name), std::move(value));
 }
 
 template VTQ_EXPORT std::string dataToString(const char* value);
