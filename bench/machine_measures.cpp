@@ -19,6 +19,12 @@ namespace {
 
 const std::vector<std::string> kFunctionClasses = {"QZMSG_PCIDevice", "QZMSG_PCIBridge"};
 
+Command ListInstances(const std::string& program, const std::vector<std::string>& classes) {
+  Command command = {program, "instances", "--format", "json"};
+  command.insert(command.end(), classes.begin(), classes.end());
+  return command;
+}
+
 // A folder in memory that goes when this does.
 class MemoryFolder {
  public:
@@ -86,9 +92,7 @@ class Comparison {
 
  private:
   Command Program(const std::vector<std::string>& classes) const {
-    Command command = {programs_.pciinfo, "instances", "--format", "json"};
-    command.insert(command.end(), classes.begin(), classes.end());
-    return command;
+    return ListInstances(programs_.pciinfo, classes);
   }
   void Add(const std::string& name, double value) { measures_[name].push_back(value); }
   Taken Run(const std::string& name, const Command& command);
@@ -177,6 +181,23 @@ Measures MeasureMachine(const Plan& plan, const Programs& programs) {
   if (plan.withSlowTools) comparison.CompareSlowTools();
   if (plan.withInstructions) comparison.CountInstructions();
   return std::move(comparison.Get());
+}
+
+Measures MeasurePair(unsigned functions, unsigned rounds, const std::string& program,
+                     const std::string& other) {
+  BecomeMachine(functions);
+  const Command commands[] = {ListInstances(program, kFunctionClasses),
+                              ListInstances(other, kFunctionClasses)};
+  for (const Command& command : commands) Measure(command);  // the files are in memory from here on
+  Measures measures;
+  for (unsigned round = 0; round < rounds; ++round) {
+    const double wall = Measure(commands[0]).wallSeconds;
+    const double otherWall = Measure(commands[1]).wallSeconds;
+    measures["program wall"].push_back(wall);
+    measures["other wall"].push_back(otherWall);
+    measures["other/program wall"].push_back(otherWall / wall);
+  }
+  return measures;
 }
 
 }  // namespace bench

@@ -27,4 +27,11 @@ struct Plan {
 /// Throws std::exception.
 Measures MeasureMachine(const Plan& plan, const Programs& programs);
 
+/// Makes the machine, moves this process into it, and runs the program and `other`, another build
+/// of it, in turn, `rounds` times each: "program wall", "other wall", and the ratio of each round
+/// as "other/program wall". To be called once in a process, which must have one thread. Throws
+/// std::exception.
+Measures MeasurePair(unsigned functions, unsigned rounds, const std::string& program,
+                     const std::string& other);
+
 }  // namespace bench

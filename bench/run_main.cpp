@@ -11,6 +11,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -31,7 +32,8 @@ struct Settings {
   unsigned rounds = 11;
   unsigned slowToolsUpTo = 4096;
   bool withInstructions = true;
-  std::string docs;  ///< empty: to standard output only
+  std::string docs;     ///< empty: to standard output only
+  std::string against;  ///< another build of pciinfo to compare with; empty: none
 };
 
 // Fewer rounds where each takes long, more where a moment of the machine's own weighs much.
@@ -51,7 +53,7 @@ Plan PlanFor(unsigned functions, const Settings& settings) {
 }
 
 // A process serves one machine only.
-Measures MeasureInProcess(const Plan& plan, const Programs& programs) {
+Measures MeasureInProcess(unsigned functions, const std::function<Measures()>& measure) {
   const std::string file = fmt::format("/dev/shm/pciinfo-bench-results-{}", getpid());
   // Open before the process changes its view of the file system.
   const int results = open(file.c_str(), O_CREAT | O_RDWR | O_TRUNC | O_CLOEXEC, 0600);
@@ -59,16 +61,16 @@ Measures MeasureInProcess(const Plan& plan, const Programs& programs) {
   const pid_t process = fork();
   if (process == 0) {
     try {
-      const std::string text = nlohmann::json(MeasureMachine(plan, programs)).dump();
+      const std::string text = nlohmann::json(measure()).dump();
       _exit(write(results, text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
     } catch (const std::exception& failure) {
-      std::cerr << "bench_run: " << plan.functions << " functions: " << failure.what() << "\n";
+      std::cerr << "bench_run: " << functions << " functions: " << failure.what() << "\n";
       _exit(1);
     }
   }
   int status = 0;
   if (process < 0 || waitpid(process, &status, 0) < 0 || status != 0) {
-    throw std::runtime_error(fmt::format("{} functions could not be measured", plan.functions));
+    throw std::runtime_error(fmt::format("{} functions could not be measured", functions));
   }
   std::string text(static_cast<std::size_t>(lseek(results, 0, SEEK_END)), '\0');
   const ssize_t count = pread(results, text.data(), text.size(), 0);
@@ -119,6 +121,23 @@ void WriteDown(const Results& results, const std::string& circumstances, const s
   std::ofstream(docs + "/performance.svg") << MakePlot(results);
 }
 
+// Two builds of the program on each machine, in turn: whether what one of them leaves out costs
+// time.
+void CompareBuilds(const Settings& settings) {
+  constexpr unsigned kRounds = 200;
+  for (const unsigned size : settings.sizes) {
+    const Measures measures = MeasureInProcess(
+        size, [&] { return MeasurePair(size, kRounds, BENCH_PCIINFO, settings.against); });
+    std::vector<double> ratios = measures.at("other/program wall");
+    std::sort(ratios.begin(), ratios.end());
+    std::cout << fmt::format(
+        "{} functions: the other build takes {:.3f} times as long (median of {} rounds; the middle "
+        "half of them: {:.3f} to {:.3f}; of the least times: {:.3f})\n",
+        size, Median(ratios), kRounds, ratios[kRounds / 4], ratios[kRounds * 3 / 4],
+        Least(measures.at("other wall")) / Least(measures.at("program wall")));
+  }
+}
+
 CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
   app.add_option("--sizes", settings.sizes, "Numbers of PCI functions")
       ->delimiter(',')
@@ -132,6 +151,9 @@ CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
          "Run lshw and hwinfo, once and for a minute at most, on machines of so many functions")
       ->capture_default_str();
   app.add_flag("!--no-instructions", settings.withInstructions, "Count no instructions (valgrind)");
+  app.add_option("--against", settings.against,
+                 "Only compare with this other build of pciinfo, 200 times each in turn")
+      ->check(CLI::ExistingFile);
   return app.add_option("--docs", settings.docs,
                         "Folder whose performance.md and performance.svg are written anew");
 }
@@ -144,12 +166,17 @@ int main(int argc, char** argv) {
   AddOptions(app, settings);
   CLI11_PARSE(app, argc, argv);
   try {
+    if (!settings.against.empty()) {
+      CompareBuilds(settings);
+      return 0;
+    }
     const std::string circumstances = Circumstances();
     const Programs programs{BENCH_PCIINFO, BENCH_LSPCI, BENCH_COLLECT};
     Results results;
     for (const unsigned size : settings.sizes) {
       std::cerr << "Measuring " << size << " functions ...\n";
-      results[size] = MeasureInProcess(PlanFor(size, settings), programs);
+      results[size] =
+          MeasureInProcess(size, [&] { return MeasureMachine(PlanFor(size, settings), programs); });
     }
     WriteDown(results, circumstances, settings.docs);
     return 0;
