@@ -13,12 +13,12 @@
 
 namespace pciinfo {
 
-/// A slot record (SMBIOS 7.10) of at least this length holds the address of its slot, and at most
-/// so many peers are read of one.
+/// A slot record (SMBIOS 7.10) of at least this length contains the address of its slot; at most
+/// this many peers of a record are read.
 inline constexpr unsigned kLengthWithAddress = 17;
-inline constexpr unsigned kMostPeers = 8;
+inline constexpr unsigned kMaxPeers = 8;
 
-/// A PCI function's address on a machine with more than one PCI domain.
+/// The address of a PCI function, with its PCI domain.
 struct FullAddress {
   unsigned domain = 0;
   PciAddress address;
@@ -26,7 +26,7 @@ struct FullAddress {
   friend auto operator<=>(const FullAddress&, const FullAddress&) = default;
 };
 
-/// "00:1f.3" in domain 0, "10000:00:1f.3" in others.
+/// Returns "00:1f.3" in domain 0, "10000:00:1f.3" in others.
 std::string FormatFullAddress(const FullAddress& address);
 
 struct VendorAndDevice {
@@ -38,16 +38,16 @@ struct VendorAndDevice {
 
 inline constexpr std::size_t kRegions = 6;
 
-/// A line of /proc/bus/pci/devices, which has no domain.
+/// A line of /proc/bus/pci/devices, which does not name the domain.
 struct ListedFunction {
   PciAddress address;
   VendorAndDevice ids;
-  /// Of the base address registers, with the flag bits in their low ends, and their sizes.
+  /// The base address registers, including their low flag bits, and the sizes of their regions.
   std::array<std::uint64_t, kRegions> bases{};
   std::array<std::uint64_t, kRegions> sizes{};
 };
 
-/// What the folders of /sys/bus/pci/devices and of /proc/bus/pci say of a function.
+/// A function in the directories /sys/bus/pci/devices or /proc/bus/pci.
 struct KernelFunction {
   std::optional<VendorAndDevice> ids;
   std::array<bool, kRegions> isIo{};  ///< regions in I/O space
@@ -56,10 +56,10 @@ struct KernelFunction {
 /// The beginning of a configuration file below /proc/bus/pci.
 struct ConfigStart {
   VendorAndDevice ids;
-  bool isHeaderOnly = false;  ///< nothing can be read behind the first 64 bytes
+  bool isHeaderOnly = false;  ///< only the first 64 bytes can be read
 };
 
-/// A function as it was published.
+/// A published function.
 struct PublishedFunction {
   PciFunction function;
   std::optional<unsigned> slotNumber;  ///< "UINumber"
@@ -70,49 +70,49 @@ struct SlotPeer {
   unsigned bus = 0;
 };
 
-/// The numbers of an SMBIOS slot record (DSP0134 7.10) that tell which functions sit in the slot.
+/// The fields of an SMBIOS slot record (DSP0134 7.10) that assign functions to the slot.
 struct SlotRecord {
-  unsigned length = 0;  ///< of the record; one of 16 and less has no address
+  unsigned length = 0;  ///< of the record; records of up to 16 bytes have no address
   unsigned usage = 0;
   unsigned segment = 0;
   PciAddress address;
   unsigned peerCount = 0;
-  std::vector<SlotPeer> peers;  ///< the first eight at most
+  std::vector<SlotPeer> peers;  ///< at most the first eight
 };
 
-/// What can be read of the firmware's slot records.
+/// The firmware's slot records, as far as they can be read.
 struct SlotRecords {
   NQZMVTQ20::TVTQStatusCode::EVTQStatusCode opened = NQZMVTQ20::TVTQStatusCode::kSuccess;
-  /// The version of the tables has slot addresses, and the first record has one: functions carry
-  /// the running numbers of slots.
-  bool tellAddresses = false;
+  /// Whether the version of the tables has slot addresses and the first record has one. Functions
+  /// are then assigned to slots by running number, otherwise by slot ID.
+  bool haveAddresses = false;
   std::vector<SlotRecord> records;
 };
 
-/// What the doubts about a published inventory are derived from.
+/// The input of all checks.
 struct CheckFacts {
   bool isCapture = false;
 
   std::vector<PublishedFunction> published;
   SlotsModel slots;
 
-  bool hasPciBus = false;  ///< /proc/bus/pci or /sys/bus/pci/devices is there
-  bool hasSysfs = false;   ///< /sys/bus/pci/devices is there
-  std::optional<std::vector<ListedFunction>> list;  ///< no value: it cannot be read
+  bool hasPciBus = false;  ///< /proc/bus/pci or /sys/bus/pci/devices exists
+  bool hasSysfs = false;   ///< /sys/bus/pci/devices exists
+  std::optional<std::vector<ListedFunction>> list;  ///< empty if it cannot be read
   std::map<FullAddress, KernelFunction> functions;
-  /// Of the listed addresses whose configuration can be read, in domain 0.
+  /// By address in domain 0, for the listed functions whose configuration space can be read.
   std::map<PciAddress, ConfigStart> configurations;
-  std::string listingFailure;  ///< why lspci gives no listing; empty when it does
+  std::string listingFailure;  ///< why lspci gives no listing; empty if it gives one
   SlotRecords slotRecords;
 };
 
-/// The lines of the kernel's list; none where it cannot be read.
+/// The lines of the kernel's list; none if it cannot be read.
 inline const std::vector<ListedFunction>& ListOf(const CheckFacts& facts) {
   static const std::vector<ListedFunction> none;
   return facts.list ? *facts.list : none;
 }
 
-/// Finds published functions by address. The facts must outlive it, unchanged.
+/// Finds published functions by address. The facts must outlive it and must not change.
 class PublishedIndex final {
  public:
   explicit PublishedIndex(const CheckFacts& facts) {
@@ -121,12 +121,12 @@ class PublishedIndex final {
     }
   }
 
-  /// Null when nothing is published for the address.
+  /// Returns null if no function is published at the address.
   const PublishedFunction* Find(const PciAddress& address) const {
     const auto found = byAddress_.find(address);
     return found == byAddress_.end() ? nullptr : found->second;
   }
-  /// The path of the instance; empty when nothing is published for the address.
+  /// Returns the path of the instance; empty if no function is published at the address.
   std::string PathOf(const PciAddress& address) const {
     const PublishedFunction* published = Find(address);
     return published == nullptr ? "" : published->function.path;

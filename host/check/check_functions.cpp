@@ -1,4 +1,4 @@
-// What is doubtful about the published PCI functions as such.
+// The checks of published PCI functions, except their regions.
 
 #include <fmt/format.h>
 
@@ -25,36 +25,37 @@ bool IsKnown(const CheckFacts& facts, const FullAddress& where) {
   return facts.functions.count(where) != 0;
 }
 
-/// A function in another domain is looked for at its bus in domain 0: it passes for the one that it
-/// finds there when both have the same identifiers, and is dropped otherwise.
-bool PassesForAnother(const CheckFacts& facts, const FullAddress& where) {
-  const FullAddress twin{0, where.address};
-  return IsKnown(facts, twin) && IdsOf(facts, where).has_value() &&
-         IdsOf(facts, where) == IdsOf(facts, twin);
+/// The plug-in looks for a function of another domain at the same address in domain 0. If a
+/// function with the same identifiers is there, it is mistaken for that one; otherwise it is
+/// dropped.
+bool IsMistakenForDomainZero(const CheckFacts& facts, const FullAddress& where) {
+  const FullAddress sameInDomainZero{0, where.address};
+  return IsKnown(facts, sameInDomainZero) && IdsOf(facts, where).has_value() &&
+         IdsOf(facts, where) == IdsOf(facts, sameInDomainZero);
 }
 
-std::vector<Doubt> OfOtherDomains(const CheckFacts& facts, bool passing) {
+std::vector<AffectedObject> FunctionsOfOtherDomains(const CheckFacts& facts, bool mistaken) {
   const PublishedIndex published(facts);
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
   for (const auto& [where, function] : facts.functions) {
-    if (where.domain == 0 || PassesForAnother(facts, where) != passing) continue;
+    if (where.domain == 0 || IsMistakenForDomainZero(facts, where) != mistaken) continue;
     const auto ids = IdsOf(facts, where);
-    doubts.push_back({FormatFullAddress(where), passing ? published.PathOf(where.address) : "",
-                      ids ? IdsText(*ids) : ""});
+    objects.push_back({FormatFullAddress(where), mistaken ? published.PathOf(where.address) : "",
+                       ids ? IdsText(*ids) : ""});
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> MissingOfOtherDomains(const CheckFacts& facts) {
-  return OfOtherDomains(facts, false);
+std::vector<AffectedObject> MissingOfOtherDomains(const CheckFacts& facts) {
+  return FunctionsOfOtherDomains(facts, false);
 }
 
-std::vector<Doubt> MixedUpOfOtherDomains(const CheckFacts& facts) {
-  return OfOtherDomains(facts, true);
+std::vector<AffectedObject> MixedUpOfOtherDomains(const CheckFacts& facts) {
+  return FunctionsOfOtherDomains(facts, true);
 }
 
-/// The addresses that functions of other domains have: a line of the list with one of them may be
-/// about any of these.
+/// The addresses of functions in other domains. A line of the list with such an address may
+/// describe any function that has it.
 std::set<PciAddress> AddressesOfOtherDomains(const CheckFacts& facts) {
   std::set<PciAddress> addresses;
   for (const auto& [where, function] : facts.functions) {
@@ -63,19 +64,19 @@ std::set<PciAddress> AddressesOfOtherDomains(const CheckFacts& facts) {
   return addresses;
 }
 
-std::vector<Doubt> RepeatedInList(const CheckFacts& facts) {
-  std::vector<Doubt> doubts;
+std::vector<AffectedObject> RepeatedInList(const CheckFacts& facts) {
+  std::vector<AffectedObject> objects;
   const PublishedIndex published(facts);
   std::set<PciAddress> seen;
-  std::set<PciAddress> told;
+  std::set<PciAddress> reported;
   for (const ListedFunction& line : ListOf(facts)) {
-    if (seen.insert(line.address).second || !told.insert(line.address).second) continue;
-    doubts.push_back({FormatAddress(line.address), published.PathOf(line.address), ""});
+    if (seen.insert(line.address).second || !reported.insert(line.address).second) continue;
+    objects.push_back({FormatAddress(line.address), published.PathOf(line.address), ""});
   }
-  return doubts;
+  return objects;
 }
 
-/// The functions of domain 0, as far as they can be told from others.
+/// The functions that are certainly in domain 0.
 std::set<PciAddress> KnownAddresses(const CheckFacts& facts) {
   const std::set<PciAddress> others = AddressesOfOtherDomains(facts);
   std::set<PciAddress> addresses;
@@ -89,27 +90,26 @@ std::set<PciAddress> KnownAddresses(const CheckFacts& facts) {
 }
 
 std::string ReasonOfAbsence(const CheckFacts& facts, const PciAddress& address) {
-  const auto isIt = [&](const ListedFunction& line) { return line.address == address; };
+  const auto hasAddress = [&](const ListedFunction& line) { return line.address == address; };
   if (!facts.list) return "the kernel's list cannot be read";
-  if (std::none_of(facts.list->begin(), facts.list->end(), isIt)) {
+  if (std::none_of(facts.list->begin(), facts.list->end(), hasAddress)) {
     return "the kernel's list does not name it";
   }
   if (facts.configurations.count(address) == 0) return "its configuration cannot be read";
   return "";
 }
 
-std::vector<Doubt> UnpublishedFunctions(const CheckFacts& facts) {
+std::vector<AffectedObject> UnpublishedFunctions(const CheckFacts& facts) {
   const PublishedIndex published(facts);
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
   for (const PciAddress& address : KnownAddresses(facts)) {
     if (published.Find(address) != nullptr) continue;
-    doubts.push_back({FormatAddress(address), "", ReasonOfAbsence(facts, address)});
+    objects.push_back({FormatAddress(address), "", ReasonOfAbsence(facts, address)});
   }
-  return doubts;
+  return objects;
 }
 
-/// What the three sources say of a function, where one of them says something else; empty where
-/// they agree.
+/// Lists the identifiers of a function in the three sources if they differ; empty if they agree.
 std::string Disagreement(const CheckFacts& facts, const ListedFunction& line) {
   bool doAgree = true;
   std::string text = "list " + IdsText(line.ids);
@@ -123,104 +123,103 @@ std::string Disagreement(const CheckFacts& facts, const ListedFunction& line) {
   return doAgree ? "" : text;
 }
 
-std::vector<Doubt> DisagreeingIds(const CheckFacts& facts) {
+std::vector<AffectedObject> DisagreeingIds(const CheckFacts& facts) {
   const PublishedIndex published(facts);
   const std::set<PciAddress> others = AddressesOfOtherDomains(facts);
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
   for (const ListedFunction& line : ListOf(facts)) {
     if (others.count(line.address) != 0) continue;
     const std::string detail = Disagreement(facts, line);
     if (detail.empty()) continue;
-    doubts.push_back({FormatAddress(line.address), published.PathOf(line.address), detail});
+    objects.push_back({FormatAddress(line.address), published.PathOf(line.address), detail});
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> WithoutDescription(const CheckFacts& facts) {
-  std::vector<Doubt> doubts;
+std::vector<AffectedObject> WithoutDescription(const CheckFacts& facts) {
+  std::vector<AffectedObject> objects;
   for (const PublishedFunction& published : facts.published) {
     const PciFunction& function = published.function;
     const std::string& text = function.description;
-    // What the plug-in writes where nobody describes the function.
+    // The plug-in writes this text for functions without a description.
     if (!text.empty() && !text.starts_with("PCI Vendor ID ")) continue;
-    doubts.push_back({AddressText(function), function.path, IdText(function)});
+    objects.push_back({AddressText(function), function.path, IdText(function)});
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> WithHeaderOnly(const CheckFacts& facts) {
+std::vector<AffectedObject> WithHeaderOnly(const CheckFacts& facts) {
   const PublishedIndex published(facts);
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
   for (const auto& [address, start] : facts.configurations) {
     if (start.isHeaderOnly) {
-      doubts.push_back({FormatAddress(address), published.PathOf(address), ""});
+      objects.push_back({FormatAddress(address), published.PathOf(address), ""});
     }
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> NoListing(const CheckFacts& facts) {
+std::vector<AffectedObject> NoListing(const CheckFacts& facts) {
   if (facts.listingFailure.empty()) return {};
   return {{"lspci", "", facts.listingFailure}};
 }
 
-std::vector<Doubt> NoList(const CheckFacts& facts) {
+std::vector<AffectedObject> NoList(const CheckFacts& facts) {
   if (facts.list || !facts.hasPciBus) return {};
   return {{kList, "", ""}};
 }
 
-std::vector<Doubt> NoBus(const CheckFacts& facts) {
+std::vector<AffectedObject> NoBus(const CheckFacts& facts) {
   if (facts.hasPciBus) return {};
   return {{"/proc/bus/pci", "", facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
-std::vector<Doubt> NoSysfs(const CheckFacts& facts) {
+std::vector<AffectedObject> NoSysfs(const CheckFacts& facts) {
   if (facts.hasSysfs || !facts.hasPciBus) return {};
   return {{"/sys/bus/pci/devices", "",
            facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
 const std::vector<Check> kFunctionChecks = {
-    {"pci-bus-missing", Severity::kNote, "There is no PCI bus to be seen.",
-     "Nothing is wrong on a machine without PCI; a capture must hold proc/bus/pci.", &NoBus},
+    {"pci-bus-missing", Severity::kNote, "No PCI bus was found.",
+     "This is normal on a machine without PCI; a capture must contain proc/bus/pci.", &NoBus},
     {"list-unreadable", Severity::kError,
-     "The kernel's list of PCI functions cannot be read: none of them is published.",
-     "Give this user the right to read /proc/bus/pci/devices, or capture the machine again.",
-     &NoList},
+     "The kernel's list of PCI functions cannot be read, so no function is published.",
+     "Allow this user to read /proc/bus/pci/devices, or capture the machine again.", &NoList},
     {"sysfs-missing", Severity::kNote,
-     "Without /sys/bus/pci/devices it cannot be told whether functions of other PCI domains, or "
-     "of this one, are missing.",
-     "Show sysfs to the program (mount it in the container), or capture the machine again.",
+     "Without /sys/bus/pci/devices, pciinfo cannot tell whether functions are missing, in PCI "
+     "domain 0 or in others.",
+     "Make sysfs visible to pciinfo (mount it in the container), or capture the machine again.",
      &NoSysfs},
     {"domain-missing", Severity::kError,
-     "Functions in other PCI domains are missing: the kernel's list gives no domain, and in "
-     "domain 0 there is no such function.",
-     "Take these functions from /sys/bus/pci/devices.", &MissingOfOtherDomains},
+     "Functions in other PCI domains are missing: the kernel's list does not name the domain, and "
+     "domain 0 has no function with the same address and identifiers.",
+     "Look these functions up in /sys/bus/pci/devices.", &MissingOfOtherDomains},
     {"domain-mixed-up", Severity::kError,
-     "Functions in other PCI domains are published as the ones with the same address and "
-     "identifiers in domain 0; what is published there mixes both.",
-     "Take both functions from /sys/bus/pci/devices.", &MixedUpOfOtherDomains},
+     "Functions in other PCI domains are mistaken for the functions with the same address and "
+     "identifiers in domain 0; each published instance mixes data of both.",
+     "Look both functions up in /sys/bus/pci/devices.", &MixedUpOfOtherDomains},
     {"address-repeated", Severity::kWarning,
-     "The kernel's list names these addresses more than once, which is how functions of several "
-     "PCI domains look in it; one of them is published.",
+     "The kernel's list names these addresses more than once, as it does for functions in several "
+     "PCI domains; only one function per address is published.",
      "Compare with /sys/bus/pci/devices, which names the domains.", &RepeatedInList},
     {"function-unpublished", Severity::kError,
-     "The kernel knows these functions, and they are "
-     "not published.",
-     "See the messages of \"pciinfo instances QZMSG_PCIDevice QZMSG_PCIBridge\".", &UnpublishedFunctions},
+     "The kernel knows these functions, but they are not published.",
+     "See the messages of \"pciinfo instances QZMSG_PCIDevice QZMSG_PCIBridge\".",
+     &UnpublishedFunctions},
     {"ids-disagree", Severity::kError,
-     "The kernel's list, the configuration and sysfs name different vendors or devices.",
-     "The function may have been exchanged, or have failed; rescan the bus or restart the "
+     "The kernel's list, the configuration space and sysfs name different vendors or devices.",
+     "The function may have been replaced or may have failed; rescan the bus or restart the "
      "machine.",
      &DisagreeingIds},
     {"listing-missing", Severity::kWarning,
-     "lspci gives no listing: there are no descriptions and no raw listings.",
+     "lspci gives no listing, so descriptions and raw listings are missing.",
      "Install the package pciutils, or capture the machine again with it.", &NoListing},
     {"description-missing", Severity::kWarning,
-     "Nothing describes these functions; their \"Description\" is made of their numbers.",
-     "Install or update the names that lspci knows (update-pciids).", &WithoutDescription},
+     "No source names these functions; their \"Description\" consists of their IDs.",
+     "Install or update the ID database of lspci (update-pciids).", &WithoutDescription},
     {"configuration-short", Severity::kNote,
-     "Only the first 64 bytes of these configurations can be read: raw listings lack "
+     "Only the first 64 bytes of these configuration spaces can be read, so raw listings lack "
      "capabilities, links and serial numbers.",
      "Run as root, or capture the machine as root.", &WithHeaderOnly},
 };

@@ -23,18 +23,18 @@ namespace fs = std::filesystem;
 using NQZMVTQ20::TOSSpecific;
 using NQZMVTQ20::TVTQException;
 
-constexpr const char* kProcFolder = "/proc/bus/pci";
-constexpr const char* kSysFolder = "/sys/bus/pci/devices";
+constexpr const char* kProcDirectory = "/proc/bus/pci";
+constexpr const char* kSysDirectory = "/sys/bus/pci/devices";
 
 std::optional<std::string> FileText(const std::string& path) {
   try {
     return TOSSpecific::CaptureFile(path);
   } catch (const TVTQException&) {
-    return std::nullopt;  // what is not there or not for this user is not known
+    return std::nullopt;  // missing, or not readable for this user
   }
 }
 
-/// A hexadecimal number with blanks before it and "0x", as the kernel prints them; 0 for no number.
+/// Parses a hexadecimal number after blanks and "0x", as the kernel prints it; 0 for other texts.
 std::uint64_t HexNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   if (text.starts_with("0x")) text.remove_prefix(2);
@@ -43,7 +43,7 @@ std::uint64_t HexNumber(std::string_view text) {
   return number;
 }
 
-/// Takes a hexadecimal number up to `highest` and the character behind it from the front.
+/// Removes a hexadecimal number up to `highest` and the character `end` from the front.
 std::optional<unsigned> TakeHex(std::string_view& text, char end, unsigned highest) {
   unsigned number = 0;
   const auto [next, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
@@ -65,10 +65,10 @@ std::optional<FullAddress> ParseFullAddress(std::string_view text) {
   return FullAddress{*domain, {*bus, *device, *function}};
 }
 
-std::vector<std::string> NamesIn(const fs::path& folder) {
+std::vector<std::string> NamesIn(const fs::path& directory) {
   std::vector<std::string> names;
   std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+  for (fs::directory_iterator entry(directory, error), end; !error && entry != end;
        entry.increment(error)) {
     names.push_back(entry->path().filename());
   }
@@ -89,7 +89,7 @@ std::optional<ListedFunction> ParseListLine(const std::string& line) {
   if (columns.size() < kFirstBase) return std::nullopt;
   const auto place = static_cast<unsigned>(HexNumber(columns[0]) & 0xFFFF);
   const auto ids = static_cast<unsigned>(HexNumber(columns[1]) & 0xFFFFFFFF);
-  if (ids >> 16U == 0) return std::nullopt;  // nobody's
+  if (ids >> 16U == 0) return std::nullopt;  // no function has vendor ID 0
   ListedFunction function;
   function.address = {place >> 8U, (place & 0xFFU) >> 3U, place & 7U};
   function.ids = {ids >> 16U, ids & 0xFFFFU};
@@ -111,11 +111,11 @@ std::optional<std::vector<ListedFunction>> ReadList(const std::string& file) {
   return list;
 }
 
-/// One line a region: first address, last address, flags.
-std::array<bool, kRegions> ReadIoRegions(const std::string& folder) {
+/// The file has one line per region: first address, last address, flags.
+std::array<bool, kRegions> ReadIoRegions(const std::string& directory) {
   constexpr std::uint64_t kIoFlag = 0x100;  // Linux: IORESOURCE_IO
   std::array<bool, kRegions> isIo{};
-  std::istringstream lines(FileText(folder + "/resource").value_or(""));
+  std::istringstream lines(FileText(directory + "/resource").value_or(""));
   for (bool& region : isIo) {
     std::string first, last, flags;
     if (!(lines >> first >> last >> flags)) break;
@@ -124,25 +124,25 @@ std::array<bool, kRegions> ReadIoRegions(const std::string& folder) {
   return isIo;
 }
 
-KernelFunction ReadSysFunction(const std::string& folder) {
+KernelFunction ReadSysFunction(const std::string& directory) {
   KernelFunction function;
-  const std::optional<std::string> vendor = FileText(folder + "/vendor");
-  const std::optional<std::string> device = FileText(folder + "/device");
+  const std::optional<std::string> vendor = FileText(directory + "/vendor");
+  const std::optional<std::string> device = FileText(directory + "/device");
   if (vendor && device) {
     function.ids = {static_cast<unsigned>(HexNumber(*vendor)),
                     static_cast<unsigned>(HexNumber(*device))};
   }
-  function.isIo = ReadIoRegions(folder);
+  function.isIo = ReadIoRegions(directory);
   return function;
 }
 
-/// The functions whose configuration files stand below /proc/bus/pci: in "BB" for domain 0, in
-/// "DDDD:BB" for others.
+/// Reads the functions with configuration files below /proc/bus/pci: in the directory "BB" for
+/// domain 0, in "DDDD:BB" for other domains.
 void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
-  const fs::path folder = root + kProcFolder;
-  for (const std::string& bus : NamesIn(folder)) {
+  const fs::path directory = root + kProcDirectory;
+  for (const std::string& bus : NamesIn(directory)) {
     const char* domain = bus.find(':') == std::string::npos ? "0:" : "";
-    for (const std::string& file : NamesIn(folder / bus)) {
+    for (const std::string& file : NamesIn(directory / bus)) {
       const std::string name = fmt::format("{}{}:{}", domain, bus, file);
       if (const auto where = ParseFullAddress(name)) facts.functions.try_emplace(*where);
     }
@@ -150,11 +150,11 @@ void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
 }
 
 void ReadSysFunctions(const std::string& root, CheckFacts& facts) {
-  const fs::path folder = root + kSysFolder;
-  for (const std::string& name : NamesIn(folder)) {
+  const fs::path directory = root + kSysDirectory;
+  for (const std::string& name : NamesIn(directory)) {
     const auto where = ParseFullAddress(name);
     if (!where) continue;
-    facts.functions[*where] = ReadSysFunction(folder / name);
+    facts.functions[*where] = ReadSysFunction(directory / name);
   }
 }
 
@@ -166,16 +166,16 @@ std::optional<ConfigStart> ReadConfigStart(const std::string& path) {
     return std::nullopt;
   }
   std::uint8_t next = 0;
-  const bool goesOn = pread(file.Get(), &next, 1, kHeader) == 1;
+  const bool hasMore = pread(file.Get(), &next, 1, kHeader) == 1;
   const auto word = [&](std::size_t at) { return header[at] | unsigned{header[at + 1]} << 8U; };
-  return ConfigStart{{word(0), word(2)}, !goesOn};
+  return ConfigStart{{word(0), word(2)}, !hasMore};
 }
 
 void ReadConfigurations(const std::string& root, CheckFacts& facts) {
   for (const ListedFunction& function : *facts.list) {
     const PciAddress& at = function.address;
     const std::string file =
-        fmt::format("{}{}/{:02x}/{:02x}.{}", root, kProcFolder, at.bus, at.device, at.function);
+        fmt::format("{}{}/{:02x}/{:02x}.{}", root, kProcDirectory, at.bus, at.device, at.function);
     if (const auto start = ReadConfigStart(file)) facts.configurations[at] = *start;
   }
 }
@@ -191,7 +191,7 @@ void ReadPublished(const vtq::Namespace& repository, CheckFacts& facts) {
   facts.slots = ReadSlots(repository);
 }
 
-/// Why lspci gives no listing; empty when it does.
+/// Returns why lspci gives no listing; empty if it gives one.
 std::string FailureOfListing() {
   constexpr int kSeconds = 60;
   try {
@@ -210,9 +210,9 @@ std::string FormatFullAddress(const FullAddress& address) {
 
 void ReadKernelFacts(const std::string& root, CheckFacts& facts) {
   std::error_code ignored;
-  facts.hasSysfs = fs::is_directory(root + kSysFolder, ignored);
-  facts.hasPciBus = facts.hasSysfs || fs::is_directory(root + kProcFolder, ignored);
-  facts.list = ReadList(root + kProcFolder + "/devices");
+  facts.hasSysfs = fs::is_directory(root + kSysDirectory, ignored);
+  facts.hasPciBus = facts.hasSysfs || fs::is_directory(root + kProcDirectory, ignored);
+  facts.list = ReadList(root + kProcDirectory + "/devices");
   ReadProcFunctions(root, facts);
   ReadSysFunctions(root, facts);
   if (facts.list) ReadConfigurations(root, facts);

@@ -7,15 +7,14 @@
 
 namespace pciinfo {
 
-/// Reads what the kernel tells of PCI below `root` ("" for this machine, or the one of --root) into
-/// `facts`: the list, the functions, the starts of their configurations.
+/// Reads the kernel's PCI files below the directory `root` ("" for "/") into `facts`: the list, the
+/// functions, and the start of their configuration spaces.
 void ReadKernelFacts(const std::string& root, CheckFacts& facts);
 
-/// The slot records of the firmware's tables below `root`.
+/// Reads the slot records of the firmware's tables below `root`.
 SlotRecords ReadSlotRecords(const std::string& root);
 
-/// All facts: what `repository` publishes, and what stands in /proc and /sys. Runs lspci where
-/// there is a PCI bus.
+/// Reads all facts: from `repository`, /proc and /sys. Runs lspci if there is a PCI bus.
 CheckFacts ReadCheckFacts(const vtq::Namespace& repository, bool isCapture);
 
 }  // namespace pciinfo

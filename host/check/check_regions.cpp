@@ -1,6 +1,6 @@
-// What becomes of regions that the published properties have no room for: 32 bits for memory, 16
-// for I/O. The plug-in takes a number that is too large for the largest one, which reads as an I/O
-// address, for its lowest bit is set.
+// The checks of regions that do not fit into the published properties: 32 bits for memory, 16 for
+// I/O. The plug-in replaces a base address that is too large by the largest 32-bit number,
+// whose lowest bit marks the region as I/O.
 
 #include <fmt/format.h>
 
@@ -9,8 +9,8 @@
 namespace pciinfo {
 namespace {
 
-constexpr std::uint64_t kMost32 = 0xFFFFFFFF;
-constexpr std::uint64_t kMost16 = 0xFFFF;
+constexpr std::uint64_t kMax32 = 0xFFFFFFFF;
+constexpr std::uint64_t kMax16 = 0xFFFF;
 constexpr std::uint64_t kIoFlag = 1;
 constexpr std::uint64_t kIoMask = ~std::uint64_t{3};
 constexpr std::uint64_t kMemoryMask = ~std::uint64_t{15};
@@ -19,74 +19,76 @@ struct Region {
   std::size_t number;
   std::uint64_t base;  ///< with its flag bits
   std::uint64_t size;
-  bool isIo;  ///< as the kernel knows it from elsewhere
+  bool isIo;  ///< according to sysfs
 };
 
-/// What is the matter with a region; empty when nothing is.
-using Judge = std::string (*)(const Region& region);
+/// Describes the problem of a region; empty if it has none.
+using RegionTest = std::string (*)(const Region& region);
 
-std::vector<Doubt> JudgeRegions(const CheckFacts& facts, Judge judge) {
+std::vector<AffectedObject> TestRegions(const CheckFacts& facts, RegionTest test) {
   const PublishedIndex published(facts);
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
   for (const ListedFunction& line : ListOf(facts)) {
     const PublishedFunction* device = published.Find(line.address);
-    // No region of a bridge is published.
+    // Regions of bridges are not published.
     if (device == nullptr || device->function.kind != "device") continue;
     const auto known = facts.functions.find({0, line.address});
     for (std::size_t i = 0; i < kRegions; ++i) {
       if (line.bases[i] == 0) continue;
       const bool isIo = known != facts.functions.end() && known->second.isIo[i];
-      const std::string detail = judge({i, line.bases[i], line.sizes[i], isIo});
+      const std::string detail = test({i, line.bases[i], line.sizes[i], isIo});
       if (detail.empty()) continue;
-      doubts.push_back({FormatAddress(line.address), device->function.path, detail});
+      objects.push_back({FormatAddress(line.address), device->function.path, detail});
     }
   }
-  return doubts;
+  return objects;
 }
 
-std::string JudgeAddress(const Region& region) {
-  if (region.base <= kMost32) return "";
+std::string WideAddress(const Region& region) {
+  if (region.base <= kMax32) return "";
   return fmt::format("region {} at {:#x}", region.number, region.base & kMemoryMask);
 }
 
-std::string JudgeSize(const Region& region) {
-  if (region.size <= kMost32) return "";
+std::string WideSize(const Region& region) {
+  if (region.size <= kMax32) return "";
   return fmt::format("region {} of {:#x} bytes", region.number, region.size);
 }
 
-std::string JudgeIo(const Region& region) {
-  if (region.base > kMost32 || (region.base & kIoFlag) == 0) return "";
+std::string WideIo(const Region& region) {
+  if (region.base > kMax32 || (region.base & kIoFlag) == 0) return "";
   const std::uint64_t address = region.base & kIoMask;
-  if (address <= kMost16 && region.size <= kMost16) return "";
+  if (address <= kMax16 && region.size <= kMax16) return "";
   return fmt::format("region {} at {:#x} of {:#x} bytes", region.number, address, region.size);
 }
 
-std::string JudgeSpace(const Region& region) {
+std::string UnmarkedIo(const Region& region) {
   if (!region.isIo || (region.base & kIoFlag) != 0) return "";
   return fmt::format("region {} at {:#x}", region.number, region.base & kIoMask);
 }
 
-template <Judge judge>
-std::vector<Doubt> Judged(const CheckFacts& facts) {
-  return JudgeRegions(facts, judge);
+template <RegionTest test>
+std::vector<AffectedObject> RegionsThatFail(const CheckFacts& facts) {
+  return TestRegions(facts, test);
 }
 
 const std::vector<Check> kRegionChecks = {
     {"region-address-wide", Severity::kError,
-     "Memory regions above 4 GiB do not fit into \"MEMAddress\"; they are published as the "
+     "Memory regions above 4 GiB do not fit into \"MEMAddress\"; they are published as "
      "\"IOAddress\" 65532, and their sizes as \"IOLength\".",
-     "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeAddress>},
+     "Take addresses and sizes from /sys/bus/pci/devices/*/resource.",
+     &RegionsThatFail<&WideAddress>},
     {"region-size-wide", Severity::kError,
      "Sizes of 4 GiB and more do not fit into 32 bits; they are published as \"MEMLength\" "
-     "4294967295, or as \"IOLength\" 65535 where the region lies above 4 GiB too.",
-     "Take sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeSize>},
+     "4294967295, or as \"IOLength\" 65535 if the region is also above 4 GiB.",
+     "Take sizes from /sys/bus/pci/devices/*/resource.", &RegionsThatFail<&WideSize>},
     {"io-region-wide", Severity::kError,
      "I/O addresses or sizes of 64 KiB and more do not fit into 16 bits; their low 16 bits are "
      "published.",
-     "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeIo>},
+     "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &RegionsThatFail<&WideIo>},
     {"io-region-as-memory", Severity::kWarning,
-     "The kernel's list does not mark these I/O regions as such; they are published as memory.",
-     "Take the kind of the region from /sys/bus/pci/devices/*/resource.", &Judged<&JudgeSpace>},
+     "The kernel's list does not mark these regions as I/O; they are published as memory.",
+     "Take the type of the region from /sys/bus/pci/devices/*/resource.",
+     &RegionsThatFail<&UnmarkedIo>},
 };
 
 }  // namespace

@@ -13,14 +13,14 @@ using NQZMVTQ20::TVTQStatusCode;
 constexpr int kSlotType = 9;
 constexpr int kBufferSize = 1024;
 
-/// The structure, and zeros behind it: a record may be shorter than its fields.
+/// The structure, followed by zeros, because a record may be shorter than its fields.
 using Buffer = std::array<std::uint8_t, kBufferSize>;
 
-/// Open tables.
+/// The open SMBIOS tables.
 class Tables final {
  public:
-  explicit Tables(const std::string& folder)
-      : status_(vtq::SmBiosLoadFrom(folder.c_str(), &handle_)) {}
+  explicit Tables(const std::string& directory)
+      : status_(vtq::SmBiosLoadFrom(directory.c_str(), &handle_)) {}
   Tables(const Tables&) = delete;
   Tables& operator=(const Tables&) = delete;
   ~Tables() {
@@ -38,7 +38,7 @@ class Tables final {
     std::istringstream(text) >> major >> dot >> minor;
     return major > 2 || (major == 2 && minor >= 6);
   }
-  /// The next slot record, or the first one; false when there is none.
+  /// Reads the first or the next slot record; returns false if there is none.
   bool Fetch(bool first, Buffer& buffer) {
     int size = kBufferSize;
     buffer = {};
@@ -61,7 +61,7 @@ SlotRecord ReadRecord(const Buffer& bytes) {
   const unsigned deviceFunction = bytes[0x10];
   record.address = {bytes[0x0F], deviceFunction >> 3U, deviceFunction & 7U};
   record.peerCount = bytes[0x12];
-  for (std::size_t k = 0; k < std::min(record.peerCount, kMostPeers); ++k) {
+  for (std::size_t k = 0; k < std::min(record.peerCount, kMaxPeers); ++k) {
     record.peers.push_back({word(0x13 + 5 * k), bytes[0x15 + 5 * k]});
   }
   return record;
@@ -78,7 +78,7 @@ SlotRecords ReadSlotRecords(const std::string& root) {
   for (bool found = tables.Fetch(true, buffer); found; found = tables.Fetch(false, buffer)) {
     slots.records.push_back(ReadRecord(buffer));
   }
-  slots.tellAddresses = tables.HaveAddresses() && !slots.records.empty() &&
+  slots.haveAddresses = tables.HaveAddresses() && !slots.records.empty() &&
                         slots.records.front().length >= kLengthWithAddress;
   return slots;
 }

@@ -1,4 +1,4 @@
-// What is doubtful about the published slots, and about which functions sit in them.
+// The checks of published slots and of the functions in them.
 
 #include <fmt/format.h>
 
@@ -14,25 +14,25 @@ namespace {
 
 using NQZMVTQ20::TVTQStatusCode;
 
-constexpr unsigned kInUse = 4;  // SMBIOS 7.10.3
-constexpr unsigned kLongest = 127;  // for readers that take a length for a signed number
+constexpr unsigned kInUse = 4;        // SMBIOS 7.10.3
+constexpr unsigned kMaxLength = 127;  // the plug-in reads the length as a signed byte
 constexpr unsigned kNoSegment = 0xFFFF;
 constexpr unsigned kNoSegmentByte = 0xFF;
 
-/// A slot record by the running number that functions are tied to it with.
+/// A slot record with the running number that assigns functions to it.
 struct NumberedSlot {
   unsigned number;
   const SlotRecord* record;
 };
 
 unsigned CountPeers(const SlotRecord& record) {
-  const bool counted = record.length >= kLengthWithAddress && record.peerCount <= kMostPeers;
+  const bool counted = record.length >= kLengthWithAddress && record.peerCount <= kMaxPeers;
   return counted ? record.peerCount : 0;
 }
 
-/// How many slots are published for a record.
+/// The number of slots that are published for a record.
 unsigned CountPublished(const SlotRecord& record) {
-  return record.length > kLongest ? 1 : 1 + CountPeers(record);
+  return record.length > kMaxLength ? 1 : 1 + CountPeers(record);
 }
 
 std::vector<NumberedSlot> Numbered(const CheckFacts& facts) {
@@ -54,7 +54,7 @@ std::string PathOfTag(const CheckFacts& facts, const std::string& tag) {
   return "";
 }
 
-Doubt DoubtOf(const CheckFacts& facts, unsigned number, std::string detail) {
+AffectedObject SlotObject(const CheckFacts& facts, unsigned number, std::string detail) {
   const std::string tag = TagOf(number);
   return {tag, PathOfTag(facts, tag), std::move(detail)};
 }
@@ -73,7 +73,7 @@ bool IsKnown(const CheckFacts& facts, const PciAddress& address) {
   return isListed || facts.functions.count({0, address}) != 0;
 }
 
-/// Whether an address is one of those that firmware writes for none. Bus ff may be real.
+/// Whether an address is one that firmware writes if there is none. Bus ff may be real.
 bool IsPlaceholder(const CheckFacts& facts, const SlotRecord& record) {
   const PciAddress& at = record.address;
   if (record.segment == kNoSegment || record.segment == kNoSegmentByte) return true;
@@ -91,24 +91,24 @@ bool IsKnownInSegment(const CheckFacts& facts, const SlotRecord& record) {
   return facts.functions.count({record.segment, record.address}) != 0;
 }
 
-/// The slots with an address of their own for which `fits` holds.
+/// The slots that have an address and for which `fits` is true.
 template <class Fits>
-std::vector<Doubt> SlotsThat(const CheckFacts& facts, const Fits& fits) {
-  std::vector<Doubt> doubts;
+std::vector<AffectedObject> SlotsThat(const CheckFacts& facts, const Fits& fits) {
+  std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
     if (!HasAddress(*slot.record) || !fits(*slot.record)) continue;
-    doubts.push_back(DoubtOf(facts, slot.number, AddressDetail(*slot.record)));
+    objects.push_back(SlotObject(facts, slot.number, AddressDetail(*slot.record)));
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> InUseWithPlaceholder(const CheckFacts& facts) {
+std::vector<AffectedObject> InUseWithPlaceholder(const CheckFacts& facts) {
   return SlotsThat(facts, [&](const SlotRecord& record) {
     return record.usage == kInUse && IsPlaceholder(facts, record);
   });
 }
 
-std::vector<Doubt> UnusedWithPlaceholder(const CheckFacts& facts) {
+std::vector<AffectedObject> UnusedWithPlaceholder(const CheckFacts& facts) {
   return SlotsThat(facts, [&](const SlotRecord& record) {
     return record.usage != kInUse && IsPlaceholder(facts, record);
   });
@@ -118,61 +118,61 @@ bool IsPlacedInUse(const CheckFacts& facts, const SlotRecord& record) {
   return record.usage == kInUse && !IsPlaceholder(facts, record);
 }
 
-std::vector<Doubt> InUseWithoutFunction(const CheckFacts& facts) {
+std::vector<AffectedObject> InUseWithoutFunction(const CheckFacts& facts) {
   if (!KnowsFunctions(facts)) return {};
   return SlotsThat(facts, [&](const SlotRecord& record) {
     return IsPlacedInUse(facts, record) && !IsKnownInSegment(facts, record);
   });
 }
 
-std::vector<Doubt> OnBusZero(const CheckFacts& facts) {
+std::vector<AffectedObject> OnBusZero(const CheckFacts& facts) {
   return SlotsThat(facts, [&](const SlotRecord& record) {
     return IsPlacedInUse(facts, record) && record.address.bus == 0;
   });
 }
 
-std::vector<Doubt> InOtherDomain(const CheckFacts& facts) {
+std::vector<AffectedObject> InOtherDomain(const CheckFacts& facts) {
   return SlotsThat(facts, [&](const SlotRecord& record) {
     return IsPlacedInUse(facts, record) && record.segment != 0;
   });
 }
 
-std::vector<Doubt> WithShortRecord(const CheckFacts& facts) {
-  if (!facts.slotRecords.tellAddresses) return {};
-  std::vector<Doubt> doubts;
+std::vector<AffectedObject> WithShortRecord(const CheckFacts& facts) {
+  if (!facts.slotRecords.haveAddresses) return {};
+  std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
     if (HasAddress(*slot.record)) continue;
-    doubts.push_back(
-        DoubtOf(facts, slot.number, fmt::format("record of {} bytes", slot.record->length)));
+    objects.push_back(
+        SlotObject(facts, slot.number, fmt::format("record of {} bytes", slot.record->length)));
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> WithDriftingNumber(const CheckFacts& facts) {
-  std::vector<Doubt> doubts;
+std::vector<AffectedObject> WithDriftingNumber(const CheckFacts& facts) {
+  std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
     if (CountPublished(*slot.record) == 1 + CountPeers(*slot.record)) continue;
-    doubts.push_back(DoubtOf(facts, slot.number,
-                             fmt::format("record of {} bytes with {} peer groups",
-                                         slot.record->length, slot.record->peerCount)));
+    objects.push_back(SlotObject(facts, slot.number,
+                                 fmt::format("record of {} bytes with {} peer groups",
+                                             slot.record->length, slot.record->peerCount)));
   }
-  return doubts;
+  return objects;
 }
 
-/// Functions are tied to the slot at a place, not to the one of a tag: where one is missing, those
-/// behind it have moved up.
-std::vector<Doubt> OutOfPlace(const CheckFacts& facts) {
-  std::vector<Doubt> doubts;
-  unsigned place = 0;
+/// Functions are assigned to slots by position, not by tag: if a slot is missing, the slots after
+/// it move up.
+std::vector<AffectedObject> OutOfPlace(const CheckFacts& facts) {
+  std::vector<AffectedObject> objects;
+  unsigned position = 0;
   for (const Slot& slot : facts.slots.slots) {
-    ++place;
-    if (slot.tag == TagOf(place)) continue;
-    doubts.push_back({slot.tag, slot.path, fmt::format("in place {}", place)});
+    ++position;
+    if (slot.tag == TagOf(position)) continue;
+    objects.push_back({slot.tag, slot.path, fmt::format("at position {}", position)});
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> UnpublishedSlots(const CheckFacts& facts) {
+std::vector<AffectedObject> UnpublishedSlots(const CheckFacts& facts) {
   std::size_t expected = 0;
   for (const SlotRecord& record : facts.slotRecords.records) expected += CountPublished(record);
   const std::size_t published = facts.slots.slots.size();
@@ -180,7 +180,7 @@ std::vector<Doubt> UnpublishedSlots(const CheckFacts& facts) {
   return {{"slots", "", fmt::format("{} of {} are published", published, expected)}};
 }
 
-/// The record whose running number a slot has; null for one of its peer groups.
+/// The record with the running number of a slot; null if the slot is a peer group.
 const SlotRecord* RecordOf(const std::vector<NumberedSlot>& numbered, const Slot& slot) {
   for (const NumberedSlot& candidate : numbered) {
     if (TagOf(candidate.number) == slot.tag) return candidate.record;
@@ -188,9 +188,9 @@ const SlotRecord* RecordOf(const std::vector<NumberedSlot>& numbered, const Slot
   return nullptr;
 }
 
-/// A slot's address is matched by its bus alone.
-std::vector<Doubt> BesideTheSlot(const CheckFacts& facts) {
-  std::vector<Doubt> doubts;
+/// The plug-in compares only the bus of a slot's address.
+std::vector<AffectedObject> OnSlotBusButOtherDevice(const CheckFacts& facts) {
+  std::vector<AffectedObject> objects;
   const std::vector<NumberedSlot> numbered = Numbered(facts);
   for (const Slot& slot : facts.slots.slots) {
     const SlotRecord* record = RecordOf(numbered, slot);
@@ -198,64 +198,64 @@ std::vector<Doubt> BesideTheSlot(const CheckFacts& facts) {
     for (const PciFunction& function : slot.functions) {
       if (!function.address || function.address->bus != record->address.bus) continue;
       if (function.address->device == record->address.device) continue;
-      doubts.push_back({AddressText(function), function.path,
-                        slot.tag + " is at " + FormatAddress(record->address)});
+      objects.push_back({AddressText(function), function.path,
+                         slot.tag + " is at " + FormatAddress(record->address)});
     }
   }
-  return doubts;
+  return objects;
 }
 
-/// Slots that share what `keyOf` gives; an empty key is no key.
+/// The slots that share a key with another slot; empty keys do not count.
 template <class KeyOf>
-std::vector<Doubt> Sharing(const CheckFacts& facts, const KeyOf& keyOf) {
+std::vector<AffectedObject> Sharing(const CheckFacts& facts, const KeyOf& keyOf) {
   std::map<std::string, unsigned> counts;
   for (const Slot& slot : facts.slots.slots) ++counts[keyOf(slot)];
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
   for (const Slot& slot : facts.slots.slots) {
     const std::string key = keyOf(slot);
-    if (!key.empty() && counts[key] > 1) doubts.push_back({slot.tag, slot.path, key});
+    if (!key.empty() && counts[key] > 1) objects.push_back({slot.tag, slot.path, key});
   }
-  return doubts;
+  return objects;
 }
 
-std::vector<Doubt> WithSharedId(const CheckFacts& facts) {
+std::vector<AffectedObject> WithSharedId(const CheckFacts& facts) {
   return Sharing(facts, [](const Slot& slot) {
     return slot.id ? fmt::format("slot ID {}", *slot.id) : std::string();
   });
 }
 
-std::vector<Doubt> WithSharedDesignation(const CheckFacts& facts) {
+std::vector<AffectedObject> WithSharedDesignation(const CheckFacts& facts) {
   return Sharing(
       facts, [](const Slot& slot) { return TrimEnd(Printable(slot.designation.value_or(""))); });
 }
 
-/// Where functions are tied to slots by the slot ID, the first slot with that number gets them.
-std::vector<Doubt> ByAmbiguousNumber(const CheckFacts& facts) {
-  if (facts.slotRecords.tellAddresses) return {};
-  std::vector<Doubt> doubts;
+/// If functions are assigned to slots by slot ID, the first slot with the number gets them.
+std::vector<AffectedObject> ByAmbiguousNumber(const CheckFacts& facts) {
+  if (facts.slotRecords.haveAddresses) return {};
+  std::vector<AffectedObject> objects;
   for (const PublishedFunction& published : facts.published) {
     const unsigned number = published.slotNumber.value_or(0);
     const auto count =
         std::count_if(facts.slots.slots.begin(), facts.slots.slots.end(),
                       [&](const Slot& slot) { return slot.id && (*slot.id & 0xFFU) == number; });
     if (number == 0 || count < 2) continue;
-    doubts.push_back({AddressText(published.function), published.function.path,
-                      fmt::format("{} slots have the number {}", count, number)});
+    objects.push_back({AddressText(published.function), published.function.path,
+                       fmt::format("{} slots have the number {}", count, number)});
   }
-  return doubts;
+  return objects;
 }
 
 bool AreTablesMissing(const CheckFacts& facts) {
   return facts.slotRecords.opened == TVTQStatusCode::kNotFound;
 }
 
-std::vector<Doubt> NoTables(const CheckFacts& facts) {
+std::vector<AffectedObject> NoTables(const CheckFacts& facts) {
   if (!AreTablesMissing(facts)) return {};
   return {{"/sys/firmware/dmi/tables", "",
            facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
-std::vector<Doubt> UnreadableTables(const CheckFacts& facts) {
+std::vector<AffectedObject> UnreadableTables(const CheckFacts& facts) {
   const auto status = facts.slotRecords.opened;
   if (status == TVTQStatusCode::kSuccess || AreTablesMissing(facts)) return {};
   const char* why = status == TVTQStatusCode::kAccessDenied  ? "this user may not read them"
@@ -264,77 +264,78 @@ std::vector<Doubt> UnreadableTables(const CheckFacts& facts) {
   return {{"/sys/firmware/dmi/tables", "", why}};
 }
 
-std::vector<Doubt> NoRecords(const CheckFacts& facts) {
+std::vector<AffectedObject> NoRecords(const CheckFacts& facts) {
   const SlotRecords& slots = facts.slotRecords;
   if (slots.opened != TVTQStatusCode::kSuccess || !slots.records.empty()) return {};
   return {{"/sys/firmware/dmi/tables", "", ""}};
 }
 
-std::vector<Doubt> NoAddresses(const CheckFacts& facts) {
-  if (facts.slotRecords.records.empty() || facts.slotRecords.tellAddresses) return {};
+std::vector<AffectedObject> NoAddresses(const CheckFacts& facts) {
+  if (facts.slotRecords.records.empty() || facts.slotRecords.haveAddresses) return {};
   return {{"/sys/firmware/dmi/tables", "", ""}};
 }
 
 const std::vector<Check> kSlotChecks = {
     {"slot-tables-missing", Severity::kNote, "There are no SMBIOS tables, so no slot is published.",
-     "Firmware gives them to physical machines; a capture must be made as root to hold them.",
+     "Physical machines have them; a capture contains them only if it was made as root.",
      &NoTables},
     {"slot-tables-unreadable", Severity::kError,
      "The SMBIOS tables cannot be read, so no slot is published.",
-     "Run as root; where the tables are damaged, look for a firmware update.", &UnreadableTables},
+     "Run as root; if the tables are damaged, look for a firmware update.", &UnreadableTables},
     {"slot-records-missing", Severity::kNote,
-     "The SMBIOS tables hold no slot records, so no slot is published.",
+     "The SMBIOS tables contain no slot records, so no slot is published.",
      "A firmware update or, for a virtual machine, SMBIOS type 9 records can add them.",
      &NoRecords},
     {"slot-addresses-missing", Severity::kNote,
-     "The firmware's slot records have no addresses, so it is not known what sits in the slots.",
+     "The firmware's slot records have no addresses, so the functions in the slots are unknown.",
      "Look for a firmware update to SMBIOS 2.6 or later.", &NoAddresses},
     {"slot-unpublished", Severity::kError, "The firmware describes more slots than are published.",
      "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &UnpublishedSlots},
     {"slot-out-of-place", Severity::kError,
-     "A slot before these ones is missing; functions of a slot may be shown in the next one.",
+     "A slot before these is missing; functions of one slot may be shown in the next.",
      "See the messages of \"pciinfo instances QZMSG_SystemSlot\".", &OutOfPlace},
     {"slot-number-drift", Severity::kError,
-     "These slot records are too long for their peer groups to be published, and the groups are "
-     "counted all the same: functions of later slots are shown in wrong ones.",
-     "Do not rely on which function sits in a slot behind these; look for a firmware update.",
+     "These slot records are too long, so their peer groups are not published but still counted: "
+     "functions of later slots are shown in the wrong slots.",
+     "Do not trust the functions shown in slots after these; look for a firmware update.",
      &WithDriftingNumber},
     {"slot-record-short", Severity::kWarning,
-     "These slot records have no address, though the first one has: an address is read behind "
-     "their ends.",
-     "Do not rely on which function sits in these slots; look for a firmware update.",
+     "The first slot record has an address but these do not; their address is read from beyond the "
+     "end of the record.",
+     "Do not trust the functions shown in these slots; look for a firmware update.",
      &WithShortRecord},
     {"slot-address-missing", Severity::kWarning,
-     "These slots are in use, and the firmware gives a placeholder for the address: it is not "
-     "known what sits in them.",
-     "Find the card by its place on the board, or look for a firmware update.",
+     "These slots are in use, but the firmware gives a placeholder instead of an address, so "
+     "the functions in them are unknown.",
+     "Find the card by its position on the board, or look for a firmware update.",
      &InUseWithPlaceholder},
     {"slot-address-placeholder", Severity::kNote,
-     "These slots are not in use, and the firmware gives a placeholder for the address.",
-     "Nothing is wrong; a card that is put in may not be tied to its slot.",
+     "These slots are not in use, and the firmware gives a placeholder instead of an address.",
+     "This is normal; a card that is inserted later may not be assigned to its slot.",
      &UnusedWithPlaceholder},
     {"slot-address-dangling", Severity::kWarning,
-     "These slots are in use, and their addresses name no function that the kernel knows.",
+     "These slots are in use, but the kernel knows no function at their addresses.",
      "The firmware's numbering may differ from the kernel's; look for a firmware update.",
      &InUseWithoutFunction},
     {"slot-on-bus-zero", Severity::kWarning,
-     "These slots are in use on bus 0, whose slots are tied to no function.",
-     "Take the function from the address.", &OnBusZero},
+     "These slots are in use on bus 0; no functions are assigned to slots on bus 0.",
+     "Find the function by the slot's address.", &OnBusZero},
     {"slot-in-other-domain", Severity::kWarning,
-     "These slots are in another PCI domain; functions are tied to them by the bus number alone.",
+     "These slots are in another PCI domain; functions are assigned to them by bus number alone.",
      "Compare the functions shown in them with /sys/bus/pci/devices.", &InOtherDomain},
     {"slot-neighbour", Severity::kWarning,
-     "These functions are shown in a slot because they are on its bus; the slot's address is "
-     "that of another device.",
-     "Check the device number before you take the function for the slot's card.", &BesideTheSlot},
+     "These functions are shown in a slot because they are on its bus, but the slot's address "
+     "names another device.",
+     "Compare the device numbers before you assume that the function is the slot's card.",
+     &OnSlotBusButOtherDevice},
     {"slot-number-shared", Severity::kWarning,
-     "These functions are tied to a slot by a number that several slots have; the first of them "
-     "is published.",
-     "Find the card by its place on the board.", &ByAmbiguousNumber},
+     "These functions are assigned to a slot by a number that several slots share; the first of "
+     "those slots is published.",
+     "Find the card by its position on the board.", &ByAmbiguousNumber},
     {"slot-id-shared", Severity::kNote, "Several slots have the same slot ID.",
-     "Tell slots apart by \"Tag\", not by \"Number\".", &WithSharedId},
+     "Identify slots by \"Tag\", not by \"Number\".", &WithSharedId},
     {"slot-designation-shared", Severity::kNote, "Several slots have the same designation.",
-     "Tell slots apart by \"Tag\", not by \"SlotDesignation\".", &WithSharedDesignation},
+     "Identify slots by \"Tag\", not by \"SlotDesignation\".", &WithSharedDesignation},
 };
 
 }  // namespace

@@ -13,25 +13,25 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kMostShown = 8;
+constexpr std::size_t kMaxShown = 8;
 
-void WriteDoubts(Output& output, const std::vector<Doubt>& doubts) {
-  const std::size_t shown = doubts.size() > kMostShown + 1 ? kMostShown : doubts.size();
+void WriteObjects(Output& output, const std::vector<AffectedObject>& objects) {
+  const std::size_t shown = objects.size() > kMaxShown + 1 ? kMaxShown : objects.size();
   for (std::size_t i = 0; i < shown; ++i) {
-    const Doubt& doubt = doubts[i];
-    output.Write("    " + Printable(doubt.object));
-    if (!doubt.detail.empty()) output.Write("  " + Printable(doubt.detail));
+    const AffectedObject& object = objects[i];
+    output.Write("    " + Printable(object.object));
+    if (!object.detail.empty()) output.Write("  " + Printable(object.detail));
     output.Write("\n");
   }
-  if (shown == doubts.size()) return;
-  output.Write(fmt::format("    and {} more (--format json shows all)\n", doubts.size() - shown));
+  if (shown == objects.size()) return;
+  output.Write(fmt::format("    and {} more (--format json shows all)\n", objects.size() - shown));
 }
 
-Json DoubtJson(const Doubt& doubt) {
+Json ObjectJson(const AffectedObject& affected) {
   Json object;
-  object["object"] = ToUtf8(doubt.object);
-  if (!doubt.path.empty()) object["path"] = ToUtf8(doubt.path);
-  if (!doubt.detail.empty()) object["detail"] = ToUtf8(doubt.detail);
+  object["object"] = ToUtf8(affected.object);
+  if (!affected.path.empty()) object["path"] = ToUtf8(affected.path);
+  if (!affected.detail.empty()) object["detail"] = ToUtf8(affected.detail);
   return object;
 }
 
@@ -42,14 +42,16 @@ Json FindingJson(const CheckFinding& finding) {
   object["what"] = finding.check->what;
   object["advice"] = finding.check->advice;
   object["objects"] = Json::array();
-  for (const Doubt& doubt : finding.doubts) object["objects"].push_back(DoubtJson(doubt));
+  for (const AffectedObject& affected : finding.objects) {
+    object["objects"].push_back(ObjectJson(affected));
+  }
   return object;
 }
 
 }  // namespace
 
 void WriteFindings(Output& output, const std::vector<CheckFinding>& findings) {
-  if (findings.empty()) output.Write("Nothing about this inventory is known to be doubtful.\n");
+  if (findings.empty()) output.Write("No problems found in this inventory.\n");
   bool isFirst = true;
   for (const CheckFinding& finding : findings) {
     if (!isFirst) output.Write("\n");
@@ -57,7 +59,7 @@ void WriteFindings(Output& output, const std::vector<CheckFinding>& findings) {
     const Check& check = *finding.check;
     output.Write(fmt::format("{}: {}\n", SeverityText(check.severity), check.code));
     output.Write(fmt::format("  {}\n", check.what));
-    WriteDoubts(output, finding.doubts);
+    WriteObjects(output, finding.objects);
     output.Write(fmt::format("  Advice: {}\n", check.advice));
   }
 }

@@ -7,14 +7,14 @@
 
 namespace pciinfo {
 
-/// Writes findings as text: each with its code, its severity, the objects (the first ones of many)
-/// and the advice.
+/// Writes findings as text: each with its severity, code, objects (only the first of many) and
+/// advice.
 void WriteFindings(Output& output, const std::vector<CheckFinding>& findings);
 
-/// The same as JSON with every object; docs/findings.md describes it.
+/// Writes findings as JSON with all objects; docs/findings.md describes it.
 void WriteFindingsJson(Output& output, const std::vector<CheckFinding>& findings);
 
-/// Whether something is worse than a note.
+/// Whether any finding is a warning or an error.
 bool AreDoubtful(const std::vector<CheckFinding>& findings);
 
 }  // namespace pciinfo

@@ -28,8 +28,8 @@ const std::vector<Check>& AllChecks() {
 std::vector<CheckFinding> RunChecks(const CheckFacts& facts) {
   std::vector<CheckFinding> findings;
   for (const Check& check : AllChecks()) {
-    std::vector<Doubt> doubts = check.find(facts);
-    if (!doubts.empty()) findings.push_back({&check, std::move(doubts)});
+    std::vector<AffectedObject> objects = check.find(facts);
+    if (!objects.empty()) findings.push_back({&check, std::move(objects)});
   }
   return findings;
 }

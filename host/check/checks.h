@@ -9,18 +9,18 @@
 namespace pciinfo {
 
 enum class Severity {
-  kError,    ///< what is published is wrong, or something is missing
-  kWarning,  ///< what is published may mislead
-  kNote,     ///< what is published is right, and less than could be known
+  kError,    ///< published data is wrong or missing
+  kWarning,  ///< published data may be misleading
+  kNote,     ///< published data is correct but incomplete
 };
 
 const char* SeverityText(Severity severity);
 
-/// A thing that a check has a doubt about.
-struct Doubt {
+/// An object that a finding is about.
+struct AffectedObject {
   std::string object;  ///< an address, "Tag 3", a file or a program
-  std::string path;    ///< of the instance that publishes it; empty where there is none
-  std::string detail;  ///< what is the matter with this one; may be empty
+  std::string path;    ///< of the published instance; empty if there is none
+  std::string detail;  ///< what is wrong with this object; may be empty
 };
 
 /// One kind of finding. The codes are stable; docs/findings.md describes each.
@@ -29,21 +29,21 @@ struct Check {
   Severity severity;
   const char* what;    ///< a sentence
   const char* advice;  ///< one line
-  std::vector<Doubt> (*find)(const CheckFacts& facts);
+  std::vector<AffectedObject> (*find)(const CheckFacts& facts);
 };
 
 /// All checks, in the order in which findings are printed.
 const std::vector<Check>& AllChecks();
 
-/// A check that found something.
+/// A check with the objects that it found.
 struct CheckFinding {
   const Check* check;
-  std::vector<Doubt> doubts;
+  std::vector<AffectedObject> objects;
 };
 
 std::vector<CheckFinding> RunChecks(const CheckFacts& facts);
 
-// The parts of the table of checks.
+// The parts of AllChecks.
 const std::vector<Check>& FunctionChecks();
 const std::vector<Check>& RegionChecks();
 const std::vector<Check>& SlotChecks();

@@ -29,7 +29,7 @@ TCIMValue Texts(const std::vector<std::string>& texts) {
   return TCIMValue(TCIMValue::TCIMType(TCIMValue::TCIMType::kString), count, std::move(elements));
 }
 
-/// The value of a property; null where the class does not declare it.
+/// Returns the value of a property; null if the class does not declare it.
 TCIMValue ValueOf(const DiffItem& item, const std::string& name) {
   const auto& properties = item.cimClass->GetSchema().properties;
   for (std::size_t i = 0; i < properties.size(); ++i) {
@@ -46,8 +46,8 @@ std::set<std::string> PropertiesOf(const DiffPair& pair) {
   return names;
 }
 
-/// A function's number is its place, which "Location" tells.
-bool IsPlace(const DiffPair& pair, const std::string& name) {
+/// Whether a property is a "DeviceID" that only repeats "Location".
+bool RepeatsLocation(const DiffPair& pair, const std::string& name) {
   return name == "DeviceID" && ValueOf(*pair.before, name) == ValueOf(*pair.before, "Location") &&
          ValueOf(*pair.after, name) == ValueOf(*pair.after, "Location");
 }
@@ -86,7 +86,7 @@ class Comparison final {
  private:
   bool IsCompared(const std::string& name) const { return compared_.count(name) != 0; }
 
-  static bool SpeaksOf(const DiffInput& input, const vtq::Class& cimClass) {
+  static bool Covers(const DiffInput& input, const vtq::Class& cimClass) {
     return input.hasAllClasses || !cimClass.GetInstances().empty();
   }
 
@@ -94,10 +94,10 @@ class Comparison final {
     for (const auto& cimClass : before_.repository->GetClasses()) {
       const std::string& name = cimClass->GetSchema().name;
       const vtq::Class& other = *after_.repository->Find(name);
-      const bool isInOld = SpeaksOf(before_, *cimClass);
-      const bool isInNew = SpeaksOf(after_, other);
+      const bool isInOld = Covers(before_, *cimClass);
+      const bool isInNew = Covers(after_, other);
       if (isInOld && isInNew) compared_.insert(name);
-      if (isInOld == isInNew) functionless_.insert(name);
+      if (isInOld == isInNew) comparableClasses_.insert(name);
       if (isInOld && !isInNew && !cimClass->GetInstances().empty()) result_.onlyOld.push_back(name);
       if (!isInOld && isInNew && !other.GetInstances().empty()) result_.onlyNew.push_back(name);
     }
@@ -112,7 +112,7 @@ class Comparison final {
     Change change;
     change.subject = subject;
     for (const DiffItem* item : {pair.before, pair.after}) {
-      if (item != nullptr) change.label = item->label;  // the new one, where there are both
+      if (item != nullptr) change.label = item->label;  // the new label if there are both
     }
     if (subject == "system") change.label = subject;
     if (pair.before != nullptr) change.from = pair.before->instance;
@@ -120,7 +120,8 @@ class Comparison final {
     return change;
   }
 
-  void AddComing(const DiffPair& pair, const std::string& subject, const std::string& where = "") {
+  void AddWholeInstance(const DiffPair& pair, const std::string& subject,
+                        const std::string& where = "") {
     Change change = ChangeOf(pair, subject);
     change.op = pair.before == nullptr ? Change::Op::kAdd : Change::Op::kRemove;
     change.text = (pair.before == nullptr ? "added" : "removed") + where;
@@ -142,11 +143,12 @@ class Comparison final {
     for (const std::string& name : PropertiesOf(pair)) {
       const TCIMValue before = ValueOf(*pair.before, name);
       const TCIMValue after = ValueOf(*pair.after, name);
-      if (before == after || IsPlace(pair, name)) continue;
+      if (before == after || RepeatsLocation(pair, name)) continue;
       const std::string text = ChangeText(name, before, after);
       if (!IsOfSystem(name)) {
         AddValue(pair, subject, name, before, after, text);
-      } else if (told_.insert(text).second) {  // it is the same for everything of that system
+      } else if (reportedSystemChanges_.insert(text).second) {
+        // Only once, because all instances of a system have the same name and class.
         AddValue(pair, "system", name, before, after, text);
       }
     }
@@ -155,7 +157,7 @@ class Comparison final {
   void ComparePairs(const DiffItems& before, const DiffItems& after, const std::string& subject) {
     for (const DiffPair& pair : PairItems(before, after)) {
       if (pair.before == nullptr || pair.after == nullptr) {
-        AddComing(pair, subject);
+        AddWholeInstance(pair, subject);
       } else {
         CompareProperties(pair, subject);
       }
@@ -170,8 +172,8 @@ class Comparison final {
 
   void CompareDangling(const char* className) {
     if (!IsCompared(className)) return;
-    ComparePairs(DanglingItems(*before_.repository, className, functionless_),
-                 DanglingItems(*after_.repository, className, functionless_), "association");
+    ComparePairs(DanglingItems(*before_.repository, className, comparableClasses_),
+                 DanglingItems(*after_.repository, className, comparableClasses_), "association");
   }
 
   void CompareSlots() {
@@ -183,7 +185,7 @@ class Comparison final {
       if (pair.before != nullptr) Name(*pair.before, name, oldNames_, oldLabels_);
       if (pair.after != nullptr) Name(*pair.after, name, newNames_, newLabels_);
       if (pair.before == nullptr || pair.after == nullptr) {
-        AddComing(pair, "slot");
+        AddWholeInstance(pair, "slot");
       } else {
         CompareContents(pair);
         CompareProperties(pair, "slot");
@@ -209,7 +211,7 @@ class Comparison final {
       }
     }
     std::sort(addresses.begin(), addresses.end());
-    return addresses.empty() ? "functions that are not published"
+    return addresses.empty() ? "unpublished functions"
                              : fmt::format("{}", fmt::join(addresses, ", "));
   }
 
@@ -217,9 +219,9 @@ class Comparison final {
     const bool wasEmpty = pair.before->functions.empty();
     if (!IsCompared("QZMSG_DeviceInSlot") || wasEmpty == pair.after->functions.empty()) return;
     AddValue(pair, "slot", kFunctions, Texts(pair.before->functions), Texts(pair.after->functions),
-             wasEmpty ? "now holds " + Addresses(*after_.repository, *pair.after)
-                      : "holds nothing any more, and held " +
-                            Addresses(*before_.repository, *pair.before));
+             wasEmpty
+                 ? "now holds " + Addresses(*after_.repository, *pair.after)
+                 : fmt::format("now empty (was {})", Addresses(*before_.repository, *pair.before)));
   }
 
   void CompareFunctions() {
@@ -231,9 +233,9 @@ class Comparison final {
     const DiffItems after = FunctionItems(*after_.repository, classes, newNames_);
     for (const DiffPair& pair : PairItems(before, after)) {
       if (pair.before == nullptr) {
-        AddComing(pair, "function", WhereText(*pair.after, newLabels_));
+        AddWholeInstance(pair, "function", WhereText(*pair.after, newLabels_));
       } else if (pair.after == nullptr) {
-        AddComing(pair, "function", WhereText(*pair.before, oldLabels_));
+        AddWholeInstance(pair, "function", WhereText(*pair.before, oldLabels_));
       } else {
         CompareCard(pair);
         ComparePlace(pair);
@@ -260,7 +262,7 @@ class Comparison final {
     return texts;
   }
 
-  /// What it sits in, in words; empty where nothing tells.
+  /// The slots or board that hold a function, in words; empty if unknown.
   static std::string PlaceText(const DiffItem& function, const Names& labels) {
     std::vector<std::string> texts = SlotLabels(function, labels);
     if (function.isOnBoard) texts.emplace_back("the board");
@@ -287,7 +289,9 @@ class Comparison final {
     if (Places(*pair.before, oldNames_) == Places(*pair.after, newNames_)) return;
     const std::string before = PlaceText(*pair.before, oldLabels_);
     const std::string after = PlaceText(*pair.after, newLabels_);
-    const auto shown = [](const std::string& place) { return place.empty() ? "nowhere" : place; };
+    const auto shown = [](const std::string& place) {
+      return place.empty() ? "an unknown place" : place;
+    };
     AddValue(pair, "function", kSlot, Texts(SlotLabels(*pair.before, oldLabels_)),
              Texts(SlotLabels(*pair.after, newLabels_)),
              fmt::format("card moved from {} to {}", shown(before), shown(after)));
@@ -315,11 +319,11 @@ class Comparison final {
   const std::set<std::string>& ignored_;
   DiffResult result_;
   std::set<std::string> compared_;
-  std::set<std::string> functionless_;
-  std::set<std::string> told_;
+  std::set<std::string> comparableClasses_;
+  std::set<std::string> reportedSystemChanges_;
   DiffItems oldSlots_;
   DiffItems newSlots_;
-  // Of slots, by path.
+  // Names and labels of slots, by path.
   Names oldNames_;
   Names newNames_;
   Names oldLabels_;

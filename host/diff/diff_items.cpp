@@ -18,7 +18,7 @@ std::string Hex(const std::optional<unsigned>& number) {
   return number ? fmt::format("{:04x}", *number) : "";
 }
 
-/// A property that only some classes declare; no value where it is not.
+/// Reads a property that only some classes declare; nothing if undeclared or unset.
 std::optional<unsigned> OptionalNumber(const vtq::Class& cimClass, const vtq::Instance& instance,
                                        const std::string& property) {
   const auto& properties = cimClass.GetSchema().properties;
@@ -48,10 +48,10 @@ TCIMReference ReferenceOf(const vtq::Instance& association, const char* property
   return association.GetProperty(property, {}).value.GetReference();
 }
 
-/// What an association says of a function.
+/// The instances that an association joins to functions.
 using Placements = std::multimap<std::string, std::string>;
 
-/// The paths that an association joins functions with, by the path of the function.
+/// Returns the paths of slots or boards that an association joins to functions, by function path.
 Placements PlacementsOf(const vtq::Namespace& repository, const char* association) {
   Placements placements;
   for (const auto& instance : repository.Find(association)->GetInstances()) {
@@ -74,8 +74,8 @@ std::string DeviceAndFunction(const PciFunction& function) {
   return fmt::format("{:x}.{:x}", function.address->device, function.address->function);
 }
 
-/// The same card in the same slot is sure even where buses have other numbers. Another card at the
-/// same address is a replacement.
+/// The slot comes first, because it identifies a card even if buses are renumbered. The address
+/// alone comes last: it finds the card that was replaced by another one.
 std::vector<std::string> FunctionKeys(const DiffItem& item,
                                       const std::map<std::string, std::string>& slotNames) {
   std::string place;

@@ -15,48 +15,48 @@
 
 namespace pciinfo {
 
-/// An instance that is compared.
+/// An instance to compare.
 struct DiffItem {
   std::shared_ptr<vtq::Class> cimClass;
   std::shared_ptr<vtq::Instance> instance;
   std::string label;  ///< printable
-  /// What it may be known by, from the surest to the weakest; an empty one is none.
+  /// Keys to pair it by, from the most to the least reliable; empty keys are not used.
   std::vector<std::string> keys;
-  // Of functions.
+  // For functions only.
   PciFunction function;
-  std::set<std::string> slots;  ///< paths of the slots that it sits in
+  std::set<std::string> slots;  ///< paths of the slots that hold it
   bool isOnBoard = false;
   std::optional<LinkStatus> link;
-  // Of slots.
+  // For slots only.
   std::vector<std::string> functions;  ///< paths of the functions in it
 };
 
 using DiffItems = std::vector<DiffItem>;
 
-/// Two items that are the same thing; one of them is null where only one inventory has it.
+/// Two items that correspond; one is null if only one inventory has the item.
 struct DiffPair {
   const DiffItem* before = nullptr;
   const DiffItem* after = nullptr;
 };
 
-/// Pairs items key by key: two that share the first key, of the rest two that share the second one,
-/// and so on. All items must have the same number of keys. The pairs of items in the order of
-/// `after`, with the items that only `before` has first.
+/// Pairs items that have the same first key, then those of the rest that have the same second key,
+/// and so on. All items must have the same number of keys. Returns first the items that only
+/// `before` has, then the pairs in the order of `after`.
 std::vector<DiffPair> PairItems(const DiffItems& before, const DiffItems& after);
 
-/// The slots of a repository, by tag; their labels name designation and tag.
+/// Returns the slots of a repository; their labels contain designation and tag.
 DiffItems SlotItems(const vtq::Namespace& repository);
 
-/// The functions of some classes, by address. `slotNames` gives a slot, by path, a name that it has
-/// in both inventories; a slot without one is known by its path.
+/// Returns the functions of the given classes, sorted by address. `slotNames` maps the path of a
+/// slot to a name that is the same in both inventories; other slots are identified by their path.
 DiffItems FunctionItems(const vtq::Namespace& repository, const std::set<std::string>& classes,
                         const std::map<std::string, std::string>& slotNames);
 
-/// The instances of a class, known by one key property.
+/// Returns the instances of a class, identified by one key property.
 DiffItems ItemsOf(const vtq::Namespace& repository, const std::string& className,
                   const std::string& key);
 
-/// Associations whose function is not published, known by what they join.
+/// Returns associations whose function is not published, identified by their path.
 DiffItems DanglingItems(const vtq::Namespace& repository, const std::string& className,
                         const std::set<std::string>& functionClasses);
 

@@ -11,17 +11,17 @@ namespace {
 
 using nlohmann::json;
 
-/// By Change::Op.
+/// Indexed by Change::Op.
 constexpr const char* kOps[] = {"add", "remove", "move", "replace"};
 constexpr char kMarks[] = {'+', '-', '~', '~'};
 
 char MarkOf(const Change& change) { return kMarks[static_cast<std::size_t>(change.op)]; }
 
-bool IsComing(const Change& change) {
+bool IsAddOrRemove(const Change& change) {
   return change.op == Change::Op::kAdd || change.op == Change::Op::kRemove;
 }
 
-bool AreOfOne(const Change& left, const Change& right) {
+bool AreAboutSameObject(const Change& left, const Change& right) {
   return left.subject == right.subject && left.from == right.from && left.to == right.to;
 }
 
@@ -37,7 +37,7 @@ class JsonChanges final {
     Text("label", change.label);
     if (change.from != nullptr) Text("from", change.from->GetPath());
     if (change.to != nullptr) Text("path", change.to->GetPath());
-    if (IsComing(change)) {
+    if (IsAddOrRemove(change)) {
       WriteInstance(change.op == Change::Op::kAdd ? *change.to : *change.from);
     } else {
       Text("property", change.property);
@@ -83,7 +83,7 @@ void WriteDiff(Output& output, const DiffHeading& heading, const DiffResult& res
   output.Write("--- " + Printable(heading.before) + "\n+++ " + Printable(heading.after) + "\n");
   const Change* last = nullptr;
   for (const Change& change : result.changes) {
-    const bool isNew = last == nullptr || !AreOfOne(*last, change);
+    const bool isNew = last == nullptr || !AreAboutSameObject(*last, change);
     last = &change;
     const std::string head = std::string(1, MarkOf(change)) + ' ' + change.subject + ' ';
     if (isNew) output.Write(TrimEnd(head + change.label) + "\n");

@@ -8,17 +8,17 @@
 
 namespace pciinfo {
 
-/// What a comparison's reader is told besides the changes.
+/// What is printed besides the changes.
 struct DiffHeading {
   std::string before;  ///< the name of the old side
-  std::string after;   ///< the name of the new one
+  std::string after;   ///< the name of the new side
   std::set<std::string> ignored;
 };
 
-/// Writes changes for people: what they are about, and below it each change in words.
+/// Writes changes for people: each changed object with its changes in words below it.
 void WriteDiff(Output& output, const DiffHeading& heading, const DiffResult& result);
 
-/// The same as JSON; docs/diff.md describes it.
+/// Writes changes as JSON; docs/diff.md describes it.
 void WriteDiffJson(Output& output, const DiffHeading& heading, const DiffResult& result);
 
 }  // namespace pciinfo

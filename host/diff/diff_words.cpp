@@ -27,7 +27,7 @@ std::string PlainText(const TCIMValue& value) {
   return '[' + text + ']';
 }
 
-/// The number of a value, or of an array of one; no value for all else.
+/// Returns the number of a value or of an array with one element; nothing for other values.
 std::optional<unsigned> CodeOf(const TCIMValue& value) {
   if (value.IsArray()) {
     const auto& elements = value.GetArray();
@@ -93,10 +93,10 @@ constexpr WordsRow kWords[] = {
 };
 
 std::string LineText(const TCIMValue::TArray& lines, std::size_t number) {
-  return number < lines.size() ? PlainText(lines[number]) : "(end)";
+  return number < lines.size() ? PlainText(lines[number]) : "(end of listing)";
 }
 
-/// Listings are too long to be shown.
+/// Shows only the first difference, because listings are long.
 std::string ListingText(const TCIMValue& before, const TCIMValue& after) {
   if (!before.IsArray() || !after.IsArray()) {
     const auto size = [](const TCIMValue& value) {
@@ -108,18 +108,18 @@ std::string ListingText(const TCIMValue& before, const TCIMValue& after) {
   const auto& now = after.GetArray();
   const auto [place, other] = std::mismatch(old.begin(), old.end(), now.begin(), now.end());
   const auto first = static_cast<std::size_t>(place - old.begin());
-  return fmt::format("listing: {} lines -> {} lines; from line {} on: {} -> {}", old.size(),
-                     now.size(), first + 1, LineText(old, first), LineText(now, first));
+  return fmt::format("listing: {} lines -> {} lines; first difference at line {}: {} -> {}",
+                     old.size(), now.size(), first + 1, LineText(old, first), LineText(now, first));
 }
 
-/// A usage that says more than its code.
+/// Says in words that a slot became empty or got a card.
 std::string UsageText(const TCIMValue& before, const TCIMValue& after) {
   constexpr unsigned kAvailable = 3;
   constexpr unsigned kInUse = 4;
   const auto old = CodeOf(before);
   const auto now = CodeOf(after);
-  if (old == kInUse && now == kAvailable) return "is now empty: ";
-  if (old == kAvailable && now == kInUse) return "is no longer empty: ";
+  if (old == kInUse && now == kAvailable) return "now empty: ";
+  if (old == kAvailable && now == kInUse) return "no longer empty: ";
   return "";
 }
 

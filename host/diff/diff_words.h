@@ -6,8 +6,8 @@
 
 namespace pciinfo {
 
-/// The change of a property's value in words, printable: for properties that mean something to
-/// people in their terms ("revision a1 -> a2"), for all others as "NAME: old -> new".
+/// Describes the change of a property in printable words: well-known properties by name and value
+/// in words ("hardware revision a1 -> a2"), all others as "NAME: old -> new".
 std::string ChangeText(const std::string& property, const NQZMVTQ20::TCIMValue& before,
                        const NQZMVTQ20::TCIMValue& after);
 

@@ -20,7 +20,7 @@ std::string RealOf(const TCIMValue& value) {
   return RealText(value);
 }
 
-/// A scalar that is not null.
+/// The scalar must not be null.
 std::string TextOf(const TCIMValue& value) {
   using enum TCIMValue::TCIMType::ECIMType;
   switch (value.GetType().GetCode()) {
@@ -38,7 +38,7 @@ bool IsReference(TCIMValue::TCIMType type) {
   return type.GetCode() == TCIMValue::TCIMType::kReference;
 }
 
-/// How the DTD calls an element type: an array of references has no form there but their texts.
+/// The DTD has no arrays of references; they are written as strings.
 const char* TypeName(TCIMValue::TCIMType type) {
   return IsReference(type) ? "string" : type.GetName();
 }

@@ -6,7 +6,7 @@
 
 namespace pciinfo {
 
-/// A CIM-XML declaration (DSP0201, DSP0203 2.4) of instances with their local paths.
+/// Writes a CIM-XML declaration (DSP0201, DSP0203 2.4) of instances with their local paths.
 /// docs/formats.md describes it.
 /// `output` must outlive the writer.
 std::unique_ptr<InstanceWriter> MakeCimXmlWriter(Output& output);

@@ -7,8 +7,8 @@
 
 namespace pciinfo {
 
-/// One table (RFC 4180) of all instances: the columns "class" and "path", then every property that
-/// one of the classes has, in byte order of the names. docs/formats.md describes it.
+/// Writes all instances as one table (RFC 4180): the columns "class" and "path", then every
+/// property of any of the classes, in byte order of the names. docs/formats.md describes it.
 class CsvWriter final : public InstanceWriter {
  public:
   explicit CsvWriter(Output& output) : output_(output) {}
@@ -24,8 +24,8 @@ class CsvWriter final : public InstanceWriter {
   void WriteArray(const NQZMVTQ20::TCIMValue::TArray& elements);
 
   Output& output_;
-  std::vector<std::string> columns_;    // of the properties, sorted
-  std::vector<std::size_t> positions_;  // of the columns in the schema of the current class
+  std::vector<std::string> columns_;    // property names, sorted
+  std::vector<std::size_t> positions_;  // of the columns in the current class's schema
 };
 
 }  // namespace pciinfo

@@ -10,9 +10,9 @@
 
 namespace pciinfo {
 
-/// Writes instances in one format, one at a time: nothing is kept of an instance that was written.
-/// Calls come in the order: Expect for every class, Begin, then for every class BeginClass and its
-/// instances, then End. All throw what Output throws.
+/// Writes instances in one format, one at a time, and keeps none of them in memory. Call Expect for
+/// every class, then Begin, then for every class BeginClass and Write for its instances, then End.
+/// All throw what Output throws.
 class VTQ_EXPORT InstanceWriter {
  public:
   virtual ~InstanceWriter() = default;
@@ -24,13 +24,13 @@ class VTQ_EXPORT InstanceWriter {
   virtual void End() {}
 };
 
-/// The names that MakeInstanceWriter knows.
+/// The names of the formats.
 std::vector<std::string> InstanceFormats();
 
-/// The writer of a format, which must be one of InstanceFormats. `output` must outlive it.
+/// Makes the writer of a format, which must be one of InstanceFormats. `output` must outlive it.
 std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output);
 
-/// Writes what the repository holds of `classes`, in that order, each in commit order.
+/// Writes the instances of `classes`: classes in the given order, instances in commit order.
 void WriteInstances(const vtq::Namespace& repository, const std::vector<std::string>& classes,
                     InstanceWriter& writer);
 

@@ -18,7 +18,7 @@ namespace {
 using nlohmann::json;
 using NQZMVTQ20::TCIMValue;
 
-/// A place in the text.
+/// A place in the text, for messages.
 class Place {
  public:
   static Place OfDocument(std::size_t index) {
@@ -41,7 +41,7 @@ class Place {
 };
 
 std::string Shown(const json& value) {
-  // Not its content: a text that is nested without end is not to be walked into.
+  // Not the content: dumping deeply nested input would exhaust the stack.
   if (value.is_structured()) return std::string("an ") + value.type_name();
   constexpr std::size_t kWidth = 60;
   return Cut(Printable(value.dump()), kWidth);
@@ -49,14 +49,15 @@ std::string Shown(const json& value) {
 
 const json& MemberOf(const json& object, const char* name, json::value_t type, const Place& place) {
   const auto member = object.find(name);
-  if (member == object.end()) place.Fail(fmt::format("there is no \"{}\"", name));
+  if (member == object.end()) place.Fail(fmt::format("\"{}\" is missing", name));
   if (member->type() != type) {
-    place.Member(name).Fail(fmt::format("{} is no {}", Shown(*member), json(type).type_name()));
+    place.Member(name).Fail(
+        fmt::format("{} is not of type {}", Shown(*member), json(type).type_name()));
   }
   return *member;
 }
 
-/// Runs a step of the repository, whose exceptions do not know the place.
+/// Runs a step of the repository and adds the place to its exceptions.
 template <class Step>
 auto AtPlace(const Place& place, const Step& step) {
   try {
@@ -73,11 +74,11 @@ class Reader {
   explicit Reader(vtq::Namespace& repository) : repository_(repository) {}
 
   void Read(const json& object, const Place& place) {
-    if (!object.is_object()) place.Fail(Shown(object) + " is no object");
+    if (!object.is_object()) place.Fail(Shown(object) + " is not an object");
     const auto& name = TextOf(object, "class", place);
     const std::shared_ptr<vtq::Class> cimClass = repository_.Find(name);
     if (cimClass == nullptr) {
-      place.Member("class").Fail(fmt::format("there is no class \"{}\"", Printable(name)));
+      place.Member("class").Fail(fmt::format("unknown class \"{}\"", Printable(name)));
     }
     const auto instance = std::make_shared<vtq::Instance>(cimClass);
     const json& properties = MemberOf(object, "properties", json::value_t::object, place);
@@ -105,7 +106,7 @@ class Reader {
   TCIMValue ValueOf(const vtq::PropertySchema& property, const json& value,
                     const Place& place) const {
     if (!property.isArray) return ScalarOf(property.type, value, place);
-    if (!value.is_array()) place.Fail(Shown(value) + " is no array");
+    if (!value.is_array()) place.Fail(Shown(value) + " is not an array");
     TCIMValue::TArray elements;
     elements.reserve(value.size());
     for (const json& element : value) {
@@ -125,7 +126,7 @@ class Reader {
     } else if (value.is_string()) {
       scalar = TextValueOf(type, value.get_ref<const std::string&>(), place);
     }
-    if (!scalar) place.Fail(fmt::format("{} is no {}", Shown(value), type.GetName()));
+    if (!scalar) place.Fail(fmt::format("{} is not of type {}", Shown(value), type.GetName()));
     return *std::move(scalar);
   }
 
@@ -160,16 +161,16 @@ class Reader {
 
   static void CheckPath(const vtq::Class& cimClass, const vtq::Instance& instance,
                         const std::string& path, const Place& place) {
-    const std::string made =
+    const std::string expected =
         AtPlace(place, [&] { return instance.GetObjectReference({}).ToString(); });
-    if (made != path) place.Fail("it does not match the keys, which make " + Printable(made));
-    if (cimClass.Find(path) != nullptr) place.Fail("an instance before this one has it already");
+    if (expected != path) place.Fail("does not match the keys; expected " + Printable(expected));
+    if (cimClass.Find(path) != nullptr) place.Fail("an earlier instance has the same path");
   }
 
   vtq::Namespace& repository_;
 };
 
-/// The text of a parse error without what names the library.
+/// The message of a parse error without the prefix that names the library.
 std::string ReasonOf(const json::parse_error& error) {
   const std::string text = error.what();
   return text.substr(text.find("] ") + 2);
@@ -180,9 +181,9 @@ json ParseLine(std::string_view line, std::size_t number) {
     return json::parse(line);
   } catch (const json::parse_error& error) {
     std::string reason = ReasonOf(error);
-    const std::string_view itsOwnLine = "line 1, ";
-    if (const auto place = reason.find(itsOwnLine); place != std::string::npos) {
-      reason.erase(place, itsOwnLine.size());
+    const std::string_view libraryLine = "line 1, ";
+    if (const auto place = reason.find(libraryLine); place != std::string::npos) {
+      reason.erase(place, libraryLine.size());
     }
     throw JsonInputError(fmt::format("line {}: {}", number, reason));
   }
@@ -207,7 +208,7 @@ bool IsBlank(std::string_view text) {
   return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-/// Whether the first line is an instance of its own.
+/// Whether the first line is a complete instance.
 bool IsJsonLines(std::string_view text) {
   const json first = json::parse(TakeLine(text), nullptr, false);
   return first.is_object() && first.contains("class");
@@ -225,7 +226,7 @@ void ReadDocument(std::string_view text, Reader& reader) {
   const auto instances = document.find("instances");
   if (instances == document.end() || !instances->is_array()) {
     throw JsonInputError(
-        "this is no output of \"pciinfo instances\": it has no array \"instances\"");
+        "not the output of \"pciinfo instances\": the array \"instances\" is missing");
   }
   for (std::size_t index = 0; index < instances->size(); ++index) {
     reader.Read((*instances)[index], Place::OfDocument(index));
@@ -235,7 +236,7 @@ void ReadDocument(std::string_view text, Reader& reader) {
 }  // namespace
 
 void ReadInstances(std::string_view text, vtq::Namespace& repository) {
-  if (IsBlank(text)) throw JsonInputError("there is no JSON in it");
+  if (IsBlank(text)) throw JsonInputError("the input is empty");
   Reader reader(repository);
   if (IsJsonLines(text)) return ReadLines(text, reader);
   ReadDocument(text, reader);

@@ -13,8 +13,7 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-// How a character that is not plain stands in a JSON string, as far as that can be told without its
-// neighbours; null where it cannot.
+// The JSON escape of a common character; null for those that WriteConverted must handle.
 const char* EscapeOf(char c) {
   switch (c) {
     case '"':
@@ -28,7 +27,7 @@ const char* EscapeOf(char c) {
   }
 }
 
-// Which bytes stand for themselves in a JSON string; nearly all do.
+// The bytes that JSON strings contain unescaped; most texts have no others.
 constexpr auto kIsPlain = [] {
   std::array<bool, 256> isPlain{};
   for (unsigned char c = ' '; c <= '~'; ++c) isPlain[c] = c != '"' && c != '\\';
@@ -41,8 +40,8 @@ std::size_t CountPlain(std::string_view text) {
   return static_cast<std::size_t>(end - text.begin());
 }
 
-// The rest of a string from its first character that may need conversion, and the closing quote.
-// The plain characters before it have no say in what the rest is converted to.
+// Writes the rest of a string, from the first character that may need conversion, and the closing
+// quote. The plain characters before it do not affect the conversion.
 void WriteConverted(Output& output, std::string_view rest) {
   output.Write(std::string_view(nlohmann::json(ToUtf8(rest)).dump()).substr(1));
 }

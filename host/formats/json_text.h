@@ -7,11 +7,11 @@
 
 namespace pciinfo {
 
-/// Writes `bytes` (made UTF-8, see ToUtf8) as a JSON string with its quotes.
+/// Writes `bytes`, converted by ToUtf8, as a JSON string with quotes.
 void WriteJsonString(Output& output, std::string_view bytes);
 
-/// Writes a value as JSON: numbers and booleans as such, texts, datetimes and the paths of
-/// references as strings, null as null. An array goes out element by element.
+/// Writes a value as JSON: numbers and booleans as such; texts, datetimes and the paths of
+/// references as strings; null as null. Arrays are written element by element.
 void WriteJsonValue(Output& output, const NQZMVTQ20::TCIMValue& value);
 
 }  // namespace pciinfo

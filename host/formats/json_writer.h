@@ -7,23 +7,23 @@
 
 namespace pciinfo {
 
-/// Writes instances as JSON objects, which docs/formats.md describes.
+/// Writes instances as JSON objects; docs/formats.md describes them.
 class JsonObjects final {
  public:
   explicit JsonObjects(Output& output) : output_(output) {}
 
-  /// The instances that follow are of that class.
+  /// Sets the class of the instances that follow.
   void BeginClass(const vtq::Class& cimClass);
   void Write(const vtq::Class& cimClass, const vtq::Instance& instance);
 
  private:
   Output& output_;
-  // The same for all instances: made once.
+  // Made once for all instances of the class.
   std::string head_;
-  std::vector<std::string> names_;  // by their positions in the schema
+  std::vector<std::string> names_;  // by position in the schema
 };
 
-/// One instance a line, each a JSON object.
+/// Writes one JSON object per line, one for each instance.
 class JsonLinesWriter final : public InstanceWriter {
  public:
   explicit JsonLinesWriter(Output& output) : output_(output), objects_(output) {}
@@ -36,7 +36,7 @@ class JsonLinesWriter final : public InstanceWriter {
   JsonObjects objects_;
 };
 
-/// One JSON document, one instance a line in its array.
+/// Writes one JSON document with an array of instances, one per line.
 class JsonWriter final : public InstanceWriter {
  public:
   explicit JsonWriter(Output& output) : output_(output), objects_(output) {}

@@ -12,7 +12,7 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-/// The letter of a character's short escape; 0 when it has none.
+/// The letter of a character's short escape; 0 if it has none.
 char EscapeLetter(char32_t codePoint) {
   switch (codePoint) {
     case U'"':
@@ -42,7 +42,7 @@ void AppendEscaped(std::string& text, char32_t codePoint) {
     text += '\\';
     text += letter;
   } else if (IsControl(codePoint)) {
-    // Four digits always: fewer would take the characters behind them along.
+    // Always four digits: otherwise a following hexadecimal digit would become part of the escape.
     text += fmt::format("\\x{:04X}", static_cast<unsigned>(codePoint));
   } else {
     AppendUtf8(text, codePoint);

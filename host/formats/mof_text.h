@@ -7,12 +7,12 @@
 
 namespace pciinfo {
 
-/// `bytes` (made UTF-8, see ToUtf8) as a MOF string with its quotes (DSP0004, annex A). Control
-/// characters are escaped, the others stand as they are.
+/// Returns `bytes`, converted by ToUtf8, as a MOF string with quotes (DSP0004, annex A). Only
+/// control characters, quotes and backslashes are escaped.
 std::string MofString(std::string_view bytes);
 
-/// A scalar as MOF: a reference as the string of its path, NULL for null and for the real numbers
-/// that MOF cannot hold (infinity, NaN).
+/// Returns a scalar as MOF: a reference as the string of its path; NULL for null, infinity and NaN,
+/// which MOF cannot express.
 std::string MofScalar(const NQZMVTQ20::TCIMValue& value);
 
 }  // namespace pciinfo

@@ -4,8 +4,8 @@
 
 namespace pciinfo {
 
-/// MOF (DSP0004) "instance of" declarations for the classes of `pciinfo schema --format mof`.
-/// docs/formats.md describes it.
+/// Writes MOF (DSP0004) "instance of" declarations for the classes of `pciinfo schema --format
+/// mof`. docs/formats.md describes it.
 class MofWriter final : public InstanceWriter {
  public:
   explicit MofWriter(Output& output) : output_(output) {}

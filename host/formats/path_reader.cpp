@@ -36,7 +36,7 @@ class PathParser {
  private:
   void Skip(std::string_view expected) {
     if (!rest_.starts_with(expected)) {
-      throw PathError(fmt::format("\"{}\" is expected where \"{}\" stands", expected,
+      throw PathError(fmt::format("expected \"{}\" at \"{}\"", expected,
                                   rest_.substr(0, expected.size() + 20)));
     }
     rest_.remove_prefix(expected.size());
@@ -52,7 +52,7 @@ class PathParser {
   std::shared_ptr<vtq::Class> ReadClass() {
     const std::string name = TakeUntil(".");
     if (auto cimClass = repository_.Find(name)) return cimClass;
-    throw PathError(fmt::format("there is no class \"{}\"", name));
+    throw PathError(fmt::format("unknown class \"{}\"", name));
   }
 
   void ReadKey(const vtq::Class& cimClass, TCIMReference::TKeyMap& keys) {
@@ -66,7 +66,7 @@ class PathParser {
     }
     Skip("=");
     if (!keys.emplace(name, ReadValue(*property)).second) {
-      throw PathError(fmt::format("the key {} is there twice", name));
+      throw PathError(fmt::format("the key {} occurs twice", name));
     }
   }
 
@@ -97,7 +97,7 @@ class PathParser {
       return TCIMValue(text == "TRUE");
     if (auto value = IntegerValue(key.type, std::string_view(text))) return *std::move(value);
     throw PathError(
-        fmt::format("the key {} is {} and not a {}", key.name, text, key.type.GetName()));
+        fmt::format("the key {}: {} is not of type {}", key.name, text, key.type.GetName()));
   }
 
   std::string TakeQuoted(const std::string& key) {

@@ -7,15 +7,14 @@
 
 namespace pciinfo {
 
-/// A text is no object path of a repository; what() says what is wrong with it.
+/// The text is not an object path of the repository; what() says why.
 class PathError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// The reference whose text TCIMReference::ToString makes: keys may stand in any order, but all of
-/// the class's keys must be there, each once and of its type. No instance needs to have that path.
-/// Throws PathError.
+/// Parses a path as TCIMReference::ToString writes it. Keys may come in any order; every key of the
+/// class must occur once, with a value of its type. The instance need not exist. Throws PathError.
 NQZMVTQ20::TCIMReference ReadPath(std::string_view path, const vtq::Namespace& repository);
 
 }  // namespace pciinfo

@@ -4,8 +4,8 @@
 
 namespace pciinfo {
 
-/// For people: a heading for every class, then for every instance a block of lines
-/// "property = value". An array of texts takes a line an element, every other array one line.
+/// Writes a table for people: a heading for every class, then for every instance a block of lines
+/// "property = value". Arrays of texts have one element per line; other arrays are on one line.
 class TableWriter final : public InstanceWriter {
  public:
   explicit TableWriter(Output& output) : output_(output) {}

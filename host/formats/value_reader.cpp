@@ -10,31 +10,31 @@ namespace {
 using NQZMVTQ20::TCIMValue;
 
 template <class Integer, class Number>
-std::optional<TCIMValue> Fitted(Number number) {
+std::optional<TCIMValue> ConvertTo(Number number) {
   if (!std::in_range<Integer>(number)) return std::nullopt;
   return TCIMValue(static_cast<Integer>(number));
 }
 
 template <class Number>
-std::optional<TCIMValue> FittedTo(TCIMValue::TCIMType type, Number number) {
+std::optional<TCIMValue> Convert(TCIMValue::TCIMType type, Number number) {
   using enum TCIMValue::TCIMType::ECIMType;
   switch (type.GetCode()) {
     case kUint8:
-      return Fitted<std::uint8_t>(number);
+      return ConvertTo<std::uint8_t>(number);
     case kSint8:
-      return Fitted<std::int8_t>(number);
+      return ConvertTo<std::int8_t>(number);
     case kUint16:
-      return Fitted<std::uint16_t>(number);
+      return ConvertTo<std::uint16_t>(number);
     case kSint16:
-      return Fitted<std::int16_t>(number);
+      return ConvertTo<std::int16_t>(number);
     case kUint32:
-      return Fitted<std::uint32_t>(number);
+      return ConvertTo<std::uint32_t>(number);
     case kSint32:
-      return Fitted<std::int32_t>(number);
+      return ConvertTo<std::int32_t>(number);
     case kUint64:
-      return Fitted<std::uint64_t>(number);
+      return ConvertTo<std::uint64_t>(number);
     case kSint64:
-      return Fitted<std::int64_t>(number);
+      return ConvertTo<std::int64_t>(number);
     default:
       return std::nullopt;
   }
@@ -46,17 +46,17 @@ std::optional<TCIMValue> Read(TCIMValue::TCIMType type, std::string_view text) {
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc() || stop != end) return std::nullopt;
-  return FittedTo(type, number);
+  return Convert(type, number);
 }
 
 }  // namespace
 
 std::optional<TCIMValue> IntegerValue(TCIMValue::TCIMType type, std::uint64_t number) {
-  return FittedTo(type, number);
+  return Convert(type, number);
 }
 
 std::optional<TCIMValue> IntegerValue(TCIMValue::TCIMType type, std::int64_t number) {
-  return FittedTo(type, number);
+  return Convert(type, number);
 }
 
 std::optional<TCIMValue> IntegerValue(TCIMValue::TCIMType type, std::string_view text) {

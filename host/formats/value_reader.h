@@ -8,13 +8,13 @@
 
 namespace pciinfo {
 
-/// A number as a value of an integer type; no value when it does not fit into that type, or the
-/// type is none of integers.
+/// Converts a number to an integer type. Returns nothing if the number does not fit or the type is
+/// not an integer type.
 std::optional<NQZMVTQ20::TCIMValue> IntegerValue(NQZMVTQ20::TCIMValue::TCIMType type,
                                                  std::uint64_t number);
 std::optional<NQZMVTQ20::TCIMValue> IntegerValue(NQZMVTQ20::TCIMValue::TCIMType type,
                                                  std::int64_t number);
-/// The same for a decimal text with nothing around it.
+/// The same for a text that consists of a decimal number only.
 std::optional<NQZMVTQ20::TCIMValue> IntegerValue(NQZMVTQ20::TCIMValue::TCIMType type,
                                                  std::string_view text);
 

@@ -8,27 +8,27 @@
 
 namespace pciinfo {
 
-/// An integer value, signed or unsigned, in decimal. Throws TVTQException for everything else.
+/// Returns a signed or unsigned integer value in decimal. Throws TVTQException for other types.
 std::string IntegerText(const NQZMVTQ20::TCIMValue& value);
 
-/// Whether values of a type are texts: strings, datetimes, and references, whose path is one.
+/// Whether values of the type are written as texts: strings, datetimes and references (their path).
 bool IsText(NQZMVTQ20::TCIMValue::TCIMType type);
 
-/// A finite real number with a decimal point, as CIM writes it. Throws TVTQException for everything
-/// that is no real number.
+/// Returns a finite real number with a decimal point, as CIM requires. Throws TVTQException for
+/// other types.
 std::string RealText(const NQZMVTQ20::TCIMValue& value);
 
-/// A scalar for people: texts as they are, booleans as "true" and "false", null as "".
+/// Returns a scalar for people: texts unchanged, booleans as "true" or "false", null as "".
 std::string ScalarText(const NQZMVTQ20::TCIMValue& value);
 
-// Properties of an instance. All throw TVTQException when the class does not declare the property
-// or the value is of another kind.
+// Properties of an instance. All throw TVTQException if the class does not declare the property or
+// the value has another type.
 
-/// A text; empty when it is unset.
+/// Returns a text; empty if unset.
 std::string TextOf(const vtq::Instance& instance, const std::string& property);
-/// An unsigned integer, or the first element of an array of them; no value when it is unset.
+/// Returns an unsigned integer, or the first element of an array of them; nothing if unset.
 std::optional<unsigned> NumberOf(const vtq::Instance& instance, const std::string& property);
-/// A boolean; no value when it is unset.
+/// Returns a boolean; nothing if unset.
 std::optional<bool> BooleanOf(const vtq::Instance& instance, const std::string& property);
 
 }  // namespace pciinfo

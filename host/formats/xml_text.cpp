@@ -17,24 +17,24 @@ struct Free {
 
 const xmlChar* Xml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 
-// It has no other reason to fail than a lack of memory: what it writes into is memory.
+// The writer writes to memory, so lack of memory is its only failure.
 void Check(int result) {
   if (result < 0) throw std::bad_alloc();
 }
 
-bool CanStandInXml(char32_t codePoint) {
+bool IsXmlCharacter(char32_t codePoint) {
   if (codePoint < 0x20) return codePoint == U'\t' || codePoint == U'\n';
   return codePoint != 0xFFFE && codePoint != 0xFFFF;
 }
 
-std::string Carriable(std::string_view bytes) {
+std::string XmlCharacters(std::string_view bytes) {
   constexpr char32_t kReplacement = 0xFFFD;
   const std::string utf8 = ToUtf8(bytes);
   std::string text;
   text.reserve(utf8.size());
   for (std::size_t position = 0; position < utf8.size();) {
     const char32_t codePoint = NextCodePoint(utf8, position);
-    AppendUtf8(text, CanStandInXml(codePoint) ? codePoint : kReplacement);
+    AppendUtf8(text, IsXmlCharacter(codePoint) ? codePoint : kReplacement);
   }
   return text;
 }
@@ -63,14 +63,14 @@ void XmlText::Open(const char* element, Attributes attributes) {
   Check(xmlTextWriterStartElement(parts_->writer.get(), Xml(element)));
   for (const auto& [name, value] : attributes) {
     Check(xmlTextWriterWriteAttribute(parts_->writer.get(), Xml(name),
-                                      Xml(Carriable(value).c_str())));
+                                      Xml(XmlCharacters(value).c_str())));
   }
 }
 
 void XmlText::Close() { Check(xmlTextWriterFullEndElement(parts_->writer.get())); }
 
 void XmlText::Text(std::string_view bytes) {
-  Check(xmlTextWriterWriteString(parts_->writer.get(), Xml(Carriable(bytes).c_str())));
+  Check(xmlTextWriterWriteString(parts_->writer.get(), Xml(XmlCharacters(bytes).c_str())));
 }
 
 void XmlText::EndLine() { Check(xmlTextWriterWriteRaw(parts_->writer.get(), Xml("\n"))); }

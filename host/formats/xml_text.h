@@ -9,9 +9,9 @@
 
 namespace pciinfo {
 
-/// Makes XML 1.0 in UTF-8 as the strictest of its readers take it: every element has a start and an
-/// end tag, texts stand unbroken, and nothing but the five named entities is used. All throw
-/// std::bad_alloc when memory does not suffice.
+/// Builds XML 1.0 in UTF-8 that strict CIM-XML readers accept: every element has a start and an end
+/// tag, texts are not split, and only the five named entities are used. All functions throw
+/// std::bad_alloc if memory is short.
 class XmlText final {
  public:
   using Attributes = std::initializer_list<std::pair<const char*, std::string_view>>;
@@ -21,17 +21,18 @@ class XmlText final {
   XmlText& operator=(const XmlText&) = delete;
   ~XmlText();
 
-  /// The XML declaration; comes first.
+  /// Adds the XML declaration; call it first.
   void Begin();
   void Open(const char* element, Attributes attributes = {});
   void Close();
-  /// `bytes` (made UTF-8, see ToUtf8) as content of the open element. A character that XML cannot
-  /// carry becomes U+FFFD, a carriage return too: its readers turn it into a line feed.
+  /// Adds `bytes`, converted by ToUtf8, as content of the open element. Characters that XML does
+  /// not allow become U+FFFD, and so do carriage returns, which XML readers would turn into line
+  /// feeds.
   void Text(std::string_view bytes);
-  /// A line end between elements.
+  /// Adds a line end between elements.
   void EndLine();
 
-  /// Moves what was made so far to `output`; throws what Output throws.
+  /// Writes the text so far to `output` and clears it; throws what Output throws.
   void MoveTo(Output& output);
 
  private:

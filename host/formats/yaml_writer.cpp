@@ -13,7 +13,7 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-// Quoted always: a reader would take many a plain text ("1e3", "no", "~") for something else.
+// Always quoted: readers would take plain texts such as "1e3", "no" or "~" for other types.
 void EmitText(YAML::Emitter& emitter, const std::string& bytes) {
   emitter << YAML::DoubleQuoted << ToUtf8(bytes);
 }
@@ -67,7 +67,7 @@ class YamlWriter final : public InstanceWriter {
 void YamlWriter::Begin() { output_.Write("instances:"); }
 
 void YamlWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance) {
-  // A list of one item below the other such lists is one list for a reader.
+  // Each instance is emitted as a list of one item; consecutive items read as one list.
   YAML::Emitter emitter;
   emitter.SetOutputCharset(YAML::EscapeNonAscii);
   emitter << YAML::BeginSeq << YAML::BeginMap;

@@ -6,7 +6,7 @@
 
 namespace pciinfo {
 
-/// One YAML document with the keys and values of the JSON one. docs/formats.md describes it.
+/// Writes one YAML document with the same keys and values as JSON. docs/formats.md describes it.
 /// `output` must outlive the writer.
 std::unique_ptr<InstanceWriter> MakeYamlWriter(Output& output);
 

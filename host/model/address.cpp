@@ -7,7 +7,7 @@
 namespace pciinfo {
 namespace {
 
-/// Takes `label`, blanks and a decimal number up to `highest` from the front of `text`.
+/// Removes `label`, blanks and a decimal number up to `highest` from the front of `text`.
 std::optional<unsigned> TakeNumber(std::string_view& text, std::string_view label,
                                    unsigned highest) {
   if (!text.starts_with(label)) return std::nullopt;

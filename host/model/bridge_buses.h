@@ -11,18 +11,18 @@ namespace pciinfo {
 
 /// The buses behind a bridge.
 struct BridgeBuses {
-  unsigned secondary = 0;    ///< the bus right behind it
-  unsigned subordinate = 0;  ///< the highest bus behind it
+  unsigned secondary = 0;    ///< the bus directly behind the bridge
+  unsigned subordinate = 0;  ///< the highest bus behind the bridge
 };
 
-/// Reads them from the configuration space of a function, of which the first 64 bytes suffice. No
-/// value for one that is no PCI-to-PCI or CardBus bridge, and for a bridge that nobody has set up:
-/// the buses behind a bridge have higher numbers than its own.
+/// Reads them from the configuration space of a function; the first 64 bytes suffice. Returns
+/// nothing if the function is not a PCI-to-PCI or CardBus bridge, or if the bridge is not
+/// configured: the buses behind a configured bridge have higher numbers than its own bus.
 std::optional<BridgeBuses> ParseBridgeBuses(const PciAddress& address,
                                             std::span<const std::uint8_t> configuration);
 
-/// The same from the files in which the kernel shows the function's configuration space; no value
-/// as well when none of them can be read. `root` is the folder that stands for "/".
+/// Reads them from the kernel's files for the function's configuration space. Returns nothing also
+/// if no such file can be read. `root` is the directory to use as "/".
 std::optional<BridgeBuses> ReadBridgeBuses(const PciAddress& address, const std::string& root = "");
 
 }  // namespace pciinfo

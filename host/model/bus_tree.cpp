@@ -12,10 +12,10 @@ namespace {
 
 constexpr std::size_t kLeastAlike = 4;
 
-/// The bus of functions whose address cannot be read.
+/// Stands for the bus of functions without a readable address.
 constexpr unsigned kNoBus = 256;
 
-/// While the tree is not yet nested: nodes by bus, in the order of their addresses.
+/// The nodes before nesting: by bus, ordered by address.
 using NodesByBus = std::map<unsigned, std::vector<BusNode>>;
 
 std::unordered_map<std::string, std::string> SlotNames(const std::vector<Slot>& slots) {
@@ -43,20 +43,20 @@ NodesByBus MakeNodes(const BusTreeSource& source) {
   return nodes;
 }
 
-/// A bridge's place.
+/// Position of a bridge in NodesByBus.
 struct Place {
   unsigned bus = 0;
   std::size_t index = 0;
 };
 
-/// Whether a bridge with `left` behind it is nearer to `bus` than one with `right`.
+/// Whether a bridge with the buses `left` is nearer to `bus` than one with the buses `right`.
 bool IsNearer(const BridgeBuses& left, const BridgeBuses& right, unsigned bus) {
   if ((left.secondary == bus) != (right.secondary == bus)) return left.secondary == bus;
   return left.subordinate - left.secondary < right.subordinate - right.secondary;
 }
 
-/// The bridge that leads to a bus. A bridge's own bus has a lower number than all behind it, so no
-/// bus leads back to itself.
+/// Finds the bridge that leads to a bus. A bridge's own bus has a lower number than the buses
+/// behind it, so the tree has no cycles.
 std::optional<Place> FindBridge(const NodesByBus& nodes, unsigned bus) {
   std::optional<Place> found;
   const BridgeBuses* nearest = nullptr;
@@ -115,7 +115,7 @@ std::vector<RootBus> MakeBusTree(const BusTreeSource& source) {
   for (const auto& [bus, siblings] : nodes) {
     if (const auto bridge = FindBridge(nodes, bus)) bridges[bus] = *bridge;
   }
-  // From the highest bus down, so that what is moved behind a bridge is complete.
+  // From the highest bus down, so that a bus is complete before it is moved behind its bridge.
   for (auto bridge = bridges.rbegin(); bridge != bridges.rend(); ++bridge) {
     const auto& [bus, place] = *bridge;
     std::vector<BusNode>& behind = nodes.at(place.bus)[place.index].behind;

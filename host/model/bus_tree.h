@@ -10,39 +10,39 @@
 
 namespace pciinfo {
 
-/// A function, or several neighbours that are alike, and what is behind it.
+/// A function, or a group of similar neighbours, and the functions behind it.
 struct BusNode {
-  PciFunction function;            ///< the first of them
-  std::vector<PciFunction> alike;  ///< the others
-  std::string slot;                ///< name of the slot that they sit in; empty for none
+  PciFunction function;            ///< the first of the group
+  std::vector<PciFunction> alike;  ///< the rest of the group
+  std::string slot;                ///< name of the slot that holds them; empty for none
   std::optional<BridgeBuses> buses;
   std::vector<BusNode> behind;
 };
 
-/// A bus that no bridge leads to.
+/// A bus that is not behind any bridge.
 struct RootBus {
-  std::optional<unsigned> bus;  ///< no value for functions whose address cannot be read
+  std::optional<unsigned> bus;  ///< empty for functions without a readable address
   std::vector<BusNode> nodes;
 };
 
-/// What the tree is made of.
+/// The input of MakeBusTree.
 struct BusTreeSource {
   std::vector<PciFunction> functions;
   std::vector<Slot> slots;
   std::function<std::optional<BridgeBuses>(const PciAddress&)> busesOf;
 };
 
-/// The buses as a tree, by bus and address. Every function stands in it exactly once, also on
-/// machines whose bridges claim a bus twice or none at all. Functions on a bus without a bridge of
-/// its own (virtual functions that go on counting on the next bus) stand behind the innermost
-/// bridge whose range of buses holds it.
+/// Builds the tree of buses, ordered by bus and address. It contains every function exactly once,
+/// even if two bridges claim a bus or none does. Functions on a bus without a bridge of its own
+/// (virtual functions whose numbers continue on the next bus) are placed behind the innermost
+/// bridge whose bus range includes it.
 std::vector<RootBus> MakeBusTree(const BusTreeSource& source);
 
-/// Folds neighbours that are alike: four or more of one description in one slot, with nothing
-/// behind them.
+/// Merges four or more neighbours into one node if they have the same description and slot, and no
+/// functions behind them.
 void FoldAlike(std::vector<RootBus>& tree);
 
-/// Keeps the functions for which `keeps` holds, and the bridges on the way to them.
+/// Removes all functions but those for which `keeps` is true and the bridges that lead to them.
 void Prune(std::vector<RootBus>& tree,
            const std::function<bool(const PciFunction& function)>& keeps);
 

@@ -16,7 +16,7 @@ namespace {
 
 using Test = std::function<bool(const PciFunction& function, const Slot* slot)>;
 
-/// A field of a function that must be a number.
+/// Makes a test that a field of a function equals a number.
 Test Equals(std::optional<unsigned> PciFunction::*field, unsigned wanted) {
   return [=](const PciFunction& function, const Slot*) { return function.*field == wanted; };
 }
@@ -35,7 +35,7 @@ std::optional<Test> DeviceTest(std::string_view value) {
   return IdTest(&PciFunction::deviceId, value);
 }
 
-/// "vvvv:dddd", or one of them.
+/// "VENDOR:DEVICE" or "VENDOR".
 std::optional<Test> SubsystemTest(std::string_view value) {
   const std::size_t colon = value.find(':');
   auto vendor = IdTest(&PciFunction::subsystemVendorId, value.substr(0, colon));
@@ -47,7 +47,7 @@ std::optional<Test> SubsystemTest(std::string_view value) {
   };
 }
 
-/// Two, four or six digits: base class, subclass, programming interface.
+/// Two, four or six digits: base class, with subclass, with programming interface.
 std::optional<Test> ClassTest(std::string_view value) {
   const auto code = ParseHex(value, 0xFFFFFF);
   if (value.starts_with("0x") || value.starts_with("0X")) value.remove_prefix(2);
@@ -71,15 +71,15 @@ std::optional<Test> BusTest(std::string_view value) {
   };
 }
 
-/// An address, or one without its function for all functions of a device.
+/// An address; without the function number it matches all functions of the device.
 std::optional<Test> AddressTest(std::string_view value) {
-  const bool isWhole = value.find('.') != std::string_view::npos;
-  const auto written = ParseAddress(isWhole ? std::string(value) : std::string(value) + ".0");
+  const bool hasFunction = value.find('.') != std::string_view::npos;
+  const auto written = ParseAddress(hasFunction ? std::string(value) : std::string(value) + ".0");
   if (!written) return std::nullopt;
-  return [wanted = *written, isWhole](const PciFunction& function, const Slot*) {
+  return [wanted = *written, hasFunction](const PciFunction& function, const Slot*) {
     if (!function.address || wanted.domain != 0) return false;
     PciAddress address = *function.address;
-    if (!isWhole) address.function = 0;
+    if (!hasFunction) address.function = 0;
     return address == wanted.address;
   };
 }
@@ -144,11 +144,11 @@ Filter::Term Filter::ReadTerm(const std::string& text) {
                                  [&key](const KeyRow& entry) { return key == entry.key; });
   if (equals == std::string::npos || row == std::end(kKeys)) {
     throw UsageError(
-        fmt::format("--filter: \"{}\" is no KEY=VALUE with one of the keys {}", text, KeyList()));
+        fmt::format("invalid filter \"{}\": use KEY=VALUE; the keys are {}", text, KeyList()));
   }
   const std::optional<Test> test = row->read(std::string_view(text).substr(equals + 1));
   if (!test) {
-    throw UsageError(fmt::format("--filter: the value of \"{}\" must be: {}", text, row->value));
+    throw UsageError(fmt::format("invalid filter \"{}\": expected {}", text, row->value));
   }
   return {key == "slot", *test};
 }

@@ -9,23 +9,23 @@
 
 namespace pciinfo {
 
-/// Which functions and slots to show.
+/// Selects the functions and slots to show.
 class Filter final {
  public:
   /// Keeps everything.
   Filter() = default;
 
-  /// Reads "KEY=VALUE,KEY=VALUE" texts: all terms of one hold together, several texts are
-  /// alternatives. Throws UsageError, which lists the keys, for what it does not understand.
+  /// Parses "KEY=VALUE,KEY=VALUE" texts. A function matches a text if it matches all its terms, and
+  /// the filter if it matches any text. Throws UsageError, which lists the keys, for invalid texts.
   explicit Filter(const std::vector<std::string>& texts);
 
   bool IsEmpty() const noexcept { return alternatives_.empty(); }
-  /// Whether a term is about slots: they have to be known.
+  /// Whether a term is about slots, so that slots must be collected.
   bool NeedsSlots() const;
 
-  /// Whether a function is kept; `slot` is the slot that it sits in, null where there is none.
+  /// Whether a function matches; `slot` is the slot that holds it, null if there is none.
   bool Keeps(const PciFunction& function, const Slot* slot) const;
-  /// Whether a slot is kept whatever sits in it: it is named by terms about nothing but slots.
+  /// Whether a slot matches regardless of its functions: a text with only slot terms names it.
   bool Keeps(const Slot& slot) const;
 
  private:
@@ -41,12 +41,12 @@ class Filter final {
   std::vector<Terms> alternatives_;
 };
 
-/// The keys with what they mean, for the help text; one a line.
+/// Returns the keys and their meaning for the help text, one per line.
 std::string FilterHelp();
 
-/// A repository of what the filter keeps: the functions that it keeps, their associations, and the
-/// slots that it keeps or that hold one of those functions. Of other classes, nothing. Instances
-/// are shared; `repository` must outlive the result.
+/// Makes a repository of the functions that match the filter, their associations, and the slots
+/// that match or that hold one of those functions. Other classes are empty in it. Instances are
+/// shared; `repository` must outlive the result.
 std::shared_ptr<vtq::Namespace> KeptOf(const vtq::Namespace& repository, const Filter& filter);
 
 }  // namespace pciinfo

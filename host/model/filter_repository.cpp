@@ -5,10 +5,10 @@
 namespace pciinfo {
 namespace {
 
-/// The paths of the functions and slots that are kept.
+/// The paths of the matching functions and slots.
 using Paths = std::set<std::string>;
 
-/// Answers whether any of the functions is kept.
+/// Returns whether any of the functions matches.
 bool AddKept(Paths& kept, const std::vector<PciFunction>& functions, const Slot* slot,
              const Filter& filter) {
   bool any = false;
@@ -36,7 +36,7 @@ Paths KeptPaths(const vtq::Namespace& repository, const Filter& filter) {
   return kept;
 }
 
-/// An association stands or falls with the function that it names.
+/// Returns the path that decides whether an instance is kept: for an association, its function's.
 std::string DecidingPath(const vtq::ClassSchema& schema, const vtq::Instance& instance) {
   for (std::size_t i = 0; i < schema.properties.size(); ++i) {
     if (schema.properties[i].name == "Dependent") {

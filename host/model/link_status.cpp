@@ -20,7 +20,7 @@ std::optional<unsigned> TakeHex(std::string_view& text, char end, unsigned highe
   return number;
 }
 
-/// The address that a function's lines begin with, "03:00.0 Name"; nothing for other lines and
+/// The address in the first line of a function, "03:00.0 Name"; nothing for other lines and for
 /// other domains.
 std::optional<PciAddress> AddressOf(std::string_view line) {
   constexpr std::string_view kDomain = "0000:";

@@ -8,16 +8,16 @@
 
 namespace pciinfo {
 
-/// A PCI Express link as it was trained.
+/// The negotiated state of a PCI Express link.
 struct LinkStatus {
-  int width = 0;      ///< lanes; 0 for a link that is down
+  int width = 0;      ///< lanes; 0 if the link is down
   std::string speed;  ///< "8GT/s"
 };
 
-/// The links that the listing of "lspci -vvv" in a repository tells, of functions in PCI domain 0.
+/// Reads the links of functions in PCI domain 0 from the "lspci -vvv" listing in the repository.
 std::map<PciAddress, LinkStatus> ReadLinks(const vtq::Namespace& repository);
 
-/// Gigatransfers per second of a speed; 0 for other texts.
+/// Returns a speed in gigatransfers per second; 0 for other texts.
 double SpeedNumber(const std::string& speed);
 
 }  // namespace pciinfo

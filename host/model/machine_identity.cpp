@@ -28,7 +28,7 @@ std::string Cleaned(std::string_view text) {
   return printable.substr(std::min(printable.find_first_not_of(' '), printable.size()));
 }
 
-/// The string that the byte at `offset` of a structure's formatted area numbers.
+/// The string whose number is the byte at `offset` of the structure's formatted area.
 std::string StringAt(std::span<const std::uint8_t> structure, std::size_t offset) {
   const std::size_t formatted = structure[1];
   if (offset >= formatted || formatted >= structure.size()) return "";

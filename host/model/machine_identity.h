@@ -6,8 +6,8 @@
 
 namespace pciinfo {
 
-/// What the firmware says about the machine as a whole, trimmed and printable; empty where it says
-/// nothing.
+/// The firmware's description of the machine, trimmed and printable. Fields are empty if the
+/// firmware does not set them.
 struct MachineIdentity {
   std::string maker;
   std::string product;
@@ -22,8 +22,8 @@ struct MachineIdentity {
 /// Reads the first BIOS, system and base board structures of an SMBIOS table (DSP0134 7.1 to 7.3).
 MachineIdentity ParseIdentity(const vtq::SmBiosTable& table);
 
-/// The same from the firmware's table, or, where this user may not read that, from what the kernel
-/// shows of it to everybody. `root` is the folder that stands for "/".
+/// Reads it from the SMBIOS table or, if this user may not read that, from the kernel's files that
+/// every user may read. `root` is the directory to use as "/".
 MachineIdentity ReadIdentity(const std::string& root = "");
 
 }  // namespace pciinfo

@@ -6,12 +6,12 @@
 
 namespace pciinfo {
 
-/// The base class in words, as the PCI Code and ID Assignment Specification names it; the number
-/// for one that it does not name.
+/// Returns the name of a base class from the PCI Code and ID Assignment Specification, or the
+/// number if it has none.
 std::string BaseClassText(unsigned baseClass);
 
-/// The most that a function's class code says in words: programming interface, else subclass, else
-/// base class. Empty where the base class is not known.
+/// Returns the most specific name of a function's class code: of the programming interface, else of
+/// the subclass, else of the base class. Empty if the base class is unknown.
 std::string ClassText(const PciFunction& function);
 
 }  // namespace pciinfo

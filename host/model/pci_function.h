@@ -13,33 +13,33 @@ namespace pciinfo {
 struct PciFunction {
   std::string path;  ///< of its instance
   std::string kind;  ///< "device" or "bridge"
-  /// No value when the location is not one that can be read.
+  /// No value if the location cannot be parsed.
   std::optional<PciAddress> address;
-  std::string location;  ///< as the plug-in gives it
+  std::string location;  ///< as the plug-in published it
   std::optional<unsigned> vendorId;
   std::optional<unsigned> deviceId;
   std::optional<unsigned> revision;
   std::optional<unsigned> classCode;  ///< the base class
   std::optional<unsigned> subclass;
   std::optional<unsigned> programmingInterface;
-  std::optional<unsigned> subsystemVendorId;  ///< never of a bridge
-  std::optional<unsigned> subsystemId;        ///< never of a bridge
+  std::optional<unsigned> subsystemVendorId;  ///< not set for bridges
+  std::optional<unsigned> subsystemId;        ///< not set for bridges
   std::string description;
 };
 
-/// The function that an instance of QZMSG_PCIDevice or QZMSG_PCIBridge describes.
+/// Reads a function from an instance of QZMSG_PCIDevice or QZMSG_PCIBridge.
 PciFunction ReadFunction(const vtq::Class& cimClass, const vtq::Instance& instance);
 
-/// All functions of a repository, sorted by address.
+/// Reads all functions of a repository, sorted by address.
 std::vector<PciFunction> ReadFunctions(const vtq::Namespace& repository);
 
-/// Sorts by address; functions without one come last, in the order in which they were.
+/// Sorts by address; functions without one come last, in their original order.
 void SortByAddress(std::vector<PciFunction>& functions);
 
-/// "00:1f.3", or the location where there is no address.
+/// Returns "00:1f.3", or the location if there is no address.
 std::string AddressText(const PciFunction& function);
 
-/// "8086:1234", with question marks for what is not known.
+/// Returns "8086:1234", with question marks for unknown IDs.
 std::string IdText(const PciFunction& function);
 
 }  // namespace pciinfo

@@ -7,11 +7,10 @@
 
 namespace pciinfo {
 
-/// What people call a slot: its designation without blanks around it, else its tag. Printable.
+/// Returns the slot's designation without surrounding blanks, else its tag. Printable.
 std::string SlotName(const Slot& slot);
 
-/// Whether `name` names the slot: a number its slot ID, everything else its designation or its tag,
-/// large and small letters alike.
+/// Whether `name` is the slot's ID, or its designation or tag (ignoring case).
 bool IsNamed(const Slot& slot, std::string_view name);
 
 }  // namespace pciinfo

@@ -13,7 +13,7 @@ TCIMReference ReferenceOf(const vtq::Instance& instance, const std::string& prop
   return instance.GetProperty(property, {}).value.GetReference();
 }
 
-/// The function that a reference names. One that the repository does not hold keeps its path.
+/// The function that a reference names. If the repository lacks it, only the path is set.
 PciFunction Resolve(const vtq::Namespace& repository, const TCIMReference& reference) {
   const std::shared_ptr<vtq::Class> cimClass = repository.Find(reference.GetClassName());
   const auto instance = cimClass ? cimClass->Find(reference.ToString()) : nullptr;
@@ -43,7 +43,7 @@ Slot ReadSlot(const vtq::Instance& instance) {
   return slot;
 }
 
-/// The functions that an association names, by the path of what it joins them with.
+/// The functions of an association, by the path of the slot or board that it joins them to.
 std::map<std::string, std::vector<PciFunction>> ReadAssociation(const vtq::Namespace& repository,
                                                                 const std::string& association) {
   std::map<std::string, std::vector<PciFunction>> functions;

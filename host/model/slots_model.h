@@ -9,12 +9,12 @@
 
 namespace pciinfo {
 
-/// A system slot and what sits in it. The codes are SMBIOS codes, see smbios_names.h; what the
-/// instance does not set has no value.
+/// A system slot and the functions in it. The codes are SMBIOS codes, see smbios_names.h.
+/// Properties that the instance does not set have no value.
 struct Slot {
   std::string path;  ///< of its instance
   std::string tag;
-  std::optional<std::string> designation;  ///< as the firmware gives it
+  std::optional<std::string> designation;  ///< exactly as in the firmware
   std::optional<unsigned> type;
   std::optional<unsigned> usage;
   std::optional<unsigned> width;
@@ -23,7 +23,7 @@ struct Slot {
   std::vector<PciFunction> functions;  ///< sorted by address; empty for an empty slot
 };
 
-/// What the slot associations of a repository say.
+/// All slots and their functions, from the associations of a repository.
 struct SlotsModel {
   std::vector<Slot> slots;           ///< in the order of the slot records
   std::vector<PciFunction> onBoard;  ///< sorted by address

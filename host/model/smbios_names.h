@@ -7,14 +7,14 @@
 
 namespace pciinfo {
 
-// The words of the SMBIOS standard (DSP0134) for codes of its system slot structure; for a code
-// that the standard does not name, the number.
+// Names of the codes in system slot structures from the SMBIOS standard (DSP0134), or the number if
+// the standard has no name.
 
 std::string ConnectorTypeText(unsigned code);  ///< slot type, 7.10.1
 std::string SlotWidthText(unsigned code);      ///< slot data bus width, 7.10.2
 std::string SlotUsageText(unsigned code);      ///< current usage, 7.10.3
 
-// All codes that the standard names, with their words.
+// All codes that the standard names, with their names.
 
 std::vector<vtq::NamedValue> ConnectorTypes();  ///< slot types, 7.10.1
 std::vector<vtq::NamedValue> SlotWidths();      ///< slot data bus widths, 7.10.2

@@ -31,7 +31,7 @@ std::string Lower(std::string text) {
   return text;
 }
 
-/// CIM names know no case.
+/// CIM names are not case-sensitive.
 bool IsSameName(const std::string& left, const std::string& right) {
   return Lower(left) == Lower(right);
 }
@@ -52,28 +52,28 @@ std::optional<TCIMValue::TCIMType> TypeNamed(const std::string& name) {
   return std::nullopt;
 }
 
-/// An object of the file, whose members are taken one after the other.
+/// A JSON object of the file with typed access to its members.
 class Object {
  public:
   Object(const json& value, std::string place, const Names& members)
       : value_(value), place_(std::move(place)) {
-    if (!value.is_object()) Fail(place_, fmt::format("an object is needed, not {}", ShownType()));
+    if (!value.is_object()) Fail(place_, fmt::format("expected an object, found {}", ShownType()));
     for (const auto& [name, ignored] : value.items()) {
       if (std::find(members.begin(), members.end(), name) != members.end()) continue;
-      Fail(place_, fmt::format("there is no member \"{}\"; known are {}", Printable(name),
+      Fail(place_, fmt::format("unknown member \"{}\"; the members are {}", Printable(name),
                                fmt::join(members, ", ")));
     }
   }
 
   const std::string& Place() const { return place_; }
 
-  /// Empty when it is left out.
+  /// Empty if missing.
   std::string Text(const char* name) const {
-    const json* member = Find(name, json::value_t::string, "a text");
+    const json* member = Find(name, json::value_t::string, "a string");
     return member == nullptr ? "" : member->get<std::string>();
   }
 
-  /// False when it is left out.
+  /// False if missing.
   bool Flag(const char* name) const {
     const json* member = Find(name, json::value_t::boolean, "true or false");
     return member != nullptr && member->get<bool>();
@@ -82,12 +82,12 @@ class Object {
   std::string Name(const char* name) const {
     std::string text = Text(name);
     if (!IsName(text)) {
-      Fail(place_ + "." + name, "a name of letters, digits and underscores is needed");
+      Fail(place_ + "." + name, "expected a name of letters, digits and underscores");
     }
     return text;
   }
 
-  /// Empty when it is left out.
+  /// Empty if missing.
   json Array(const char* name) const {
     const json* member = Find(name, json::value_t::array, "an array");
     return member == nullptr ? json::array() : *member;
@@ -100,7 +100,7 @@ class Object {
     const auto member = value_.find(name);
     if (member == value_.end()) return nullptr;
     if (member->type() != type) {
-      Fail(place_ + "." + name, fmt::format("{} is needed, not {}", needed, member->type_name()));
+      Fail(place_ + "." + name, fmt::format("expected {}, found {}", needed, member->type_name()));
     }
     return &*member;
   }
@@ -117,7 +117,7 @@ class Reader {
 
   std::vector<vtq::ClassSchema> Read(const json& document) {
     const json classes = Object(document, "top level", {"classes"}).Array("classes");
-    if (classes.empty()) Fail("classes", "there is no class in it");
+    if (classes.empty()) Fail("classes", "no class is declared");
     std::vector<vtq::ClassSchema> schemas;
     for (const json& element : classes) {
       schemas.push_back(ReadClass(element, fmt::format("classes[{}]", schemas.size())));
@@ -131,15 +131,15 @@ class Reader {
     vtq::ClassSchema schema{
         object.Name("name"), object.Text("superclass"), object.Text("description"), {}};
     if (Known(schema.name) != nullptr) {
-      Fail(place + ".name", fmt::format("there is a class \"{}\" already", schema.name));
+      Fail(place + ".name", fmt::format("class \"{}\" is already declared", schema.name));
     }
     if (!schema.superclass.empty()) object.Name("superclass");
-    known_.push_back(schema.name);  // its references may name it
+    known_.push_back(schema.name);  // references of the class may name it
     for (const json& property : object.Array("properties")) {
       AddProperty(schema, property,
                   fmt::format("{}.properties[{}]", place, schema.properties.size()));
     }
-    if (!HasKey(schema)) Fail(place, "no property is a key; instances need one to be told apart");
+    if (!HasKey(schema)) Fail(place, "no property is a key; a class needs at least one");
     return schema;
   }
 
@@ -150,7 +150,7 @@ class Reader {
                                  TargetsOf(object),    object.Text("description")};
     for (const vtq::PropertySchema& other : schema.properties) {
       if (IsSameName(other.name, property.name)) {
-        Fail(place + ".name", fmt::format("there is a property \"{}\" already", other.name));
+        Fail(place + ".name", fmt::format("property \"{}\" is already declared", other.name));
       }
     }
     if (property.isKey && property.isArray) Fail(place, "an array cannot be a key");
@@ -160,7 +160,7 @@ class Reader {
   static TCIMValue::TCIMType TypeOf(const Object& object) {
     if (const auto type = TypeNamed(object.Text("type"))) return *type;
     Fail(object.Place() + ".type",
-         "a type is needed: boolean, uint8 to uint64, sint8 to sint64, real32, real64, string, "
+         "expected a type: boolean, uint8 to uint64, sint8 to sint64, real32, real64, string, "
          "datetime or reference");
   }
 
@@ -171,14 +171,14 @@ class Reader {
       const std::string* known =
           target.is_string() ? Known(target.get_ref<const std::string&>()) : nullptr;
       if (known == nullptr) {
-        Fail(place, fmt::format("no class of that name is declared before; there are {}",
+        Fail(place, fmt::format("no class of that name is declared before; the classes are {}",
                                 fmt::join(known_, ", ")));
       }
       targets.push_back(*known);
     }
     const bool isReference = object.Text("type") == "reference";
     if (isReference == targets.empty()) {
-      Fail(object.Place(), "a reference, and nothing else, needs \"targets\": classes it may name");
+      Fail(object.Place(), "only references have \"targets\", and they need at least one class");
     }
     return targets;
   }
@@ -188,7 +188,7 @@ class Reader {
                        [](const vtq::PropertySchema& property) { return property.isKey; });
   }
 
-  /// The class of that name as it is declared, null when there is none.
+  /// Returns the name as declared; null if no such class is declared.
   const std::string* Known(const std::string& name) const {
     const auto found = std::find_if(known_.begin(), known_.end(),
                                     [&name](const auto& known) { return IsSameName(known, name); });
@@ -203,11 +203,11 @@ std::string ContentOf(const std::string& file) {
   std::error_code failure;
   const std::uintmax_t size = std::filesystem::file_size(file, failure);
   if (failure) Fail(file, failure.message());
-  if (size > kMost) Fail(file, "a file of class declarations has at most 1 MiB");
+  if (size > kMost) Fail(file, "the file is larger than 1 MiB");
   std::ifstream stream(file, std::ios::binary);
   std::ostringstream content;
   content << stream.rdbuf();
-  if (!stream) Fail(file, "it cannot be read");
+  if (!stream) throw ClassFileError("cannot read " + file);
   return content.str();
 }
 

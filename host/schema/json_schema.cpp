@@ -75,7 +75,7 @@ Json PropertyJson(const vtq::PropertySchema& property) {
   } else {
     schema.update(ScalarSchema(property));
   }
-  // An annotation: a machine may hold other values too.
+  // Only an annotation, because machines may have other values.
   for (const vtq::NamedValue& value : property.values) {
     schema["x-values"][std::to_string(value.value)] = value.meaning;
   }

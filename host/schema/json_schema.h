@@ -7,12 +7,12 @@
 
 namespace pciinfo {
 
-/// Version of the JSON Schema: the first number changes when a document that was valid no longer
-/// is, the second when anything is added.
+/// Version of the JSON Schema: the first number grows when valid documents become invalid, the
+/// second when something is added.
 inline constexpr const char* kJsonSchemaVersion = "1.1";
 
-/// Writes the JSON Schema (draft 2020-12) of what `instances` and the views print as JSON and JSON
-/// Lines when `classes` are served.
+/// Writes the JSON Schema (draft 2020-12) of the JSON and JSON Lines that `instances` and the views
+/// print for `classes`.
 void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classes);
 
 }  // namespace pciinfo

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kLineWidth = 100;
 
-/// `items` with commas between them, on as many lines as they take.
+/// Joins `items` with commas and breaks long lines.
 std::string Folded(const std::vector<std::string>& items) {
   const std::string indent(8, ' ');
   std::string text;

@@ -7,8 +7,8 @@
 
 namespace pciinfo {
 
-/// Writes the classes as MOF declarations (DSP0004), for a repository that holds their superclasses
-/// and the qualifiers of the DMTF schema. docs/formats.md describes it.
+/// Writes the classes as MOF declarations (DSP0004). The repository that compiles them must have
+/// the superclasses and qualifiers of the DMTF schema. docs/formats.md describes it.
 void WriteMofSchema(Output& output, const std::vector<vtq::ClassSchema>& classes);
 
 }  // namespace pciinfo

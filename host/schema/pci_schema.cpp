@@ -12,7 +12,7 @@ using enum NQZMVTQ20::TCIMValue::TCIMType::ECIMType;
 enum Shape { kScalar, kArray };
 enum Role { kKey, kPlain };
 
-/// What few properties have.
+/// Attributes that only few properties have.
 struct Extra {
   std::vector<std::string> targets = {};
   std::vector<vtq::NamedValue> (*values)() = nullptr;
@@ -33,7 +33,7 @@ Extra Coded(std::vector<vtq::NamedValue> (*values)()) { return {{}, values}; }
 
 Extra Overriding(const char* property) { return {{}, nullptr, property}; }
 
-/// A reference that narrows the superclass's one.
+/// Makes a reference property that overrides the superclass's with fewer target classes.
 Extra Joining(const char* overridden, std::vector<std::string> targets, const char* common = "") {
   return {std::move(targets), nullptr, overridden, common};
 }
@@ -69,14 +69,14 @@ std::vector<vtq::NamedValue> Voltages() {
   return {{0, "Unknown"}, {1, "Other"}, {2, "3.3V"}, {3, "5V"}};
 }
 
-// The DMTF schema names a value that SMBIOS leaves out.
+// The DMTF schema names a value that SMBIOS does not define.
 std::vector<vtq::NamedValue> Usages() {
   std::vector<vtq::NamedValue> usages = SlotUsages();
   usages.insert(usages.begin(), {0, "Reserved"});
   return usages;
 }
 
-// The value codes named below are those of DSP0134 (SMBIOS) and of the DMTF schema.
+// The codes below are those of DSP0134 (SMBIOS) and of the DMTF schema.
 
 const Rows kSystemKeys = {
     {"SystemCreationClassName", kString, kScalar, kKey, "Class of the computer system."},
@@ -87,7 +87,7 @@ const Rows kSystemKeys = {
 
 const Rows kPciFunctionRows = {
     {"VendorID", kUint16, kScalar, kPlain, "PCI vendor identifier."},
-    // CIM names know no case: this is the superclass's property in another spelling.
+    // CIM names are not case-sensitive: this is the superclass's property, spelled differently.
     {"PciDeviceID", kUint16, kScalar, kPlain, "PCI device identifier.", Overriding("PCIDeviceID")},
     {"UINumber", kUint8, kScalar, kPlain, "Number of the slot that holds the function."},
     {"ClassCode", kUint8, kScalar, kPlain, "PCI base class."},

@@ -7,11 +7,11 @@
 
 namespace pciinfo {
 
-/// The namespace that the classes are declared in.
+/// The namespace of the classes.
 inline constexpr const char* kNamespaceName = "root/cimv2";
 
-/// The classes of PCI functions, slots and the board, in the order in which they are collected and
-/// printed when nobody asks for another one.
+/// Returns the classes of PCI functions, slots and the board, in the default order of collecting
+/// and printing.
 std::vector<vtq::ClassSchema> PciSchema();
 
 }  // namespace pciinfo

@@ -8,7 +8,7 @@
 
 namespace pciinfo {
 
-/// The formats that WriteSchema knows.
+/// The names of the formats.
 std::vector<std::string> SchemaFormats();
 
 /// Writes classes in one of SchemaFormats.

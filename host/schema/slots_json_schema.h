@@ -2,7 +2,7 @@
 
 namespace pciinfo {
 
-/// The definitions of the JSON Schema for `pciinfo slots --format json`, a JSON object.
+/// The definitions of the JSON Schema for `pciinfo slots --format json`, as a JSON object.
 inline constexpr const char* kSlotsJsonSchema = R"({
   "slots": {
     "description": "pciinfo slots --format json",
@@ -10,12 +10,12 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     "required": ["slots", "onBoard"],
     "properties": {
       "slots": {
-        "description": "Every slot record of the firmware, in its order.",
+        "description": "Every slot record of the firmware, in firmware order.",
         "type": "array",
         "items": {"$ref": "#/$defs/slot"}
       },
       "onBoard": {
-        "description": "The functions that sit in no slot, by address.",
+        "description": "The functions outside slots, by address.",
         "type": "array",
         "items": {"$ref": "#/$defs/function"}
       }
@@ -26,7 +26,7 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     "required": ["tag", "path", "functions"],
     "properties": {
       "tag": {"type": "string"},
-      "designation": {"description": "As the firmware gives it.", "type": "string"},
+      "designation": {"description": "Exactly as in the firmware.", "type": "string"},
       "type": {"description": "DSP0134 7.10.1.", "$ref": "#/$defs/code"},
       "usage": {"description": "DSP0134 7.10.3.", "$ref": "#/$defs/code"},
       "width": {"description": "DSP0134 7.10.2.", "$ref": "#/$defs/code"},
@@ -37,7 +37,7 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     }
   },
   "code": {
-    "description": "An SMBIOS code and its words.",
+    "description": "An SMBIOS code and its name.",
     "type": "object",
     "required": ["code", "text"],
     "properties": {
@@ -46,7 +46,7 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     }
   },
   "classCode": {
-    "description": "A PCI class code and its words.",
+    "description": "A PCI class code and its name.",
     "type": "object",
     "required": ["base", "text"],
     "properties": {
@@ -57,7 +57,7 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     }
   },
   "function": {
-    "description": "A PCI function; one that an association names but nobody published has a path and an empty description only.",
+    "description": "A PCI function. A function that an association names but no plug-in published has only a path and an empty description.",
     "type": "object",
     "required": ["description", "path"],
     "properties": {

@@ -2,8 +2,8 @@
 
 namespace pciinfo {
 
-/// The definitions of the JSON Schema for what `devices`, `tree` and `show` print with `--format
-/// json`, a JSON object.
+/// The definitions of the JSON Schema for the output of `devices`, `tree` and `show` with `--format
+/// json`, as a JSON object.
 inline constexpr const char* kViewsJsonSchema = R"({
   "devices": {
     "description": "pciinfo devices --format json",
@@ -11,7 +11,7 @@ inline constexpr const char* kViewsJsonSchema = R"({
     "required": ["functions"],
     "properties": {
       "functions": {
-        "description": "By address.",
+        "description": "Sorted by address.",
         "type": "array",
         "items": {"$ref": "#/$defs/function"}
       }
@@ -23,7 +23,7 @@ inline constexpr const char* kViewsJsonSchema = R"({
     "required": ["buses"],
     "properties": {
       "buses": {
-        "description": "The buses that no bridge leads to.",
+        "description": "The buses that are not behind any bridge.",
         "type": "array",
         "items": {
           "type": "object",
@@ -39,11 +39,11 @@ inline constexpr const char* kViewsJsonSchema = R"({
   "treeFunction": {
     "allOf": [{"$ref": "#/$defs/function"}],
     "properties": {
-      "slot": {"description": "Name of the slot that it sits in.", "type": "string"},
+      "slot": {"description": "Name of the slot that holds the function.", "type": "string"},
       "secondaryBus": {"type": "integer", "minimum": 0, "maximum": 255},
       "subordinateBus": {"type": "integer", "minimum": 0, "maximum": 255},
       "functions": {
-        "description": "What is behind a bridge.",
+        "description": "The functions behind the bridge.",
         "type": "array",
         "items": {"$ref": "#/$defs/treeFunction"}
       }
@@ -56,7 +56,7 @@ inline constexpr const char* kViewsJsonSchema = R"({
     "properties": {
       "function": {"$ref": "#/$defs/function"},
       "slot": {
-        "description": "The slot, or the one that the function sits in.",
+        "description": "The slot itself, or the slot that holds the function.",
         "$ref": "#/$defs/slot"
       },
       "instance": {"$ref": "#/$defs/instance"}

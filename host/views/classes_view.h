@@ -6,7 +6,7 @@
 
 namespace pciinfo {
 
-/// Writes who the loaded plug-ins are and which classes can be asked for.
+/// Writes the loaded plug-ins and the classes that can be queried.
 void WriteClasses(Output& output, const vtq::PluginManager& manager,
                   const vtq::Namespace& repository);
 

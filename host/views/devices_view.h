@@ -6,10 +6,10 @@
 
 namespace pciinfo {
 
-/// Writes every PCI function of the repository, sorted by address, one a line.
+/// Writes every PCI function of the repository, sorted by address, one per line.
 void WriteDevicesTable(Output& output, const vtq::Namespace& repository, const Terminal& terminal);
 
-/// Writes the same as JSON, which docs/formats.md describes.
+/// Writes the same as JSON; docs/formats.md describes it.
 void WriteDevicesJson(Output& output, const vtq::Namespace& repository);
 
 }  // namespace pciinfo

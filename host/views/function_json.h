@@ -6,7 +6,7 @@
 
 namespace pciinfo {
 
-/// A function as docs/formats.md describes it.
+/// Returns a function as JSON; docs/formats.md describes it.
 nlohmann::ordered_json FunctionJson(const PciFunction& function);
 
 }  // namespace pciinfo

@@ -16,8 +16,8 @@
 namespace pciinfo {
 namespace {
 
-/// Bridges, memory and other parts of the chip sets: nobody plugs them in or looks for them first.
-bool IsInfrastructure(const PciFunction& function) {
+/// Whether a function is a bridge or part of the chipset; the overview only counts those.
+bool IsBridgeOrChipset(const PciFunction& function) {
   constexpr unsigned kBaseClasses[] = {0x05, 0x06, 0x08, 0x11};
   return function.kind == "bridge" ||
          std::any_of(std::begin(kBaseClasses), std::end(kBaseClasses),
@@ -35,7 +35,7 @@ std::string Count(std::size_t count, const char* one, const char* many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-/// Functions with one text, on one line.
+/// Functions with the same text, shown on one line.
 struct Group {
   std::string addresses;
   std::string text;
@@ -125,12 +125,12 @@ class OverviewWriter {
                                     rows, terminal_));
   }
 
-  /// What sits in a slot, without the bridges of the card and of the way to it where there is more.
+  /// Adds the functions of a slot; its bridges only if it has no other functions.
   static void AddRows(std::vector<Row>& rows, const Slot& slot) {
     Row row = {SlotName(slot), slot.type ? ConnectorTypeText(*slot.type) : "-",
                slot.usage ? SlotUsageText(*slot.usage) : "-", "-", ""};
     std::vector<PciFunction> card = slot.functions;
-    std::erase_if(card, IsInfrastructure);
+    std::erase_if(card, IsBridgeOrChipset);
     for (const Group& group : Grouped(card.empty() ? slot.functions : card)) {
       row[3] = group.addresses;
       row[4] = GroupText(group);
@@ -155,9 +155,9 @@ class OverviewWriter {
   void WriteOthers() {
     std::vector<PciFunction> others = Others();
     if (others.empty()) return;
-    // Where no slots are known, nobody knows what is on the board.
+    // If no slots are known, these functions may be in slots too.
     Title(overview_.slots.slots.empty() ? "Devices" : "On board");
-    const auto hidden = std::erase_if(others, IsInfrastructure);
+    const auto hidden = std::erase_if(others, IsBridgeOrChipset);
     std::vector<Row> rows;
     for (const Group& group : Grouped(others)) {
       rows.push_back({group.addresses, GroupText(group)});
@@ -168,9 +168,9 @@ class OverviewWriter {
     }
     if (hidden == 0) return;
     const char* form =
-        rows.empty() ? "{} (pciinfo devices lists all)" : "and {} (pciinfo devices lists all)";
-    WriteFaint(fmt::format(fmt::runtime(form), Count(hidden, "bridge or part of a chip set",
-                                                     "bridges and parts of chip sets")));
+        rows.empty() ? "{} (pciinfo devices lists all)" : "plus {} (pciinfo devices lists all)";
+    WriteFaint(fmt::format(fmt::runtime(form), Count(hidden, "bridge or chipset function",
+                                                     "bridges and chipset functions")));
   }
 
   void WriteFaint(const std::string& line) {

@@ -10,21 +10,21 @@
 
 namespace pciinfo {
 
-/// What the overview shows.
+/// The data of the overview.
 struct Overview {
   MachineIdentity machine;
   std::string systemName;
   SlotsModel slots;
   std::vector<PciFunction> functions;  ///< all of them, sorted by address
-  std::vector<std::string> notRead;    ///< what could not be read and why, a sentence each
+  std::vector<std::string> notRead;    ///< what could not be read and why, one sentence each
 };
 
-/// Joins what a repository and the machine's firmware say.
+/// Combines the repository with the firmware's description of the machine.
 Overview MakeOverview(const vtq::Namespace& repository, MachineIdentity machine,
                       std::vector<std::string> notRead);
 
-/// Writes the machine, its slots with their cards, the other functions, of which only those that
-/// people look for are named, and what could not be read.
+/// Writes the machine, its slots with their cards, the other functions, and what could not be read.
+/// Bridges and chipset functions outside slots are only counted.
 void WriteOverview(Output& output, const Overview& overview, const Terminal& terminal);
 
 }  // namespace pciinfo

@@ -27,9 +27,9 @@ bool HasPath(const std::vector<PciFunction>& functions, const std::string& path)
                      [&path](const PciFunction& function) { return function.path == path; });
 }
 
-/// What surrounds an instance, if it is a function or a slot.
-Shown WithSurroundings(const vtq::Namespace& repository, std::shared_ptr<vtq::Class> cimClass,
-                       std::shared_ptr<vtq::Instance> instance) {
+/// Adds the function and slot that belong to an instance, if it is a function or a slot.
+Shown WithFunctionAndSlot(const vtq::Namespace& repository, std::shared_ptr<vtq::Class> cimClass,
+                          std::shared_ptr<vtq::Instance> instance) {
   const SlotsModel model = ReadSlots(repository);
   const std::string& className = cimClass->GetSchema().name;
   const std::string path = instance->GetPath();
@@ -51,10 +51,10 @@ Shown FindPath(const vtq::Namespace& repository, const std::string& path) {
     const NQZMVTQ20::TCIMReference reference = ReadPath(path, repository);
     const auto cimClass = repository.Find(reference.GetClassName());
     if (auto instance = cimClass->Find(reference.ToString())) {
-      return WithSurroundings(repository, cimClass, std::move(instance));
+      return WithFunctionAndSlot(repository, cimClass, std::move(instance));
     }
   } catch (const PathError& error) {
-    throw UsageError(fmt::format("{} is no object path: {}", path, error.what()));
+    throw UsageError(fmt::format("{} is not an object path: {}", path, error.what()));
   }
   throw NotFound(
       fmt::format("there is no instance {} (\"pciinfo instances {} --format jsonl\" "
@@ -74,7 +74,7 @@ Shown FindFunction(const vtq::Namespace& repository, const WrittenAddress& writt
     if (function.address != written.address) continue;
     const auto cimClass =
         repository.Find(function.kind == "bridge" ? "QZMSG_PCIBridge" : "QZMSG_PCIDevice");
-    return WithSurroundings(repository, cimClass, cimClass->Find(function.path));
+    return WithFunctionAndSlot(repository, cimClass, cimClass->Find(function.path));
   }
   throw NotFound(fmt::format("there is no function {} (\"pciinfo devices\" lists all)", name));
 }
@@ -89,7 +89,7 @@ Shown FindSlot(const vtq::Namespace& repository, const std::string& name) {
   }
   if (matches.empty()) {
     throw NotFound(
-        fmt::format("there is no function and no slot \"{}\": \"pciinfo devices\" lists "
+        fmt::format("there is no function or slot \"{}\": \"pciinfo devices\" lists "
                     "the addresses, \"pciinfo slots\" the slot IDs, designations and "
                     "tags",
                     name));
@@ -99,7 +99,7 @@ Shown FindSlot(const vtq::Namespace& repository, const std::string& name) {
                                  fmt::join(matches, ", ")));
   }
   const auto cimClass = repository.Find("QZMSG_SystemSlot");
-  return WithSurroundings(repository, cimClass, cimClass->Find(path));
+  return WithFunctionAndSlot(repository, cimClass, cimClass->Find(path));
 }
 
 }  // namespace

@@ -11,27 +11,27 @@
 
 namespace pciinfo {
 
-/// What somebody asked for is not there; `what()` names it and says what to try.
+/// The requested object does not exist; `what()` names it and says what to try.
 class NotFound : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// One thing with all that is known of it.
+/// An instance with the function and slot that belong to it.
 struct Shown {
   std::shared_ptr<vtq::Class> cimClass;
   std::shared_ptr<vtq::Instance> instance;
-  std::optional<PciFunction> function;  ///< where it is one
-  std::optional<Slot> slot;             ///< the slot itself, or the one that the function sits in
-  bool isOnBoard = false;               ///< a function that the board is said to hold
+  std::optional<PciFunction> function;  ///< if the instance is a function
+  std::optional<Slot> slot;             ///< the slot itself, or the slot that holds the function
+  bool isOnBoard = false;               ///< an association places the function on the board
 };
 
-/// The classes to collect before `name` can be looked for. Throws UsageError for an object path of
-/// a class that is not served.
+/// Returns the classes to collect before FindNamed(name). Throws UsageError for an object path of
+/// an unknown class.
 std::vector<std::string> ClassesToFind(const std::string& name);
 
-/// The function of that address, the slot of that ID, designation or tag, or the instance of that
-/// object path. Throws NotFound, and UsageError for a name of several slots.
+/// Finds a function by address, a slot by ID, designation or tag, or an instance by object path.
+/// Throws NotFound, or UsageError if several slots have the name.
 Shown FindNamed(const vtq::Namespace& repository, const std::string& name);
 
 }  // namespace pciinfo

@@ -14,7 +14,7 @@
 namespace pciinfo {
 namespace {
 
-/// Names and words; what has no words is not shown.
+/// Names and texts; facts with an empty text are not shown.
 using Facts = std::vector<std::pair<std::string, std::string>>;
 
 std::string InHex(const std::optional<unsigned>& number, int digits) {
@@ -50,8 +50,8 @@ std::vector<unsigned long> NumbersOf(const vtq::Instance& instance, const char* 
   return numbers;
 }
 
-/// Only regions that have a size are in the list of sizes: it tells whose size it is only where all
-/// have one.
+/// The list of sizes omits regions without a size, so sizes can be assigned only if both lists have
+/// the same length.
 std::string Regions(const vtq::Instance& instance, const char* addresses, const char* lengths) {
   const std::vector<unsigned long> starts = NumbersOf(instance, addresses);
   const std::vector<unsigned long> sizes = NumbersOf(instance, lengths);
@@ -73,7 +73,7 @@ std::string CodeText(const PciFunction& function) {
 }
 
 std::string SlotText(const Shown& shown) {
-  if (!shown.slot) return shown.isOnBoard ? "none, on the board" : "not known";
+  if (!shown.slot) return shown.isOnBoard ? "none (on the board)" : "unknown";
   const Slot& slot = *shown.slot;
   std::string text = SlotName(slot);
   if (text != Printable(slot.tag)) text += ", " + Printable(slot.tag);
@@ -164,7 +164,8 @@ void WriteTitle(Output& output, const std::string& title, const Terminal& termin
 
 void WriteFunctions(Output& output, const std::vector<PciFunction>& functions,
                     const Terminal& terminal) {
-  WriteTitle(output, functions.empty() ? "\nNo PCI function sits in it" : "\nIn it", terminal);
+  WriteTitle(output, functions.empty() ? "\nNo functions in this slot" : "\nFunctions in this slot",
+             terminal);
   for (const PciFunction& function : functions) {
     output.Write(FitLine(
         fmt::format("  {}  {}", AddressText(function), Printable(function.description)), terminal));

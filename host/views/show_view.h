@@ -6,10 +6,10 @@
 
 namespace pciinfo {
 
-/// Writes all that is known of one thing: in words, then every property that is set.
+/// Writes everything known about one instance: first in words, then every property that is set.
 void WriteShown(Output& output, const Shown& shown, const Terminal& terminal);
 
-/// Writes the same as JSON, which docs/formats.md describes.
+/// Writes the same as JSON; docs/formats.md describes it.
 void WriteShownJson(Output& output, const Shown& shown);
 
 }  // namespace pciinfo

@@ -6,7 +6,7 @@
 
 namespace pciinfo {
 
-/// A slot with its functions as docs/formats.md describes it.
+/// Returns a slot with its functions as JSON; docs/formats.md describes it.
 nlohmann::ordered_json SlotJson(const Slot& slot);
 
 }  // namespace pciinfo

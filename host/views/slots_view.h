@@ -6,11 +6,11 @@
 
 namespace pciinfo {
 
-/// Writes the slots, each with its functions on lines below it, and the functions on the board.
+/// Writes the slots, each followed by its functions, and the functions on the board.
 void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal);
 
-/// Writes the same as JSON, texts untrimmed, one slot or function a line. docs/formats.md describes
-/// it.
+/// Writes the same as JSON, one slot or function per line, without trimming texts. docs/formats.md
+/// describes it.
 void WriteSlotsJson(Output& output, const SlotsModel& model);
 
 }  // namespace pciinfo

@@ -25,10 +25,10 @@ std::string AddressesText(const BusNode& node) {
   return node.alike.empty() ? first : first + " .. " + AddressText(node.alike.back());
 }
 
-std::string WordsText(const BusNode& node) {
-  std::string words = Printable(node.function.description);
-  if (words.empty()) words = IdText(node.function);
-  return node.alike.empty() ? words : fmt::format("{} x {}", node.alike.size() + 1, words);
+std::string DescriptionText(const BusNode& node) {
+  std::string text = Printable(node.function.description);
+  if (text.empty()) text = IdText(node.function);
+  return node.alike.empty() ? text : fmt::format("{} x {}", node.alike.size() + 1, text);
 }
 
 std::string BusesText(const BridgeBuses& buses) {
@@ -62,20 +62,20 @@ class TreeWriter {
     Add(AddressesText(node), Colour::kCyan);
     if (!node.slot.empty()) Add(" [" + node.slot + "]", Colour::kGreen);
     if (node.buses) Add("  " + BusesText(*node.buses), Colour::kFaint);
-    Add("  " + WordsText(node), Colour::kNone);
+    Add("  " + DescriptionText(node), Colour::kNone);
     output_.Write(TrimEnd(line_) + "\n");
   }
 
   void Begin(const std::string& indent) {
     line_.clear();
-    room_ = terminal_.width;
+    remainingWidth_ = terminal_.width;
     Add(indent, Colour::kNone);
   }
 
   void Add(std::string text, Colour colour) {
-    if (room_) {
-      text = Cut(text, *room_);
-      *room_ -= DisplayWidth(text);
+    if (remainingWidth_) {
+      text = Cut(text, *remainingWidth_);
+      *remainingWidth_ -= DisplayWidth(text);
     }
     line_ += Coloured(text, colour, terminal_);
   }
@@ -84,7 +84,7 @@ class TreeWriter {
   const Terminal& terminal_;
   const Lines& lines_;
   std::string line_;
-  std::optional<std::size_t> room_;
+  std::optional<std::size_t> remainingWidth_;
 };
 
 using Json = nlohmann::ordered_json;

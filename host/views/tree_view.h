@@ -8,10 +8,10 @@
 
 namespace pciinfo {
 
-/// Draws the buses, a function or a fold of many alike a line, slots in brackets.
+/// Draws the buses: one function or group of similar functions per line, slots in brackets.
 void WriteTree(Output& output, const std::vector<RootBus>& tree, const Terminal& terminal);
 
-/// Writes the same as JSON, which docs/formats.md describes.
+/// Writes the same as JSON; docs/formats.md describes it.
 void WriteTreeJson(Output& output, const std::vector<RootBus>& tree);
 
 }  // namespace pciinfo

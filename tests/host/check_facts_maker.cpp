@@ -15,7 +15,7 @@ void AddFunction(CheckFacts& facts, const PciAddress& address, const std::string
   facts.configurations[address] = {kIds, false};
 }
 
-std::vector<Doubt> DoubtsOf(const std::string& code, const CheckFacts& facts) {
+std::vector<AffectedObject> ObjectsOf(const std::string& code, const CheckFacts& facts) {
   for (const Check& check : AllChecks()) {
     if (check.code == code) return check.find(facts);
   }
@@ -31,7 +31,7 @@ CheckFacts MakeSoundFacts() {
   facts.list.emplace();
   AddFunction(facts, kDevice, "device");
   AddFunction(facts, kBridge, "bridge");
-  facts.slotRecords.tellAddresses = true;
+  facts.slotRecords.haveAddresses = true;
   facts.slotRecords.records = {{17, 4, 0, kDevice, 0, {}}};
   Slot slot = PublishedSlot(1);
   slot.functions = {facts.published.front().function};
@@ -61,14 +61,14 @@ Slot PublishedSlot(unsigned tag) {
 
 std::vector<std::string> Doubtful(const std::string& code, const CheckFacts& facts) {
   std::vector<std::string> objects;
-  for (const Doubt& doubt : DoubtsOf(code, facts)) objects.push_back(doubt.object);
+  for (const AffectedObject& object : ObjectsOf(code, facts)) objects.push_back(object.object);
   return objects;
 }
 
 std::vector<std::string> Details(const std::string& code, const CheckFacts& facts) {
   std::vector<std::string> details;
-  for (const Doubt& doubt : DoubtsOf(code, facts)) {
-    details.push_back(doubt.object + ": " + doubt.detail);
+  for (const AffectedObject& object : ObjectsOf(code, facts)) {
+    details.push_back(object.object + ": " + object.detail);
   }
   return details;
 }

@@ -2,7 +2,7 @@
 
 #include "host/check/checks.h"
 
-/// Facts of a machine without any doubt: a device, a bridge and a slot in use that holds the
+/// Facts of a machine without findings: a device, a bridge and a slot in use that holds the
 /// device. Tests change what they are about.
 pciinfo::CheckFacts MakeSoundFacts();
 
@@ -13,7 +13,7 @@ pciinfo::PublishedFunction Published(const pciinfo::PciAddress& address,
 /// A published slot with the number of its tag for its slot ID.
 pciinfo::Slot PublishedSlot(unsigned tag);
 
-/// The objects that the check of that code has doubts about; "no such check" for other codes.
+/// The objects that the check of that code finds; "no such check" for other codes.
 std::vector<std::string> Doubtful(const std::string& code, const pciinfo::CheckFacts& facts);
 
 /// The same, with ": " and the detail.

@@ -50,7 +50,7 @@ TEST(CheckFunctions, DomainMissing) {
 TEST(CheckFunctions, DomainMixedUp) {
   CheckFacts facts = MakeSoundFacts();
   facts.functions[{1, {9, 0, 0}}] = {kIds, {}};
-  facts.functions[{1, {0, 1, 0}}] = {};  // identifiers that cannot be read prove nothing
+  facts.functions[{1, {0, 1, 0}}] = {};  // without identifiers it matches no function
   EXPECT_THAT(Doubtful("domain-mixed-up", facts), IsEmpty());
   facts.functions[{1, kDevice}] = {kIds, {}};
   EXPECT_THAT(Doubtful("domain-mixed-up", facts), ElementsAre("0001:03:00.0"));
@@ -79,7 +79,7 @@ TEST(CheckFunctions, FunctionUnpublished) {
               ElementsAre("07:00.0: the kernel's list cannot be read"));
 }
 
-TEST(CheckFunctions, AFunctionOfAnotherDomainIsNotToldTwice) {
+TEST(CheckFunctions, AFunctionOfAnotherDomainHasOneFinding) {
   CheckFacts facts = MakeSoundFacts();
   facts.functions[{1, {9, 0, 0}}] = {kIds, {}};
   facts.list->push_back({{9, 0, 0}, kIds, {}, {}});
@@ -97,7 +97,7 @@ TEST(CheckFunctions, IdsDisagree) {
   facts.functions[{0, kDevice}].ids->device = 1;
   EXPECT_THAT(Details("ids-disagree", facts),
               ElementsAre("03:00.0: list 8086:1533, sysfs 8086:0001"));
-  facts.functions[{1, kDevice}] = {kIds, {}};  // now the line may be about that one
+  facts.functions[{1, kDevice}] = {kIds, {}};  // now the line may describe this function
   EXPECT_THAT(Doubtful("ids-disagree", facts), IsEmpty());
 }
 

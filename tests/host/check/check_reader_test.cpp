@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A machine's root that a test fills.
+/// A root directory that a test fills.
 class CheckReader : public testing::Test {
  protected:
   void Write(const std::string& path, const std::string& content) const {
@@ -44,7 +44,7 @@ TEST_F(CheckReader, AnEmptyRootHasNoBus) {
   EXPECT_TRUE(facts.functions.empty());
 }
 
-TEST_F(CheckReader, TheListIsReadInItsFullWidth) {
+TEST_F(CheckReader, ReadsAllColumnsOfTheList) {
   Write("proc/bus/pci/devices",
         "0318\t80861533\t1f\t  39f00000000c\t       1\t0\t0\t0\t0\t0\t  1000000000\t100\t0\t0\t0\t0"
         "\t0\tdriver\n"
@@ -65,7 +65,7 @@ TEST_F(CheckReader, TheListIsReadInItsFullWidth) {
   EXPECT_EQ((*facts.list)[1].address, (PciAddress{0, 1, 0}));
 }
 
-TEST_F(CheckReader, ConfigurationsAreMeasured) {
+TEST_F(CheckReader, ReadsTheSizeOfConfigurations) {
   Write("proc/bus/pci/devices",
         "0300\t80861533\t0\n0301\t80861533\t0\n0302\t80861533\t0\n0303\t80861533\t0\n");
   Write("proc/bus/pci/03/00.0", Configuration(64));
@@ -80,7 +80,7 @@ TEST_F(CheckReader, ConfigurationsAreMeasured) {
   EXPECT_FALSE(facts.hasSysfs);
 }
 
-TEST_F(CheckReader, FunctionsHaveTheirDomains) {
+TEST_F(CheckReader, ReadsTheDomainsOfFunctions) {
   Write("proc/bus/pci/10000:00/04.0", "");
   Write("proc/bus/pci/00/1f.3", "");
   Write("proc/bus/pci/00/nonsense", "");
@@ -101,7 +101,7 @@ TEST_F(CheckReader, FunctionsHaveTheirDomains) {
   EXPECT_TRUE(facts.hasSysfs);
 }
 
-TEST(CheckFactsOfARepository, HaveWhatItPublishes) {
+TEST(CheckFactsOfARepository, ContainItsFunctions) {
   const CheckFacts facts = ReadCheckFacts(*MakeFixedRepository(), true);
   EXPECT_TRUE(facts.isCapture);
   ASSERT_EQ(facts.published.size(), 5U);

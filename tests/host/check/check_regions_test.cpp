@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 constexpr PciAddress kDevice{3, 0, 0};
 
-/// Sound facts, but for region 2 of the device.
+/// Facts without findings, except for region 2 of the device.
 CheckFacts WithRegion(std::uint64_t base, std::uint64_t size) {
   CheckFacts facts = MakeSoundFacts();
   facts.list->front().bases[2] = base;
@@ -49,7 +49,7 @@ TEST(CheckRegions, IoRegionAsMemory) {
   EXPECT_THAT(Doubtful("io-region-as-memory", facts), IsEmpty());
 }
 
-TEST(CheckRegions, RegionsThatAreNotPublishedAreNoConcern) {
+TEST(CheckRegions, IgnoresRegionsThatAreNotPublished) {
   CheckFacts facts = WithRegion(0x10000000C, 0x100000000);
   facts.published[0].function.kind = "bridge";
   EXPECT_THAT(Doubtful("region-address-wide", facts), IsEmpty());

@@ -57,9 +57,9 @@ class CheckSlotReader : public testing::Test {
   vtq::TemporaryDirectory root_;
 };
 
-TEST_F(CheckSlotReader, NoTablesAreNotFound) {
+TEST_F(CheckSlotReader, MissingTablesAreNotFound) {
   EXPECT_EQ(Read().opened, TVTQStatusCode::kNotFound);
-  EXPECT_FALSE(Read().tellAddresses);
+  EXPECT_FALSE(Read().haveAddresses);
 }
 
 TEST_F(CheckSlotReader, DamagedTablesAreCorrupt) {
@@ -68,11 +68,11 @@ TEST_F(CheckSlotReader, DamagedTablesAreCorrupt) {
   EXPECT_EQ(Read().opened, TVTQStatusCode::kCorruptData);
 }
 
-TEST_F(CheckSlotReader, ARecordIsRead) {
+TEST_F(CheckSlotReader, ReadsARecord) {
   WriteTables(2, 8, {SlotStructure(34)});
   const SlotRecords slots = Read();
   EXPECT_EQ(slots.opened, TVTQStatusCode::kSuccess);
-  EXPECT_TRUE(slots.tellAddresses);
+  EXPECT_TRUE(slots.haveAddresses);
   ASSERT_EQ(slots.records.size(), 1U);
   const SlotRecord& record = slots.records.front();
   EXPECT_EQ(record.length, 34U);
@@ -85,16 +85,16 @@ TEST_F(CheckSlotReader, ARecordIsRead) {
   EXPECT_EQ(record.peers[2].bus, 0x22U);
 }
 
-TEST_F(CheckSlotReader, TheVersionAndTheFirstRecordDecide) {
+TEST_F(CheckSlotReader, AddressesNeedTheVersionAndTheFirstRecord) {
   WriteTables(2, 5, {SlotStructure(34)});
-  EXPECT_FALSE(Read().tellAddresses);
+  EXPECT_FALSE(Read().haveAddresses);
   WriteTables(2, 6, {SlotStructure(13), SlotStructure(34)});
-  EXPECT_FALSE(Read().tellAddresses);
+  EXPECT_FALSE(Read().haveAddresses);
   WriteTables(2, 6, {SlotStructure(34), SlotStructure(13)});
-  EXPECT_TRUE(Read().tellAddresses);
+  EXPECT_TRUE(Read().haveAddresses);
   EXPECT_EQ(Read().records.size(), 2U);
   WriteTables(3, 0, {});
-  EXPECT_FALSE(Read().tellAddresses);
+  EXPECT_FALSE(Read().haveAddresses);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 constexpr unsigned kAvailable = 3;
 
-/// Sound facts, but for what `change` does to the only slot record.
+/// Facts without findings, with the only slot record modified by `change`.
 template <class Change>
 CheckFacts WithRecord(const Change& change) {
   CheckFacts facts = MakeSoundFacts();
@@ -60,7 +60,7 @@ TEST(CheckSlots, SlotRecordsMissing) {
 TEST(CheckSlots, SlotAddressesMissing) {
   CheckFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("slot-addresses-missing", facts), IsEmpty());
-  facts.slotRecords.tellAddresses = false;
+  facts.slotRecords.haveAddresses = false;
   EXPECT_THAT(Doubtful("slot-addresses-missing", facts), ElementsAre("/sys/firmware/dmi/tables"));
   facts.slotRecords.records.clear();
   EXPECT_THAT(Doubtful("slot-addresses-missing", facts), IsEmpty());
@@ -82,7 +82,7 @@ TEST(CheckSlots, SlotOutOfPlace) {
   facts.slots.slots.push_back(PublishedSlot(2));
   EXPECT_THAT(Doubtful("slot-out-of-place", facts), IsEmpty());
   facts.slots.slots.push_back(PublishedSlot(4));
-  EXPECT_THAT(Details("slot-out-of-place", facts), ElementsAre("Tag 4: in place 3"));
+  EXPECT_THAT(Details("slot-out-of-place", facts), ElementsAre("Tag 4: at position 3"));
 }
 
 TEST(CheckSlots, SlotNumberDrift) {
@@ -105,7 +105,7 @@ TEST(CheckSlots, SlotRecordShort) {
   EXPECT_THAT(Doubtful("slot-record-short", facts), IsEmpty());
   facts.slotRecords.records.back().length = 16;
   EXPECT_THAT(Details("slot-record-short", facts), ElementsAre("Tag 2: record of 16 bytes"));
-  facts.slotRecords.tellAddresses = false;
+  facts.slotRecords.haveAddresses = false;
   EXPECT_THAT(Doubtful("slot-record-short", facts), IsEmpty());
 }
 
@@ -172,14 +172,14 @@ TEST(CheckSlots, SlotNeighbour) {
 
 TEST(CheckSlots, SlotNumberShared) {
   CheckFacts facts = MakeSoundFacts();
-  facts.slotRecords.tellAddresses = false;
+  facts.slotRecords.haveAddresses = false;
   facts.published.front().slotNumber = 1;
   EXPECT_THAT(Doubtful("slot-number-shared", facts), IsEmpty());
   facts.slots.slots.push_back(PublishedSlot(2));
   facts.slots.slots.back().id = 0x101;  // functions carry one byte of it
   EXPECT_THAT(Details("slot-number-shared", facts),
               ElementsAre("03:00.0: 2 slots have the number 1"));
-  facts.slotRecords.tellAddresses = true;
+  facts.slotRecords.haveAddresses = true;
   EXPECT_THAT(Doubtful("slot-number-shared", facts), IsEmpty());
 }
 

@@ -23,7 +23,7 @@ std::string Written(Write write, const std::vector<CheckFinding>& findings) {
   return output.Text();
 }
 
-TEST(CheckView, ATextHasObjectsAndAdvice) {
+TEST(CheckView, TextHasObjectsAndAdvice) {
   EXPECT_EQ(Written(&WriteFindings,
                     {{&kWarning, {{"03:00.0", "path", "odd\x1b"}}}, {&kNote, {{"Tag 1", "", ""}}}}),
             "warning: a-code\n"
@@ -37,18 +37,18 @@ TEST(CheckView, ATextHasObjectsAndAdvice) {
             "  Advice: Leave it.\n");
 }
 
-TEST(CheckView, ManyObjectsAreCounted) {
+TEST(CheckView, TextCountsManyObjects) {
   const std::string nine =
-      Written(&WriteFindings, {{&kNote, std::vector<Doubt>(9, {"x", "", ""})}});
+      Written(&WriteFindings, {{&kNote, std::vector<AffectedObject>(9, {"x", "", ""})}});
   EXPECT_THAT(nine, testing::Not(testing::HasSubstr("more")));
   const std::string ten =
-      Written(&WriteFindings, {{&kNote, std::vector<Doubt>(10, {"x", "", ""})}});
+      Written(&WriteFindings, {{&kNote, std::vector<AffectedObject>(10, {"x", "", ""})}});
   EXPECT_THAT(ten, testing::HasSubstr("    and 2 more (--format json shows all)\n"));
 }
 
 TEST(CheckView, JsonHasEveryObject) {
-  const std::vector<Doubt> doubts(20, {"03:00.0", "/path", "caf\xe9"});
-  const json document = json::parse(Written(&WriteFindingsJson, {{&kWarning, doubts}}));
+  const std::vector<AffectedObject> objects(20, {"03:00.0", "/path", "caf\xe9"});
+  const json document = json::parse(Written(&WriteFindingsJson, {{&kWarning, objects}}));
   const json& finding = document.at("findings").at(0);
   EXPECT_EQ(finding.at("code"), "a-code");
   EXPECT_EQ(finding.at("severity"), "warning");
@@ -59,12 +59,12 @@ TEST(CheckView, JsonHasEveryObject) {
             json({{"object", "03:00.0"}, {"path", "/path"}, {"detail", "caf\xc3\xa9"}}));
 }
 
-TEST(CheckView, NothingIsSaidToBeNothing) {
-  EXPECT_THAT(Written(&WriteFindings, {}), testing::StartsWith("Nothing "));
+TEST(CheckView, WithoutFindingsSaysSo) {
+  EXPECT_THAT(Written(&WriteFindings, {}), testing::StartsWith("No problems found"));
   EXPECT_EQ(json::parse(Written(&WriteFindingsJson, {})), json({{"findings", json::array()}}));
 }
 
-TEST(CheckView, NotesAreNoDoubts) {
+TEST(CheckView, NotesAreNotDoubtful) {
   EXPECT_FALSE(AreDoubtful({}));
   EXPECT_FALSE(AreDoubtful({{&kNote, {}}}));
   EXPECT_TRUE(AreDoubtful({{&kNote, {}}, {&kWarning, {}}}));

@@ -18,7 +18,7 @@ struct Documented {
   std::string text;
 };
 
-/// The rows of the document's table: | `code` | severity | what | advice |
+/// The rows of the table in docs/findings.md: | `code` | severity | what | advice |
 std::map<std::string, Documented> DocumentedChecks() {
   std::map<std::string, Documented> rows;
   std::ifstream file(FINDINGS_DOCUMENT);
@@ -30,7 +30,7 @@ std::map<std::string, Documented> DocumentedChecks() {
   return rows;
 }
 
-TEST(Checks, TheDocumentHasEveryOneAndNoOther) {
+TEST(Checks, AreExactlyTheDocumentedOnes) {
   const std::map<std::string, Documented> documented = DocumentedChecks();
   for (const Check& check : AllChecks()) {
     const auto row = documented.find(check.code);
@@ -51,20 +51,20 @@ TEST(Checks, CodesAreUniqueAndAdviceIsOneLine) {
 
 TEST(Checks, ASoundMachineHasNoFinding) {
   for (const CheckFinding& finding : RunChecks(MakeSoundFacts())) {
-    ADD_FAILURE() << finding.check->code << ": " << finding.doubts.front().object;
+    ADD_FAILURE() << finding.check->code << ": " << finding.objects.front().object;
   }
 }
 
-TEST(Checks, AFindingHasItsDoubts) {
+TEST(Checks, FindingsHaveTheirObjects) {
   CheckFacts facts = MakeSoundFacts();
   facts.listingFailure = "no such program";
   const std::vector<CheckFinding> findings = RunChecks(facts);
   ASSERT_EQ(findings.size(), 1U);
   EXPECT_STREQ(findings.front().check->code, "listing-missing");
-  EXPECT_EQ(findings.front().doubts.size(), 1U);
+  EXPECT_EQ(findings.front().objects.size(), 1U);
 }
 
-TEST(Checks, NothingAtAllIsNoReasonToCrash) { EXPECT_FALSE(RunChecks(CheckFacts()).empty()); }
+TEST(Checks, EmptyFactsDoNotCrash) { EXPECT_FALSE(RunChecks(CheckFacts()).empty()); }
 
 }  // namespace
 }  // namespace pciinfo

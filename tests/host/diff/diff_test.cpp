@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-/// A machine that a test puts together.
+/// A machine that a test assembles.
 class Machine {
  public:
   explicit Machine(std::string system = "box") : system_(std::move(system)) {}
@@ -99,7 +99,7 @@ TEST(Diff, TheSameMachineDoesNotDiffer) {
   EXPECT_TRUE(result.hasCompared);
 }
 
-TEST(Diff, FunctionsComeAndGo) {
+TEST(Diff, FunctionsAreAddedAndRemoved) {
   Machine before, after;
   before.AddFunction(1, 0, 0xA);
   after.AddFunction(2, 0, 0xB, after.AddSlot("Tag 1", "X"));
@@ -116,13 +116,12 @@ TEST(Diff, ACardThatMovedIsTheSameCard) {
   after.AddSlot("Tag 1", "X", 1);
   after.AddFunction(2, 0, 0xA, after.AddSlot("Tag 2", "Y", 2));
   EXPECT_THAT(Texts(before, after),
-              ElementsAre("X (Tag 1): holds nothing any more, and held 01:00.0",
-                          "Y (Tag 2): now holds 02:00.0",
+              ElementsAre("X (Tag 1): now empty (was 01:00.0)", "Y (Tag 2): now holds 02:00.0",
                           "02:00.0: card moved from slot X (Tag 1) to slot Y (Tag 2)",
                           "02:00.0: address 01:00.0 -> 02:00.0"));
 }
 
-TEST(Diff, ARenumberedBusMakesNoOtherCards) {
+TEST(Diff, ACardOnARenumberedBusIsTheSameCard) {
   Machine before, after;
   for (int device = 0; device < 4; ++device) {
     before.AddFunction(3, device, static_cast<unsigned short>(device));
@@ -133,7 +132,7 @@ TEST(Diff, ARenumberedBusMakesNoOtherCards) {
   EXPECT_THAT(Texts(before, after), Contains("04:02.0: address 03:02.0 -> 04:02.0"));
 }
 
-TEST(Diff, EqualCardsAreKnownByTheirSlots) {
+TEST(Diff, EqualCardsArePairedByTheirSlots) {
   Machine before, after;
   before.AddFunction(3, 0, 0xA, before.AddSlot("Tag 1", "X", 1));
   before.AddFunction(4, 0, 0xA, before.AddSlot("Tag 2", "Y", 2));
@@ -161,12 +160,11 @@ TEST(Diff, ARenumberedSlotIsTheSameSlot) {
               UnorderedElementsAre("NEW (Tag 1): added", "X (Tag 2): Tag: \"Tag 1\" -> \"Tag 2\""));
 }
 
-TEST(Diff, ASlotThatWasEmptiedIsSaidToBeSo) {
+TEST(Diff, SaysThatASlotIsNowEmpty) {
   Machine before, after;
   before.AddSlot("Tag 1", "X", 1, 4);
   after.AddSlot("Tag 1", "X", 1, 3);
-  EXPECT_THAT(Texts(before, after),
-              ElementsAre("X (Tag 1): is now empty: usage In use -> Available"));
+  EXPECT_THAT(Texts(before, after), ElementsAre("X (Tag 1): now empty: usage In use -> Available"));
 }
 
 TEST(Diff, LinksComeFromTheListing) {
@@ -178,11 +176,11 @@ TEST(Diff, LinksComeFromTheListing) {
       Texts(before, after, {"RawResult"}),
       ElementsAre("03:00.0: link narrower: x16 -> x8", "03:00.0: link faster: 8GT/s -> 16GT/s"));
   EXPECT_THAT(Texts(before, after, {"LinkSpeed", "LinkWidth"}),
-              ElementsAre(testing::StartsWith("lspci -vvv: listing: 2 lines -> 2 lines; from line "
-                                              "2 on: ")));
+              ElementsAre(testing::StartsWith(
+                  "lspci -vvv: listing: 2 lines -> 2 lines; first difference at line 2: ")));
 }
 
-TEST(Diff, TheSystemIsToldOnce) {
+TEST(Diff, ReportsASystemNameOnce) {
   Machine before("old"), after("new");
   for (Machine* machine : {&before, &after}) {
     machine->AddFunction(1, 0, 0xA);
@@ -192,7 +190,7 @@ TEST(Diff, TheSystemIsToldOnce) {
   EXPECT_THAT(Texts(before, after, {"SystemName"}), IsEmpty());
 }
 
-TEST(Diff, EveryOtherPropertyIsToldWithItsName) {
+TEST(Diff, ReportsOtherPropertiesByName) {
   const auto before = MakeFixedRepository();
   const auto after = MakeFixedRepository();
   const auto& device = after->Find("QZMSG_PCIDevice")->GetInstances().front();
@@ -205,7 +203,7 @@ TEST(Diff, EveryOtherPropertyIsToldWithItsName) {
   EXPECT_EQ(result.changes[1].oldValue, TCIMValue(static_cast<unsigned char>(1)));
 }
 
-TEST(Diff, ClassesThatJsonLeavesOutAreNotCompared) {
+TEST(Diff, DoesNotCompareClassesMissingFromJson) {
   const auto whole = MakeFixedRepository();
   Machine part;
   part.AddSlot("Tag 1", "PCIEX16_1");

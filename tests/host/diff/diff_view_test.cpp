@@ -49,7 +49,7 @@ class DiffView : public testing::Test {
   DiffResult result_;
 };
 
-TEST_F(DiffView, ATextGroupsWhatIsOfOneThing) {
+TEST_F(DiffView, TextGroupsChangesByObject) {
   EXPECT_EQ(Written(&WriteDiff, result_),
             "--- old?\n+++ new\n"
             "~ function 01:00.0  10de:1b80  caf\xc3\xa9\n"
@@ -60,7 +60,7 @@ TEST_F(DiffView, ATextGroupsWhatIsOfOneThing) {
             "    removed\n");
 }
 
-TEST_F(DiffView, JsonHasWholeValues) {
+TEST_F(DiffView, JsonHasCompleteValues) {
   const json document = json::parse(Written(&WriteDiffJson, result_));
   EXPECT_EQ(document["before"], "old?");
   EXPECT_EQ(document["ignored"], json({"IRQ"}));
@@ -79,7 +79,7 @@ TEST_F(DiffView, JsonHasWholeValues) {
   EXPECT_FALSE(removed.contains("path"));
 }
 
-TEST_F(DiffView, NoDifferenceIsSaid) {
+TEST_F(DiffView, SaysThatThereAreNoDifferences) {
   EXPECT_EQ(Written(&WriteDiff, {}), "No differences.\n");
   EXPECT_TRUE(json::parse(Written(&WriteDiffJson, {}))["changes"].empty());
 }

@@ -19,12 +19,11 @@ TCIMValue Lines(const std::vector<std::string>& lines) {
   return Array(TCIMValue::TCIMType::kString, TCIMValue::TArray(lines.begin(), lines.end()));
 }
 
-TEST(DiffWords, KnowWhatPropertiesMean) {
+TEST(DiffWords, DescribeWellKnownProperties) {
   EXPECT_EQ(ChangeText("VendorID", Word(0x8086), Word(0x10DE)), "vendor 8086 -> 10de");
-  EXPECT_EQ(ChangeText("CurrentUsage", Word(4), Word(3)),
-            "is now empty: usage In use -> Available");
+  EXPECT_EQ(ChangeText("CurrentUsage", Word(4), Word(3)), "now empty: usage In use -> Available");
   EXPECT_EQ(ChangeText("CurrentUsage", Word(3), Word(4)),
-            "is no longer empty: usage Available -> In use");
+            "no longer empty: usage Available -> In use");
   EXPECT_EQ(ChangeText("CurrentUsage", Word(2), Word(4)), "usage Unknown -> In use");
   EXPECT_EQ(ChangeText("Location", TCIMValue("PCI Bus  1, device   0, function  0"),
                        TCIMValue("elsewhere")),
@@ -35,16 +34,16 @@ TEST(DiffWords, KnowWhatPropertiesMean) {
             "slot type [6, 6] -> [(not set)]");
 }
 
-TEST(DiffWords, NameAllOthers) {
+TEST(DiffWords, ShowOtherPropertiesByName) {
   EXPECT_EQ(ChangeText("Shared", TCIMValue(true), TCIMValue(false)), "Shared: true -> false");
   EXPECT_EQ(ChangeText("Tag", TCIMValue("a\x1b"), TCIMValue()), "Tag: \"a?\" -> (not set)");
 }
 
-TEST(DiffWords, SayWhereListingsDiffer) {
+TEST(DiffWords, ShowTheFirstDifferenceOfListings) {
   EXPECT_EQ(ChangeText("RawResult", Lines({"a", "b"}), Lines({"a", "c", "d"})),
-            "listing: 2 lines -> 3 lines; from line 2 on: \"b\" -> \"c\"");
+            "listing: 2 lines -> 3 lines; first difference at line 2: \"b\" -> \"c\"");
   EXPECT_EQ(ChangeText("RawResult", Lines({"a"}), Lines({"a", "b"})),
-            "listing: 1 lines -> 2 lines; from line 2 on: (end) -> \"b\"");
+            "listing: 1 lines -> 2 lines; first difference at line 2: (end of listing) -> \"b\"");
   EXPECT_EQ(ChangeText("RawResult", Lines({"a"}), TCIMValue()), "listing: 1 lines -> (not set)");
 }
 

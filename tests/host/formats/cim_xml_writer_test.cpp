@@ -48,13 +48,13 @@ TEST(CimXmlWriter, WritesAnInstanceWithItsLocalPath) {
             "</DECLGROUP.WITHPATH></DECLARATION></CIM>\n");
 }
 
-TEST(CimXmlWriter, IsValidAndParsesBackEqual) {
+TEST(CimXmlWriter, IsValidAndHasTheSameContentAsJson) {
   ExpectValidAndSame(*MakeFixedRepository());
   ExpectValidAndSame(*MakeHostileRepository());
   ExpectValidAndSame(*MakeEmptyRepository());
 }
 
-TEST(CimXmlWriter, KeepsToWhatItsStrictestReadersTake) {
+TEST(CimXmlWriter, WritesWhatStrictReadersAccept) {
   const std::string text = Written("cim-xml", *MakeHostileRepository());
   EXPECT_THAT(text, StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CIM "));
   EXPECT_THAT(text, Not(HasSubstr("/>")));
@@ -73,7 +73,7 @@ TEST(CimXmlWriter, AnUnsetPropertyHasNoValue) {
                                        "</PROPERTY.REFERENCE>")));
 }
 
-TEST(CimXmlWriter, KeysSayTheirKind) {
+TEST(CimXmlWriter, KeysHaveAValueType) {
   EXPECT_THAT(
       Written("cim-xml", *MakeHostileRepository(), {"Hostile_Link"}),
       HasSubstr("<KEYBINDING NAME=\"Count\"><KEYVALUE VALUETYPE=\"numeric\" TYPE=\"sint16\">-7"

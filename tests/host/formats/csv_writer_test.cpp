@@ -22,7 +22,7 @@ struct Field {
 
 using Record = std::vector<Field>;
 
-/// Reads RFC 4180 to the letter: whatever it does not allow fails.
+/// Reads CSV exactly as RFC 4180 defines it and fails on anything else.
 class CsvReader {
  public:
   explicit CsvReader(std::string_view text) : rest_(text) {}
@@ -76,7 +76,7 @@ class CsvReader {
   std::string_view rest_;
 };
 
-/// What a field says, as the JSON of the same value; no value for an unset property.
+/// The field's value as JSON, given its JSON counterpart; nothing for an unset property.
 std::optional<json> Meaning(const Field& field, const json& wanted) {
   if (!field.isQuoted && field.text.empty()) return std::nullopt;
   if (wanted.is_string() && field.isQuoted) return field.text;
@@ -105,7 +105,7 @@ void ExpectSame(const vtq::Namespace& repository) {
   }
 }
 
-TEST(CsvWriter, OneTableHoldsInstancesOfSeveralClasses) {
+TEST(CsvWriter, WritesSeveralClassesInOneTable) {
   EXPECT_EQ(Written("csv", *MakeFixedRepository(), {"QZMSG_SystemBoard", "QZMSG_PCIRawData"}),
             "class,path,Command,CreationClassName,DeviceID,ElementName,RawResult,SlotAllInfo,"
             "SlotDesignation,SystemCreationClassName,SystemName\r\n"
@@ -120,16 +120,16 @@ TEST(CsvWriter, OneTableHoldsInstancesOfSeveralClasses) {
             "\"lspci -vvv\",,,,,,,,\r\n");
 }
 
-TEST(CsvWriter, HoldsWhatJsonHolds) {
+TEST(CsvWriter, HasTheSameContentAsJson) {
   ExpectSame(*MakeFixedRepository());
   ExpectSame(*MakeHostileRepository());
 }
 
-TEST(CsvWriter, ATextThatASpreadsheetMayTakeForAFormulaStaysAsItIs) {
+TEST(CsvWriter, DoesNotChangeTextsThatLookLikeFormulas) {
   EXPECT_THAT(Written("csv", *MakeHostileRepository()), testing::HasSubstr(",\"=1+1\","));
 }
 
-TEST(CsvWriter, WithoutInstancesThereIsAHeadOnly) {
+TEST(CsvWriter, WithoutInstancesWritesOnlyTheHeader) {
   EXPECT_EQ(Written("csv", *MakeEmptyRepository(), {"QZMSG_PCIRawData"}),
             "class,path,Command,RawResult\r\n");
 }

@@ -27,7 +27,7 @@ class Recorder final : public InstanceWriter {
   std::vector<std::string> calls;
 };
 
-TEST(InstanceWriter, IsCalledClassByClassInTheOrderAskedForAndInCommitOrder) {
+TEST(InstanceWriter, IsCalledClassByClassInTheRequestedOrder) {
   Recorder recorder;
   WriteInstances(*MakeFixedRepository(), {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, recorder);
   EXPECT_THAT(recorder.calls, ElementsAre("expect QZMSG_SystemBoard", "expect QZMSG_PCIBridge",
@@ -36,7 +36,7 @@ TEST(InstanceWriter, IsCalledClassByClassInTheOrderAskedForAndInCommitOrder) {
                                           "PCI Bus  0, device   1, function  0", "end"));
 }
 
-TEST(InstanceWriter, AClassThatIsNotDeclaredIsPassedOver) {
+TEST(InstanceWriter, SkipsUndeclaredClasses) {
   Recorder recorder;
   WriteInstances(*MakeEmptyRepository(), {"Nothing", "QZMSG_PCIBridge"}, recorder);
   EXPECT_THAT(recorder.calls,

@@ -12,7 +12,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// An instance of Hostile_Everything with the key "k" and further properties.
+/// An instance of Hostile_Everything with the key "k" and more properties.
 std::string Everything(const std::string& properties) {
   return R"({"class":"Hostile_Everything","path":"/root/cimv2:Hostile_Everything.Key=\"k\"",)"
          R"("properties":{"Key":"k")" +
@@ -30,7 +30,7 @@ std::string Failure(const std::string& text) {
   }
 }
 
-/// What is wrong with an instance that has this property.
+/// The error for an instance with this property.
 std::string PropertyFailure(const std::string& property) {
   return Failure(Document(Everything(property)));
 }
@@ -42,7 +42,7 @@ void ExpectSameAfterReading(const std::string& format, const vtq::Namespace& wri
   EXPECT_EQ(Written(format, empty), text);
 }
 
-TEST(JsonReader, AnInventoryReadsBackEqual) {
+TEST(JsonReader, ReadsAnInventoryBackUnchanged) {
   for (const char* format : {"json", "jsonl"}) {
     ExpectSameAfterReading(format, *MakeFixedRepository(), *MakeEmptyRepository());
     ExpectSameAfterReading(format, *MakeHostileRepository(), *MakeEmptyHostileRepository());
@@ -68,7 +68,7 @@ TEST(JsonReader, ValuesHaveTheirDeclaredTypes) {
       original->Find("QZMSG_SystemSlot")->GetInstances().front()->GetProperty("Number", {}).value);
 }
 
-TEST(JsonReader, LayoutAndFurtherKeysDoNotMatter) {
+TEST(JsonReader, IgnoresLayoutAndUnknownKeys) {
   const auto repository = MakeEmptyHostileRepository();
   ReadInstances(
       "\n {\n \"new\": 1,\n \"instances\": [\n" + Everything("\"uint8\" : 3") + "\n]\n}\n",
@@ -76,7 +76,7 @@ TEST(JsonReader, LayoutAndFurtherKeysDoNotMatter) {
   EXPECT_EQ(repository->Find("Hostile_Everything")->GetInstances().size(), 1U);
 }
 
-TEST(JsonReader, NullIsAnUnsetProperty) {
+TEST(JsonReader, NullLeavesAPropertyUnset) {
   const auto repository = MakeEmptyHostileRepository();
   ReadInstances(Everything("\"real64\":null"), *repository);
   EXPECT_TRUE(repository->Find("Hostile_Everything")
@@ -86,19 +86,21 @@ TEST(JsonReader, NullIsAnUnsetProperty) {
                   .value.IsNull());
 }
 
-TEST(JsonReader, BlankLinesBetweenJsonLinesArePassedOver) {
+TEST(JsonReader, IgnoresBlankLinesBetweenJsonLines) {
   const auto repository = MakeEmptyHostileRepository();
   ReadInstances(Everything("") + "\r\n\n  \n", *repository);
   EXPECT_EQ(repository->Find("Hostile_Everything")->GetInstances().size(), 1U);
 }
 
-TEST(JsonReader, WhatIsNoInventoryIsRefused) {
-  EXPECT_EQ(Failure(""), "there is no JSON in it");
-  EXPECT_EQ(Failure(" \n\n"), "there is no JSON in it");
-  EXPECT_THAT(Failure("[]"), HasSubstr("no output of \"pciinfo instances\""));
-  EXPECT_THAT(Failure("{\n\"slots\":[],\"onBoard\":[]}"), HasSubstr("no array \"instances\""));
-  EXPECT_THAT(Failure(R"({"instances":7})"), HasSubstr("no array \"instances\""));
-  EXPECT_THAT(Failure(R"({"slots":[],"onBoard":[]})"), HasSubstr("no array \"instances\""));
+TEST(JsonReader, RefusesOtherInput) {
+  EXPECT_EQ(Failure(""), "the input is empty");
+  EXPECT_EQ(Failure(" \n\n"), "the input is empty");
+  EXPECT_THAT(Failure("[]"), HasSubstr("not the output of \"pciinfo instances\""));
+  EXPECT_THAT(Failure("{\n\"slots\":[],\"onBoard\":[]}"),
+              HasSubstr("the array \"instances\" is missing"));
+  EXPECT_THAT(Failure(R"({"instances":7})"), HasSubstr("the array \"instances\" is missing"));
+  EXPECT_THAT(Failure(R"({"slots":[],"onBoard":[]})"),
+              HasSubstr("the array \"instances\" is missing"));
 }
 
 TEST(JsonReader, SyntaxErrorsNameLineAndColumn) {
@@ -110,59 +112,60 @@ TEST(JsonReader, SyntaxErrorsNameLineAndColumn) {
 }
 
 TEST(JsonReader, MembersOfAnInstanceAreChecked) {
-  EXPECT_EQ(Failure(Document("7")), "instances[0]: 7 is no object");
-  EXPECT_EQ(Failure(Document("{}")), "instances[0]: there is no \"class\"");
-  EXPECT_EQ(Failure(Document(R"({"class":1})")), "instances[0].class: 1 is no string");
-  EXPECT_EQ(Failure(Document(R"({"class":"C"})")), "instances[0].class: there is no class \"C\"");
+  EXPECT_EQ(Failure(Document("7")), "instances[0]: 7 is not an object");
+  EXPECT_EQ(Failure(Document("{}")), "instances[0]: \"class\" is missing");
+  EXPECT_EQ(Failure(Document(R"({"class":1})")), "instances[0].class: 1 is not of type string");
+  EXPECT_EQ(Failure(Document(R"({"class":"C"})")), "instances[0].class: unknown class \"C\"");
   EXPECT_EQ(Failure(Document(R"({"class":"Hostile_Link"})")),
-            "instances[0]: there is no \"properties\"");
+            "instances[0]: \"properties\" is missing");
   EXPECT_EQ(Failure(Document(R"({"class":"Hostile_Link","properties":[]})")),
-            "instances[0].properties: an array is no object");
-  EXPECT_EQ(Failure(Document(Everything("") + ",{}")), "instances[1]: there is no \"class\"");
-  EXPECT_EQ(Failure(Everything("") + "\n{}"), "line 2: there is no \"class\"");
+            "instances[0].properties: an array is not of type object");
+  EXPECT_EQ(Failure(Document(Everything("") + ",{}")), "instances[1]: \"class\" is missing");
+  EXPECT_EQ(Failure(Everything("") + "\n{}"), "line 2: \"class\" is missing");
 }
 
 TEST(JsonReader, TypesAndRangesOfPropertiesAreChecked) {
   const std::string at = "instances[0].properties.";
   EXPECT_EQ(PropertyFailure("\"colour\":1"),
             at + "colour: the class Hostile_Everything has no property colour");
-  EXPECT_EQ(PropertyFailure("\"uint8\":256"), at + "uint8: 256 is no uint8");
-  EXPECT_EQ(PropertyFailure("\"uint8\":-1"), at + "uint8: -1 is no uint8");
+  EXPECT_EQ(PropertyFailure("\"uint8\":256"), at + "uint8: 256 is not of type uint8");
+  EXPECT_EQ(PropertyFailure("\"uint8\":-1"), at + "uint8: -1 is not of type uint8");
   EXPECT_EQ(PropertyFailure("\"sint64\":9223372036854775808"),
-            at + "sint64: 9223372036854775808 is no sint64");
-  EXPECT_EQ(PropertyFailure("\"uint64\":1.5"), at + "uint64: 1.5 is no uint64");
-  EXPECT_EQ(PropertyFailure("\"uint64\":\"1\""), at + "uint64: \"1\" is no uint64");
-  EXPECT_EQ(PropertyFailure("\"boolean\":1"), at + "boolean: 1 is no boolean");
-  EXPECT_EQ(PropertyFailure("\"string\":true"), at + "string: true is no string");
-  EXPECT_EQ(PropertyFailure("\"string\":[]"), at + "string: an array is no string");
-  EXPECT_EQ(PropertyFailure("\"strings\":\"a\""), at + "strings: \"a\" is no array");
-  EXPECT_EQ(PropertyFailure("\"strings\":[\"a\",[]]"), at + "strings[1]: an array is no string");
+            at + "sint64: 9223372036854775808 is not of type sint64");
+  EXPECT_EQ(PropertyFailure("\"uint64\":1.5"), at + "uint64: 1.5 is not of type uint64");
+  EXPECT_EQ(PropertyFailure("\"uint64\":\"1\""), at + "uint64: \"1\" is not of type uint64");
+  EXPECT_EQ(PropertyFailure("\"boolean\":1"), at + "boolean: 1 is not of type boolean");
+  EXPECT_EQ(PropertyFailure("\"string\":true"), at + "string: true is not of type string");
+  EXPECT_EQ(PropertyFailure("\"string\":[]"), at + "string: an array is not of type string");
+  EXPECT_EQ(PropertyFailure("\"strings\":\"a\""), at + "strings: \"a\" is not an array");
+  EXPECT_EQ(PropertyFailure("\"strings\":[\"a\",[]]"),
+            at + "strings[1]: an array is not of type string");
   EXPECT_THAT(PropertyFailure("\"datetime\":\"now\""), StartsWith(at + "datetime: \"now\" is no"));
 }
 
-TEST(JsonReader, DeepNestingIsRefusedLikeAnyOtherValue) {
+TEST(JsonReader, RefusesDeepNesting) {
   constexpr std::size_t kDepth = 300000;
   const std::string nested = std::string(kDepth, '[') + std::string(kDepth, ']');
-  EXPECT_EQ(Failure(Document(nested)), "instances[0]: an array is no object");
+  EXPECT_EQ(Failure(Document(nested)), "instances[0]: an array is not an object");
   EXPECT_EQ(PropertyFailure("\"uint8\":" + nested),
-            "instances[0].properties.uint8: an array is no uint8");
+            "instances[0].properties.uint8: an array is not of type uint8");
 }
 
 TEST(JsonReader, LongValuesAreCutInMessages) {
   const std::string failure = PropertyFailure("\"uint8\":\"" + std::string(1000, 'x') + "\"");
   EXPECT_LT(failure.size(), 150U);
-  EXPECT_THAT(failure, testing::EndsWith("... is no uint8"));
+  EXPECT_THAT(failure, testing::EndsWith("... is not of type uint8"));
 }
 
 TEST(JsonReader, PathsMustMatchTheKeysAndBeUnique) {
   const std::string other = R"({"class":"Hostile_Everything","path":"x","properties":{"Key":"k"}})";
   EXPECT_EQ(Failure(Document(other)),
-            "instances[0].path: it does not match the keys, which make "
+            "instances[0].path: does not match the keys; expected "
             "/root/cimv2:Hostile_Everything.Key=\"k\"");
   EXPECT_THAT(Failure(Document(R"({"class":"Hostile_Everything","path":"x","properties":{}})")),
               HasSubstr("Key is a key and not set"));
   EXPECT_EQ(Failure(Document(Everything("") + "," + Everything(""))),
-            "instances[1].path: an instance before this one has it already");
+            "instances[1].path: an earlier instance has the same path");
 }
 
 TEST(JsonReader, ReferencesAreChecked) {
@@ -170,8 +173,7 @@ TEST(JsonReader, ReferencesAreChecked) {
     return Failure(Document(R"({"class":"Hostile_Link","path":"","properties":{"Target":")" +
                             target + "\"}}"));
   };
-  EXPECT_EQ(link("x"),
-            "instances[0].properties.Target: \"/root/cimv2:\" is expected where \"x\" stands");
+  EXPECT_EQ(link("x"), "instances[0].properties.Target: expected \"/root/cimv2:\" at \"x\"");
   EXPECT_THAT(link(R"(/root/cimv2:Hostile_Link.Flag=TRUE,Count=1,Target=\"/root/cimv2:)"
                    R"(Hostile_Everything.Key=\\\"\\\"\")"),
               HasSubstr("may not name an instance of Hostile_Link"));

@@ -28,7 +28,7 @@ std::string JsonString(std::string_view bytes) {
   return output.Text();
 }
 
-TEST(JsonText, EveryByteStringComesBackFromItsJson) {
+TEST(JsonText, EveryByteStringSurvivesARoundTrip) {
   for (int byte = 0; byte < 128; ++byte) {
     const std::string text = std::string("a") + static_cast<char>(byte) + "b";
     EXPECT_EQ(nlohmann::json::parse(JsonString(text)).get<std::string>(), text);
@@ -63,7 +63,7 @@ TEST(JsonText, Scalars) {
             "\"20240229123456.000000+060\"");
 }
 
-TEST(JsonText, ANumberThatJsonCannotHoldIsNull) {
+TEST(JsonText, InfinityIsNull) {
   EXPECT_EQ(Json(TCIMValue(std::numeric_limits<double>::infinity())), "null");
 }
 

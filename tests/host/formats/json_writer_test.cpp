@@ -21,7 +21,7 @@ std::string Written(const std::string& format, const std::vector<std::string>& c
   return output.Text();
 }
 
-TEST(JsonWriter, WritesOneDocumentWithAnInstanceALine) {
+TEST(JsonWriter, WritesOneDocumentWithOneInstancePerLine) {
   const std::string text =
       Written("json", {"QZMSG_PCIBridge", "QZMSG_PCIDevice"}, *MakeFixedRepository());
   const json document = json::parse(text);
@@ -42,7 +42,7 @@ TEST(JsonWriter, AnInstanceHasClassPathAndTheSetProperties) {
   EXPECT_FALSE(document["instances"][2]["properties"].contains("SlotDesignation"));
 }
 
-TEST(JsonWriter, PropertiesStandInByteOrderOfTheirNames) {
+TEST(JsonWriter, PropertiesAreInByteOrderOfTheirNames) {
   const std::string text = Written("jsonl", {"QZMSG_PCIDevice"}, *MakeFixedRepository());
   const auto instance = nlohmann::ordered_json::parse(LinesOf(text).front());
   std::vector<std::string> names;
@@ -58,18 +58,18 @@ TEST(JsonWriter, ReferencesArePathTexts) {
   EXPECT_EQ(document["instances"][0]["properties"]["Antecedent"], document["instances"][1]["path"]);
 }
 
-TEST(JsonWriter, TextsThatAreNotUtf8ComeOutAsLatin1) {
+TEST(JsonWriter, InvalidUtf8IsReadAsLatin1) {
   const json document = json::parse(Written("json", {"QZMSG_PCIRawData"}, *MakeFixedRepository()));
   EXPECT_EQ(document["instances"][0]["properties"]["RawResult"],
             json({"00:00.0 \"quoted\" \\ and\ttabbed", "", "caf\xc3\xa9"}));
 }
 
-TEST(JsonWriter, WithoutInstancesTheDocumentIsStillOne) {
+TEST(JsonWriter, WithoutInstancesWritesAnEmptyDocument) {
   EXPECT_EQ(json::parse(Written("json", {"QZMSG_PCIDevice"}, *MakeEmptyRepository())),
             json::parse(R"({"instances": []})"));
 }
 
-TEST(JsonLinesWriter, WritesAnInstanceObjectALine) {
+TEST(JsonLinesWriter, WritesOneObjectPerLine) {
   const auto repository = MakeFixedRepository();
   const std::vector<std::string> lines =
       LinesOf(Written("jsonl", {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, *repository));

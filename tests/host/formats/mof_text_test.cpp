@@ -17,7 +17,7 @@ TEST(MofText, QuotesBackslashesAndControlCharactersAreEscaped) {
   EXPECT_EQ(MofString(std::string("\0f\x01\x7f", 4)), "\"\\x0000f\\x0001\\x007F\"");
 }
 
-TEST(MofText, OtherCharactersStandAsUtf8) {
+TEST(MofText, OtherCharactersAreUtf8) {
   EXPECT_EQ(MofString("caf\xc3\xa9 \xf0\x9f\x98\x80"), "\"caf\xc3\xa9 \xf0\x9f\x98\x80\"");
   EXPECT_EQ(MofString("caf\xe9"), "\"caf\xc3\xa9\"");
   EXPECT_EQ(MofString("\xc2\x85"), R"("\x0085")");

@@ -15,7 +15,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Reads "instance of" declarations as DSP0004 has them and nothing else.
+/// Reads "instance of" declarations exactly as DSP0004 defines them and fails on anything else.
 class MofReader {
  public:
   explicit MofReader(std::string_view text) : rest_(text) {}
@@ -120,7 +120,7 @@ void ExpectSame(const vtq::Namespace& repository) {
   EXPECT_EQ(MofReader(Written("mof", repository)).Read(), instances);
 }
 
-TEST(MofWriter, WritesADeclarationAnInstance) {
+TEST(MofWriter, WritesOneDeclarationPerInstance) {
   EXPECT_EQ(Written("mof", *MakeFixedRepository(), {"QZMSG_SystemBoard", "QZMSG_PCIRawData"}),
             R"(instance of QZMSG_SystemBoard {
     CreationClassName = "QZMSG_SystemBoard";
@@ -144,7 +144,7 @@ instance of QZMSG_PCIRawData {
 )");
 }
 
-TEST(MofWriter, NumbersOfAnArrayStandOnOneLine) {
+TEST(MofWriter, NumberArraysAreOnOneLine) {
   EXPECT_NE(Written("mof", *MakeFixedRepository()).find("    ConnectorType = { 182 };\n"),
             std::string::npos);
 }
@@ -156,7 +156,7 @@ TEST(MofWriter, AReferenceIsAnObjectPath) {
             std::string::npos);
 }
 
-TEST(MofWriter, HoldsWhatJsonHolds) {
+TEST(MofWriter, HasTheSameContentAsJson) {
   ExpectSame(*MakeFixedRepository());
   ExpectSame(*MakeHostileRepository());
 }

@@ -35,7 +35,7 @@ TEST(PathReader, ReadsThePathsOfAllInstances) {
   ExpectPathsReadBack(*MakeHostileRepository());
 }
 
-TEST(PathReader, KeysMayStandInAnyOrder) {
+TEST(PathReader, AcceptsKeysInAnyOrder) {
   const auto repository = MakeEmptyRepository();
   EXPECT_EQ(ReadPath(R"(/root/cimv2:QZMSG_SystemSlot.Tag="T",CreationClassName="C")", *repository)
                 .ToString(),
@@ -43,20 +43,20 @@ TEST(PathReader, KeysMayStandInAnyOrder) {
 }
 
 TEST(PathReader, SaysWhatIsWrong) {
-  EXPECT_THAT(Failure(""), HasSubstr("\"/root/cimv2:\" is expected"));
-  EXPECT_THAT(Failure("/root/other:C"), HasSubstr("\"/root/cimv2:\" is expected"));
-  EXPECT_THAT(Failure("/root/cimv2:C.a=1"), HasSubstr("no class \"C\""));
+  EXPECT_THAT(Failure(""), HasSubstr("expected \"/root/cimv2:\""));
+  EXPECT_THAT(Failure("/root/other:C"), HasSubstr("expected \"/root/cimv2:\""));
+  EXPECT_THAT(Failure("/root/cimv2:C.a=1"), HasSubstr("unknown class \"C\""));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything"), HasSubstr("the key Key of"));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Lock=\"\""), HasSubstr("no key \"Lock\""));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.string=\"\""),
               HasSubstr("no key \"string\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key"), HasSubstr("\"=\" is expected"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=a"), HasSubstr("\"\"\" is expected"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key"), HasSubstr("expected \"=\""));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=a"), HasSubstr("expected \"\"\""));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a"), HasSubstr("no closing quote"));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\\"), HasSubstr("no closing quote"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\"b"), HasSubstr("\",\" is expected"));
+  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\"b"), HasSubstr("expected \",\""));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\",Key=\"a\""),
-              HasSubstr("Key is there twice"));
+              HasSubstr("Key occurs twice"));
 }
 
 TEST(PathReader, ChecksTheTypesOfKeys) {
@@ -64,11 +64,11 @@ TEST(PathReader, ChecksTheTypesOfKeys) {
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Flag=TRUE,Count=-7," + target),
               HasSubstr("no failure"));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Flag=yes"),
-              HasSubstr("Flag is yes and not a boolean"));
+              HasSubstr("Flag: yes is not of type boolean"));
   EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Count=32768"),
-              HasSubstr("Count is 32768 and not a sint16"));
+              HasSubstr("Count: 32768 is not of type sint16"));
   EXPECT_THAT(Failure(R"(/root/cimv2:Hostile_Link.Target="nowhere")"),
-              HasSubstr("\"/root/cimv2:\" is expected where \"nowhere\" stands"));
+              HasSubstr("expected \"/root/cimv2:\" at \"nowhere\""));
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ std::string Written(const std::vector<std::string>& classes, const vtq::Namespac
   return output.Text();
 }
 
-TEST(TableWriter, WritesAHeadingAndABlockAnInstance) {
+TEST(TableWriter, WritesAHeadingAndOneBlockPerInstance) {
   EXPECT_EQ(Written({"QZMSG_SystemBoard"}, *MakeFixedRepository()),
             "QZMSG_SystemBoard: 1 instance\n"
             "\n"
@@ -34,19 +34,19 @@ TEST(TableWriter, ClassesWithoutInstancesHaveAHeading) {
             "QZMSG_PCIDevice: 0 instances\n\nQZMSG_PCIBridge: 0 instances\n");
 }
 
-TEST(TableWriter, NumbersOfAnArrayStandOnOneLine) {
+TEST(TableWriter, NumberArraysAreOnOneLine) {
   EXPECT_THAT(Written({"QZMSG_PCIDevice"}, *MakeFixedRepository()),
               HasSubstr("  MEMAddress              = 4143972352, 3758096384\n"));
 }
 
-TEST(TableWriter, TextsOfAnArrayStandBelowEachOther) {
+TEST(TableWriter, TextArraysHaveOneElementPerLine) {
   EXPECT_THAT(Written({"QZMSG_PCIRawData"}, *MakeFixedRepository()),
               HasSubstr("  RawResult = 00:00.0 \"quoted\" \\ and tabbed\n"
                         "              \n"
                         "              caf\xc3\xa9\n"));
 }
 
-TEST(TableWriter, UnprintableBytesAreNotPrinted) {
+TEST(TableWriter, ReplacesUnprintableBytes) {
   const std::string text = Written({"QZMSG_SystemSlot"}, *MakeFixedRepository());
   EXPECT_THAT(text, HasSubstr("J? a designation"));
   EXPECT_THAT(text, Not(HasSubstr("\x01")));

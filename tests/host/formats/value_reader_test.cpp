@@ -27,7 +27,7 @@ void ExpectRange(Type::ECIMType code) {
   EXPECT_FALSE(IntegerValue(Type(code), std::string_view(above)));
 }
 
-TEST(ValueReader, ReadsTheWholeRangeOfEachTypeAndNothingBeyond) {
+TEST(ValueReader, ReadsExactlyTheRangeOfEachType) {
   ExpectRange<std::uint8_t>(kUint8);
   ExpectRange<std::int8_t>(kSint8);
   ExpectRange<std::uint16_t>(kUint16);
@@ -38,7 +38,7 @@ TEST(ValueReader, ReadsTheWholeRangeOfEachTypeAndNothingBeyond) {
   ExpectRange<std::int64_t>(kSint64);
 }
 
-TEST(ValueReader, NumbersFitOrDoNot) {
+TEST(ValueReader, RefusesNumbersThatDoNotFit) {
   EXPECT_EQ(IntegerValue(Type(kUint8), std::uint64_t{255}), TCIMValue(std::uint8_t{255}));
   EXPECT_FALSE(IntegerValue(Type(kUint8), std::uint64_t{256}));
   EXPECT_EQ(IntegerValue(Type(kSint8), std::int64_t{-128}), TCIMValue(std::int8_t{-128}));
@@ -46,7 +46,7 @@ TEST(ValueReader, NumbersFitOrDoNot) {
   EXPECT_FALSE(IntegerValue(Type(kString), std::uint64_t{1}));
 }
 
-TEST(ValueReader, ATextIsANumberAndNothingElse) {
+TEST(ValueReader, RefusesTextsThatAreNotJustANumber) {
   for (const char* text : {"", "-", "+1", " 1", "1 ", "0x1", "1.0", "1e3", "--1", "one"}) {
     EXPECT_FALSE(IntegerValue(Type(kSint32), std::string_view(text))) << text;
   }

@@ -33,7 +33,7 @@ TEST(ValueText, ScalarsForPeople) {
             "20240229123456.000000+060");
 }
 
-TEST(ValueText, TextsAreStringsDatetimesAndReferences) {
+TEST(ValueText, StringsDatetimesAndReferencesAreTexts) {
   using Type = TCIMValue::TCIMType;
   EXPECT_TRUE(IsText(Type(Type::kString)));
   EXPECT_TRUE(IsText(Type(Type::kDateTime)));
@@ -62,7 +62,7 @@ TEST_F(PropertyText, ReadsWhatIsSet) {
   EXPECT_EQ(BooleanOf(*slots_[0], "SupportsHotPlug"), false);
 }
 
-TEST_F(PropertyText, AnArrayGivesItsFirstNumber) {
+TEST_F(PropertyText, OfAnArrayReadsTheFirstNumber) {
   EXPECT_EQ(NumberOf(*slots_[0], "ConnectorType"), 0xb6U);
 }
 
@@ -73,7 +73,7 @@ TEST_F(PropertyText, UnsetIsEmpty) {
   EXPECT_FALSE(BooleanOf(*slots_[0], "Shared").has_value());
 }
 
-TEST_F(PropertyText, UndeclaredIsAnError) {
+TEST_F(PropertyText, UndeclaredPropertiesThrow) {
   EXPECT_THROW(TextOf(*slots_[0], "Color"), TVTQException);
 }
 

@@ -17,21 +17,19 @@ std::string TextElement(std::string_view bytes) {
   return output.Text();
 }
 
-TEST(XmlText, MarkupIsEscapedByName) {
+TEST(XmlText, EscapesMarkupWithNamedEntities) {
   EXPECT_EQ(TextElement("]]> <&\"'"), "<E>]]&gt; &lt;&amp;&quot;'</E>");
 }
 
-TEST(XmlText, BlanksAndLineFeedsStandAsTheyAre) {
-  EXPECT_EQ(TextElement(" a\tb\n "), "<E> a\tb\n </E>");
-}
+TEST(XmlText, KeepsBlanksAndLineFeeds) { EXPECT_EQ(TextElement(" a\tb\n "), "<E> a\tb\n </E>"); }
 
-TEST(XmlText, WhatXmlCannotCarryIsReplaced) {
+TEST(XmlText, ReplacesCharactersThatXmlForbids) {
   EXPECT_EQ(TextElement(std::string("\0\x01\x1f\r", 4)),
             "<E>\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd</E>");
   EXPECT_EQ(TextElement("\xef\xbf\xbe\xef\xbf\xbf"), "<E>\xef\xbf\xbd\xef\xbf\xbd</E>");
 }
 
-TEST(XmlText, BytesThatAreNotUtf8AreLatin1) {
+TEST(XmlText, InvalidUtf8IsReadAsLatin1) {
   EXPECT_EQ(TextElement("caf\xe9"), "<E>caf\xc3\xa9</E>");
   EXPECT_EQ(TextElement("\xf0\x9f\x98\x80"), "<E>\xf0\x9f\x98\x80</E>");
 }
@@ -51,7 +49,7 @@ TEST(XmlText, AttributesAreEscapedAndEveryElementHasAnEndTag) {
             "<A X=\"&lt;&quot;&amp;\"><B></B></A>\n");
 }
 
-TEST(XmlText, MovesEachPieceOnce) {
+TEST(XmlText, MoveToWritesEachTextOnce) {
   XmlText xml;
   OutputToText output;
   xml.Open("A");

@@ -14,8 +14,8 @@ namespace {
 
 using nlohmann::json;
 
-/// A node that was not quoted is what it reads as, and nothing else than a number, a boolean or
-/// null stands without quotes.
+/// A quoted node is a string; the writer leaves only numbers, booleans and null unquoted, which
+/// parse as JSON.
 json ScalarJson(const YAML::Node& node) {
   if (node.Tag() == "!") return node.Scalar();
   return json::parse(node.Scalar());
@@ -33,7 +33,7 @@ json JsonOf(const YAML::Node& node) {
   return converted;
 }
 
-/// JSON in which U+FFFE, which is no character, is what the YAML library makes of it.
+/// Parses JSON after replacing U+FFFE, a noncharacter, by U+FFFD, as the YAML library does.
 json AsYamlCarries(std::string text) {
   const std::string noCharacter = "\xef\xbf\xbe";
   for (std::size_t at = 0; (at = text.find(noCharacter)) != std::string::npos;) {
@@ -47,7 +47,7 @@ void ExpectSame(const vtq::Namespace& repository) {
             AsYamlCarries(Written("json", repository)));
 }
 
-TEST(YamlWriter, OneListHoldsInstancesOfSeveralClasses) {
+TEST(YamlWriter, WritesSeveralClassesInOneList) {
   EXPECT_EQ(Written("yaml", *MakeFixedRepository(), {"QZMSG_SystemBoard", "QZMSG_PCIRawData"}),
             R"(instances:
 - class: "QZMSG_SystemBoard"
@@ -73,7 +73,7 @@ TEST(YamlWriter, OneListHoldsInstancesOfSeveralClasses) {
 )");
 }
 
-TEST(YamlWriter, HoldsWhatJsonHolds) {
+TEST(YamlWriter, HasTheSameContentAsJson) {
   ExpectSame(*MakeFixedRepository());
   ExpectSame(*MakeHostileRepository());
 }

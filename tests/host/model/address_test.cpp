@@ -11,7 +11,7 @@ TEST(Address, LocationIsReadAsDecimalNumbers) {
   EXPECT_EQ(FormatAddress(*address), "00:1f.3");
 }
 
-TEST(Address, NumbersMayFillTheirColumns) {
+TEST(Address, PaddingIsOptional) {
   EXPECT_EQ(FormatAddress(*ParseLocation("PCI Bus 255, device  10, function  7")), "ff:0a.7");
   EXPECT_EQ(FormatAddress(*ParseLocation("PCI Bus 1, device 2, function 3")), "01:02.3");
 }
@@ -34,7 +34,7 @@ TEST(Address, OrderIsBusThenDeviceThenFunction) {
   EXPECT_LT((PciAddress{0, 1, 0}), (PciAddress{0, 1, 1}));
 }
 
-TEST(WrittenAddress, ComesInSeveralSpellings) {
+TEST(WrittenAddress, MayBeSpelledInSeveralWays) {
   for (const char* text :
        {"0a:1f.3", "0A:1F.3", "a:1f.3", "0000:0a:1f.3", "PCI Bus 10, device  31, function  3"}) {
     const auto written = ParseAddress(text);
@@ -45,7 +45,7 @@ TEST(WrittenAddress, ComesInSeveralSpellings) {
   EXPECT_EQ(ParseAddress("10000:00:00.0")->domain, 0x10000U);
 }
 
-TEST(WrittenAddress, OtherTextsAreNone) {
+TEST(WrittenAddress, OtherTextsAreRejected) {
   for (const char* text : {"", "1", "00:00", "00.0", ":00.0", "00:.0", "00:00.", "100:00.0",
                            "00:20.0", "00:00.8", "x:00.0", "00:00.0 ", " 00:00.0", "1:2:3:4.5",
                            ":00:00.0", "ffffffff0:00:00.0", "-1:00.0"}) {

@@ -24,7 +24,7 @@ std::string Text(const Header& header) { return {header.begin(), header.end()}; 
 
 constexpr PciAddress kAddress{2, 0x1C, 3};
 
-TEST(BridgeBuses, StandInTheHeaderOfBridges) {
+TEST(BridgeBuses, AreReadFromTheHeaderOfBridges) {
   const auto buses = ParseBridgeBuses(kAddress, Bridge(0x81, 3, 9));
   ASSERT_TRUE(buses.has_value());
   EXPECT_EQ(buses->secondary, 3U);
@@ -37,7 +37,7 @@ TEST(BridgeBuses, OtherFunctionsHaveNone) {
   EXPECT_FALSE(ParseBridgeBuses(kAddress, Bridge(0x7F, 3, 9)).has_value());
 }
 
-TEST(BridgeBuses, ABridgeLeadsUpOnly) {
+TEST(BridgeBuses, MustBeHigherThanTheBridgesOwnBus) {
   EXPECT_FALSE(ParseBridgeBuses(kAddress, Bridge(1, 0, 0)).has_value());
   EXPECT_FALSE(ParseBridgeBuses(kAddress, Bridge(1, 2, 9)).has_value());
   EXPECT_FALSE(ParseBridgeBuses(kAddress, Bridge(1, 5, 4)).has_value());

@@ -21,7 +21,7 @@ PciFunction Function(PciAddress address, const char* kind = "device", const char
   return function;
 }
 
-/// A machine of functions and of what its bridges say.
+/// A machine: its functions and the bus numbers of its bridges.
 struct Machine {
   BusTreeSource source;
   std::map<PciAddress, BridgeBuses> buses;
@@ -73,7 +73,7 @@ TEST(BusTree, BusesWithoutABridgeAreRoots) {
   EXPECT_THAT(Texts(machine.Tree()), ElementsAre("64: 40:00.0", "128: 80:00.0"));
 }
 
-TEST(BusTree, ABusWithoutABridgeOfItsOwnIsBehindTheInnermostThatHoldsIt) {
+TEST(BusTree, ABusWithoutItsOwnBridgeIsBehindTheInnermostBridgeAroundIt) {
   Machine machine;
   machine.source.functions = {Function({2, 0, 0}), Function({3, 0, 0}), Function({1, 1, 0})};
   machine.Bridge({0, 1, 0}, 1, 9);
@@ -81,7 +81,7 @@ TEST(BusTree, ABusWithoutABridgeOfItsOwnIsBehindTheInnermostThatHoldsIt) {
   EXPECT_THAT(Texts(machine.Tree()), ElementsAre("0: 00:01.0(01:00.0(02:00.0 03:00.0) 01:01.0)"));
 }
 
-TEST(BusTree, ABusThatTwoBridgesClaimIsBehindOne) {
+TEST(BusTree, ABusThatTwoBridgesClaimIsBehindOneOfThem) {
   Machine machine;
   machine.source.functions = {Function({1, 0, 0})};
   machine.Bridge({0, 1, 0}, 1, 1);
@@ -89,14 +89,14 @@ TEST(BusTree, ABusThatTwoBridgesClaimIsBehindOne) {
   EXPECT_THAT(Texts(machine.Tree()), ElementsAre("0: 00:01.0(01:00.0) 00:02.0"));
 }
 
-TEST(BusTree, FunctionsWithoutAnAddressStandLast) {
+TEST(BusTree, FunctionsWithoutAnAddressComeLast) {
   Machine machine;
   machine.source.functions = {PciFunction(), Function({0, 0, 0})};
   machine.source.functions[0].location = "somewhere";
   EXPECT_THAT(Texts(machine.Tree()), ElementsAre("0: 00:00.0", "none: somewhere"));
 }
 
-TEST(BusTree, SlotsMarkWhatSitsInThem) {
+TEST(BusTree, NodesNameTheirSlot) {
   Machine machine;
   machine.source.functions = {Function({1, 0, 0}), Function({2, 0, 0})};
   machine.source.slots.resize(1);
@@ -107,7 +107,7 @@ TEST(BusTree, SlotsMarkWhatSitsInThem) {
   EXPECT_EQ(tree[1].nodes[0].slot, "SLOT 7");
 }
 
-TEST(BusTree, ManyNeighboursThatAreAlikeAreFolded) {
+TEST(BusTree, MergesSimilarNeighbours) {
   Machine machine;
   for (unsigned i = 0; i < 8; ++i) machine.source.functions.push_back(Function({0, 1, i}));
   machine.source.functions.push_back(Function({0, 2, 0}, "device", "other"));
@@ -117,7 +117,7 @@ TEST(BusTree, ManyNeighboursThatAreAlikeAreFolded) {
   EXPECT_THAT(Texts(tree), ElementsAre("0: 00:01.0x8 00:02.0 00:03.0 00:03.1 00:03.2"));
 }
 
-TEST(BusTree, WhatIsInAnotherSlotIsNotAlike) {
+TEST(BusTree, DoesNotMergeAcrossSlots) {
   Machine machine;
   for (unsigned i = 0; i < 5; ++i) machine.source.functions.push_back(Function({0, 1, i}));
   machine.source.slots.resize(1);
@@ -128,7 +128,7 @@ TEST(BusTree, WhatIsInAnotherSlotIsNotAlike) {
   EXPECT_THAT(Texts(tree), ElementsAre("0: 00:01.0x4 00:01.4"));
 }
 
-TEST(BusTree, PruningKeepsTheWay) {
+TEST(BusTree, PruningKeepsTheBridgesOnTheWay) {
   Machine machine;
   machine.source.functions = {Function({2, 0, 0}), Function({1, 0, 1}), Function({0, 0, 0}),
                               Function({0x80, 0, 0})};
@@ -147,7 +147,7 @@ void CollectPaths(const std::vector<BusNode>& nodes, std::multiset<std::string>&
   }
 }
 
-TEST(BusTree, WhateverBridgesSayEveryFunctionIsThereOnce) {
+TEST(BusTree, ContainsEveryFunctionOnceWhateverTheBridgesClaim) {
   std::mt19937 random(7);  // NOLINT: the same machines in every run
   for (int round = 0; round < 200; ++round) {
     Machine machine;

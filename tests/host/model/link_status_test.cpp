@@ -24,7 +24,7 @@ std::map<PciAddress, LinkStatus> Links(const std::vector<std::string>& lines,
   return ReadLinks(*repository);
 }
 
-TEST(LinkStatus, IsReadOfItsFunction) {
+TEST(LinkStatus, IsReadForItsFunction) {
   const auto links = Links({"00:1f.3 Audio", "\tno link", "", "0000:03:00.0 Card",
                             "\t\tLnkCap:\tPort #0, Speed 16GT/s, Width x16", "",
                             "\t\tLnkSta:\tSpeed 8GT/s (downgraded), Width x4 (downgraded)"});
@@ -33,12 +33,12 @@ TEST(LinkStatus, IsReadOfItsFunction) {
   EXPECT_EQ(links.at({3, 0, 0}).speed, "8GT/s");
 }
 
-TEST(LinkStatus, OfOtherDomainsIsNotTaken) {
+TEST(LinkStatus, IgnoresOtherDomains) {
   EXPECT_TRUE(Links({"0001:03:00.0 Card", "\tLnkSta: Speed 8GT/s, Width x4"}).empty());
   EXPECT_TRUE(Links({"\tLnkSta: Speed 8GT/s, Width x4"}).empty());
 }
 
-TEST(LinkStatus, NonsenseIsNoLink) {
+TEST(LinkStatus, IgnoresMalformedLines) {
   for (const char* line :
        {"\tLnkSta:", "\tLnkSta: Width xx", "\tLnkSta: Width x99999999999", "\tLnkSta: Width x-4"}) {
     EXPECT_TRUE(Links({"03:00.0 Card", line}).empty()) << line;

@@ -33,7 +33,7 @@ TEST(MachineIdentity, ComesFromTheFirstStructuresOfTheTable) {
   EXPECT_EQ(identity.boardVersion, "A01");
 }
 
-TEST(MachineIdentity, WhatIsMissingIsEmpty) {
+TEST(MachineIdentity, MissingFieldsAreEmpty) {
   const MachineIdentity identity = ParseIdentity(Table(
       vtq::Joined({vtq::MakeStructure(1, {1, 9}, {"Maker"}), vtq::MakeStructure(2, {0, 1}, {})})));
   EXPECT_EQ(identity.maker, "Maker");

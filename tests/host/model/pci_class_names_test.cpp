@@ -14,7 +14,7 @@ std::string Words(std::optional<unsigned> base, std::optional<unsigned> subclass
   return ClassText(function);
 }
 
-TEST(PciClassNames, SayTheMostThatIsKnown) {
+TEST(PciClassNames, GiveTheMostSpecificName) {
   EXPECT_EQ(Words(0x0C, 0x03, 0x30), "USB controller, xHCI (USB 3)");
   EXPECT_EQ(Words(0x0C, 0x03, 0x77), "USB controller");
   EXPECT_EQ(Words(0x0C, 0x03), "USB controller");
@@ -22,13 +22,13 @@ TEST(PciClassNames, SayTheMostThatIsKnown) {
   EXPECT_EQ(Words(0x0C), "Serial bus controller");
 }
 
-TEST(PciClassNames, AClassWithoutANameIsANumber) {
+TEST(PciClassNames, UnnamedClassesAreNumbers) {
   EXPECT_EQ(Words(0x7E, 0x01, 0x02), "class 7e");
   EXPECT_EQ(BaseClassText(0x7E), "class 7e");
   EXPECT_EQ(BaseClassText(0x02), "Network controller");
 }
 
-TEST(PciClassNames, NothingIsSaidOfNothing) { EXPECT_EQ(Words({}), ""); }
+TEST(PciClassNames, OfAnUnknownClassIsEmpty) { EXPECT_EQ(Words({}), ""); }
 
 }  // namespace
 }  // namespace pciinfo

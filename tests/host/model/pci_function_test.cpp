@@ -24,7 +24,7 @@ TEST(PciFunction, IsReadFromAnInstance) {
   EXPECT_EQ(function.description, "VGA compatible controller: NVIDIA Corporation GP104");
 }
 
-TEST(PciFunction, BridgesAreToldFromDevices) {
+TEST(PciFunction, DistinguishesBridgesFromDevices) {
   const auto repository = MakeFixedRepository();
   const auto bridges = repository->Find("QZMSG_PCIBridge");
   EXPECT_EQ(ReadFunction(*bridges, *bridges->GetInstances()[0]).kind, "bridge");
@@ -32,7 +32,7 @@ TEST(PciFunction, BridgesAreToldFromDevices) {
 
 TEST(PciFunction, MissingIdsShowAsQuestionMarks) { EXPECT_EQ(IdText({}), "????:????"); }
 
-TEST(PciFunction, TheDeviceIdServesWhereThereIsNoLocation) {
+TEST(PciFunction, UsesTheDeviceIdIfThereIsNoLocation) {
   using NQZMVTQ20::TCIMValue;
   const auto devices = MakeEmptyRepository()->Find("QZMSG_PCIDevice");
   const auto instance = devices->CreateInstance({});

@@ -26,7 +26,7 @@ void Associate(vtq::Namespace& repository, const TCIMReference& antecedent,
   instance->Commit({});
 }
 
-TEST(SlotsModel, HoldsEverySlotInOrderWithItsFunctions) {
+TEST(SlotsModel, HasEverySlotInOrderWithItsFunctions) {
   const SlotsModel model = ReadSlots(*MakeFixedRepository());
   ASSERT_EQ(model.slots.size(), 3U);
   EXPECT_EQ(model.slots[0].tag, "Tag 1");
@@ -56,7 +56,7 @@ TEST(SlotsModel, FunctionsInASlotAreSortedByAddress) {
               ElementsAre("00:02.0", "00:1f.3", "01:00.0"));
 }
 
-TEST(SlotsModel, AFunctionThatTheRepositoryDoesNotHoldShowsItsPath) {
+TEST(SlotsModel, AnUnpublishedFunctionHasOnlyItsPath) {
   const auto repository = MakeFixedRepository();
   const auto slot = repository->Find("QZMSG_SystemSlot")->GetInstances()[2]->GetObjectReference({});
   Associate(*repository, slot,
@@ -65,7 +65,7 @@ TEST(SlotsModel, AFunctionThatTheRepositoryDoesNotHoldShowsItsPath) {
               ElementsAre("/root/cimv2:QZMSG_PCIDevice.K=\"v\""));
 }
 
-TEST(SlotsModel, IsEmptyWhereThereIsNothing) {
+TEST(SlotsModel, OfAnEmptyRepositoryIsEmpty) {
   const SlotsModel model = ReadSlots(*MakeEmptyRepository());
   EXPECT_TRUE(model.slots.empty());
   EXPECT_TRUE(model.onBoard.empty());

@@ -34,7 +34,7 @@ TEST(SmbiosNames, Usages) {
   EXPECT_EQ(SlotUsageText(5), "Unavailable");
 }
 
-TEST(SmbiosNames, TheListsHoldTheSameWords) {
+TEST(SmbiosNames, TheListsHaveTheSameNames) {
   for (const vtq::NamedValue& type : ConnectorTypes()) {
     EXPECT_EQ(ConnectorTypeText(type.value), type.meaning);
   }

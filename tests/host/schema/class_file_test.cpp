@@ -15,10 +15,10 @@ using Schemas = std::vector<vtq::ClassSchema>;
 
 constexpr const char* kExample = EXAMPLES "/network_ports/network_ports.json";
 
-/// A file with one class of the given members.
+/// A file that declares one class with the given members.
 std::string WithClass(const std::string& members) { return R"({"classes":[{)" + members + "}]}"; }
 
-/// A file with one class of the given properties behind a key.
+/// A file that declares one class with a key and the given properties.
 std::string WithProperty(const std::string& members) {
   return WithClass(R"("name":"A_B","properties":[{"name":"Id","type":"string","key":true},{)" +
                    members + "}]");
@@ -56,7 +56,7 @@ TEST(ClassFile, ReadsClassesAndProperties) {
   EXPECT_STREQ(speeds.type.GetName(), "uint32");
 }
 
-TEST(ClassFile, KnowsEveryType) {
+TEST(ClassFile, ReadsEveryType) {
   for (const std::string type :
        {"boolean", "uint8", "uint16", "uint32", "uint64", "sint8", "sint16", "sint32", "sint64",
         "real32", "real64", "string", "datetime"}) {
@@ -65,67 +65,67 @@ TEST(ClassFile, KnowsEveryType) {
   }
 }
 
-TEST(ClassFile, ReferencesNameClassesThatAreThereInTheirSpelling) {
+TEST(ClassFile, ReferencesNameDeclaredClassesAndTakeTheirSpelling) {
   const Schemas classes =
       ParseClasses(WithProperty(R"("name":"P","type":"reference","targets":["a_known","A_B"])"),
                    {{"A_Known", "", "", {}}});
   EXPECT_THAT(classes.at(0).properties.at(1).targets, ElementsAre("A_Known", "A_B"));
 }
 
-TEST(ClassFile, SaysWhatIsWrongAndWhere) {
+TEST(ClassFile, ErrorsNameThePlace) {
   EXPECT_THAT(ErrorOf("{"), HasSubstr("line 1, column 2"));
-  EXPECT_THAT(ErrorOf("[]"), HasSubstr("top level: an object is needed, not array"));
-  EXPECT_THAT(ErrorOf("{}"), HasSubstr("classes: there is no class in it"));
-  EXPECT_THAT(ErrorOf(R"({"classes":3})"), HasSubstr("an array is needed, not number"));
-  EXPECT_THAT(ErrorOf(WithClass("")), HasSubstr("classes[0].name: a name of letters"));
+  EXPECT_THAT(ErrorOf("[]"), HasSubstr("top level: expected an object, found array"));
+  EXPECT_THAT(ErrorOf("{}"), HasSubstr("classes: no class is declared"));
+  EXPECT_THAT(ErrorOf(R"({"classes":3})"), HasSubstr("expected an array, found number"));
+  EXPECT_THAT(ErrorOf(WithClass("")), HasSubstr("classes[0].name: expected a name of letters"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"1a")")),
-              HasSubstr("classes[0].name: a name of letters"));
+              HasSubstr("classes[0].name: expected a name of letters"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"A_B","super":"C")")),
-              HasSubstr("classes[0]: there is no member \"super\"; known are name, superclass"));
+              HasSubstr("classes[0]: unknown member \"super\"; the members are name, superclass"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"A_B","superclass":"x y")")),
-              HasSubstr("classes[0].superclass: a name"));
+              HasSubstr("classes[0].superclass: expected a name"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"a_known")")),
-              HasSubstr("classes[0].name: there is a class \"a_known\" already"));
+              HasSubstr("classes[0].name: class \"a_known\" is already declared"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"A_B")")), HasSubstr("classes[0]: no property is a key"));
 }
 
 TEST(ClassFile, SaysWhatIsWrongWithAProperty) {
   const std::string place = "classes[0].properties[1]";
-  EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P")")), HasSubstr(place + ".type: a type is needed"));
-  EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"int")")), HasSubstr("a type is needed"));
+  EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P")")), HasSubstr(place + ".type: expected a type"));
+  EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"int")")), HasSubstr("expected a type"));
   EXPECT_THAT(ErrorOf(WithProperty(R"("name":"ID","type":"string")")),
-              HasSubstr(place + ".name: there is a property \"Id\" already"));
+              HasSubstr(place + ".name: property \"Id\" is already declared"));
   EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"string","key":"yes")")),
-              HasSubstr(place + ".key: true or false is needed, not string"));
+              HasSubstr(place + ".key: expected true or false, found string"));
   EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"string","key":true,"array":true)")),
               HasSubstr("an array cannot be a key"));
   EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"reference")")),
-              HasSubstr("a reference, and nothing else, needs \"targets\""));
+              HasSubstr("only references have \"targets\""));
   EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"reference","targets":["A_No"])")),
               HasSubstr(place + ".targets[0]: no class of that name is declared before"));
   EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"reference","targets":[1])")),
               HasSubstr(place + ".targets[0]: no class of that name"));
 }
 
-TEST(ClassFile, OutlivesDeeplyNestedText) {
+TEST(ClassFile, DeeplyNestedTextIsAnError) {
   EXPECT_THAT(ErrorOf(std::string(500000, '[')), HasSubstr("line 1"));
 }
 
-TEST(ClassFile, AddsTheClassesOfFilesBehindTheOwnOnes) {
+TEST(ClassFile, AddsTheClassesOfFilesAfterTheBuiltInOnes) {
   const Schemas classes = DeclaredClasses({kExample});
   ASSERT_EQ(classes.size(), 8U);
   EXPECT_EQ(classes.back().name, "ACME_NetworkPort");
   EXPECT_EQ(DeclaredClasses({}).size(), 7U);
 }
 
-TEST(ClassFile, ProgramNamesTheFileThatCannotBeUsed) {
+TEST(ClassFile, ProgramNamesAnInvalidFile) {
   for (const std::string command : {"instances", "classes", "schema"}) {
     const RunResult missing = RunFake("fixed", {command, "--class-file", "/nowhere/a.json"});
     EXPECT_EQ(missing.status, 1) << command;
     EXPECT_THAT(missing.err, HasSubstr("/nowhere/a.json: No such file or directory"));
     const RunResult twice =
         RunFake("fixed", {command, "--class-file", kExample, "--class-file", kExample});
-    EXPECT_THAT(twice.err, HasSubstr("network_ports.json: classes[0].name: there is a class"));
+    EXPECT_THAT(twice.err, HasSubstr("network_ports.json: classes[0].name: class"));
     EXPECT_EQ(twice.out, "");
   }
   EXPECT_THAT(RunFake("fixed", {"classes", "--class-file", "/etc"}).err,

@@ -34,7 +34,7 @@ std::string SlotsText() {
   return output.Text();
 }
 
-/// What the other views print as JSON.
+/// The JSON output of the other views.
 std::vector<std::string> ViewTexts(const vtq::Namespace& repository) {
   std::vector<std::string> texts;
   const auto add = [&texts](const auto& write) {
@@ -55,7 +55,7 @@ std::vector<std::string> ViewTexts(const vtq::Namespace& repository) {
   return texts;
 }
 
-/// Prints a word a document of the list: whether it is valid.
+/// Prints for each document of the list whether it is valid.
 constexpr const char* kValidate = R"(
 import json, sys, jsonschema
 schema = json.load(open(sys.argv[1]))
@@ -73,7 +73,7 @@ class JsonSchema : public testing::Test {
     }
   }
 
-  /// What a validator says of each document, or why it says nothing.
+  /// The verdict of a validator on each document, or its error.
   std::vector<std::string> Verdicts(const json& documents) const {
     std::ofstream(SchemaFile()) << SchemaText();
     std::ofstream(DocumentsFile()) << documents;
@@ -108,7 +108,7 @@ TEST(PublishedJsonSchema, NamesTheValuesOfCodedProperties) {
   EXPECT_FALSE(properties["Number"].contains("x-values"));
 }
 
-TEST_F(JsonSchema, WhatIsPrintedIsValid) {
+TEST_F(JsonSchema, AcceptsTheProgramsOutput) {
   const auto repository = MakeFixedRepository();
   json documents = {json::parse(Written("json", *repository)),
                     json::parse(Written("json", *MakeEmptyRepository())), json::parse(SlotsText())};
@@ -119,7 +119,7 @@ TEST_F(JsonSchema, WhatIsPrintedIsValid) {
   EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "valid"));
 }
 
-TEST_F(JsonSchema, WhatIsWrongIsInvalid) {
+TEST_F(JsonSchema, RejectsInvalidDocuments) {
   const json slot = json::parse(Written("json", *MakeFixedRepository(), {"QZMSG_SystemSlot"}));
   const json link = json::parse(Written("json", *MakeFixedRepository(), {"QZMSG_DeviceInSlot"}));
   const json slots = json::parse(SlotsText());
@@ -149,7 +149,7 @@ TEST_F(JsonSchema, WhatIsWrongIsInvalid) {
   EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "invalid"));
 }
 
-TEST_F(JsonSchema, KeysMayBeAdded) {
+TEST_F(JsonSchema, AcceptsAdditionalKeys) {
   json document = json::parse(Written("json", *MakeFixedRepository()));
   document["new"] = 1;
   document["instances"][0]["new"] = 1;

@@ -52,7 +52,7 @@ class A : B {
 )");
 }
 
-TEST(MofSchema, AnAssociationSaysSoAndItsReferencesNameOneClass) {
+TEST(MofSchema, AssociationsHaveTheQualifierAndReferencesNameOneClass) {
   const std::string text = Declared(PciSchema());
   EXPECT_THAT(text,
               HasSubstr("[Association, Description ( \"A PCI function and the slot that holds "

@@ -52,7 +52,7 @@ TEST(PciSchema, DeviceProperties) {
                           "IOAddress uint16[]", "IOLength uint16[]", "IRQ uint16"));
 }
 
-TEST(PciSchema, BridgePropertiesAreTheCommonOnesOfDevices) {
+TEST(PciSchema, BridgesHaveThePropertiesThatDevicesShare) {
   const std::vector<std::string> device = Shapes("QZMSG_PCIDevice");
   EXPECT_EQ(Shapes("QZMSG_PCIBridge"),
             std::vector<std::string>(device.begin(), device.begin() + 13));
@@ -117,7 +117,7 @@ TEST(PciSchema, CodedPropertiesNameTheirValues) {
   EXPECT_THAT(Values("Number"), IsEmpty());
 }
 
-TEST(PciSchema, NamedValuesAscend) {
+TEST(PciSchema, NamedValuesAreInAscendingOrder) {
   for (const vtq::ClassSchema& schema : PciSchema()) {
     for (const vtq::PropertySchema& property : schema.properties) {
       EXPECT_TRUE(std::is_sorted(
@@ -128,7 +128,7 @@ TEST(PciSchema, NamedValuesAscend) {
   }
 }
 
-TEST(PciSchema, PropertiesThatRedefineTheSuperclassesOnesSaySo) {
+TEST(PciSchema, RedefinedPropertiesHaveTheOverrideQualifier) {
   EXPECT_EQ(PropertyNamed("QZMSG_PCIDevice", "PciDeviceID").overrides, "PCIDeviceID");
   EXPECT_EQ(PropertyNamed("QZMSG_PCIDevice", "VendorID").overrides, "");
   const vtq::PropertySchema dependent = PropertyNamed("QZMSG_DeviceInSlot", "Dependent");
@@ -136,7 +136,7 @@ TEST(PciSchema, PropertiesThatRedefineTheSuperclassesOnesSaySo) {
   EXPECT_EQ(dependent.commonTarget, "CIM_LogicalDevice");
 }
 
-TEST(PciSchema, EverythingHasADescriptionOfOneLineAndNoNameTwice) {
+TEST(PciSchema, DescriptionsAreOneLineAndNamesAreUnique) {
   for (const vtq::ClassSchema& schema : PciSchema()) {
     EXPECT_FALSE(schema.description.empty()) << schema.name;
     std::set<std::string> names;

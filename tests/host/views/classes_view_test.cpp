@@ -13,7 +13,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(ClassesView, NamesThePluginsAndWhatTheyServe) {
+TEST(ClassesView, NamesThePluginsAndTheirClasses) {
   TroubleReport report(true, true);
   Session session(report, {});
   session.Load(FakePluginFile("fixed"));

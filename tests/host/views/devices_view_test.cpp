@@ -24,13 +24,13 @@ TEST(DevicesView, ListsEveryFunctionByAddress) {
             "GP104\n");
 }
 
-TEST(DevicesView, WithoutFunctionsOnlyTheHeadingsStand) {
+TEST(DevicesView, WithoutFunctionsWritesOnlyHeadings) {
   OutputToText output;
   WriteDevicesTable(output.Get(), *MakeEmptyRepository(), {});
   EXPECT_EQ(output.Text(), "ADDRESS  KIND  ID  DESCRIPTION\n");
 }
 
-TEST(DevicesView, CutsDescriptionsAtTheEndOfATerminal) {
+TEST(DevicesView, CutsDescriptionsToTheTerminalWidth) {
   OutputToText output;
   Terminal terminal;
   terminal.width = 60;
@@ -39,7 +39,7 @@ TEST(DevicesView, CutsDescriptionsAtTheEndOfATerminal) {
               testing::HasSubstr("00:02.0  device  8086:1912  Display controller with a des...\n"));
 }
 
-TEST(DevicesView, IsAJsonDocumentToo) {
+TEST(DevicesView, WritesJson) {
   OutputToText output;
   WriteDevicesJson(output.Get(), *MakeFixedRepository());
   const auto functions = nlohmann::json::parse(output.Text())["functions"];

@@ -17,7 +17,7 @@ std::vector<std::string> View(const Overview& overview) {
   return LinesOf(output.Text());
 }
 
-TEST(OverviewView, ShowsMachineSlotsBoardAndWhatIsNotKnown) {
+TEST(OverviewView, ShowsMachineSlotsBoardAndWhatIsUnknown) {
   MachineIdentity machine;
   machine.maker = "Maker";
   machine.product = "Model 1";
@@ -38,16 +38,16 @@ TEST(OverviewView, ShowsMachineSlotsBoardAndWhatIsNotKnown) {
           "00:02.0  Display controller with a description that is so long that no line of a "
           "hundred columns could ever hold all of it",
           "00:1f.3  Audio device: Fa\xc3\xa7onn\xc3\xa9",
-          "and 2 bridges and parts of chip sets (pciinfo devices lists all)", "", "Not shown",
+          "plus 2 bridges and chipset functions (pciinfo devices lists all)", "", "Not shown",
           "something went wrong"));
 }
 
-TEST(OverviewView, OfNothingSaysSo) {
+TEST(OverviewView, OfAnEmptyRepositorySaysNoFunctions) {
   EXPECT_THAT(View(MakeOverview(*MakeEmptyRepository(), {}, {})),
               ElementsAre("PCI       no functions"));
 }
 
-TEST(OverviewView, CountsWhatIsAlike) {
+TEST(OverviewView, CountsSimilarFunctions) {
   Overview overview;
   for (unsigned i = 0; i < 3; ++i) {
     PciFunction function;

@@ -34,7 +34,7 @@ TEST(ShowTarget, FindsFunctionsByTheirAddress) {
   }
 }
 
-TEST(ShowTarget, KnowsWhatIsOnTheBoard) {
+TEST(ShowTarget, FindsFunctionsOnTheBoard) {
   const auto repository = MakeFixedRepository();
   const Shown shown = FindNamed(*repository, "00:01.0");
   EXPECT_EQ(shown.function->kind, "bridge");
@@ -61,12 +61,12 @@ TEST(ShowTarget, FindsEveryInstanceByItsPath) {
   }
 }
 
-TEST(ShowTarget, ANameOfSeveralSlotsIsAmbiguous) {
+TEST(ShowTarget, RefusesANameOfSeveralSlots) {
   EXPECT_THAT(FailureFor<UsageError>("7"),
               AllOf(HasSubstr("\"7\""), HasSubstr("Tag 1 (PCIEX16_1)"), HasSubstr("Tag 3")));
 }
 
-TEST(ShowTarget, WhatIsNotThereIsNamed) {
+TEST(ShowTarget, ErrorsNameTheMissingObject) {
   EXPECT_THAT(FailureFor<NotFound>("02:00.0"),
               AllOf(HasSubstr("02:00.0"), HasSubstr("pciinfo devices")));
   EXPECT_THAT(FailureFor<NotFound>("0001:01:00.0"),
@@ -77,10 +77,10 @@ TEST(ShowTarget, WhatIsNotThereIsNamed) {
               HasSubstr("pciinfo instances QZMSG_PCIRawData"));
 }
 
-TEST(ShowTarget, WhatIsNoPathIsSaidToBeNone) {
+TEST(ShowTarget, RefusesTextsThatAreNotPaths) {
   EXPECT_THAT(FailureFor<UsageError>("/root/cimv2:QZMSG_PCIRawData.Nothing=1"),
               HasSubstr("Nothing"));
-  EXPECT_THAT(FailureFor<UsageError>("/"), HasSubstr("no object path"));
+  EXPECT_THAT(FailureFor<UsageError>("/"), HasSubstr("not an object path"));
 }
 
 TEST(ShowTarget, CollectsTheClassOfAPath) {

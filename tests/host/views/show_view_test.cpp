@@ -21,7 +21,7 @@ std::vector<std::string> View(const std::string& name) {
   return LinesOf(output.Text());
 }
 
-TEST(ShowView, AFunctionComesInWords) {
+TEST(ShowView, DescribesAFunctionInWords) {
   EXPECT_THAT(
       View("01:00.0"),
       AllOf(Contains("VGA compatible controller: NVIDIA Corporation GP104"),
@@ -31,29 +31,29 @@ TEST(ShowView, AFunctionComesInWords) {
             Contains("  Memory      f7000000, e0000000")));
 }
 
-TEST(ShowView, AFunctionOnTheBoardIsSaidToBe) {
-  EXPECT_THAT(View("00:1f.3"), Contains("  Slot        none, on the board"));
+TEST(ShowView, SaysThatAFunctionIsOnTheBoard) {
+  EXPECT_THAT(View("00:1f.3"), Contains("  Slot        none (on the board)"));
 }
 
-TEST(ShowView, ASlotComesInWords) {
+TEST(ShowView, DescribesASlotInWords) {
   EXPECT_THAT(View("Tag 1"),
               AllOf(Contains("System slot PCIEX16_1"), Contains("  Type        PCI Express 3 x16"),
                     Contains("  Usage       In use"), Contains("  Width       x16"),
-                    Contains("  Hot-plug    no"), Contains("In it"),
+                    Contains("  Hot-plug    no"), Contains("Functions in this slot"),
                     Contains("  01:00.0  VGA compatible controller: NVIDIA Corporation GP104")));
 }
 
-TEST(ShowView, AnEmptySlotIsSaidToBe) {
-  EXPECT_THAT(View("Tag 2"), Contains("No PCI function sits in it"));
+TEST(ShowView, SaysThatASlotIsEmpty) {
+  EXPECT_THAT(View("Tag 2"), Contains("No functions in this slot"));
 }
 
-TEST(ShowView, EveryPropertyThatIsSetIsThere) {
+TEST(ShowView, ListsEveryPropertyThatIsSet) {
   const std::vector<std::string> lines = View("01:00.0");
   EXPECT_THAT(lines, AllOf(Contains("QZMSG_PCIDevice"), Contains(HasSubstr("PciDeviceID")),
                            Contains(HasSubstr("VendorID")), Not(Contains(HasSubstr("IRQ")))));
 }
 
-TEST(ShowView, OtherInstancesHaveTheirProperties) {
+TEST(ShowView, ListsThePropertiesOfOtherInstances) {
   EXPECT_THAT(View("/root/cimv2:QZMSG_PCIRawData.Command=\"lspci -xxxx\""),
               AllOf(Contains("The output of a PCI listing command."), Contains(HasSubstr("caf"))));
 }

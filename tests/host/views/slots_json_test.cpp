@@ -16,7 +16,7 @@ json Document(const SlotsModel& model) {
   return json::parse(output.Text());
 }
 
-TEST(SlotsJson, NestsTheFunctionsInTheirSlot) {
+TEST(SlotsJson, NestsFunctionsInTheirSlot) {
   const json document = Document(ReadSlots(*MakeFixedRepository()));
   ASSERT_EQ(document["slots"].size(), 3U);
   const json device = json::parse(R"({
@@ -26,7 +26,7 @@ TEST(SlotsJson, NestsTheFunctionsInTheirSlot) {
   EXPECT_EQ(document["slots"][0]["functions"], json::array({device}));
 }
 
-TEST(SlotsJson, CodesComeWithTheirWordsAndTextsUntrimmed) {
+TEST(SlotsJson, CodesHaveNamesAndTextsAreNotTrimmed) {
   json slot = Document(ReadSlots(*MakeFixedRepository()))["slots"][0];
   slot.erase("functions");
   EXPECT_EQ(slot, json::parse(R"({
@@ -41,7 +41,7 @@ TEST(SlotsJson, UnprintableBytesAreKept) {
   EXPECT_EQ(document["slots"][1]["designation"], "J\x01 a designation that never wants to end");
 }
 
-TEST(SlotsJson, WhatIsUnsetIsAbsent) {
+TEST(SlotsJson, UnsetPropertiesAreAbsent) {
   const json document = Document(ReadSlots(*MakeFixedRepository()));
   EXPECT_FALSE(document["slots"][2].contains("designation"));
   EXPECT_EQ(document["slots"][2]["functions"], json::array());
@@ -54,7 +54,7 @@ TEST(SlotsJson, ListsTheBoard) {
   EXPECT_EQ(document["onBoard"][3]["description"], "Audio device: Fa\xc3\xa7onn\xc3\xa9");
 }
 
-TEST(SlotsJson, IsADocumentEvenWhereThereIsNothing) {
+TEST(SlotsJson, IsADocumentEvenIfEmpty) {
   EXPECT_EQ(Document({}), json::parse(R"({"slots": [], "onBoard": []})"));
 }
 

@@ -58,7 +58,7 @@ TEST(SlotsTable, ShowsSlotsTheirFunctionsAndTheBoard) {
           "  00:1f.3  Audio device: Fa\xc3\xa7onn\xc3\xa9"));
 }
 
-TEST(SlotsTable, WithoutATerminalNothingIsCut) {
+TEST(SlotsTable, DoesNotCutWithoutATerminal) {
   SlotsModel model;
   model.slots = {WideSlot()};
   model.onBoard = model.slots[0].functions;
@@ -68,7 +68,7 @@ TEST(SlotsTable, WithoutATerminalNothingIsCut) {
   EXPECT_THAT(lines[5], HasSubstr(model.onBoard[0].description));
 }
 
-TEST(SlotsTable, FitsTheTerminalHoweverLongTheTexts) {
+TEST(SlotsTable, CutsLongTextsToTheTerminalWidth) {
   SlotsModel model;
   model.slots = {WideSlot()};
   model.onBoard = model.slots[0].functions;
@@ -86,9 +86,9 @@ TEST(SlotsTable, UnsetValuesAreDashes) {
   EXPECT_THAT(Table(model)[1], HasSubstr("Tag 1  -            -     -      -      -   -"));
 }
 
-TEST(SlotsTable, IsEmptyWhereThereIsNothing) { EXPECT_THAT(Table({}), ElementsAre()); }
+TEST(SlotsTable, OfAnEmptyModelIsEmpty) { EXPECT_THAT(Table({}), ElementsAre()); }
 
-TEST(SlotsTable, WithoutSlotsOnlyTheBoardStands) {
+TEST(SlotsTable, WithoutSlotsWritesOnlyTheBoard) {
   SlotsModel model;
   model.onBoard.resize(1);
   model.onBoard[0].location = "somewhere";

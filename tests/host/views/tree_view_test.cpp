@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// A bridge with four cards that are alike behind it in a slot, and a last function.
+/// A bridge with four similar cards behind it in a slot, and one more function.
 std::vector<RootBus> SmallTree() {
   std::vector<PciFunction> functions(6);
   functions[0].address = PciAddress{0, 1, 0};
@@ -46,13 +46,13 @@ TEST(TreeView, DrawsBusesBridgesAndSlots) {
                           "|  `- 01:00.4 [SLOT 1]  Ethernet controller", "`- 00:02.0  Last ?[31m"));
 }
 
-TEST(TreeView, CountsWhatIsFolded) {
+TEST(TreeView, CountsMergedFunctions) {
   auto tree = SmallTree();
   FoldAlike(tree);
   EXPECT_EQ(Drawn(tree, {})[2], "|  `- 01:00.1 .. 01:00.4 [SLOT 1]  4 x Ethernet controller");
 }
 
-TEST(TreeView, DrawsUnicodeLinesWhereTheyAreShown) {
+TEST(TreeView, DrawsUnicodeLinesIfTheTerminalShowsThem) {
   Terminal terminal;
   terminal.unicode = true;
   EXPECT_EQ(Drawn(SmallTree(), terminal).back(), "\u2514\u2500 00:02.0  Last ?[31m");
