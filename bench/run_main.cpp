@@ -145,7 +145,7 @@ int main(int argc, char** argv) {
   CLI11_PARSE(app, argc, argv);
   try {
     const std::string circumstances = Circumstances();
-    const Programs programs{BENCH_PCIINFO, BENCH_LSPCI, BENCH_COLLECT};
+    const Programs programs{BENCH_PCIINFO, BENCH_LSPCI};
     Results results;
     for (const unsigned size : settings.sizes) {
       std::cerr << "Measuring " << size << " functions ...\n";
