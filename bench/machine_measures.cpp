@@ -159,16 +159,17 @@ void Comparison::CompareSlowTools() {
 
 void Comparison::CountInstructions() {
   const fs::path counts = fs::current_path() / "counts";
-  Command command = {"valgrind", "--tool=callgrind", "--callgrind-out-file=" + counts.string(),
-                     programs_.collector};
-  command.insert(command.end(), kFunctionClasses.begin(), kFunctionClasses.end());
+  Command command = {"valgrind", "--tool=callgrind", "--callgrind-out-file=" + counts.string()};
+  const Command program = Program(kFunctionClasses);
+  command.insert(command.end(), program.begin(), program.end());
+  command.emplace_back("--in-process");
   Measure(command);
   std::ifstream file(counts);
   for (std::string word; file >> word;) {
     double instructions = 0;
     if (word == "totals:" && file >> instructions) return Add("instructions", instructions);
   }
-  throw std::runtime_error("valgrind counted nothing; does " + programs_.collector + " run?");
+  throw std::runtime_error("valgrind counted nothing; does " + programs_.pciinfo + " run?");
 }
 
 }  // namespace

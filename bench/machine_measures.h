@@ -10,7 +10,6 @@ namespace bench {
 struct Programs {
   std::string pciinfo;
   std::string lspciWrapper;  ///< bench_lspci
-  std::string collector;     ///< bench_collect
 };
 
 /// How often and what.

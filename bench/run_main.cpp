@@ -171,7 +171,7 @@ int main(int argc, char** argv) {
       return 0;
     }
     const std::string circumstances = Circumstances();
-    const Programs programs{BENCH_PCIINFO, BENCH_LSPCI, BENCH_COLLECT};
+    const Programs programs{BENCH_PCIINFO, BENCH_LSPCI};
     Results results;
     for (const unsigned size : settings.sizes) {
       std::cerr << "Measuring " << size << " functions ...\n";

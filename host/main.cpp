@@ -1,5 +1,3 @@
-// The program `pciinfo`: reads its command line and runs the command.
-
 #include <unistd.h>
 
 #include <csignal>
@@ -10,7 +8,7 @@
 #include "host/cli/options.h"
 #include "host/console/output.h"
 #include "host/process/guarded_run.h"
-#include "host/process/process_end.h"
+#include "host/process/supervisor.h"
 
 namespace {
 
@@ -34,6 +32,13 @@ ExitStatus Run(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
   ReserveStandardStreams();
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows as a failed write
-  return EndProcess(RunGuarded([&] { return Run(argc, argv); }));
+  // A closed pipe and a file that gets too large show as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  try {
+    return RunGuarded([&] { return Run(argc, argv); });
+  } catch (const EndedBySignal& end) {
+    EndBySignal(end.signal);
+    return kFailed;
+  }
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "framework/export.h"
+
 namespace vtq {
 
 /// Owns one open file descriptor, or none (-1), and closes it at its end.
@@ -34,6 +36,6 @@ class FileDescriptor final {
 
 /// Reads once, again where a signal interrupts it, and appends what came to `text`. Returns the
 /// number of bytes, 0 at the end, -1 on an error (errno says which).
-ssize_t AppendFrom(int descriptor, std::string& text);
+VTQ_EXPORT ssize_t AppendFrom(int descriptor, std::string& text);
 
 }  // namespace vtq

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "host/capture/capture_target.h"
-#include "host/capture/capture_watch.h"
 #include "host/capture/redact.h"
 #include "host/console/output.h"
 
@@ -13,12 +11,12 @@ namespace {
 /// Hands the parts of a machine on to a writer, and keeps the manifest.
 class Recorder final : public CaptureReceiver {
  public:
-  Recorder(CaptureWriter& writer, WorkWatch& watch, Manifest manifest, bool redact)
-      : writer_(writer), watch_(watch), manifest_(std::move(manifest)), redact_(redact) {
+  Recorder(CaptureWriter& writer, Worker& worker, Manifest manifest, bool redact)
+      : writer_(writer), worker_(worker), manifest_(std::move(manifest)), redact_(redact) {
     if (redact_) Redact(manifest_);
   }
 
-  void Begin(const std::string& what) override { watch_.Tell(what); }
+  void Begin(const std::string& what) override { worker_.Tell("reading " + what); }
 
   void Add(CapturePart part) override {
     try {
@@ -27,7 +25,6 @@ class Recorder final : public CaptureReceiver {
       NoteUnread(part.path, why.what());
       return;
     }
-    const auto lock = watch_.Hold();
     writer_.Write(part);
   }
 
@@ -37,42 +34,19 @@ class Recorder final : public CaptureReceiver {
   }
 
   /// To be called last: only then all is known that the manifest says.
-  void AddManifest() {
-    const auto lock = watch_.Hold();
-    writer_.Write({kManifestFile, ManifestJson(manifest_), ""});
-  }
+  void AddManifest() { writer_.Write({kManifestFile, ManifestJson(manifest_), ""}); }
 
   /// What this run could not read.
   const std::vector<UnreadPart>& GetNews() const noexcept { return news_; }
 
  private:
   CaptureWriter& writer_;
-  WorkWatch& watch_;
+  Worker& worker_;
   Manifest manifest_;
   bool redact_;
   Redactor redactor_;
   std::vector<UnreadPart> news_;
 };
-
-// Under the watch already: no moment in which a signal leaves something behind.
-void OpenTarget(WorkWatch& watch, std::optional<CaptureTarget>& target, const std::string& file) {
-  const auto lock = watch.Hold();
-  target.emplace(file);
-}
-
-std::vector<UnreadPart> Record(const CaptureOrder& order, const Manifest& manifest) {
-  std::optional<CaptureTarget> target;
-  WorkWatch watch([&target] {
-    if (target) target->Abandon();
-  });
-  OpenTarget(watch, target, order.file);
-  Recorder recorder(target->GetWriter(), watch, manifest, order.redact);
-  CaptureMachine(recorder);
-  recorder.AddManifest();
-  const auto lock = watch.Hold();
-  target->Commit();
-  return recorder.GetNews();
-}
 
 void TellUnread(const std::vector<UnreadPart>& unread) {
   constexpr std::size_t kTold = 5;
@@ -87,11 +61,15 @@ void TellUnread(const std::vector<UnreadPart>& unread) {
 
 }  // namespace
 
-ExitStatus Capture(const CaptureOrder& order) {
+ExitStatus Capture(const CaptureOrder& order, CaptureTarget& target, Worker& worker) {
   const Manifest manifest = order.origin ? *order.origin : DescribeThisMachine();
-  const std::vector<UnreadPart> unread = Record(order, manifest);
-  TellUnread(unread);
-  return unread.empty() ? kAllCollected : kFailed;
+  Recorder recorder(target.GetWriter(), worker, manifest, order.redact);
+  CaptureMachine(recorder);
+  recorder.AddManifest();
+  target.Commit();
+  worker.BeginOutput();
+  TellUnread(recorder.GetNews());
+  return recorder.GetNews().empty() ? kAllCollected : kFailed;
 }
 
 }  // namespace pciinfo

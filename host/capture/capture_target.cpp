@@ -66,14 +66,9 @@ CaptureTarget::CaptureTarget(const std::string& name) : name_(name) {
   // A directory may be given with a slash at its end.
   while (name_.size() > 1 && name_.ends_with('/')) name_.pop_back();
   if (name_.empty()) throw UsageError("a capture needs a name");
-  const TargetForm form = FormOf(name_);
-  if (form.kind != TargetKind::kStandardOutput) CheckPlace(name_, form.kind);
-  try {
-    Open(form);
-  } catch (...) {
-    Abandon();
-    throw;
-  }
+  form_ = FormOf(name_);
+  if (form_.kind != TargetKind::kStandardOutput) CheckPlace(name_, form_.kind);
+  Open();
 }
 
 CaptureTarget::~CaptureTarget() {
@@ -81,21 +76,28 @@ CaptureTarget::~CaptureTarget() {
   Abandon();
 }
 
-void CaptureTarget::Open(const TargetForm& form) {
-  switch (form.kind) {
+void CaptureTarget::Open() {
+  switch (form_.kind) {
     case TargetKind::kStandardOutput:
       if (isatty(STDOUT_FILENO) != 0) throw UsageError("an archive is nothing for a terminal");
-      writer_ = MakeArchiveWriter(STDOUT_FILENO, form.compression);
       break;
     case TargetKind::kArchive:
       MakeTemporaryFile();
-      writer_ = MakeArchiveWriter(file_.Get(), form.compression);
       break;
     case TargetKind::kDirectory:
       MakeTemporaryDirectory();
-      writer_ = MakeFolderWriter(temporary_);
       break;
   }
+}
+
+CaptureWriter& CaptureTarget::GetWriter() {
+  if (writer_) return *writer_;
+  if (form_.kind == TargetKind::kDirectory) {
+    writer_ = MakeFolderWriter(temporary_);
+  } else {
+    writer_ = MakeArchiveWriter(file_.IsOpen() ? file_.Get() : STDOUT_FILENO, form_.compression);
+  }
+  return *writer_;
 }
 
 void CaptureTarget::MakeTemporaryFile() {
@@ -112,7 +114,7 @@ void CaptureTarget::MakeTemporaryDirectory() {
 }
 
 void CaptureTarget::Commit() {
-  writer_->Finish();
+  GetWriter().Finish();
   if (temporary_.empty()) return;
   if (file_.IsOpen()) Require(fsync(file_.Get()) == 0, "cannot write " + name_);
   Require(std::rename(temporary_.c_str(), name_.c_str()) == 0, "cannot write " + name_);

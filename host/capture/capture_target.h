@@ -23,7 +23,8 @@ TargetForm FormOf(const std::string& name);
 
 /// The place of a new capture. Until it is committed, all is written beside it under a temporary
 /// name; a target that was not committed leaves nothing behind. Only its owner may read a capture:
-/// it shows what the kernel shows to root only.
+/// it shows what the kernel shows to root only. A process that is forked from the one that made
+/// the target may write and commit the capture: what it leaves when it fails is removed here.
 class CaptureTarget final {
  public:
   /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a place that is
@@ -34,21 +35,21 @@ class CaptureTarget final {
   CaptureTarget& operator=(const CaptureTarget&) = delete;
   ~CaptureTarget();
 
-  CaptureWriter& GetWriter() noexcept { return *writer_; }
+  /// The writer, made when it is first asked for. Throws what MakeArchiveWriter throws.
+  CaptureWriter& GetWriter();
 
   /// Finishes the writer and gives the capture its name. Throws like the writer.
   void Commit();
 
-  /// Removes what was written. To be called at most once, and by nobody else than the destructor
-  /// after it.
-  void Abandon() noexcept;
-
  private:
-  void Open(const TargetForm& form);
+  void Open();
+  /// Removes what was written.
+  void Abandon() noexcept;
   void MakeTemporaryFile();
   void MakeTemporaryDirectory();
 
   std::string name_;
+  TargetForm form_;
   std::string temporary_;  ///< empty when there is none (any more)
   vtq::FileDescriptor file_;
   std::unique_ptr<CaptureWriter> writer_;

@@ -15,16 +15,15 @@
 #include "host/cli/jobs.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
+#include "host/console/standard_input.h"
 #include "host/console/text.h"
+#include "host/process/guarded_run.h"
 #include "host/process/library_location.h"
-#include "host/process/pager.h"
-#include "host/process/process_end.h"
-#include "host/process/progress_line.h"
-#include "host/process/stages.h"
+#include "host/process/supervisor.h"
+#include "host/replay/archive_entry.h"
 #include "host/replay/root.h"
 #include "host/schema/class_file.h"
 #include "host/schema/schema_writer.h"
-#include "host/views/show_target.h"
 
 namespace pciinfo {
 namespace {
@@ -40,23 +39,12 @@ void LoadPlugins(Session& session, const std::vector<std::string>& files) {
 }
 
 ExitStatus Print(const std::function<void(Output& output)>& print) {
-  try {
+  return RunGuarded([&print] {
     Output output(STDOUT_FILENO);
     print(output);
     output.Flush();
     return kAllCollected;
-  } catch (const ClosedPipe&) {
-    return kPipeClosed;
-  } catch (const OutputError& error) {
-    WriteMessage(error.what());
-    return kFailed;
-  } catch (const NotFound& error) {
-    WriteMessage(error.what());
-    return kFailed;
-  } catch (const UsageError& error) {
-    WriteMessage(error.what());
-    return kWrongUsage;
-  }
+  });
 }
 
 /// Tells what the user has not seen: of the lines of the report all but the first `seen`.
@@ -67,22 +55,22 @@ void Tell(const TroubleReport& report, std::size_t seen,
   for (std::size_t i = seen; i < lines.size(); ++i) WriteMessage(lines[i]);
 }
 
-void CollectInStages(Session& session, TroubleReport& report, const Job& job, Stages& stages,
-                     ProgressLine& progress) {
+void CollectClasses(Session& session, TroubleReport& report, const Job& job, Worker& worker) {
   const std::size_t count = job.collect.size();
   for (std::size_t i = 0; i < count; ++i) {
     const std::string& className = job.collect[i];
-    progress.Tell(fmt::format("collecting {} ({} of {})", className, i + 1, count));
-    if (const auto failure = stages.Begin(i + 1 == count)) {
+    const bool isLast = i + 1 == count;
+    const auto failure = worker.Begin(
+        {fmt::format("collecting {} ({} of {})", className, i + 1, count), false, isLast});
+    if (failure) {
       report.BeginClass(className);
       report.AddFailure("the plug-in " + *failure);
       report.EndClass();
     } else {
       session.Collect({className});
-      stages.EndStage();
+      worker.EndStep();
     }
   }
-  progress.End();
 }
 
 ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus printed) {
@@ -91,47 +79,66 @@ ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus prin
   return job.answer ? job.answer() : kAllCollected;
 }
 
-/// What a run writes besides its result.
-struct Channels {
-  LogSettings log;
-  ProgressLine& progress;
-  const LateMessages& messages;
-};
-
 LogSettings OpenLog(const Options& options) {
   if (options.logFile.empty()) return {nullptr, options.logLevel};
   return {vtq::MakeFileSink(options.logFile), options.logLevel};
 }
 
-ExitStatus Show(const Options& options, const Job& job, Stages& stages, const Channels& channels) {
+/// A machine as a worker comes to see it.
+class Machine final {
+ public:
+  /// `options` must outlive it. An archive from standard input is kept for later workers.
+  explicit Machine(const Options& options) : options_(options) {
+    if (options.root == "-") inputStart_ = MakeStandardInputRepeatable(CaptureLimits().bytes);
+  }
+
+  /// Moves this process to the machine: to that of the capture, if the options name one, whose
+  /// manifest it answers.
+  std::optional<Manifest> Enter(Worker& worker) const {
+    std::optional<Manifest> manifest;
+    if (!options_.root.empty()) {
+      worker.Begin({"reading the capture " + Printable(options_.root), true, false});
+      lseek(STDIN_FILENO, inputStart_, SEEK_SET);
+      manifest = ServeRoot(options_.root, options_.liveCommands ? CommandSource::kLiveTools
+                                                                : CommandSource::kRecorded);
+      worker.EndStep();
+    }
+    worker.Confine();
+    return manifest;
+  }
+
+ private:
+  const Options& options_;
+  off_t inputStart_ = 0;
+};
+
+/// The work of a view: collects what the job needs and prints it.
+[[noreturn]] void Show(const Options& options, const Job& job, const LogSettings& log,
+                       Worker& worker) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
-  Session session(report, channels.log, job.classes);
+  Session session(report, log, job.classes);
+  worker.Begin({"loading the plug-ins", true, false});
   LoadPlugins(session, options.plugins);
-  stages.EndStage();
-  CollectInStages(session, report, job, stages, channels.progress);
-  channels.messages.Hold();
+  worker.EndStep();
+  CollectClasses(session, report, job, worker);
+  worker.BeginOutput();
   const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
   const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
-  stages.BeginEnding();
+  worker.BeginEnding();
   Tell(report, seen, session.EndPlugins());
-  return stages.End(StatusOf(job, report, printed));
+  worker.End(StatusOf(job, report, printed));
 }
 
 void MakeAbsolute(std::string& file) {
   if (!file.empty() && file != "-") file = std::filesystem::absolute(file);
 }
 
-/// What follows runs in another directory; the files that the user named stay the same ones.
+/// A worker moves to another directory; the files that the user named stay the same ones.
 void MakeFilesAbsolute(Options& options) {
   for (std::string& plugin : options.plugins) MakeAbsolute(plugin);
   MakeAbsolute(options.logFile);
   MakeAbsolute(options.captureFile);
-}
-
-Manifest MoveToRoot(const Options& options) {
-  return ServeRoot(options.root,
-                   options.liveCommands ? CommandSource::kLiveTools : CommandSource::kRecorded);
 }
 
 Limits LimitsOf(const Options& options) {
@@ -139,47 +146,83 @@ Limits LimitsOf(const Options& options) {
           BytesOfLimit(options.memoryLimit)};
 }
 
-ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& messages) {
-  if (options.command == Command::kSchema) {
-    return Print([&options](Output& output) {
-      WriteSchema(output, options.schemaFormat, DeclaredClasses(options.classFiles));
-    });
+/// Does work for these options: in a worker, or, with --in-process, in this process.
+class Runner final {
+ public:
+  explicit Runner(const Options& options) : options_(options) {
+    if (!options.inProcess) signals_.emplace();
   }
-  if (options.command == Command::kDiff) return RunDiff(options, LimitsOf(options), &RunCommand);
-  const Job job = MakeJob(options, terminal);  // reads files of the machine that it runs on
+
+  ExitStatus Run(const Work& work, const std::optional<std::string>& pager = std::nullopt) {
+    if (signals_)
+      return Supervise({LimitsOf(options_), pager, !options_.logLevel}, *signals_, work);
+    Worker alone;
+    return work(alone);
+  }
+
+ private:
+  const Options& options_;
+  std::optional<HeldSignals> signals_;  ///< from before anything is made that a signal could leave
+};
+
+ExitStatus RunView(Options options, const Terminal& terminal) {
+  const Job job = MakeJob(options, terminal);  // reads files of the user's
   MakeFilesAbsolute(options);
-  ProgressLine progress(!options.logLevel);
-  std::optional<Manifest> origin;
-  if (!options.root.empty()) {
-    progress.Tell("reading the capture " + Printable(options.root));
-    origin = MoveToRoot(options);
+  const LogSettings log = OpenLog(options);  // one file for all workers
+  const Machine machine(options);
+  return Runner(options).Run(
+      [&](Worker& worker) -> ExitStatus {
+        machine.Enter(worker);
+        Show(options, job, log, worker);
+      },
+      terminal.pager);
+}
+
+ExitStatus RunCapture(Options options) {
+  MakeFilesAbsolute(options);
+  const Machine machine(options);
+  Runner runner(options);
+  CaptureTarget target(options.captureFile);
+  return runner.Run([&](Worker& worker) {
+    const std::optional<Manifest> origin = machine.Enter(worker);
+    worker.Begin({"capturing", true, true});
+    return Capture({options.redact, origin}, target, worker);
+  });
+}
+
+ExitStatus RunSchema(const Options& options, const Terminal& terminal) {
+  const auto classes = DeclaredClasses(options.classFiles);
+  return Runner(options).Run(
+      [&](Worker& worker) {
+        worker.BeginOutput();
+        return Print([&](Output& output) { WriteSchema(output, options.schemaFormat, classes); });
+      },
+      terminal.pager);
+}
+
+ExitStatus RunDiffInWorkers(const Options& options, const Terminal& terminal) {
+  if (options.inProcess) {
+    throw UsageError("diff collects each side in a process of its own: leave out --in-process");
   }
-  if (options.command == Command::kCapture) {
-    progress.End();
-    return RunInStages(LimitsOf(options), {"capturing", true}, [&](Stages&) {
-      return Capture({options.captureFile, options.redact, origin});
-    });
-  }
-  progress.Tell("loading the plug-ins");
-  // A run that is repeated for a stage that failed goes on with the same log.
-  const Channels channels{OpenLog(options), progress, messages};
-  const ExitStatus status =
-      RunInStages(LimitsOf(options), {"loading the plug-ins"},
-                  [&](Stages& stages) { return Show(options, job, stages, channels); });
-  progress.End();
-  return EndProcess(status);
+  return RunDiff(
+      options, [&](const Work& work) { return Runner(options).Run(work, terminal.pager); },
+      [](const Options& side) { return RunView(side, Terminal()); });
 }
 
 }  // namespace
 
-ExitStatus RunCommand(Options options) {
+ExitStatus RunCommand(const Options& options) {
   const Terminal terminal = StandardTerminal(options.terminal);
-  if (!terminal.pager || options.command == Command::kCapture) {
-    return RunOn(terminal, std::move(options), LateMessages());
+  switch (options.command) {
+    case Command::kSchema:
+      return RunSchema(options, terminal);
+    case Command::kDiff:
+      return RunDiffInWorkers(options, terminal);
+    case Command::kCapture:
+      return RunCapture(options);
+    default:
+      return RunView(options, terminal);
   }
-  return RunWithPager(*terminal.pager, [&](const LateMessages& messages) {
-    return RunOn(terminal, std::move(options), messages);
-  });
 }
 
 }  // namespace pciinfo

@@ -6,7 +6,7 @@
 namespace pciinfo {
 
 /// Does what the options ask for: result to standard output, messages to standard error. Throws
-/// UsageError, and std::exception for what keeps it from collecting anything.
-ExitStatus RunCommand(Options options);
+/// UsageError, std::exception for what keeps it from collecting anything, and EndedBySignal.
+ExitStatus RunCommand(const Options& options);
 
 }  // namespace pciinfo

@@ -12,12 +12,10 @@
 
 #include "host/base/errors.h"
 #include "host/console/output.h"
-#include "host/console/text.h"
 #include "host/diff/diff.h"
 #include "host/diff/diff_view.h"
 #include "host/formats/json_reader.h"
 #include "host/process/guarded_run.h"
-#include "host/process/progress_line.h"
 #include "host/schema/pci_schema.h"
 
 namespace pciinfo {
@@ -73,12 +71,16 @@ void TellLeftOut(const DiffSide& side, const std::vector<std::string>& classes) 
                            fmt::join(classes, ", ")));
 }
 
-ExitStatus ComparePrinting(const Options& options, const DiffSide& before, const DiffSide& after) {
+ExitStatus CompareAndPrint(const Options& options, const DiffSide& before, const DiffSide& after,
+                           Worker& worker) {
+  worker.Confine();
+  worker.Begin({"comparing", true, true});
   const auto oldRepository = ReadSide(before);
   const auto newRepository = ReadSide(after);
   const std::set<std::string> ignored(options.ignored.begin(), options.ignored.end());
   const DiffResult result = Compare({oldRepository.get(), before.isCollected},
                                     {newRepository.get(), after.isCollected}, ignored);
+  worker.BeginOutput();
   TellLeftOut(before, result.onlyNew);
   TellLeftOut(after, result.onlyOld);
   if (!result.hasCompared && !(result.onlyOld.empty() && result.onlyNew.empty())) {
@@ -97,29 +99,23 @@ ExitStatus AnswerOf(int verdict, bool hasTroubles) {
   return verdict == kSaidSame ? kSidesEqual : kSidesDiffer;
 }
 
-ExitStatus CompareSides(const Options& options, const Limits& limits, const CommandRunner& run) {
+ExitStatus CompareSides(const Options& options, const WorkRunner& compare,
+                        const CommandRunner& view) {
   CheckSides(options);
   CheckIgnored(options.ignored);
-  ProgressLine progress(true);
-  progress.Tell("collecting " + Printable(options.diffBefore));
-  const DiffSide before = ReadDiffSide(options.diffBefore, options, run);
-  progress.Tell("collecting " + Printable(options.diffAfter));
-  const DiffSide after = ReadDiffSide(options.diffAfter, options, run);
-  progress.End();
-  const pid_t self = getpid();
-  const ExitStatus verdict = RunInStages(limits, {"comparing", true}, [&](Stages&) {
-    return RunGuarded([&] { return ComparePrinting(options, before, after); });
-  });
-  if (getpid() != self) return verdict;
+  const DiffSide before = ReadDiffSide(options.diffBefore, options, view);
+  const DiffSide after = ReadDiffSide(options.diffAfter, options, view);
+  const ExitStatus verdict =
+      compare([&](Worker& worker) { return CompareAndPrint(options, before, after, worker); });
   return AnswerOf(verdict, before.hasTroubles || after.hasTroubles);
 }
 
 }  // namespace
 
-ExitStatus RunDiff(const Options& options, const Limits& limits, const CommandRunner& run) {
+ExitStatus RunDiff(const Options& options, const WorkRunner& compare, const CommandRunner& view) {
   std::optional<ExitStatus> answer;
   const ExitStatus status = RunGuarded([&] {
-    answer = CompareSides(options, limits, run);
+    answer = CompareSides(options, compare, view);
     return *answer;
   });
   if (answer) return *answer;

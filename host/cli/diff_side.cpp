@@ -3,16 +3,20 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "host/console/output.h"
-#include "host/process/relayed_process.h"
+#include "host/console/standard_input.h"
+#include "host/process/guarded_run.h"
 #include "runtime/file_descriptor.h"
 
 namespace pciinfo {
@@ -43,7 +47,7 @@ bool BeginsLikeJson(std::string_view text) {
 
 void ReadRest(const std::string& name, int descriptor, std::uint64_t most, std::string& text) {
   while (true) {
-    const ssize_t count = AppendBytes(descriptor, text);
+    const ssize_t count = vtq::AppendFrom(descriptor, text);
     if (count == 0) return;
     if (count < 0) FailForErrno(name, "it cannot be read");
     if (most != 0 && text.size() > most) Fail(name, "it is larger than --memory-limit");
@@ -56,39 +60,68 @@ std::string ReadJson(const std::string& name, const Options& options) {
   if (!file.IsOpen()) FailForErrno(name, "it cannot be opened");
   std::string text;
   if (IsDirectory(file.Get())) return text;
-  if (AppendBytes(file.Get(), text) < 0) FailForErrno(name, "it cannot be read");
+  if (vtq::AppendFrom(file.Get(), text) < 0) FailForErrno(name, "it cannot be read");
   if (!BeginsLikeJson(text)) return "";
   ReadRest(name, file.Get(), MostBytes(options), text);
   return text;
 }
 
-/// Puts what was read of standard input back for the reader of archives.
-void GiveBack(const std::string& text) {
-  const vtq::FileDescriptor memory(memfd_create("standard input", MFD_CLOEXEC));
-  const bool isThere = memory.IsOpen() && WriteAll(memory.Get(), text) == 0 &&
-                       lseek(memory.Get(), 0, SEEK_SET) == 0 &&
-                       dup2(memory.Get(), STDIN_FILENO) == STDIN_FILENO;
-  if (!isThere) FailForErrno(kStandardInput, "standard input cannot be kept");
-}
-
 /// The JSON of standard input; empty for an archive, which can be read again then.
 std::string ReadJsonFromInput(const Options& options) {
-  std::string text;
-  ReadRest(kStandardInput, STDIN_FILENO, MostBytes(options), text);
+  std::string text = ReadStandardInput(MostBytes(options));
   if (text.empty()) Fail(kStandardInput, "there is nothing in standard input");
   if (BeginsLikeJson(text)) return text;
-  GiveBack(text);
+  ReplaceStandardInput(text);
   return "";
 }
+
+/// As long as this lives, what this process and those that are forked from it write to standard
+/// output goes to a file in memory.
+class KeptOutput final {
+ public:
+  /// A write beyond `most` bytes (0: none) fails.
+  explicit KeptOutput(std::uint64_t most)
+      : file_(memfd_create("output", MFD_CLOEXEC)), before_(dup(STDOUT_FILENO)) {
+    if (!file_.IsOpen() || dup2(file_.Get(), STDOUT_FILENO) < 0) {
+      throw std::system_error(errno, std::generic_category());
+    }
+    getrlimit(RLIMIT_FSIZE, &limit_);
+    rlimit lower = limit_;
+    if (most != 0) lower.rlim_cur = std::min<rlim_t>(most, lower.rlim_cur);
+    setrlimit(RLIMIT_FSIZE, &lower);
+  }
+  KeptOutput(const KeptOutput&) = delete;
+  KeptOutput& operator=(const KeptOutput&) = delete;
+  ~KeptOutput() {
+    setrlimit(RLIMIT_FSIZE, &limit_);
+    dup2(before_.Get(), STDOUT_FILENO);
+  }
+
+  std::string Read() const {
+    std::string text;
+    lseek(file_.Get(), 0, SEEK_SET);
+    while (vtq::AppendFrom(file_.Get(), text) > 0) continue;
+    return text;
+  }
+
+ private:
+  vtq::FileDescriptor file_;
+  vtq::FileDescriptor before_;
+  rlimit limit_{};
+};
 
 DiffSide Collect(const std::string& name, Options options, const CommandRunner& run) {
   options.command = Command::kInstances;
   options.format = "json";
-  const RelayedResult result = RunRelayed(name, MostBytes(options), [&] { return run(options); });
-  if (result.isTooLarge) Fail(name, "its inventory is larger than --memory-limit");
-  if (result.output.empty()) Fail(name, "it could not be collected");
-  const bool isWhole = result.hasExited && result.status == kAllCollected;
-  return {name, result.output, true, !isWhole};
+  const KeptOutput output(MostBytes(options));
+  ExitStatus status = kFailed;
+  {
+    const MessageSubject subject(name);
+    status = RunGuarded([&] { return run(options); });
+  }
+  std::string json = output.Read();
+  if (json.empty()) Fail(name, "it could not be collected");
+  return {name, std::move(json), true, status != kAllCollected};
 }
 
 }  // namespace

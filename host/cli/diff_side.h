@@ -19,11 +19,11 @@ struct DiffSide {
 };
 
 /// Runs a command as the program would.
-using CommandRunner = std::function<ExitStatus(Options options)>;
+using CommandRunner = std::function<ExitStatus(const Options& options)>;
 
 /// Reads the side that a user named: "live" for this machine, a file of JSON, or a capture; "-" for
-/// either of the last two from standard input. Machines are collected by `run` in a process of its
-/// own, whose messages are passed on with the side's name. Options besides the root are those of
+/// either of the last two from standard input. Machines are collected by `run`, whose messages
+/// get the side's name. Options besides the root are those of
 /// `options`. Throws std::runtime_error, naming the side, when it cannot be read at all.
 DiffSide ReadDiffSide(const std::string& name, const Options& options, const CommandRunner& run);
 

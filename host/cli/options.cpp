@@ -101,6 +101,9 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
       ->type_name("MIB")
       ->check(CLI::Validator(IsNoLimitOrEnough, ""))
       ->capture_default_str();
+  app.add_flag("--in-process", options.inProcess,
+               "Do everything in one process, for debuggers: a plug-in that crashes or hangs ends "
+               "the run");
   CLI::Option* root =
       app.add_option("--root", options.root,
                      "Show the machine of a capture: a directory, an archive, or - for standard "

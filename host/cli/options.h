@@ -55,6 +55,7 @@ struct Options {
   std::optional<int> logLevel;          ///< 0 to 4; not set: errors and warnings
   double timeout = 600;                 ///< seconds for all that plug-ins and tools do
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
+  bool inProcess = false;                           ///< no worker: for debuggers
   std::string root;           ///< a capture to show in the place of this machine
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
   std::string captureFile;    ///< of `capture`

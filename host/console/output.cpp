@@ -10,6 +10,14 @@
 #include "host/console/text.h"
 
 namespace pciinfo {
+namespace {
+
+constexpr std::string_view kProgram = "pciinfo: ";
+
+std::string subject;  // with the colon behind it; empty where there is none
+
+}  // namespace
+
 int WriteAll(int descriptor, std::string_view text) noexcept {
   while (!text.empty()) {
     const ssize_t written = write(descriptor, text.data(), text.size());
@@ -50,10 +58,19 @@ void ReserveStandardStreams() {
 
 void WriteErrorText(std::string_view text) noexcept { WriteAll(STDERR_FILENO, text); }
 
+MessageSubject::MessageSubject(std::string_view name) { subject = Printable(name) + ": "; }
+
+MessageSubject::~MessageSubject() { subject.clear(); }
+
+std::string WithSubject(std::string_view line) {
+  const std::size_t start = line.starts_with(kProgram) ? kProgram.size() : 0;
+  return std::string(line.substr(0, start)).append(subject).append(line.substr(start));
+}
+
 void WriteErrorLine(std::string_view line) noexcept {
   try {
     // One write, so that lines of several processes on one terminal do not mix.
-    WriteErrorText(std::string(line) + '\n');
+    WriteErrorText(WithSubject(line) + '\n');
   } catch (const std::exception&) {
     WriteErrorText(line);
     WriteErrorText("\n");
@@ -62,7 +79,7 @@ void WriteErrorLine(std::string_view line) noexcept {
 
 void WriteMessage(std::string_view text) noexcept {
   try {
-    WriteErrorLine("pciinfo: " + Printable(text));
+    WriteErrorLine(std::string(kProgram) + Printable(text));
   } catch (const std::exception&) {
     WriteErrorText("pciinfo: there is not enough memory, not even for a message\n");
   }

@@ -61,6 +61,19 @@ int WriteAll(int descriptor, std::string_view text) noexcept;
 /// Writes to standard error in one piece; a failure to do so is ignored.
 void WriteErrorText(std::string_view text) noexcept;
 
+/// As long as this lives, the lines that this process, and those that are forked from it, write to
+/// standard error say what they are about: "pciinfo: NAME: ...". There is one at a time.
+class MessageSubject final {
+ public:
+  explicit MessageSubject(std::string_view name);
+  MessageSubject(const MessageSubject&) = delete;
+  MessageSubject& operator=(const MessageSubject&) = delete;
+  ~MessageSubject();
+};
+
+/// A line for standard error with the subject that it is about, if there is one.
+std::string WithSubject(std::string_view line);
+
 /// Writes one line to standard error, as WriteErrorText does.
 void WriteErrorLine(std::string_view line) noexcept;
 

@@ -1,8 +1,8 @@
 #include "host/process/pager.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,11 +10,11 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "host/console/output.h"
-#include "host/process/ending_signals.h"
 
 namespace pciinfo {
 namespace {
@@ -22,136 +22,92 @@ namespace {
 constexpr int kNotStarted = 127;  // what a shell answers for a command that it does not find
 constexpr std::string_view kDefaultPager = "less";
 
-[[noreturn]] void ThrowErrno() { throw std::system_error(errno, std::generic_category()); }
-
-int WaitFor(pid_t child) noexcept {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  return status;
-}
-
-/// The process that signals to this one are passed on to.
-volatile pid_t worker = 0;  // NOLINT: a signal handler sees nothing else
-
-void PassOn(int signal) {
-  const int error = errno;
-  kill(worker, signal);
-  errno = error;
-}
-
-/// As long as this lives, signals that end the program go to the process that does the work: this
-/// one waits for the pager, which has its own mind about an interrupt.
-class PassedOnSignals final {
- public:
-  explicit PassedOnSignals(pid_t process) noexcept {
-    worker = process;
-    const sigset_t ending = EndingSignals();
-    for (std::size_t i = 0; i < before_.size(); ++i) {
-      struct sigaction action {};
-      action.sa_handler = sigismember(&ending, kSignals[i]) == 1 ? &PassOn : SIG_IGN;
-      action.sa_flags = SA_RESTART;
-      sigaction(kSignals[i], &action, &before_[i]);
-    }
-  }
-  PassedOnSignals(const PassedOnSignals&) = delete;
-  PassedOnSignals& operator=(const PassedOnSignals&) = delete;
-  ~PassedOnSignals() {
-    for (std::size_t i = 0; i < before_.size(); ++i) sigaction(kSignals[i], &before_[i], nullptr);
-  }
-
- private:
-  static constexpr std::array kSignals = {SIGHUP, SIGINT, SIGTERM};
-  std::array<struct sigaction, kSignals.size()> before_{};
-};
-
-[[noreturn]] void BecomePager(const std::string& pager, int input) noexcept {
-  dup2(input, STDIN_FILENO);
+/// The signals have their usual meaning for the pager, whatever this process made of them.
+void ResetSignals() noexcept {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) std::signal(signal, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+[[noreturn]] void BecomePager(const std::string& command, int input) noexcept {
+  dup2(input, STDIN_FILENO);
+  ResetSignals();
+  prctl(PR_SET_PDEATHSIG, SIGTERM);  // it must not read the terminal beside the next program
   setenv("LESS", "FRX", 0);
   setenv("LV", "-c", 0);
   // A command without anything for the shell needs none, which would say that it finds nothing.
-  if (pager.find_first_of("|&;<>()$`\\\"' \t\n*?[#~=%") == std::string::npos) {
-    execlp(pager.c_str(), pager.c_str(), nullptr);
+  if (command.find_first_of("|&;<>()$`\\\"' \t\n*?[#~=%") == std::string::npos) {
+    execlp(command.c_str(), command.c_str(), nullptr);
   } else {
-    execl("/bin/sh", "sh", "-c", pager.c_str(), nullptr);
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
   }
   _exit(kNotStarted);
 }
 
-/// What a reader who went away leaves is left.
-void CopyAll(int from, int to) noexcept {
+/// Copies a piece. False at the end, and when nobody takes the copy.
+bool CopyPiece(int from, int to) noexcept {
   std::array<char, 65536> piece{};
-  while (true) {
-    const ssize_t size = read(from, piece.data(), piece.size());
-    if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return;
-    if (WriteAll(to, {piece.data(), static_cast<std::size_t>(size)}) != 0) return;
-  }
-}
-
-/// False at the end of an output that there was nothing of.
-bool AwaitOutput(int output) noexcept {
-  pollfd watched{output, POLLIN, 0};
-  while (poll(&watched, 1, -1) < 0 && errno == EINTR) {
-  }
-  return (watched.revents & POLLIN) != 0;
-}
-
-void ShowOutput(const std::string& pager, vtq::FileDescriptor output) {
-  if (!AwaitOutput(output.Get())) return;
-  const pid_t child = fork();
-  if (child == 0) BecomePager(pager, output.Get());
-  const int status = child < 0 ? kNotStarted << 8 : WaitFor(child);
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != kNotStarted) return;
-  if (pager != kDefaultPager) {
-    WriteMessage("the pager \"" + pager +
-                 "\" cannot be started (see PCIINFO_PAGER, PAGER and --no-pager)");
-  }
-  CopyAll(output.Get(), STDOUT_FILENO);
-}
-
-ExitStatus StatusOf(int status) noexcept {
-  if (WIFSIGNALED(status)) EndBySignal(WTERMSIG(status));
-  if (!WIFEXITED(status)) return kFailed;
-  const auto answer = static_cast<ExitStatus>(WEXITSTATUS(status));
-  return answer == kPipeClosed ? kAllCollected : answer;
-}
-
-vtq::FileDescriptor MakeMessageFile() {
-  if (isatty(STDERR_FILENO) == 0) return {};
-  return vtq::FileDescriptor(memfd_create("messages", MFD_CLOEXEC));
+  ssize_t size = 0;
+  do size = read(from, piece.data(), piece.size());
+  while (size < 0 && errno == EINTR);
+  return size > 0 && WriteAll(to, {piece.data(), static_cast<std::size_t>(size)}) == 0;
 }
 
 }  // namespace
 
-void LateMessages::Hold() const noexcept {
-  if (file_.IsOpen()) dup2(file_.Get(), STDERR_FILENO);
+Pager::Pager(std::string command) : command_(std::move(command)) {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category());
+  reading_ = vtq::FileDescriptor(ends[0]);
+  writing_ = vtq::FileDescriptor(ends[1]);
+  if (isatty(STDERR_FILENO) == 0) return;
+  lateMessages_ = vtq::FileDescriptor(memfd_create("messages", MFD_CLOEXEC));
 }
 
-ExitStatus RunWithPager(const std::string& pager,
-                        const std::function<ExitStatus(const LateMessages&)>& run) {
-  vtq::FileDescriptor messages = MakeMessageFile();
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) ThrowErrno();
-  vtq::FileDescriptor reading(ends[0]);
-  vtq::FileDescriptor writing(ends[1]);
+void Pager::ReceiveOutput() noexcept {
+  dup2(writing_.Get(), STDOUT_FILENO);
+  writing_.Close();
+  reading_.Close();  // or the worker would not notice when the pager is left early
+}
+
+// The reading end stays open while the pager runs: if it turns out that it could not be started,
+// this process passes the output on.
+int Pager::GetOutput() const noexcept { return process_ == 0 ? reading_.Get() : -1; }
+
+void Pager::HandleOutput(bool isReadable) {
+  if (!isReadable) return reading_.Close();
+  if (!isMissing_) return Start();
+  if (!CopyPiece(reading_.Get(), STDOUT_FILENO)) reading_.Close();
+}
+
+void Pager::Start() {
   const pid_t child = fork();
-  if (child < 0) ThrowErrno();
-  if (child == 0) {
-    reading.Close();
-    dup2(writing.Get(), STDOUT_FILENO);
-    writing.Close();
-    return run(LateMessages(std::move(messages)));
+  if (child == 0) BecomePager(command_, reading_.Get());
+  if (child > 0) {
+    process_ = child;
+  } else {
+    HandleEnd(W_EXITCODE(kNotStarted, 0));
   }
-  const PassedOnSignals signals(child);
-  writing.Close();
-  ShowOutput(pager, std::move(reading));
-  const int status = WaitFor(child);
-  if (messages.IsOpen() && lseek(messages.Get(), 0, SEEK_SET) == 0) {
-    CopyAll(messages.Get(), STDERR_FILENO);
+}
+
+void Pager::HandleEnd(int status) {
+  process_ = 0;
+  isMissing_ = WIFEXITED(status) && WEXITSTATUS(status) == kNotStarted;
+  if (!isMissing_) return reading_.Close();
+  if (command_ == kDefaultPager) return;
+  WriteMessage("the pager \"" + command_ +
+               "\" cannot be started (see PCIINFO_PAGER, PAGER and --no-pager)");
+}
+
+void Pager::Drop() noexcept {
+  if (process_ == 0) reading_.Close();
+}
+
+void Pager::ShowLateMessages() const noexcept {
+  if (!lateMessages_.IsOpen() || lseek(lateMessages_.Get(), 0, SEEK_SET) != 0) return;
+  while (CopyPiece(lateMessages_.Get(), STDERR_FILENO)) {
   }
-  return StatusOf(status);
 }
 
 }  // namespace pciinfo

@@ -1,35 +1,57 @@
 #pragma once
 
-#include <functional>
+#include <sys/types.h>
+
 #include <string>
 
-#include "host/base/exit_status.h"
 #include "runtime/file_descriptor.h"
 
 namespace pciinfo {
 
-/// Where messages go that the user is to see when the pager has ended.
-class LateMessages final {
+/// Shows the output of workers through a pager. It is started by the first output, so that nothing
+/// is in the way of what is done before. Where it cannot be started, the output is passed on as it
+/// is, after a message unless it is the default pager.
+class Pager final {
  public:
-  LateMessages() = default;
-  explicit LateMessages(vtq::FileDescriptor file) : file_(std::move(file)) {}
+  /// `command` is a command of the shell. Throws std::system_error.
+  explicit Pager(std::string command);
 
-  /// What this process writes to standard error from now on is kept until the pager has ended.
-  /// Nothing happens where there is no pager, or standard error is no terminal.
-  void Hold() const noexcept;
+  /// In a worker: the standard output goes to the pager from here on.
+  void ReceiveOutput() noexcept;
+  /// For messages that the user is to see when the pager has ended; none where standard error is no
+  /// terminal.
+  const vtq::FileDescriptor& GetLateMessages() const noexcept { return lateMessages_; }
+
+  /// A descriptor to poll: when it is readable, or closed at its other end, HandleOutput is to be
+  /// called. -1 when there is nothing to do at present.
+  int GetOutput() const noexcept;
+  /// Starts the pager, or passes on a piece of output. `isReadable` is false for an output that
+  /// ended.
+  void HandleOutput(bool isReadable);
+
+  /// The process of the pager; 0 when it does not run.
+  pid_t GetProcess() const noexcept { return process_; }
+  /// The process of the pager has ended, with a status as of waitpid.
+  void HandleEnd(int status);
+
+  /// No worker writes any more.
+  void EndOutput() noexcept { writing_.Close(); }
+  /// What was not shown yet is dropped.
+  void Drop() noexcept;
+  /// Whether something is still being shown.
+  bool IsBusy() const noexcept { return process_ != 0 || GetOutput() >= 0; }
+  /// Shows the messages that were kept. To be called when the pager has ended.
+  void ShowLateMessages() const noexcept;
 
  private:
-  vtq::FileDescriptor file_;
-};
+  void Start();
 
-/// Runs `run` in a process whose standard output a pager shows. The pager is started by the first
-/// output, so that nothing is in the way of what is done before, and is waited for. Where it cannot
-/// be started, the output goes out as it is, after a message unless it is the default pager.
-///
-/// Returns in both processes; in this one what `run` answered, with a pager that the user left
-/// early taken for one that has shown all. A signal that ended `run` ends this process too. Throws
-/// std::system_error when there can be no other process.
-ExitStatus RunWithPager(const std::string& pager,
-                        const std::function<ExitStatus(const LateMessages&)>& run);
+  std::string command_;
+  vtq::FileDescriptor reading_;
+  vtq::FileDescriptor writing_;
+  vtq::FileDescriptor lateMessages_;
+  pid_t process_ = 0;
+  bool isMissing_ = false;  ///< it could not be started
+};
 
 }  // namespace pciinfo

@@ -1,32 +1,40 @@
 #pragma once
 
-#include <string_view>
-
-#include "runtime/file_descriptor.h"
+#include <chrono>
+#include <optional>
+#include <string>
 
 namespace pciinfo {
 
 /// A line on standard error that says what is being done, as soon as that takes longer than a
-/// second, and that is erased in the end. A process of its own writes it, so that it goes on
-/// whatever becomes of the processes that do the work; all that are forked from the one that made
-/// this object may tell and end.
+/// second. The owner calls Show when it is due.
 class ProgressLine final {
  public:
-  /// Nothing is ever shown unless `wanted` and standard error is a terminal. Where there can be no
-  /// such process, nothing is shown either.
-  explicit ProgressLine(bool wanted) noexcept;
+  using Clock = std::chrono::steady_clock;
+
+  /// Nothing is ever shown unless `wanted` and standard error is a terminal.
+  explicit ProgressLine(bool wanted);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
   ~ProgressLine() { End(); }
 
-  /// What is being done from now on, printable, without line ends.
-  void Tell(std::string_view what) noexcept;
-
-  /// Returns when the line is erased. Nothing is shown afterwards, by no process.
-  void End() noexcept;
+  /// Whether the line is shown when something takes long.
+  bool IsWanted() const noexcept { return isWanted_; }
+  /// What is being done from now on.
+  void Tell(const std::string& what);
+  /// When Show is to be called; nothing when it is not.
+  std::optional<Clock::time_point> GetDueTime() const noexcept { return due_; }
+  void Show();
+  /// Removes the line until Tell is called again.
+  void Erase();
+  /// Removes the line for good.
+  void End();
 
  private:
-  vtq::FileDescriptor words_;
+  bool isWanted_;
+  bool isShown_ = false;
+  std::string text_;
+  std::optional<Clock::time_point> due_;
 };
 
 }  // namespace pciinfo

@@ -30,7 +30,7 @@ ProgramEnd RunProgram(const std::vector<std::string>& words, const Fault& fault)
     dup2(out.Descriptor(), STDOUT_FILENO);
     dup2(err.Descriptor(), STDERR_FILENO);
     Arm(fault);
-    // The program goes on in other processes; whichever returns has nothing left to do.
+    // The test has cleaning up to do at exit, which is not for this process.
     _exit(PciinfoMain(static_cast<int>(line.size()), const_cast<char**>(arguments.data())));
   }
   int status = 0;

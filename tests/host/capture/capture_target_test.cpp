@@ -83,9 +83,6 @@ TEST_F(CaptureTargetTest, NothingIsLeftOfWhatWasNotCommitted) {
       target.GetWriter().Write({"x/y", "1", ""});
     }
     EXPECT_THAT(Names(), IsEmpty());
-    CaptureTarget abandoned(Path(name));
-    abandoned.Abandon();
-    EXPECT_THAT(Names(), IsEmpty());
   }
 }
 

@@ -50,11 +50,18 @@ TEST(ProgressLine, GivesWayToTheLog) {
   EXPECT_THAT(result.out, Not(HasSubstr("pciinfo: collecting")));
 }
 
-TEST(ProgressLine, WithoutATerminalItCostsNothingAndEndsAtOnce) {
+TEST(ProgressLine, IsNeverDueWhenItIsNotWanted) {
   pciinfo::ProgressLine line(false);
   line.Tell("something");
-  line.End();
-  line.End();
+  EXPECT_FALSE(line.GetDueTime());
+}
+
+TEST(ProgressLine, SaysWhichSideADiffCollects) {
+  const RunResult result =
+      RunOnTerminal({{"diff", "live", "/dev/null", "--no-pager", "--timeout", "4", "--plugin",
+                      FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
+                     {}});
+  EXPECT_THAT(result.out, HasSubstr("pciinfo: live: collecting QZMSG_SystemSlot ("));
 }
 
 }  // namespace

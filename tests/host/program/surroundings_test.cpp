@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "tests/host/process_count.h"
 #include "tests/host/run_program.h"
 
 namespace {
@@ -107,7 +108,7 @@ TEST_F(Surroundings, TheListingIsMadeOnceAndOnlyForClassesThatNeedIt) {
 
 TEST_F(Surroundings, TheListingIsNotMadeForWrongUsageOrAnEmptyMachine) {
   EXPECT_EQ(RunsOfTheTool("true", "devices --bogus"), "");
-  EXPECT_EQ(RunsOfTheTool("true", "show \"\""), "");
+  EXPECT_EQ(RunsOfTheTool("true", "instances QZMSG_Nothing"), "");
   EXPECT_EQ(RunsOfTheTool(kWithoutPciBus, "devices"), "");
 }
 
@@ -133,6 +134,38 @@ TEST_F(Surroundings, AToolThatHangsOnceIsRunAgainForTheOtherClasses) {
   const RunResult result = RunHidden(tool, "$PCIINFO devices --timeout 4; rmdir /tmp/$$.once");
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: the plug-in was stopped after ")));
+}
+
+TEST_F(Surroundings, ACaptureThatASignalEndsLeavesNothingBehind) {
+  for (const char* signal : {"HUP", "INT", "QUIT", "TERM", "USR1", "ALRM", "XCPU"}) {
+    for (const char* name : {"box.tar.zst", "box"}) {
+      const std::string folder = testing::TempDir() + "signalled_capture";
+      std::filesystem::create_directory(folder);
+      const RunResult result =
+          RunHidden(WithTool("sleep 987652"), std::string("timeout -s ") + signal +
+                                                  " 0.5 $PCIINFO capture " + folder + "/" + name +
+                                                  "; echo $?; pgrep -fx \"sleep 987652\"");
+      EXPECT_EQ(result.out, "124\n") << signal;
+      EXPECT_TRUE(std::filesystem::remove(folder)) << name << " was left";
+    }
+  }
+}
+
+TEST_F(Surroundings, AViewStartsAWorkerAndTheListingOnly) {
+  EXPECT_THAT(ProgramsStartedBy({PCIINFO_PROGRAM, "devices"}), ElementsAre("", "lspci"));
+}
+
+TEST_F(Surroundings, OnATerminalAViewStartsThePagerAsWell) {
+  EXPECT_THAT(ProgramsStartedBy({PCIINFO_PROGRAM, "devices"}, "head"),
+              testing::UnorderedElementsAre("", "lspci", "head"));
+  EXPECT_THAT(ProgramsStartedBy({PCIINFO_PROGRAM, "devices", "--no-pager"}, "head"),
+              ElementsAre("", "lspci"));
+}
+
+TEST_F(Surroundings, OneProcessDoesEverythingWhereThatIsWanted) {
+  EXPECT_THAT(ProgramsStartedBy({PCIINFO_PROGRAM, "devices", "--in-process"}),
+              ElementsAre("lspci"));
+  EXPECT_EQ(RunPciinfo({"devices", "--in-process"}).out, RunPciinfo({"devices"}).out);
 }
 
 // A sanitizer has limits of its own.

@@ -96,18 +96,17 @@ TEST_F(Survival, AClassWhoseCollectionDiesIsNamedAndTheOthersArePrinted) {
               ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)"));
 }
 
-TEST_F(Survival, WhatWasCollectedQuicklyIsCollectedAgainWithoutTheClassThatDied) {
+TEST_F(Survival, EverythingIsCollectedAgainWithoutTheClassThatDied) {
   Run("Abort_QZMSG_SystemSlot");
   EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 2);
   EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
   EXPECT_EQ(CountQueries("QZMSG_PCIRawData"), 1);
 }
 
-TEST_F(Survival, WhatTookLongIsNotCollectedAgain) {
+TEST_F(Survival, EachClassThatDiesCostsOneMoreAttempt) {
   const RunResult result =
-      RunFake("slow_then_dying", {"instances", "--format", "jsonl", "--log-file", LogFile()});
-  EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 1);
-  EXPECT_EQ(CountQueries("QZMSG_PCIBridge"), 3);
+      RunFake("dying_twice", {"instances", "--format", "jsonl", "--log-file", LogFile()});
+  EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 3);
   EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
   EXPECT_EQ(CountQueries("QZMSG_SystemBoard"), 2);
   EXPECT_EQ(CountQueries("QZMSG_OnBoardDevice"), 1);
@@ -275,6 +274,25 @@ TEST_P(SignalledSurvival, ASignalEndsTheProgramAndAllThatItStarted) {
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(WTERMSIG(status), GetParam());
   EXPECT_EQ(CountProcesses(), 0);
+}
+
+TEST_F(SignalledSurvival, NothingGoesOnWhenTheProgramIsKilled) {
+  const pid_t program = StartHanging();
+  WaitUntilItHangs();
+  kill(program, SIGKILL);
+  waitpid(program, nullptr, 0);
+  for (int look = 0; look < 200 && CountProcesses() > 0; ++look) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(CountProcesses(), 0);
+}
+
+TEST_F(Survival, ProcessesOfOthersAreLeftAlone) {
+  const std::string plugin = FakePluginFile("hostile_Abort_QZMSG_SystemSlot");
+  const RunResult result =
+      RunShell("bash -c 'sleep 987650 & exec $PCIINFO slots --plugin " + plugin +
+               "' >/dev/null 2>&1; echo $?; pkill -fx 'sleep 987650' && echo it slept");
+  EXPECT_EQ(result.out, "1\nit slept\n");
 }
 
 }  // namespace
