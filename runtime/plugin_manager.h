@@ -46,8 +46,8 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
 
   /// What plug-ins or their host did against the contract so far, a sentence each, oldest first:
   /// a query before Init, a second Init, DeInit without Init, unloading without DeInit, an
-  /// exception while unloading, instances that were created and not committed, namespaces or
-  /// classes still held after a query. A call that comes at the wrong time is noted and made.
+  /// exception while unloading, instances that were created and not committed, namespaces, classes
+  /// or instances still held after a query. A call that comes at the wrong time is noted and made.
   const std::vector<std::string>& GetViolations() const noexcept { return violations_; }
 
   /// A plug-in that registers while Load loads nothing, because the host loaded its library by

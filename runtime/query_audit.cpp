@@ -1,10 +1,21 @@
 #include "runtime/query_audit.h"
 
+#include <algorithm>
+
 #include "runtime/repository.h"
 
 namespace vtq {
 
 namespace {
+
+// References to committed instances other than the repository's own.
+long InstanceReferences(const Class& counted) {
+  long references = 0;
+  for (const std::shared_ptr<Instance>& instance : counted.GetInstances()) {
+    references += instance.use_count() - 1;
+  }
+  return references;
+}
 
 void Note(std::vector<std::string>& findings, long before, long after, const std::string& what) {
   if (after > before) findings.push_back(std::to_string(after - before) + " " + what);
@@ -21,6 +32,7 @@ QueryAudit::Count QueryAudit::CountNow(const std::shared_ptr<NQZMVTQ20::ICIMName
   if (repository == nullptr) return count;
   for (const std::shared_ptr<Class>& counted : repository->GetClasses()) {
     count.classes.push_back({counted->GetSchema().name, counted.use_count(),
+                             InstanceReferences(*counted),
                              static_cast<long>(counted->CountUncommitted())});
   }
   return count;
@@ -36,6 +48,8 @@ std::vector<std::string> QueryAudit::GetFindings() const {
     const ClassCount& now = after.classes[index];
     Note(findings, old.references, now.references,
          "references to the class " + old.name + " are still held after a query");
+    Note(findings, old.instanceReferences, now.instanceReferences,
+         "references to instances of " + old.name + " are still held after a query");
     Note(findings, old.uncommitted, now.uncommitted,
          "instances of " + old.name + " were created, are still held and were not committed");
   }

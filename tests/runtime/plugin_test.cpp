@@ -103,6 +103,11 @@ TEST_F(PluginTest, APrepareForUnloadThatThrowsIsNotedAndTheLibraryGoes) {
 
 TEST_F(PluginTest, AGoodQueryIsNotNoted) { EXPECT_EQ(ViolationsOfQuery("nothing"), Texts{}); }
 
+TEST_F(PluginTest, WhatAQueryKeepsIsNoted) {
+  EXPECT_EQ(ViolationsOfQuery("keep an instance"),
+            Texts{"1 references to instances of ACME_Fan are still held after a query"});
+}
+
 TEST_F(PluginTest, AClassThatAQueryKeepsIsNoted) {
   EXPECT_EQ(ViolationsOfQuery("keep a class"),
             Texts{"1 references to the class ACME_Fan are still held after a query"});
@@ -119,11 +124,12 @@ TEST_F(PluginTest, AnInstanceThatAQueryForgetsToCommitIsNoted) {
 }
 
 TEST_F(PluginTest, WhatAQueryThrowsPassesThroughAndWhatItKeptIsNoted) {
-  AskFor("keep the namespace and throw");
+  AskFor("keep an instance and throw");
   Plugin& plugin = manager_->Load(FileOf("misbehaving"));
   plugin.Init();
   EXPECT_THROW(Query(plugin), std::runtime_error);
-  EXPECT_EQ(Violations(), Texts{"1 references to the namespace are still held after a query"});
+  EXPECT_EQ(Violations(),
+            Texts{"1 references to instances of ACME_Fan are still held after a query"});
   EXPECT_EQ(nameSpace_->Find("ACME_Fan")->GetInstances().size(), 1U);
 }
 

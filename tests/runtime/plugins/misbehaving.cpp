@@ -60,8 +60,9 @@ class Misbehaving final : public IPluginCallbacks, public IPluginBasicQueryCallb
     fan->SetProperty("DeviceID", TCIMValue("fan0"), {});
     fan->SetProperty("Bank", TCIMValue(static_cast<unsigned short>(1)), {});
     fan->Commit({});
-    if (IsAskedTo("keep the namespace and throw")) {
-      nameSpace_ = nameSpace;
+    if (IsAskedTo("keep an instance")) instance_ = fan;
+    if (IsAskedTo("keep an instance and throw")) {
+      instance_ = fan;
       throw std::runtime_error("a fan is stuck");
     }
   }
