@@ -86,6 +86,13 @@ TEST_F(SystemBoardTest, FailingInstanceIsLoggedWithTheReasonAndLeftOut) {
                                       "generating CIM instances. Error Code: refused"}));
 }
 
+TEST_F(SystemBoardTest, OtherExceptionsOfAnInstancePassThrough) {
+  const auto faulty = std::make_shared<FaultyClass>(Class(kSystemBoardClass));
+  faulty->onCreate = [](int) { throw std::runtime_error("broken"); };
+  EXPECT_THROW(TSysBrd(faulty, &provider).TPci::GetCIMInstances(), std::runtime_error);
+  EXPECT_TRUE(Fake().LogOf(2).empty());
+}
+
 TEST_F(SystemBoardTest, OneArgumentConstructorLogsNothing) {
   const auto faulty = std::make_shared<FaultyClass>(Class(kSystemBoardClass));
   faulty->onCreate = [](int) { throw TVTQException("refused"); };
