@@ -5,6 +5,7 @@
 #include "framework/exception.h"
 #include "plugin/class_names.h"
 #include "tests/fakes/plugin_fixture.h"
+#include "tests/fakes/watched_framework.h"
 
 using NQZMVTQ20::TVTQException;
 
@@ -69,6 +70,13 @@ TEST_F(SystemBoardTest, OtherExceptionsOfTheNamespacePassThrough) {
   const auto faulty = std::make_shared<FaultyClass>(Class(kSystemBoardClass));
   faulty->onGetNamespace = [] { throw std::runtime_error("broken"); };
   EXPECT_THROW(TSysBrd(faulty, &provider).PopulateSysbrdProperties(), std::runtime_error);
+}
+
+TEST_F(SystemBoardTest, KeysNeedTheNamespaceAndNothingElseOfTheFramework) {
+  WatchedFramework watch(nameSpace);
+  const auto watched = watch.Class(kSystemBoardClass);
+  TSysBrd(watched, &provider).PopulateSysbrdProperties();
+  EXPECT_EQ(watch.operations, std::vector<std::string>{"QZMSG_SystemBoard GetNamespace"});
 }
 
 TEST_F(SystemBoardTest, AnotherClassNameYieldsNoInstance) {

@@ -17,6 +17,7 @@
 #include "runtime/plugin_manager.h"
 #include "runtime/repository.h"
 #include "runtime/root.h"
+#include "tests/fakes/host_locale.h"
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ILogger;
@@ -251,6 +252,21 @@ TEST_F(LoadTest, WhatIsCollectedDuringTheRegistrationIsKept) {
   EXPECT_EQ(Count(log, kInventory), 1) << "of the first request";
   EXPECT_EQ(Count(log, "3 Entering GetSlotIDRetrievalType"), 1);
   eager->registered->PrepareForUnload();
+  EXPECT_EQ(dlclose(library), 0);
+}
+
+TEST_F(LoadTest, HostThatGroupsDigitsBeforeTheFirstNumberIsReadChangesNothing) {
+  const GroupingLocale locale(',');
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  auto* read = reinterpret_cast<unsigned (*)(std::string)>(
+      dlsym(library,
+            "_Z23ExtractDecimalDataToHexIjET_NSt7__cxx1112basic_stringIcSt11char_traitsIcE"
+            "SaIcEEE"));
+  ASSERT_NE(read, nullptr) << dlerror();
+  EXPECT_EQ(read("1,fff"), 1U);
+  EXPECT_EQ(read("0X1,fff"), 1U);
+  manager->Unload(*manager->GetPlugins()[0]);
   EXPECT_EQ(dlclose(library), 0);
 }
 
