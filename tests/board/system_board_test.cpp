@@ -5,6 +5,7 @@
 #include "framework/exception.h"
 #include "plugin/class_names.h"
 #include "tests/fakes/plugin_fixture.h"
+#include "tests/fakes/watched_framework.h"
 
 using NQZMVTQ20::TVTQException;
 
@@ -71,6 +72,13 @@ TEST_F(SystemBoardTest, OtherExceptionsOfTheNamespacePassThrough) {
   EXPECT_THROW(TSysBrd(faulty, &provider).PopulateSysbrdProperties(), std::runtime_error);
 }
 
+TEST_F(SystemBoardTest, KeysNeedTheNamespaceAndNothingElseOfTheFramework) {
+  WatchedFramework watch(nameSpace);
+  const auto watched = watch.Class(kSystemBoardClass);
+  TSysBrd(watched, &provider).PopulateSysbrdProperties();
+  EXPECT_EQ(watch.operations, std::vector<std::string>{"QZMSG_SystemBoard GetNamespace"});
+}
+
 TEST_F(SystemBoardTest, AnotherClassNameYieldsNoInstance) {
   EXPECT_TRUE(Make<TSysBrd>(kSystemSlotClass).TPci::GetCIMInstances().empty());
   EXPECT_TRUE(Make<TSysBrd>(kSystemBoardClass).GetCIMInstances("QZMSG_systemboard").empty());
@@ -84,6 +92,13 @@ TEST_F(SystemBoardTest, FailingInstanceIsLoggedWithTheReasonAndLeftOut) {
             (std::vector<std::string>{"Logical System Board info encountered an error"
                                       "\t\t\t\t\t\t\t\t\t"
                                       "generating CIM instances. Error Code: refused"}));
+}
+
+TEST_F(SystemBoardTest, OtherExceptionsOfAnInstancePassThrough) {
+  const auto faulty = std::make_shared<FaultyClass>(Class(kSystemBoardClass));
+  faulty->onCreate = [](int) { throw std::runtime_error("broken"); };
+  EXPECT_THROW(TSysBrd(faulty, &provider).TPci::GetCIMInstances(), std::runtime_error);
+  EXPECT_TRUE(Fake().LogOf(2).empty());
 }
 
 TEST_F(SystemBoardTest, OneArgumentConstructorLogsNothing) {

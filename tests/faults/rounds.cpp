@@ -142,4 +142,9 @@ std::vector<std::string> Strike::News() const {
   return NewsIn(now[index], expected[index]);
 }
 
+std::vector<std::string> Strike::Gone() const {
+  const std::size_t index = IndexOf(className);
+  return NewsIn({"", {}, expected[index].log, ""}, {"", {}, now[index].log, ""});
+}
+
 unsigned RunRounds(const Round& round, const Judge& judge) { return Rounds(round, judge).Run(); }

@@ -20,6 +20,8 @@ struct Strike {
   /// What became of the class's own answer, and what its log says of it.
   std::vector<Change> OwnChanges() const;
   std::vector<std::string> News() const;
+  /// What its log does not say any more.
+  std::vector<std::string> Gone() const;
 };
 
 /// Says what is wrong about the outcome of a strike; empty when nothing is.

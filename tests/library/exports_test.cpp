@@ -25,17 +25,21 @@ std::vector<std::string> LinesOf(const std::string& command) {
   return lines;
 }
 
-// A demangled symbol without arguments, return type and the long names of library types.
-std::string ShortName(std::string symbol) {
+// A demangled symbol with short names of library types, so that overloads can be told apart at a
+// glance. The full names depend on the standard library, and blanks in them on the demangler.
+std::string ReadableName(std::string symbol) {
   const std::vector<std::pair<std::regex, std::string>> rules{
-      {std::regex(R"(std::__cxx11::basic_string<char, std::char_traits<char>, )"
-                  R"(std::allocator<char> ?>)"),
-       "std::string"},
+      {std::regex(" >"), ">"},
       {std::regex(R"(\[abi:cxx11\])"), ""},
-      {std::regex(R"(\(.*)"), ""},
-      {std::regex(R"(^.* (\w+<))"), "$1"},
-      {std::regex(R"(InsertProperty<std::map<std::string, NQZMVTQ20::TCIMValue.*)"),
-       "InsertProperty<TPropertyMap>"},
+      {std::regex(R"(std::__cxx11::basic_string<char, std::char_traits<char>, )"
+                  R"(std::allocator<char>>)"),
+       "std::string"},
+      {std::regex(R"(std::map<std::string, NQZMVTQ20::TCIMValue, std::less<std::string>, )"
+                  R"(std::allocator<std::pair<std::string const, NQZMVTQ20::TCIMValue>>>)"),
+       "TPropertyMap"},
+      {std::regex(R"(std::vector<(.+?), std::allocator<\1>>)"), "std::vector<$1>"},
+      {std::regex(R"(__gnu_cxx::__normal_iterator<(\w+)\*, std::vector<\1>>)"),
+       "std::vector<$1>::iterator"},
   };
   for (const auto& [pattern, text] : rules) symbol = std::regex_replace(symbol, pattern, text);
   return symbol;
@@ -45,7 +49,7 @@ std::set<std::string> ExportedSymbols() {
   std::set<std::string> symbols;
   for (const std::string& line : LinesOf("nm -DC --defined-only " PLUGIN_FILE)) {
     constexpr std::size_t kAddressAndKind = 19;
-    symbols.insert(ShortName(line.substr(kAddressAndKind)));
+    symbols.insert(ReadableName(line.substr(kAddressAndKind)));
   }
   return symbols;
 }

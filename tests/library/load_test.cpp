@@ -1,6 +1,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 
@@ -11,10 +12,12 @@
 #include "framework/plugin_callbacks.h"
 #include "framework/plugin_manager_namespace.h"
 #include "host/schema/pci_schema.h"
+#include "pci/records.h"
 #include "runtime/logger.h"
 #include "runtime/plugin_manager.h"
 #include "runtime/repository.h"
 #include "runtime/root.h"
+#include "tests/fakes/host_locale.h"
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ILogger;
@@ -53,7 +56,19 @@ class RudePluginManager final : public TPluginManagerNamespace {
   }
 };
 
-// Asks a plug-in for data as soon as it registers, while its library is still being loaded.
+using SlotTable = std::vector<SlotLocation>;
+
+// The plug-in's table of slots; valid as long as the plug-in is loaded, or being loaded.
+SlotTable* TableOfSlots() {
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_NOLOAD);
+  EXPECT_NE(library, nullptr) << dlerror();
+  auto* table = static_cast<SlotTable*>(dlsym(library, "slotLocationVect"));
+  dlclose(library);
+  return table;
+}
+
+// Asks a plug-in for data as soon as it registers, while its library is still being loaded, and
+// notes a slot more than the machine has.
 class EagerPluginManager final : public TPluginManagerNamespace {
  public:
   explicit EagerPluginManager(std::shared_ptr<vtq::Namespace> nameSpace)
@@ -68,6 +83,7 @@ class EagerPluginManager final : public TPluginManagerNamespace {
       classes.push_back(nameSpace_->Find(name));
     }
     queries.GetData(nameSpace_, classes);
+    TableOfSlots()->push_back({4711, 0, 0, 0, 0, 0, 0});
   }
   std::string GetName(const TQualifierMap&) const override { return "plugins"; }
   std::shared_ptr<ICIMClass> GetClass(const std::string&, const TQualifierMap&) override {
@@ -82,6 +98,12 @@ class EagerPluginManager final : public TPluginManagerNamespace {
 };
 
 using Log = std::vector<std::string>;
+
+constexpr const char* kInventory = "3 Entering TPciDevInfo::GetPciInfo routine";
+
+std::ptrdiff_t Count(const Log& log, const std::string& record) {
+  return std::count(log.begin(), log.end(), record);
+}
 
 Log Texts(const vtq::Class& held, const std::string& property) {
   Log texts;
@@ -209,6 +231,43 @@ TEST_F(LoadTest, RegistryThatAsksAtOnceGetsTheSameDataAndLog) {
   EXPECT_EQ(Texts(*atOnce->Find("QZMSG_PCIRawData"), "Command"),
             (Log{"lspci -xxxx", "lspci -vvv"}));
   plugin.DeInit();
+}
+
+TEST_F(LoadTest, WhatIsCollectedDuringTheRegistrationIsKept) {
+  const auto nameSpace = MakeNamespace();
+  const auto eager = std::make_shared<EagerPluginManager>(nameSpace);
+  Log log;
+  vtq::SetCoreLogger(LoggerInto(log));
+  vtq::SetPluginManager(eager);
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  ASSERT_NE(eager->registered, nullptr);
+  const SlotTable& slots = *TableOfSlots();
+  ASSERT_FALSE(slots.empty());
+  EXPECT_EQ(slots.back().tag, 4711);
+  EXPECT_EQ(Count(log, kInventory), 1);
+  std::vector<std::shared_ptr<ICIMClass>> classes{nameSpace->Find("QZMSG_PCIDevice")};
+  dynamic_cast<NQZMVTQ20::IPluginBasicQueryCallbacks&>(*eager->registered)
+      .GetData(nameSpace, classes);
+  EXPECT_EQ(Count(log, kInventory), 1) << "of the first request";
+  EXPECT_EQ(Count(log, "3 Entering GetSlotIDRetrievalType"), 1);
+  eager->registered->PrepareForUnload();
+  EXPECT_EQ(dlclose(library), 0);
+}
+
+TEST_F(LoadTest, HostThatGroupsDigitsBeforeTheFirstNumberIsReadChangesNothing) {
+  const GroupingLocale locale(',');
+  void* library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  auto* read = reinterpret_cast<unsigned (*)(std::string)>(
+      dlsym(library,
+            "_Z23ExtractDecimalDataToHexIjET_NSt7__cxx1112basic_stringIcSt11char_traitsIcE"
+            "SaIcEEE"));
+  ASSERT_NE(read, nullptr) << dlerror();
+  EXPECT_EQ(read("1,fff"), 1U);
+  EXPECT_EQ(read("0X1,fff"), 1U);
+  manager->Unload(*manager->GetPlugins()[0]);
+  EXPECT_EQ(dlclose(library), 0);
 }
 
 TEST_F(LoadTest, RegistersWhenItIsLoadedByHand) {

@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/pci/failing_allocation.h"
@@ -90,6 +92,22 @@ TEST_F(PciReadTest, ShortFileIsLoggedAndChangesNothing) {
 TEST_F(PciReadTest, DirectoryInPlaceOfTheFileCannotBeRead) {
   std::filesystem::create_directories(MachineTree::Real("/proc/bus/pci/03/1f.2"));
   EXPECT_EQ(Read(), 1U);
+  EXPECT_TRUE(IsUnchanged());
+  EXPECT_EQ(Fake().log, (Lines{kEntering, "2 Could not read PCI file /proc/bus/pci/03/1f.2"}));
+}
+
+TEST_F(PciReadTest, HeaderThatComesInTwoPartsIsNotRead) {
+  MachineTree::Write("/proc/bus/pci/03/1f.2", "");
+  MachineTree::Remove("/proc/bus/pci/03/1f.2");
+  ASSERT_EQ(mkfifo("/proc/bus/pci/03/1f.2", 0600), 0);
+  const int writer = open("/proc/bus/pci/03/1f.2", O_RDWR);
+  ASSERT_GE(writer, 0);
+  // A read takes what one write has put there and no more.
+  ASSERT_EQ(fcntl(writer, F_SETFL, O_DIRECT), 0);
+  const std::string part(32, 'x');
+  for (int i = 0; i < 2; ++i) ASSERT_EQ(write(writer, part.data(), part.size()), 32);
+  EXPECT_EQ(Read(), 1U);
+  close(writer);
   EXPECT_TRUE(IsUnchanged());
   EXPECT_EQ(Fake().log, (Lines{kEntering, "2 Could not read PCI file /proc/bus/pci/03/1f.2"}));
 }

@@ -7,6 +7,7 @@
 #include "plugin/class_names.h"
 #include "plugin/collector.h"
 #include "tests/fakes/failing_new.h"
+#include "tests/fakes/host_locale.h"
 #include "tests/fakes/plugin_fixture.h"
 #include "tests/fakes/slot_record.h"
 #include "tests/fakes/watched_framework.h"
@@ -228,9 +229,12 @@ TEST_F(EntryTest, EveryServedClassReachesACollector) {
   }
 }
 
-TEST_F(EntryTest, EveryServedClassIsCollectedByItsOwnCollector) {
+// A machine on which every class has an instance, with numbers of five digits. One function has
+// other identifiers in its header than in the device list.
+void BecomeSmallMachine() {
   SlotRecord slot;
   slot.bus = 3;
+  slot.slotId = 0xFFFE;
   Fake().smBios.structures = {slot.Bytes()};
   for (const char* command : {"lspci", "lspci -xxxx", "lspci -vvv"}) {
     Fake().commands[command] = [] { return std::string("a line\n"); };
@@ -239,9 +243,18 @@ TEST_F(EntryTest, EveryServedClassIsCollectedByItsOwnCollector) {
   bridge.baseClass = 0x06;
   FakeFunction card;
   card.bus = 3;
-  PutFunctions({bridge, card});
+  card.baseAddresses[0] = "  df200000";
+  card.sizes[0] = "0x10000";
+  FakeFunction other;
+  other.device = 1;
+  PutFunctions({bridge, card, other});
   MachineTree::Write("/sys/bus/pci/devices/0000:03:00.0/config", AsText(Header(card)));
+  other.vendorId = 0xFFFE;
+  MachineTree::Write("/proc/bus/pci/00/01.0", AsText(Header(other)));
+}
 
+TEST_F(EntryTest, EveryServedClassIsCollectedByItsOwnCollector) {
+  BecomeSmallMachine();
   const std::vector<std::pair<const char*, std::size_t>> expected{
       {kPciDeviceClass, 1},   {kPciBridgeClass, 1},    {kSystemSlotClass, 1},
       {kSystemBoardClass, 1}, {kDeviceInSlotClass, 1}, {kOnBoardDeviceClass, 1},
@@ -249,6 +262,48 @@ TEST_F(EntryTest, EveryServedClassIsCollectedByItsOwnCollector) {
   for (const auto& [name, count] : expected) {
     Query({Class(name)});
     EXPECT_EQ(Instances(name).size(), count) << name;
+  }
+}
+
+// The log and the values of all instances, on a plug-in and a framework that know nothing yet.
+class FreshPlugin : public EntryTest {
+ public:
+  void TestBody() override {}
+
+  void CollectAll() {
+    BecomeSmallMachine();
+    for (const char* name : {kPciDeviceClass, kPciBridgeClass, kSystemSlotClass, kSystemBoardClass,
+                             kDeviceInSlotClass, kOnBoardDeviceClass, kPciRawDataClass}) {
+      Query({Class(name)});
+      for (const auto& instance : Instances(name)) {
+        paths.push_back(instance->GetPath());
+        const std::size_t count = Class(name)->GetSchema().properties.size();
+        for (std::size_t i = 0; i < count; ++i) values.push_back(instance->GetValue(i));
+      }
+    }
+    log = Fake().log;
+  }
+
+  Lines log;
+  Lines paths;
+  NQZMVTQ20::TCIMValue::TArray values;
+};
+
+TEST(EntryLocaleTest, DigitGroupingOfTheHostChangesNothing) {
+  FreshPlugin plain;
+  plain.CollectAll();
+  EXPECT_EQ(plain.paths.size(), 8U);
+  EXPECT_EQ(std::count(plain.log.begin(), plain.log.end(),
+                       "2 Configuration vendor id 65534 and devices file vendor id 32902 did not "
+                       "match."),
+            1);
+  for (const char separator : {',', '.'}) {
+    const GroupingLocale locale(separator);
+    FreshPlugin grouped;
+    grouped.CollectAll();
+    EXPECT_EQ(grouped.log, plain.log) << separator;
+    EXPECT_EQ(grouped.paths, plain.paths) << separator;
+    EXPECT_EQ(grouped.values, plain.values) << separator;
   }
 }
 

@@ -278,6 +278,16 @@ TEST_F(WatchedAssociationTest, PropertyThatCannotBeReadEndsTheAssociation) {
   EXPECT_EQ(Fake().log, LogOfFailure("gone"));
 }
 
+TEST_F(WatchedAssociationTest, SlotNumberIsReadAlsoWhereThePositionCounts) {
+  for (const unsigned type : {0U, 2U}) {
+    processState.slotIDRetrievalType = type;
+    Fake().log.clear();
+    FailAt("QZMSG_SystemSlot GetProperty Number");
+    EXPECT_EQ(CountAssociations(), 0U) << type;
+    EXPECT_EQ(Fake().log, LogOfFailure("gone")) << type;
+  }
+}
+
 TEST_F(WatchedAssociationTest, FirmwareThatCannotBeReadEndsTheAssociation) {
   int asked = 0;
   Fake().onGetBiosId = [&] {
