@@ -10,7 +10,7 @@
 namespace pciinfo {
 namespace {
 
-/// Hands the parts of a machine on to a writer, and keeps the manifest.
+/// Passes the parts of a machine to a writer and completes the manifest.
 class Recorder final : public CaptureReceiver {
  public:
   Recorder(CaptureWriter& writer, WorkWatch& watch, Manifest manifest, bool redact)
@@ -36,13 +36,14 @@ class Recorder final : public CaptureReceiver {
     news_.push_back({path, reason});
   }
 
-  /// To be called last: only then all is known that the manifest says.
+  /// Call this last: the manifest lists the parts that could not be read.
   void AddManifest() {
     const auto lock = watch_.Hold();
     writer_.Write({kManifestFile, ManifestJson(manifest_), ""});
   }
 
-  /// What this run could not read.
+  /// The parts that this run could not read. A capture of a capture keeps the older ones in the
+  /// manifest only.
   const std::vector<UnreadPart>& GetNews() const noexcept { return news_; }
 
  private:
@@ -54,7 +55,7 @@ class Recorder final : public CaptureReceiver {
   std::vector<UnreadPart> news_;
 };
 
-// Under the watch already: no moment in which a signal leaves something behind.
+// Locks the watch, so that a signal at any moment removes the unfinished capture.
 void OpenTarget(WorkWatch& watch, std::optional<CaptureTarget>& target, const std::string& file) {
   const auto lock = watch.Hold();
   target.emplace(file);

@@ -8,16 +8,16 @@
 
 namespace pciinfo {
 
-/// What to capture.
+/// What `pciinfo capture` was asked to do.
 struct CaptureOrder {
   std::string file;  ///< see CaptureTarget
   bool redact = false;
-  /// Of the capture that the machine is served from; none for the real machine.
+  /// The manifest of the capture that --root shows; empty for the real machine.
   std::optional<Manifest> origin;
 };
 
-/// Makes a capture. What cannot be read is told on standard error and listed in the manifest.
-/// Throws UsageError, ClosedPipe and std::exception when there is no capture in the end.
+/// Makes a capture. Parts that cannot be read are reported on standard error and listed in the
+/// manifest. Throws UsageError, ClosedPipe or another std::exception when no capture was made.
 ExitStatus Capture(const CaptureOrder& order);
 
 }  // namespace pciinfo

@@ -10,25 +10,25 @@ namespace pciinfo {
 
 enum class TargetKind { kStandardOutput, kArchive, kDirectory };
 
-/// How a capture of that name is kept.
+/// The form in which a capture is stored.
 struct TargetForm {
   TargetKind kind = TargetKind::kDirectory;
   Compression compression = Compression::kNone;
 };
 
-/// The form that a name asks for: "-" is standard output, an uncompressed archive; ".tar",
-/// ".tar.gz", ".tgz" and ".tar.zst" at its end are archives; all else is a directory. Throws
-/// UsageError for archives of other kinds.
+/// Returns the form for a name: "-" is an uncompressed archive to standard output; names that end
+/// in ".tar", ".tar.gz", ".tgz" and ".tar.zst" are archives; all others are directories. Throws
+/// UsageError for names of other kinds of archives.
 TargetForm FormOf(const std::string& name);
 
-/// The place of a new capture. Until it is committed, all is written beside it under a temporary
-/// name; a target that was not committed leaves nothing behind. Only its owner may read a capture:
-/// it shows what the kernel shows to root only.
+/// The destination of a new capture. Until Commit, everything is written next to it under a
+/// temporary name; the destructor removes a capture that was not committed. Only its owner may read
+/// a capture, because it holds data that the kernel shows to root only.
 class CaptureTarget final {
  public:
-  /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a place that is
-  /// taken by something else than an old capture (a directory must be empty, an archive's name must
-  /// stand for a file); std::system_error when nothing can be written there.
+  /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a name that exists
+  /// and is neither an empty directory (for a directory) nor a regular file (for an archive);
+  /// std::system_error when it cannot be written.
   explicit CaptureTarget(const std::string& name);
   CaptureTarget(const CaptureTarget&) = delete;
   CaptureTarget& operator=(const CaptureTarget&) = delete;
@@ -39,8 +39,7 @@ class CaptureTarget final {
   /// Finishes the writer and gives the capture its name. Throws like the writer.
   void Commit();
 
-  /// Removes what was written. To be called at most once, and by nobody else than the destructor
-  /// after it.
+  /// Removes what was written. After it, only the destructor may be called.
   void Abandon() noexcept;
 
  private:
@@ -49,7 +48,7 @@ class CaptureTarget final {
   void MakeTemporaryDirectory();
 
   std::string name_;
-  std::string temporary_;  ///< empty when there is none (any more)
+  std::string temporary_;  ///< empty when there is no temporary file (any more)
   vtq::FileDescriptor file_;
   std::unique_ptr<CaptureWriter> writer_;
 };

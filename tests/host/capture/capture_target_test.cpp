@@ -118,9 +118,9 @@ TEST_F(CaptureTargetTest, WhatIsThereAndNoCaptureIsNotTouched) {
   ASSERT_EQ(mkfifo(Path("pipe.tar").c_str(), 0600), 0);
   EXPECT_THAT(Refusal("full"), HasSubstr("is not empty"));
   EXPECT_THAT(Refusal("full/"), HasSubstr("is not empty"));
-  EXPECT_THAT(Refusal("folder.tar"), HasSubstr("is no file"));
-  EXPECT_THAT(Refusal("pipe.tar"), HasSubstr("is no file"));
-  EXPECT_THAT(Refusal("file"), HasSubstr("is no directory"));
+  EXPECT_THAT(Refusal("folder.tar"), HasSubstr("is not a regular file"));
+  EXPECT_THAT(Refusal("pipe.tar"), HasSubstr("is not a regular file"));
+  EXPECT_THAT(Refusal("file"), HasSubstr("is not a directory"));
   EXPECT_THAT(Refusal("b.tar.xz"), HasSubstr(".tar.zst"));
   EXPECT_EQ(Names().size(), 4U);
 }

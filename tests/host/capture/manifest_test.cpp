@@ -64,13 +64,13 @@ TEST(Manifest, OnlyTheVersionIsNeeded) {
 
 TEST(Manifest, AnotherVersionIsRefused) {
   EXPECT_EQ(FailureOf(R"({"formatVersion": 2})"),
-            "it is of format version 2, and this program knows version 1");
+            "its format version is 2, but this program reads only version 1");
 }
 
 TEST(Manifest, AVersionIsAWholeNumber) {
   for (const char* version : {"true", "1.0", "1.5", "1e30", "null", "[1]"}) {
     EXPECT_THAT(FailureOf(std::string(R"({"formatVersion": )") + version + "}"),
-                HasSubstr("its formatVersion is no whole number"))
+                HasSubstr("its formatVersion is not an integer"))
         << version;
   }
   EXPECT_THAT(FailureOf(R"({"formatVersion": 4294967297})"), HasSubstr("version 4294967297"));
