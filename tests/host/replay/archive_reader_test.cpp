@@ -131,7 +131,7 @@ TEST_F(ArchiveReaderTest, WhatIsNoArchiveIsRefused) {
   EXPECT_THAT(FailureOf(directory_.Write("text", std::string(5000, 'x'))),
               HasSubstr("Unrecognized archive format"));
   EXPECT_NE(FailureOf(directory_.Write("zip", "PK\x03\x04" + std::string(5000, '\0'))), "none");
-  EXPECT_THAT(FailureOf("/"), HasSubstr("this machine itself"));
+  EXPECT_THAT(FailureOf("/"), HasSubstr("root directory of this machine"));
 }
 
 TEST_F(ArchiveReaderTest, ADamagedArchiveIsRefused) {

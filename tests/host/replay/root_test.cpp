@@ -185,8 +185,8 @@ TEST_F(Root, AHostileArchiveIsOneLine) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(LinesOf(result.err),
-                ElementsAre(testing::StartsWith("pciinfo: the capture " + Path("capture.tar.gz") +
-                                                " cannot be used: ")));
+                ElementsAre(testing::StartsWith("pciinfo: cannot use the capture " +
+                                                Path("capture.tar.gz") + ": ")));
   }
 }
 
@@ -230,7 +230,7 @@ TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
 
 TEST_F(Root, SaysWhatIsWrongWithAName) {
   EXPECT_THAT(RunPciinfo({"--root", Path("nothing")}).err, HasSubstr("No such file or directory"));
-  EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("this machine itself"));
+  EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("root directory of this machine"));
   EXPECT_EQ(RunPciinfo({"--root", ""}).status, 2);
   EXPECT_EQ(RunPciinfo({"--live-commands"}).status, 2);
 }
