@@ -34,7 +34,7 @@ constexpr const char* kPluginFile = "libpciinfo.pi.so";
 void LoadPlugins(Session& session, const std::vector<std::string>& files) {
   if (files.empty()) {
     session.Load(FirstExisting(LibraryPlaces(ProgramFolder(), kPluginFile),
-                               "install the plug-in, or name one with --plugin"));
+                               "install the plug-in or name one with --plugin"));
   }
   for (const std::string& file : files) session.Load(file);
 }
@@ -59,7 +59,8 @@ ExitStatus Print(const std::function<void(Output& output)>& print) {
   }
 }
 
-/// Tells what the user has not seen: of the lines of the report all but the first `seen`.
+/// Writes the violations as warnings and the lines of the report, except the first `seen`, which
+/// the user has seen.
 void Tell(const TroubleReport& report, std::size_t seen,
           const std::vector<std::string>& violations) {
   for (const std::string& violation : violations) WriteMessage("warning: " + violation);
@@ -91,7 +92,7 @@ ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus prin
   return job.answer ? job.answer() : kAllCollected;
 }
 
-/// What a run writes besides its result.
+/// Where a run writes, besides its result.
 struct Channels {
   LogSettings log;
   ProgressLine& progress;
@@ -122,7 +123,7 @@ void MakeAbsolute(std::string& file) {
   if (!file.empty() && file != "-") file = std::filesystem::absolute(file);
 }
 
-/// What follows runs in another directory; the files that the user named stay the same ones.
+/// With --root the working directory changes before these files are opened.
 void MakeFilesAbsolute(Options& options) {
   for (std::string& plugin : options.plugins) MakeAbsolute(plugin);
   MakeAbsolute(options.logFile);
@@ -146,7 +147,7 @@ ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& 
     });
   }
   if (options.command == Command::kDiff) return RunDiff(options, LimitsOf(options), &RunCommand);
-  const Job job = MakeJob(options, terminal);  // reads files of the machine that it runs on
+  const Job job = MakeJob(options, terminal);  // reads class files, so before --root
   MakeFilesAbsolute(options);
   ProgressLine progress(!options.logLevel);
   std::optional<Manifest> origin;
@@ -161,7 +162,7 @@ ExitStatus RunOn(const Terminal& terminal, Options options, const LateMessages& 
     });
   }
   progress.Tell("loading the plug-ins");
-  // A run that is repeated for a stage that failed goes on with the same log.
+  // Opened before the stages, so that a repeated stage appends to the same log.
   const Channels channels{OpenLog(options), progress, messages};
   const ExitStatus status =
       RunInStages(LimitsOf(options), {"loading the plug-ins"},

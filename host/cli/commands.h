@@ -5,8 +5,8 @@
 
 namespace pciinfo {
 
-/// Does what the options ask for: result to standard output, messages to standard error. Throws
-/// UsageError, and std::exception for what keeps it from collecting anything.
+/// Runs the command: writes the result to standard output and messages to standard error. Throws
+/// UsageError, or another std::exception when nothing could be collected.
 ExitStatus RunCommand(Options options);
 
 }  // namespace pciinfo

@@ -7,13 +7,13 @@
 
 namespace pciinfo {
 
-// What `diff` answers, as programs of its kind do.
+// Exit statuses of `diff`, the same as those of diff(1).
 inline constexpr ExitStatus kSidesEqual = kAllCollected;
 inline constexpr ExitStatus kSidesDiffer = kFailed;
 inline constexpr ExitStatus kDiffTrouble = kWrongUsage;
 
-/// Compares the two sides that the options name and prints what differs. Machines are collected by
-/// `run`. Returns in every process that it makes, like RunInStages.
+/// Compares the two sides that the options name and prints the differences. `run` collects
+/// machines. Returns in every process that it creates, like RunInStages.
 ExitStatus RunDiff(const Options& options, const Limits& limits, const CommandRunner& run);
 
 }  // namespace pciinfo

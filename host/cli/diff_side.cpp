@@ -25,7 +25,7 @@ constexpr const char* kStandardInput = "-";
 }
 
 [[noreturn]] void FailForErrno(const std::string& name, const char* what) {
-  Fail(name, fmt::format("{}: {}", what, std::strerror(errno)));
+  throw std::runtime_error(fmt::format("{} {}: {}", what, name, std::strerror(errno)));
 }
 
 std::uint64_t MostBytes(const Options& options) { return options.memoryLimit << 20U; }
@@ -35,7 +35,7 @@ bool IsDirectory(int descriptor) {
   return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// No archive begins with a brace, all JSON of instances does.
+/// JSON of instances begins with a brace; no archive does.
 bool BeginsLikeJson(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t\r\n");
   return first != std::string_view::npos && text[first] == '{';
@@ -45,37 +45,37 @@ void ReadRest(const std::string& name, int descriptor, std::uint64_t most, std::
   while (true) {
     const ssize_t count = AppendBytes(descriptor, text);
     if (count == 0) return;
-    if (count < 0) FailForErrno(name, "it cannot be read");
-    if (most != 0 && text.size() > most) Fail(name, "it is larger than --memory-limit");
+    if (count < 0) FailForErrno(name, "cannot read");
+    if (most != 0 && text.size() > most) Fail(name, "larger than --memory-limit");
   }
 }
 
-/// The text of a file of JSON; empty for captures.
+/// Returns the content of a JSON file; empty for a capture.
 std::string ReadJson(const std::string& name, const Options& options) {
   const vtq::FileDescriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.IsOpen()) FailForErrno(name, "it cannot be opened");
+  if (!file.IsOpen()) FailForErrno(name, "cannot open");
   std::string text;
   if (IsDirectory(file.Get())) return text;
-  if (AppendBytes(file.Get(), text) < 0) FailForErrno(name, "it cannot be read");
+  if (AppendBytes(file.Get(), text) < 0) FailForErrno(name, "cannot read");
   if (!BeginsLikeJson(text)) return "";
   ReadRest(name, file.Get(), MostBytes(options), text);
   return text;
 }
 
-/// Puts what was read of standard input back for the reader of archives.
+/// Makes standard input readable again from its beginning, for the reader of archives.
 void GiveBack(const std::string& text) {
   const vtq::FileDescriptor memory(memfd_create("standard input", MFD_CLOEXEC));
   const bool isThere = memory.IsOpen() && WriteAll(memory.Get(), text) == 0 &&
                        lseek(memory.Get(), 0, SEEK_SET) == 0 &&
                        dup2(memory.Get(), STDIN_FILENO) == STDIN_FILENO;
-  if (!isThere) FailForErrno(kStandardInput, "standard input cannot be kept");
+  if (!isThere) FailForErrno("standard input", "cannot buffer");
 }
 
-/// The JSON of standard input; empty for an archive, which can be read again then.
+/// Returns the JSON from standard input; empty for an archive, which can then be read again.
 std::string ReadJsonFromInput(const Options& options) {
   std::string text;
   ReadRest(kStandardInput, STDIN_FILENO, MostBytes(options), text);
-  if (text.empty()) Fail(kStandardInput, "there is nothing in standard input");
+  if (text.empty()) Fail(kStandardInput, "standard input is empty");
   if (BeginsLikeJson(text)) return text;
   GiveBack(text);
   return "";
@@ -85,8 +85,8 @@ DiffSide Collect(const std::string& name, Options options, const CommandRunner& 
   options.command = Command::kInstances;
   options.format = "json";
   const RelayedResult result = RunRelayed(name, MostBytes(options), [&] { return run(options); });
-  if (result.isTooLarge) Fail(name, "its inventory is larger than --memory-limit");
-  if (result.output.empty()) Fail(name, "it could not be collected");
+  if (result.isTooLarge) Fail(name, "the inventory is larger than --memory-limit");
+  if (result.output.empty()) Fail(name, "could not be collected");
   const bool isWhole = result.hasExited && result.status == kAllCollected;
   return {name, result.output, true, !isWhole};
 }

@@ -10,21 +10,21 @@ namespace pciinfo {
 
 /// One side of a comparison as JSON of instances.
 struct DiffSide {
-  std::string name;  ///< as the user gave it
+  std::string name;  ///< as on the command line
   std::string json;
-  /// It was collected just now: a class without instances has none. JSON that somebody kept may
+  /// Whether this run collected it: then a missing class has no instances. A saved JSON file may
   /// leave classes out.
   bool isCollected = false;
-  bool hasTroubles = false;  ///< something of it could not be collected
+  bool hasTroubles = false;  ///< whether something could not be collected
 };
 
-/// Runs a command as the program would.
+/// Runs a command like the program does.
 using CommandRunner = std::function<ExitStatus(Options options)>;
 
-/// Reads the side that a user named: "live" for this machine, a file of JSON, or a capture; "-" for
-/// either of the last two from standard input. Machines are collected by `run` in a process of its
-/// own, whose messages are passed on with the side's name. Options besides the root are those of
-/// `options`. Throws std::runtime_error, naming the side, when it cannot be read at all.
+/// Reads a side: "live" for this machine, a JSON file, or a capture; "-" for either of the last two
+/// from standard input. A machine is collected by `run` in a separate process; its messages are
+/// passed on with the side's name. Uses `options`, apart from the root. Throws std::runtime_error,
+/// naming the side, when it cannot be read.
 DiffSide ReadDiffSide(const std::string& name, const Options& options, const CommandRunner& run);
 
 }  // namespace pciinfo
