@@ -8,7 +8,7 @@
 
 namespace vtq {
 
-/// Owns one open file descriptor, or none (-1), and closes it at its end.
+/// Owns one open file descriptor, or none (-1), and closes it in its destructor.
 class FileDescriptor final {
  public:
   FileDescriptor() noexcept = default;
@@ -32,8 +32,8 @@ class FileDescriptor final {
   int descriptor_ = -1;
 };
 
-/// Reads once, again where a signal interrupts it, and appends what came to `text`. Returns the
-/// number of bytes, 0 at the end, -1 on an error (errno says which).
+/// Calls read() once, or again if a signal interrupts it, and appends the bytes to `text`. Returns
+/// their number, 0 at the end, -1 on an error (errno says which).
 ssize_t AppendFrom(int descriptor, std::string& text);
 
 }  // namespace vtq

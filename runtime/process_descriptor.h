@@ -8,8 +8,8 @@
 
 namespace vtq {
 
-/// A descriptor of a process, which is readable once that has ended; none on an error (errno says
-/// which). As a system call: the C library's header for it is not made for C++.
+/// Returns a pidfd, which becomes readable when the process ends; none on an error (errno says
+/// which). Uses the system call, because the C library's header for it does not work in C++.
 inline FileDescriptor OpenProcess(pid_t process) noexcept {
   return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
 }

@@ -137,7 +137,7 @@ TEST_F(SmBiosAccessTest, AMachineWithoutTablesHasNone) {
   EXPECT_EQ(Load(), TVTQStatusCode::kNotFound);
   EXPECT_EQ(handle_, nullptr);
   ASSERT_EQ(observed.Get().size(), 1U);
-  EXPECT_EQ(observed.Get()[0], "the SMBIOS tables cannot be used: the file " +
+  EXPECT_EQ(observed.Get()[0], "cannot use the SMBIOS tables: the file " +
                                    directory_.GetPath() +
                                    "/smbios_entry_point cannot be read: No such file or directory");
 }
