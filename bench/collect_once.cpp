@@ -1,7 +1,7 @@
 // bench_collect CLASS...: what `pciinfo instances CLASS... --format json` does, in one process.
 //
-// The program works in a process of its own and watches it by means that valgrind 3.19
-// does not know. The work that grows with the machine is the same.
+// The program works in a separate process and watches it with system calls that valgrind 3.19 does
+// not support. The work that grows with the machine is the same.
 
 #include <unistd.h>
 
@@ -29,7 +29,7 @@ using namespace pciinfo;
   WriteInstances(session.GetRepository(), plan.print, *MakeInstanceWriter("json", output));
   output.Flush();
   session.EndPlugins();
-  _exit(0);  // as the program ends, which does not take apart what it holds
+  _exit(0);  // like the program, which exits without freeing its memory
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// bench_run: measures pciinfo beside the tools that people know, and writes the results down.
+// bench_run: measures pciinfo and other tools, and writes the results to docs/.
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -34,7 +34,7 @@ struct Settings {
   std::string docs;  ///< empty: to standard output only
 };
 
-// Fewer rounds where each takes long, more where a moment of the machine's own weighs much.
+// Fewer rounds if each takes long, more rounds if a short disturbance would change the result.
 unsigned RoundsFor(unsigned functions, unsigned rounds) {
   if (functions > 4096) return (rounds + 2) / 3;
   return rounds * std::clamp(4096 / std::max(functions, 1U), 1U, 16U);
@@ -50,7 +50,7 @@ Plan PlanFor(unsigned functions, const Settings& settings) {
   return plan;
 }
 
-// A process serves one machine only.
+// A separate process, because a process can move into only one machine.
 Measures MeasureInProcess(const Plan& plan, const Programs& programs) {
   const std::string file = fmt::format("/dev/shm/pciinfo-bench-results-{}", getpid());
   // Open before the process changes its view of the file system.
@@ -93,7 +93,7 @@ std::string VersionOf(const std::string& command) {
   return std::string(line, std::string_view(line).find_last_not_of('\n') + 1);
 }
 
-// Without what whoever built the kernel has put behind its number.
+// Returns the version number of a kernel release, without the suffix of the distribution.
 std::string Version(const std::string& release) { return release.substr(0, release.find('-')); }
 
 std::string Circumstances() {
