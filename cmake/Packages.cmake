@@ -1,4 +1,4 @@
-# Debian packages: cpack -G DEB. Configure with -DCMAKE_INSTALL_PREFIX=/usr, where they install to.
+# Debian packages: cpack -G DEB. Configure with -DCMAKE_INSTALL_PREFIX=/usr.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The pciinfo authors <pciinfo@example.org>")
 set(CPACK_PACKAGE_VENDOR "The pciinfo authors")
@@ -15,13 +15,13 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/finish.cmake)
 
-# The packages go together: the plug-in's and the libraries' C++ interface has no lesser bond.
+# The packages require each other in the same version, because they share a C++ interface.
 set(same "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(framework "a hardware data-collection framework")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvtq${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-# Versions of the libraries that programs need, for their packages.
+# The shlibs files: which package provides each library.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
   ${PROJECT_SOURCE_DIR}/packaging/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "libraries of ${framework}

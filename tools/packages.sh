@@ -1,23 +1,23 @@
-# Functions that the scripts at the top share; to be sourced.
+# Functions for the scripts in the top directory; source this file.
 
 fail() {
   echo "$(basename "$0"): $*" >&2
   exit 1
 }
 
-# What the program is built from and needs at run time.
+# Packages that the program needs to be built and to run.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
   libxml2-dev libyaml-cpp-dev pciutils)
-# What the tests need beside these.
+# Additional packages for the tests.
 test_packages=(libgtest-dev libgmock-dev procps binutils valgrind dmidecode qemu-system-x86
   busybox-static cpio python3-jsonschema man-db groff mandoc zsh fish)
-# What packing, and checking the packages, needs beside these.
+# Additional packages to make and check the Debian packages.
 package_packages=(dpkg-dev file lintian mmdebstrap)
-# What the fuzzers need beside the first.
+# Packages that the fuzzers need besides the first list.
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
-# What measuring needs beside those that the program is built from.
+# Packages that the measurements need besides the first list.
 bench_packages=(libbenchmark-dev valgrind lshw hwinfo)
-# What the whole round of checks needs beside these.
+# Additional packages for the full checks (.ci/run).
 ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev llvm-14 cppcheck python3)
 
 # Installs those of the given Debian packages that are missing.
@@ -50,7 +50,7 @@ require_packages() {
   rm -f "$log"
 }
 
-# quietly TEXT COMMAND...: says what it does, shows the command's output only when it fails.
+# quietly TEXT COMMAND...: prints TEXT, runs the command, and shows its output only if it fails.
 quietly() {
   local text=$1 log
   shift
