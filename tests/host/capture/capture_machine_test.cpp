@@ -17,7 +17,7 @@ using testing::Contains;
 using testing::Key;
 using testing::StartsWith;
 
-/// Keeps what it is handed.
+/// Stores the parts that it receives.
 class Keeper : public CaptureReceiver {
  public:
   void Begin(const std::string& what) override { steps.push_back(what); }

@@ -44,7 +44,7 @@ class CaptureTargetTest : public testing::Test {
  protected:
   std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
 
-  /// The names of what stands in the test's directory.
+  /// The names of the entries in the test's directory.
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {

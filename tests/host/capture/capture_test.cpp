@@ -1,4 +1,4 @@
-// Captures of this machine, made and shown by the program.
+// The program captures this machine and shows the capture.
 
 #include "host/capture/capture.h"
 
@@ -115,7 +115,7 @@ TEST_F(CaptureTest, AFailureLeavesNothing) {
 
 TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
   for (const std::string name : {"box.tar", "box"}) {
-    // A tool that goes on until nobody reads it any more.
+    // A tool that prints until the reader closes the pipe.
     const std::string tool = directory_.WriteScript("slow-tool",
                                                     "[ \"$1\" != --version ] || exit\n"
                                                     "while sleep 0.1; do echo x; done");
@@ -153,7 +153,7 @@ TEST_F(CaptureTest, AMachineWithoutPciIsNoFailure) {
   EXPECT_FALSE(fs::exists(Path("box/commands")));
 }
 
-/// A machine with two slots, one function and serial numbers wherever there may be some.
+/// A machine with two slots, one function, and serial numbers in every field that can have one.
 std::vector<MadeEntry> TellingMachine() {
   vtq::SmBiosBytes board(11);
   board[7 - 4] = 1;

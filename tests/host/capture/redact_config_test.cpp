@@ -19,7 +19,7 @@ std::string ConfigSpace(char serialByte) {
   return bytes;
 }
 
-/// As "lspci -xxxx" prints a function.
+/// Formats bytes like "lspci -xxxx" prints a function.
 std::string HexListing(const std::string& title, const std::string& bytes) {
   std::string text = title + "\n";
   for (std::size_t offset = 0; offset < bytes.size(); ++offset) {

@@ -15,7 +15,7 @@ using vtq::SmBiosBytes;
 
 std::string Text(const SmBiosBytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
-/// The table after its redaction, with an entry point that fits it.
+/// Returns the redacted table; makes a matching entry point for it.
 std::string Redacted(const SmBiosBytes& table) {
   std::string text = Text(table);
   RedactSmBios(Text(MakeVersion3Entry(3, 2, table.size())), text);
@@ -42,7 +42,7 @@ TEST_P(RedactedString, IsBlankedAndNothingElse) {
   const auto [type, length, offset] = GetParam();
   EXPECT_EQ(Redacted(WithSecondStringAt(type, length, {offset}, "SN-12 34")),
             Text(WithSecondStringAt(type, length, {offset}, "XXXXXXXX")));
-  // The field of a structure of an earlier version, which does not have it.
+  // A structure of an earlier version that lacks the field.
   EXPECT_EQ(Redacted(WithSecondStringAt(type, offset, {}, "SN-12 34")),
             Text(WithSecondStringAt(type, offset, {}, "SN-12 34")));
 }

@@ -17,7 +17,7 @@ std::string VendorStructure(char byte, const std::string& text) {
   return std::string("\xC8\x05\x34\x12", 4) + byte + text + std::string(2, '\0');
 }
 
-/// A configuration space that is a serial number at 100 and nothing else.
+/// A configuration space with only a serial number, at 100.
 std::string ConfigSpace() {
   std::string bytes(0x110, '\x55');
   bytes.replace(0x100, 4, std::string("\x03\0\x01\0", 4));

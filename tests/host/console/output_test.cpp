@@ -33,7 +33,7 @@ TEST(Output, TextsOfAllSizesArriveInOrder) {
     expected += text;
     output.Get().Write(text);
   }
-  EXPECT_TRUE(output.Text() == expected);  // not EXPECT_EQ, which would show all of it
+  EXPECT_TRUE(output.Text() == expected);  // not EXPECT_EQ, which would print both long texts
 }
 
 TEST(Output, NothingIsWrittenBeforeTheFlushOfAShortText) {

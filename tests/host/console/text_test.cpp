@@ -27,7 +27,7 @@ TEST(Text, DisplayWidthCountsColumnsNotBytes) {
   EXPECT_EQ(DisplayWidth("\xe6\x97\xa5\xe6\x9c\xac"), 4U);  // two wide characters
 }
 
-// Texts of plain characters only are not looked at one by one; one other character makes them so.
+// Plain texts take a fast path; one other character makes the text take the slow one.
 TEST(Text, EveryByteIsTheSameInPlainTexts) {
   const std::string other = "gr\xc3\xbcn";
   for (int byte = 0; byte < 0x80; ++byte) {

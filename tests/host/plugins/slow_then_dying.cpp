@@ -1,4 +1,4 @@
-// A plug-in that takes its time for the first class and dies of two others.
+// A plug-in that is slow for the first class and crashes for two others.
 #include <chrono>
 #include <cstdlib>
 #include <thread>

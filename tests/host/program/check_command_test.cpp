@@ -1,4 +1,4 @@
-// `pciinfo check` from outside, with the real plug-in on machines that the tests make.
+// Runs `pciinfo check` with the real plug-in on machines that the tests make.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

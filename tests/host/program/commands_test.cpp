@@ -1,4 +1,4 @@
-// The program from outside, on plug-ins with known answers.
+// Runs the program on plug-ins with known instances.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ std::vector<std::string> ClassesIn(const std::string& text) {
   return classes;
 }
 
-/// A file name in the folder for temporary files; the file is removed at the end.
+/// A file name in the directory for temporary files; the destructor removes the file.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& name) : path_(testing::TempDir() + name) {}

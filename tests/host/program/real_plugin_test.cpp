@@ -30,7 +30,7 @@ std::vector<std::string> FunctionsOfLspci() {
   return functions;
 }
 
-/// The same for what pciinfo lists, in its order.
+/// The same for the functions that pciinfo lists, in its order.
 std::vector<std::string> FunctionsOfPciinfo(const std::string& out) {
   std::vector<std::string> functions;
   for (const std::string& line : LinesOf(out)) {

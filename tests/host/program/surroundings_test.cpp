@@ -1,5 +1,5 @@
-// The program with its own plug-in on this machine while parts of the machine are hidden from it,
-// in a mount namespace of its own.
+// The program with its own plug-in on this machine, while a mount namespace hides parts of the
+// machine.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// Runs a command line of the shell after another one that changes the mounts.
+/// Runs the shell command `change`, which changes the mounts, and then another one.
 RunResult RunHidden(const std::string& change, const std::string& commandLine) {
   return RunShell("unshare --user --map-root-user --mount /bin/bash -c '" + change + " && " +
                   commandLine + "'");
@@ -82,14 +82,14 @@ TEST_F(Surroundings, AnUnreadableFunctionIsNamedAndTheOthersAreListed) {
               ElementsAre(EndsWith(file + " could not be read; this function is missing")));
 }
 
-// A tool in the place of lspci, as a script.
+// Replaces lspci by a script.
 std::string WithTool(const std::string& script) {
   return "printf \"#!/bin/sh\\n" + script +
          "\\n\" >/tmp/$$.tool && chmod 755 /tmp/$$.tool && "
          "mount --bind /tmp/$$.tool /usr/bin/lspci && rm /tmp/$$.tool";
 }
 
-/// The calls of lspci that a run of the program makes after `change`, a line a call.
+/// Returns the calls of lspci in a run of the program after `change`, one line per call.
 std::string RunsOfTheTool(const std::string& change, const std::string& words) {
   return RunHidden(
              "touch /tmp/$$.runs && " + WithTool("echo ran \\$* >>/tmp/$$.runs") + " && " + change,
@@ -135,7 +135,7 @@ TEST_F(Surroundings, AToolThatHangsOnceIsRunAgainForTheOtherClasses) {
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: the plug-in was stopped after ")));
 }
 
-// A sanitizer has limits of its own.
+// Sanitizers have their own memory limits.
 #ifndef PCIINFO_SANITIZED
 TEST_F(Surroundings, AToolThatPrintsWithoutEndLosesItsClassOnly) {
   const RunResult result = RunHidden(

@@ -1,4 +1,5 @@
-// The program outlives plug-ins that do harm, and leaves nothing behind.
+// The program survives plug-ins that crash, hang, flood or exit, and leaves no processes or files
+// behind.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,7 +36,7 @@ std::vector<std::string> ClassesIn(const std::string& out) {
   return classes;
 }
 
-// The class that does harm is the third; the associations join what the others gave.
+// The misbehaving class is the third; the associations join instances of the other classes.
 const auto kAllButSlots = ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemBoard",
                                       "QZMSG_OnBoardDevice", "QZMSG_PCIRawData");
 const auto kAll =
@@ -44,7 +45,7 @@ const auto kAll =
 
 class Survival : public testing::Test {
  protected:
-  /// Runs all classes of a plug-in that does harm; every log record goes to Log().
+  /// Collects all classes of a misbehaving plug-in; every log record goes to Log().
   RunResult Run(const std::string& harm, std::vector<std::string> options = {}) {
     options.insert(options.begin(), {"instances", "--format", "jsonl", "--log-file", LogFile()});
     return RunFake("hostile_" + harm, options);
@@ -58,7 +59,7 @@ class Survival : public testing::Test {
     return log.find(text) != std::string::npos;
   }
 
-  /// How often the plug-in was asked for a class.
+  /// Returns how often the plug-in was asked for a class.
   int CountQueries(const std::string& className) const {
     std::ifstream stream(LogFile());
     int count = 0;
@@ -68,7 +69,7 @@ class Survival : public testing::Test {
     return count;
   }
 
-  /// What follows `beginning` in the log.
+  /// Returns the text after `beginning` in the log.
   std::string Logged(const std::string& beginning) const {
     std::ifstream stream(LogFile());
     for (std::string line; std::getline(stream, line);) {
@@ -78,7 +79,7 @@ class Survival : public testing::Test {
     return "";
   }
 
-  /// Whether the process that a plug-in left behind is there.
+  /// Whether the process that the plug-in started still exists.
   bool IsProcessThere() const {
     const std::string number = Logged("left behind: ");
     EXPECT_NE(number, "");
@@ -179,7 +180,7 @@ TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
   EXPECT_EQ(result.err, "pciinfo: ending the plug-ins: the process was stopped after 10 seconds\n");
 }
 
-// A sanitizer has allocators and limits of its own.
+// Sanitizers have their own allocators and limits.
 #ifndef PCIINFO_SANITIZED
 TEST_F(Survival, AClassThatFloodsTheMemoryLeavesItToTheOthers) {
   const RunResult result = Run("Flood_QZMSG_SystemSlot", {"--memory-limit", "300"});
@@ -252,12 +253,14 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
     }
   }
 
-  /// How many processes have the log file on their command line, as all of the program's have.
+  /// Returns the number of processes with the log file on their command line, which all processes
+  /// of the program have.
   int CountProcesses() const {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
       std::ostringstream words;
-      words << std::ifstream(entry.path() / "cmdline").rdbuf();  // fails for one that just ended
+      words << std::ifstream(entry.path() / "cmdline")
+                   .rdbuf();  // fails for a process that has just ended
       if (words.str().find(LogFile()) != std::string::npos) ++count;
     }
     return count;

@@ -29,7 +29,7 @@ std::string ContentOf(ArchiveReader& reader) {
   return content;
 }
 
-/// All files of a capture by path, entering every folder.
+/// Returns all files of a capture by path; enters every directory.
 std::map<std::string, std::string> FilesOf(const std::string& capture) {
   std::map<std::string, std::string> files;
   const auto opened = OpenArchive(capture);

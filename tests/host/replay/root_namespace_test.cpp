@@ -1,4 +1,4 @@
-// Each test in a child process of its own: there is no way back out of the namespaces.
+// Each test runs in a child process, because a process cannot leave the namespaces again.
 
 #include "host/replay/root_namespace.h"
 
@@ -30,7 +30,8 @@ bool InNamespaces(const std::function<bool()>& holds) {
   return status == 0;
 }
 
-/// What the framework makes of the host name; the framework itself reads it once in a process.
+/// Returns the name that the framework finds for the host name. The framework itself reads it only
+/// once per process.
 std::string SystemName() {
   std::array<char, 256> host{};
   gethostname(host.data(), host.size());

@@ -1,4 +1,4 @@
-// The program on captures, from its command line.
+// Runs the program with --root.
 
 #include "host/replay/root.h"
 
@@ -195,7 +195,7 @@ TEST_F(Root, ABombIsRefused) {
   const RunResult result = RunPciinfo({"--root", Path("bomb.tar")});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("more than 1024 MiB"));
-  // Zeros that only the compression makes small.
+  // Many zeros, which are small only when compressed.
   const RunResult zeros = RunShell("truncate -s 1100M " + Path("zeros") + " && tar -C " +
                                    directory_.GetPath() + " -czf - zeros | $PCIINFO --root -");
   EXPECT_THAT(zeros.err, HasSubstr("more than 1024 MiB"));
@@ -211,8 +211,8 @@ TEST_F(Root, ManyEntriesAreRefused) {
   EXPECT_THAT(result.err, HasSubstr("more than 1000000 entries"));
 }
 
-/// As the user "nobody", who reads the capture from standard input, since nothing else of the
-/// test's is open to that user.
+/// Runs as the user "nobody", with the capture on standard input, because that user cannot read the
+/// test's files.
 RunResult RunAsNobody(const std::string& capture, const std::string& arguments) {
   const std::string who = "setpriv --reuid=65534 --regid=65534 --clear-groups ";
   return RunShell((geteuid() == 0 ? who : "") + "$PCIINFO --root - " + arguments + " < " + capture);
