@@ -212,10 +212,11 @@ TEST_F(PluginManagerTest, APluginOfAnotherInterfaceVersionIsRefusedAndUnloaded) 
   for (const std::string version :
        {"2.0", "0.9", "1.1", "10.0", "1", "1.", ".0", "1.0.0", "1.x", "-1.0", "1.-1", " 1.0", ""}) {
     AskFor("answer interface version " + version);
-    EXPECT_EQ(FailureOfLoading(FileOf("misbehaving")).text,
-              "the plug-in " + FileOf("misbehaving") + " was built for version " + version +
-                  " of the plug-in interface, which is not compatible with version 1.0 of this program: "
-                  "build the plug-in for that version");
+    EXPECT_EQ(
+        FailureOfLoading(FileOf("misbehaving")).text,
+        "the plug-in " + FileOf("misbehaving") + " was built for version " + version +
+            " of the plug-in interface, which is not compatible with version 1.0 of this program: "
+            "build the plug-in for that version");
     EXPECT_FALSE(IsMapped("misbehaving")) << version;
   }
 }
@@ -234,7 +235,7 @@ TEST_F(PluginManagerTest, APluginOfAnotherInterfaceVersionThatWasLoadedByHandIsN
   EXPECT_EQ(::dlclose(library), 0);
 }
 
-// A plug-in that is part of the program.
+// A plug-in that is part of the test program.
 class BuiltIn final : public NQZMVTQ20::IPluginCallbacks {
  public:
   explicit BuiltIn(bool& isAlive) : isAlive_(isAlive) { isAlive_ = true; }

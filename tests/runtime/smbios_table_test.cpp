@@ -27,7 +27,7 @@ std::vector<SmBiosBytes> Walked(const SmBiosTable& table) {
   return structures;
 }
 
-// A table of the `_SM_` kind whose entry point states its real length and no count.
+// A table with a `_SM_` entry point that states its real length and no number of structures.
 std::vector<SmBiosBytes> WalkedBytes(const SmBiosBytes& bytes) {
   return Walked({{2, 7, bytes.size(), 0, false}, bytes});
 }
