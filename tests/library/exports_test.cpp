@@ -25,7 +25,7 @@ std::vector<std::string> LinesOf(const std::string& command) {
   return lines;
 }
 
-// A demangled symbol without arguments, return type and the long names of library types.
+// A demangled symbol, without arguments and return type, and with short names of library types.
 std::string ShortName(std::string symbol) {
   const std::vector<std::pair<std::regex, std::string>> rules{
       {std::regex(R"(std::__cxx11::basic_string<char, std::char_traits<char>, )"
@@ -105,8 +105,8 @@ class VirtualTableTest : public testing::Test {
     return address;
   }
 
-  // Compares entries of a class's table with the functions that must stand there. `first` counts
-  // words; 2 is the first virtual function of the first table, behind offset and type information.
+  // Compares entries of a class's virtual table with the expected functions. `first` counts words;
+  // 2 is the first virtual function of the first table, after offset and type information.
   void ExpectEntries(const std::string& table, std::size_t first, const Names& functions) {
     auto** entries = static_cast<void**>(Address(table));
     ASSERT_NE(entries, nullptr);

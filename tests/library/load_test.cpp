@@ -33,7 +33,7 @@ bool IsMapped() {
   return false;
 }
 
-// Takes no plug-in.
+// Refuses every plug-in.
 class FullPluginManager final : public TPluginManagerNamespace {
  public:
   void RegisterPlugin(IPluginCallbacks*) override { throw TVTQException("full"); }
@@ -43,7 +43,7 @@ class FullPluginManager final : public TPluginManagerNamespace {
   }
 };
 
-// Throws something that is no standard exception.
+// Throws an object that is not a standard exception.
 class RudePluginManager final : public TPluginManagerNamespace {
  public:
   void RegisterPlugin(IPluginCallbacks*) override { throw 1; }
