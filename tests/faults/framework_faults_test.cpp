@@ -41,7 +41,7 @@ std::string Enumerating(const std::string& className) {
 
 using Names = std::set<std::string>;
 
-/// What a failing call in a class has to leave in the log, and what it may do to the class.
+/// The log record that a failing call in a class must cause, and the changes that are allowed.
 struct Outcome {
   std::string record;  ///< kSilent: none
   Names changes;
@@ -101,7 +101,7 @@ Outcomes OfFirst(const std::string& className) {
           {"3 SMBIOS version not support.", {"UINumber"}}};
 }
 
-// To the plug-in a walk that fails has ended.
+// For the plug-in, a walk that fails has ended.
 Outcomes OfNext(const std::string&) { return {{kSilent, {"missing", "UINumber"}}}; }
 
 Outcomes OfClose(const std::string& className) {

@@ -5,7 +5,7 @@
 
 #include "tests/fakes/captured_output.h"
 
-// The program's own, under another name.
+// The main function of the program, renamed.
 int PciinfoMain(int argc, char** argv);
 
 namespace {
@@ -30,7 +30,7 @@ ProgramEnd RunProgram(const std::vector<std::string>& words, const Fault& fault)
     dup2(out.Descriptor(), STDOUT_FILENO);
     dup2(err.Descriptor(), STDERR_FILENO);
     Arm(fault);
-    // The program goes on in other processes; whichever returns has nothing left to do.
+    // The program continues in other processes; each process that returns here is finished.
     _exit(PciinfoMain(static_cast<int>(line.size()), const_cast<char**>(arguments.data())));
   }
   int status = 0;
