@@ -1,4 +1,4 @@
-// Commands: their words, their programs, and the recordings that stand in for them.
+// Commands: their words, their programs, and their recordings.
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 using fuzz::Require;
 
-// Two recordings, and what is none: a folder, a link, and a file outside.
+// Two recordings, and three that must not be used: a directory, a link, and a file outside.
 class Recordings final {
  public:
   Recordings() {

@@ -1,4 +1,4 @@
-// The manifest of a capture that may come from anybody: what is read can be written and read again.
+// The manifest of an untrusted capture: a manifest that was read can be written and read again.
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>

@@ -1,4 +1,4 @@
-// Object paths: made of any namespace, class and keys, then read back by the rules of their form.
+// Object paths: made from any namespace, class and keys, then parsed again.
 #include <utility>
 
 #include "framework/cim_reference.h"
@@ -70,7 +70,7 @@ TCIMValue DateTime(Pieces& pieces) {
   return TCIMValue::DateTime(text);
 }
 
-// Values that cannot stand in a path among those that can.
+// Returns values of all types, also of those that cannot be part of a path.
 TCIMValue Value(Pieces& pieces, int depth) {
   const std::uint8_t kind = pieces.Byte();
   switch (kind % 16) {
@@ -129,7 +129,7 @@ class PathReader final {
   bool IsAtEnd() const { return left_.IsEmpty(); }
   std::string Until(char end) { return std::string(left_.Until(end)); }
 
-  // The text between quotes, and what stands for one character; then a comma, or the end.
+  // Reads the text between quotes and resolves escapes; then a comma or the end.
   std::string Quoted() {
     std::string text;
     for (char c = Take(); c != '"'; c = Take()) {
@@ -190,7 +190,7 @@ void CheckPath(const TCIMReference& reference) {
   Require(path.IsAtEnd(), "nothing follows the last key");
 }
 
-// Another text in a key makes another path.
+// A different text in a key gives a different path.
 void CheckDifference(const TCIMReference& reference) {
   TCIMReference::TKeyMap keys = reference.GetKeys();
   Require(TCIMReference(reference.GetNamespace(), reference.GetClassName(), keys) == reference,

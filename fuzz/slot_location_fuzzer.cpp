@@ -1,4 +1,4 @@
-// Where slots are: from System Slots structures, or from OEM strings. An input is a version (two
+// Locations of slots, from System Slots structures or from OEM strings. An input is a version (two
 // bytes), a source, and an SMBIOS table.
 #include "fuzz/fuzz.h"
 #include "fuzz/models.h"
@@ -14,7 +14,7 @@ using fuzz::Require;
 
 using Structures = std::vector<std::string>;
 
-// Slot locations, and the number of the next.
+// Slot locations, and the next tag.
 struct Found {
   std::vector<SlotLocation> locations;
   unsigned nextTag = 1;
