@@ -74,7 +74,7 @@ TEST_F(CaptureTest, GoesToStandardOutputAsATarArchive) {
   EXPECT_EQ(AllInstances({"--root", Path("box")}), AllInstances({}));
 }
 
-TEST_F(CaptureTest, AnOrdinaryUsersIsThatUsersView) {
+TEST_F(CaptureTest, AnOrdinaryUserCapturesWhatThatUserCanRead) {
   fs::permissions(directory_.GetPath(), fs::perms{0777});
   const std::string who =
       geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
@@ -96,7 +96,7 @@ TEST_F(CaptureTest, ACaptureOfACaptureIsTheSame) {
   EXPECT_EQ(RunShell("diff -r --no-dereference " + Path("one") + " " + Path("two")).out, "");
 }
 
-TEST_F(CaptureTest, ATakenDirectoryStaysAsItIs) {
+TEST_F(CaptureTest, ANonEmptyDirectoryIsNotChanged) {
   fs::create_directory(Path("box"));
   directory_.Write("box/mine", "1");
   const RunResult result = RunPciinfo({"capture", Path("box")});
@@ -130,7 +130,7 @@ TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
   }
 }
 
-TEST_F(CaptureTest, WhatCannotBeReadIsToldAndListed) {
+TEST_F(CaptureTest, UnreadablePartsAreReportedAndListed) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user --mount bash -c 'mount --bind /dev/null /usr/bin/lspci; "
       "$PCIINFO capture " +
@@ -143,7 +143,7 @@ TEST_F(CaptureTest, WhatCannotBeReadIsToldAndListed) {
   EXPECT_EQ(manifest["unread"][0]["path"], "commands/lspci");
 }
 
-TEST_F(CaptureTest, AMachineWithoutPciIsNoFailure) {
+TEST_F(CaptureTest, AMachineWithoutPciIsNotAnError) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user --mount bash -c 'mount -t tmpfs none /proc/bus && "
       "mount -t tmpfs none /sys && $PCIINFO capture " +
@@ -173,7 +173,7 @@ std::vector<MadeEntry> TellingMachine() {
           {"manifest.json", R"({"formatVersion": 1, "systemName": "SECRET-5.example.org"})"}};
 }
 
-TEST_F(CaptureTest, ARedactedOneHoldsTheSlotsAndNoSerialNumber) {
+TEST_F(CaptureTest, ARedactedCaptureHasSlotsAndNoSerialNumber) {
   MakeArchive(Path("box.tar"), TellingMachine());
   ASSERT_EQ(RunPciinfo({"--root", Path("box.tar"), "capture", "--redact", Path("safe.tar")}).status,
             0);

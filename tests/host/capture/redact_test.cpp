@@ -31,7 +31,7 @@ std::string Redacted(const std::string& path, const std::string& content) {
   return part.content;
 }
 
-TEST(Redactor, ConfigurationSpacesAreRedactedWhereverTheyStand) {
+TEST(Redactor, AllConfigurationSpacesAreRedacted) {
   for (const char* path : {"proc/bus/pci/00/1f.2", "proc/bus/pci/10000:00/02.0",
                            "sys/bus/pci/devices/0000:00:1f.2/config"}) {
     EXPECT_NE(Redacted(path, ConfigSpace()), ConfigSpace()) << path;
@@ -47,7 +47,7 @@ TEST(Redactor, ListingsAreRedacted) {
   EXPECT_EQ(Redacted("commands/lspci", line), line);
 }
 
-TEST(Redactor, TheTableIsReadByTheEntryPointThatCameBefore) {
+TEST(Redactor, TheTableUsesTheEntryPointBeforeIt) {
   const std::string table = VendorStructure(1, "SECRET");
   Redactor redactor;
   CapturePart entry{kEntryPoint, Text(vtq::MakeVersion3Entry(3, 0, table.size())), ""};

@@ -141,7 +141,7 @@ TEST_F(DiffCommand, HostileJsonIsRefusedByName) {
   }
 }
 
-TEST_F(DiffCommand, AFileThatIsNeitherIsRefusedByName) {
+TEST_F(DiffCommand, AFileThatIsNeitherCaptureNorJsonIsRefused) {
   const std::string machine = MachineFile("a.json");
   for (const char* content : {"", "no capture\n"}) {
     const std::string bad = folder_.Write("bad", content);

@@ -37,7 +37,7 @@ class Surroundings : public testing::Test {
   }
 };
 
-TEST_F(Surroundings, WithoutLspciTheFunctionsAreListedAndTheReasonIsTold) {
+TEST_F(Surroundings, WithoutLspciFunctionsAreListedAndTheReasonIsReported) {
   const RunResult result = RunHidden(kWithoutLspci, "$PCIINFO devices");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("PCI Vendor ID ")));
@@ -45,7 +45,7 @@ TEST_F(Surroundings, WithoutLspciTheFunctionsAreListedAndTheReasonIsTold) {
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: lspci gave no descriptions: ")));
 }
 
-TEST_F(Surroundings, WithoutLspciTheRawDataIsLostForAReason) {
+TEST_F(Surroundings, WithoutLspciTheLossOfRawDataIsReported) {
   const RunResult result =
       RunHidden(kWithoutLspci, "$PCIINFO instances QZMSG_PCIRawData --format jsonl");
   EXPECT_EQ(result.status, 1);
@@ -56,7 +56,7 @@ TEST_F(Surroundings, WithoutLspciTheRawDataIsLostForAReason) {
                   HasSubstr("lspci -xxxx"))));
 }
 
-TEST_F(Surroundings, WithoutAPciBusNothingIsWrong) {
+TEST_F(Surroundings, AMachineWithoutAPciBusIsNotAnError) {
   const RunResult inventory = RunHidden(kWithoutPciBus, "$PCIINFO devices");
   EXPECT_EQ(inventory.status, 0) << inventory.err;
   EXPECT_EQ(LinesOf(inventory.out).size(), 1U);
@@ -64,7 +64,7 @@ TEST_F(Surroundings, WithoutAPciBusNothingIsWrong) {
               ElementsAre(StartsWith("pciinfo: this machine shows no PCI bus")));
 }
 
-TEST_F(Surroundings, WithoutAPciBusTheBoardIsStillThere) {
+TEST_F(Surroundings, WithoutAPciBusTheBoardIsListed) {
   const RunResult result = RunHidden(kWithoutPciBus, "$PCIINFO instances --format jsonl");
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("SystemBoard1")));
@@ -111,7 +111,7 @@ TEST_F(Surroundings, TheListingIsNotMadeForWrongUsageOrAnEmptyMachine) {
   EXPECT_EQ(RunsOfTheTool(kWithoutPciBus, "devices"), "");
 }
 
-TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
+TEST_F(Surroundings, AToolThatHangsIsKilled) {
   const RunResult result = RunHidden(
       WithTool("sleep 987654; true"),
       "$PCIINFO instances --format jsonl --timeout 6; echo $?; pgrep -fx \"sleep 987654\"");
@@ -120,7 +120,7 @@ TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
   EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after "));
 }
 
-TEST_F(Surroundings, AToolThatDiesTellsNothing) {
+TEST_F(Surroundings, OutputOfAToolThatDiesIsDropped) {
   const RunResult result =
       RunHidden(WithTool("echo 00:00.0 Host bridge: half; kill -9 \\$\\$"), "$PCIINFO devices");
   EXPECT_EQ(result.status, 1);
@@ -137,7 +137,7 @@ TEST_F(Surroundings, AToolThatHangsOnceIsRunAgainForTheOtherClasses) {
 
 // Sanitizers have their own memory limits.
 #ifndef PCIINFO_SANITIZED
-TEST_F(Surroundings, AToolThatPrintsWithoutEndLosesItsClassOnly) {
+TEST_F(Surroundings, EndlessOutputOfAToolLosesOnlyItsClass) {
   const RunResult result = RunHidden(
       WithTool("exec cat /dev/zero"),
       "$PCIINFO instances QZMSG_PCIRawData QZMSG_SystemBoard --format jsonl --memory-limit 300");

@@ -89,7 +89,7 @@ class Survival : public testing::Test {
   vtq::TemporaryDirectory directory_;
 };
 
-TEST_F(Survival, AClassWhoseCollectionDiesIsNamedAndTheOthersArePrinted) {
+TEST_F(Survival, ACrashLosesOnlyItsClass) {
   const RunResult result = Run("Abort_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -97,14 +97,14 @@ TEST_F(Survival, AClassWhoseCollectionDiesIsNamedAndTheOthersArePrinted) {
               ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)"));
 }
 
-TEST_F(Survival, WhatWasCollectedQuicklyIsCollectedAgainWithoutTheClassThatDied) {
+TEST_F(Survival, QuickClassesAreCollectedAgainAfterACrash) {
   Run("Abort_QZMSG_SystemSlot");
   EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 2);
   EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
   EXPECT_EQ(CountQueries("QZMSG_PCIRawData"), 1);
 }
 
-TEST_F(Survival, WhatTookLongIsNotCollectedAgain) {
+TEST_F(Survival, SlowClassesAreNotCollectedAgain) {
   const RunResult result =
       RunFake("slow_then_dying", {"instances", "--format", "jsonl", "--log-file", LogFile()});
   EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 1);
@@ -119,7 +119,7 @@ TEST_F(Survival, WhatTookLongIsNotCollectedAgain) {
                           "pciinfo: QZMSG_OnBoardDevice: the plug-in died by signal 6 (Aborted)"));
 }
 
-TEST_F(Survival, TheLastClassMayUseUpAllTimeAndLosesItselfOnly) {
+TEST_F(Survival, ATimeoutInTheLastClassLosesOnlyThatClass) {
   const RunResult result = Run("Hang_QZMSG_PCIRawData", {"--timeout", "2"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out),
@@ -129,7 +129,7 @@ TEST_F(Survival, TheLastClassMayUseUpAllTimeAndLosesItselfOnly) {
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after ")));
 }
 
-TEST_F(Survival, APluginThatEndsTheProgramLosesItsClassOnly) {
+TEST_F(Survival, APluginThatExitsLosesOnlyItsClass) {
   const RunResult result = Run("Exit_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -137,7 +137,7 @@ TEST_F(Survival, APluginThatEndsTheProgramLosesItsClassOnly) {
                                                "program, with exit status 0"));
 }
 
-TEST_F(Survival, AClassThatHangsIsStoppedInTime) {
+TEST_F(Survival, AClassThatHangsIsStopped) {
   const auto start = steady_clock::now();
   const RunResult result = Run("Hang_QZMSG_SystemSlot", {"--timeout", "4"});
   EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(60));
@@ -149,7 +149,7 @@ TEST_F(Survival, AClassThatHangsIsStoppedInTime) {
                         HasSubstr(" seconds (--timeout bounds the whole run to 4)"))));
 }
 
-TEST_F(Survival, APluginThatCannotBeLoadedAliveIsAnError) {
+TEST_F(Survival, APluginThatCrashesWhileLoadingIsAnError) {
   const RunResult died = Run("Abort_Init");
   EXPECT_EQ(died.status, 1);
   EXPECT_EQ(died.out, "");
@@ -161,7 +161,7 @@ TEST_F(Survival, APluginThatCannotBeLoadedAliveIsAnError) {
             "bounds the whole run to 1)\n");
 }
 
-TEST_F(Survival, APluginThatDiesAtItsEndIsReportedAfterTheOutput) {
+TEST_F(Survival, ACrashAtTheEndIsReportedAfterTheOutput) {
   const RunResult died = Run("Abort_DeInit");
   EXPECT_EQ(died.status, 1);
   EXPECT_THAT(ClassesIn(died.out), kAll);
@@ -182,7 +182,7 @@ TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
 
 // Sanitizers have their own allocators and limits.
 #ifndef PCIINFO_SANITIZED
-TEST_F(Survival, AClassThatFloodsTheMemoryLeavesItToTheOthers) {
+TEST_F(Survival, ExhaustedMemoryLosesOnlyItsClass) {
   const RunResult result = Run("Flood_QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -191,7 +191,7 @@ TEST_F(Survival, AClassThatFloodsTheMemoryLeavesItToTheOthers) {
                           "(--memory-limit)"));
 }
 
-TEST_F(Survival, AClassThatQuietlyTakesAllMemoryIsNoticed) {
+TEST_F(Survival, SilentlyExhaustedMemoryIsReported) {
   const RunResult result = Run("Hoard_QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -213,14 +213,14 @@ TEST_F(Survival, AProcessThatADyingPluginLeavesBehindIsEnded) {
   EXPECT_FALSE(IsProcessThere());
 }
 
-TEST_F(Survival, APluginThatClosesEverythingLosesItsClassOnly) {
+TEST_F(Survival, APluginThatClosesAllFilesLosesOnlyItsClass) {
   const RunResult result = Run("CloseFiles_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(result.err, StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in "));
 }
 
-TEST_F(Survival, WhatAPluginWritesWhereItStandsIsNotLeftBehind) {
+TEST_F(Survival, FilesInTheWorkingDirectoryAreRemoved) {
   const RunResult result = Run("WriteFile_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
   const std::string folder = Logged("wrote into: ");
@@ -228,7 +228,7 @@ TEST_F(Survival, WhatAPluginWritesWhereItStandsIsNotLeftBehind) {
   EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST_F(Survival, WhatAPluginPrintsComesOnce) {
+TEST_F(Survival, OutputOfAPluginAppearsOnce) {
   const RunResult result = Run("PrintToStdout_QZMSG_PCIDevice");
   const std::size_t first = result.out.find("unasked");
   ASSERT_NE(first, std::string::npos);
@@ -268,7 +268,7 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
 };
 INSTANTIATE_TEST_SUITE_P(Signals, SignalledSurvival, testing::Values(SIGHUP, SIGINT, SIGTERM));
 
-TEST_P(SignalledSurvival, ASignalEndsTheProgramAndAllThatItStarted) {
+TEST_P(SignalledSurvival, ASignalEndsTheProgramAndItsProcesses) {
   const pid_t program = StartHanging();
   WaitUntilItHangs();
   EXPECT_GT(CountProcesses(), 1);

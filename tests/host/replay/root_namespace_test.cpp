@@ -57,7 +57,7 @@ TEST_F(RootNamespace, MountsAreSeenInsideOnly) {
   EXPECT_FALSE(std::filesystem::exists(directory_.GetPath() + "/inside"));
 }
 
-TEST_F(RootNamespace, AThingIsShownAtAnotherPlace) {
+TEST_F(RootNamespace, ADirectoryCanBeBindMounted) {
   EXPECT_TRUE(InNamespaces([this] {
     const std::string one = directory_.Write("one", "1");
     const std::string two = directory_.Write("two", "2");
@@ -67,7 +67,7 @@ TEST_F(RootNamespace, AThingIsShownAtAnotherPlace) {
   EXPECT_EQ(std::ifstream(directory_.GetPath() + "/two").get(), '2');
 }
 
-TEST_F(RootNamespace, TheUserStaysWhoItIs) {
+TEST_F(RootNamespace, TheUserStaysTheSame) {
   const uid_t user = getuid();
   EXPECT_TRUE(InNamespaces([user] { return getuid() == user && geteuid() == user; }));
 }
@@ -92,7 +92,7 @@ TEST_F(RootNamespace, ThisMachinesHostsAreNotSeen) {
   }));
 }
 
-TEST_F(RootNamespace, WithoutPermissionTheReasonAndTheWayOutAreOneLine) {
+TEST_F(RootNamespace, WithoutPermissionOneLineSaysWhyAndWhatToDo) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user bash -c 'echo 0 >/proc/sys/user/max_user_namespaces; "
       "setpriv --bounding-set=-sys_admin --inh-caps=-sys_admin \"$PCIINFO\" --root /tmp'");

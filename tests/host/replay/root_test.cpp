@@ -114,7 +114,7 @@ TEST_F(Root, RunsWhatIsNotRecorded) {
               Contains(testing::AllOf(HasSubstr("8086:1234"), HasSubstr("Ethernet controller"))));
 }
 
-TEST_F(Root, TakesADirectoryMadeByHand) {
+TEST_F(Root, AcceptsADirectoryMadeByHand) {
   fs::create_directories(Path("box/proc/bus/pci/00"));
   directory_.Write("box/proc/bus/pci/devices", DeviceLine());
   directory_.Write("box/proc/bus/pci/00/01.0", Header());
@@ -127,12 +127,12 @@ TEST_F(Root, TakesADirectoryMadeByHand) {
   EXPECT_THAT(result.err, HasSubstr("this capture holds no SMBIOS tables"));
 }
 
-TEST_F(Root, TakesAnArchiveFromStandardInput) {
+TEST_F(Root, ReadsAnArchiveFromStandardInput) {
   const RunResult result = RunShell("$PCIINFO --root - < " + Archive(SmallMachine()));
   EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
 }
 
-TEST_F(Root, WhatTheCaptureLacksIsNotThisMachines) {
+TEST_F(Root, PartsThatTheCaptureLacksAreNotThoseOfThisMachine) {
   const std::string capture = Archive({{"manifest.json", R"({"formatVersion": 1})"}});
   for (const char* option : {"--log-level=0", "--live-commands"}) {
     const RunResult result = RunPciinfo({"--root", capture, "instances", "--format=json", option});
@@ -157,7 +157,7 @@ TEST_F(Root, NeedsNoPciBusInThisMachinesKernel) {
   EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
 }
 
-TEST_F(Root, FilesThatTheUserNamesAreThisMachines) {
+TEST_F(Root, FilesOnTheCommandLineAreThoseOfThisMachine) {
   const std::string capture = Archive(SmallMachine());
   const RunResult result =
       RunShell("cd " + directory_.GetPath() +
@@ -174,7 +174,7 @@ TEST_F(Root, NothingIsLeftBehind) {
   EXPECT_EQ(RunShell("cat /proc/self/mountinfo; hostname").out, mounts);
 }
 
-TEST_F(Root, AHostileArchiveIsOneLine) {
+TEST_F(Root, AHostileArchiveIsRefusedInOneLine) {
   for (const MadeEntry& entry : std::vector<MadeEntry>{{"/etc/x"},
                                                        {"sys/../../x"},
                                                        {"sys/x", "", 'l', "/etc/shadow"},
@@ -228,7 +228,7 @@ TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
   }
 }
 
-TEST_F(Root, SaysWhatIsWrongWithAName) {
+TEST_F(Root, ReportsABadCaptureName) {
   EXPECT_THAT(RunPciinfo({"--root", Path("nothing")}).err, HasSubstr("No such file or directory"));
   EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("root directory of this machine"));
   EXPECT_EQ(RunPciinfo({"--root", ""}).status, 2);
