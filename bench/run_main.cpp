@@ -124,23 +124,24 @@ CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
       ->delimiter(',')
       ->capture_default_str();
   app.add_option("--rounds", settings.rounds,
-                 "How often the device list of 4,096 functions is measured")
+                 "Number of measurements of the device list of 4,096 functions")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
   app.add_option(
          "--slow-tools-up-to", settings.slowToolsUpTo,
-         "Run lshw and hwinfo, once and for a minute at most, on machines of so many functions")
+         "Run lshw and hwinfo (once, at most a minute) on machines with up to this many functions")
       ->capture_default_str();
-  app.add_flag("!--no-instructions", settings.withInstructions, "Count no instructions (valgrind)");
+  app.add_flag("!--no-instructions", settings.withInstructions,
+               "Do not count instructions (valgrind)");
   return app.add_option("--docs", settings.docs,
-                        "Folder whose performance.md and performance.svg are written anew");
+                        "Directory in which performance.md and performance.svg are rewritten");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   Settings settings;
-  CLI::App app("Measures pciinfo beside lspci, lshw and hwinfo on made-up machines.", "bench/run");
+  CLI::App app("Measures pciinfo, lspci, lshw and hwinfo on generated machines.", "bench/run");
   AddOptions(app, settings);
   CLI11_PARSE(app, argc, argv);
   try {

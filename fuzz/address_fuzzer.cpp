@@ -35,9 +35,9 @@ std::string HexBeginning(const std::string& text) {
 
 void CheckNumbers(const std::string& text) {
   Require(ExtractDecimalDataToHex<unsigned short>(text) == PlainHex<unsigned short>(text),
-          "a 16-bit number is what a hexadecimal stream reads");
+          "a 16-bit number is the one that a hexadecimal stream reads");
   Require(ExtractDecimalDataToHex<unsigned int>(text) == PlainHex<unsigned int>(text),
-          "a 32-bit number is what a hexadecimal stream reads");
+          "a 32-bit number is the one that a hexadecimal stream reads");
 }
 
 void CheckDeviceKey(const std::string& text) {
@@ -45,7 +45,7 @@ void CheckDeviceKey(const std::string& text) {
   const std::size_t colon = text.find(':');
   const std::size_t dot = text.find('.');
   if (colon == std::string::npos || dot == std::string::npos || dot < colon) {
-    return Require(key.empty(), "a text without \":\" and \".\" behind it has no key");
+    return Require(key.empty(), "a text without \":\" and a later \".\" has no key");
   }
   const std::string bus = text.substr(0, colon);
   const std::string device = text.substr(colon + 1, dot - colon - 1);
@@ -74,7 +74,8 @@ void CheckLocationKey(const std::string& text) {
 void CheckProbedAddress(const std::string& output) {
   std::string last = output.substr(output.rfind('/') + 1);  // all of it if there is no slash
   last.erase(0, std::min<std::size_t>(last.size(), 5));
-  Require(LastProbedAddress(output) == last, "what stands behind the last slash and the domain");
+  Require(LastProbedAddress(output) == last,
+          "the address is the text after the last slash and the domain");
 }
 
 // All texts of one address give the same key.

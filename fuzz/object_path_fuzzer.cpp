@@ -112,10 +112,10 @@ TCIMReference Reference(Pieces& pieces, int depth) {
   for (const auto& [name, value] : keys) good = good && CanStandInPath(value);
   try {
     TCIMReference reference(nameSpace, className, keys);
-    Require(good, "a key that cannot stand in a path is refused");
+    Require(good, "a key that cannot be part of a path is refused");
     return reference;
   } catch (const TVTQException& failure) {
-    Require(!good, "keys that can stand in a path are taken");
+    Require(!good, "keys that can be part of a path are accepted");
     Require(failure.GetStatusCode() == TVTQStatusCode::kInvalidArgument, "with the right code");
     return {nameSpace, className, {}};
   }

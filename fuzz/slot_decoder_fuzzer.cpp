@@ -121,7 +121,7 @@ void fuzz::CheckInput(std::string_view input) {
   Fake().smBios.deliversAllTypes = thenAll;
   const std::vector<PlainMemory> fetched = FetchedOf(structures, kType, thenAll);
   TSlotInfo collector(nullptr);
-  Require(collector.GetSlotInfo() == PlainSlots(fetched), "slots are what their bytes say");
+  Require(collector.GetSlotInfo() == PlainSlots(fetched), "slots have the values of their bytes");
   CheckBuffer(fetched);
   Require(Fake().smBios.openHandles == 0, "every handle is closed");
 }

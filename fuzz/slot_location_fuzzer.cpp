@@ -106,7 +106,7 @@ void CheckLocations(TPciDevInfo& collector, bool fromSlots, const Structures& st
   const Found found = PlainLocations(fromSlots, fetched);
   Require(std::equal(locations.begin(), locations.end(), found.locations.begin(),
                      found.locations.end(), AreEqual),
-          "locations are what the structures say");
+          "locations are those in the structures");
   if (status == 0) {
     Require(tagCounter == static_cast<std::uint16_t>(found.nextTag), "every slot takes a number");
   }
@@ -123,7 +123,7 @@ void fuzz::CheckInput(std::string_view input) {
   Fake().smBios.version = std::to_string(major) + "." + std::to_string(minor);
   TPciDevInfo collector(nullptr);
   Require(collector.GetSlotIDRetrievalType() == PlainRetrievalType(major, minor, structures),
-          "the source is chosen by the version and what is there");
+          "the source depends on the version and the structures");
   CheckLocations(collector, fromSlots, structures);
   Require(Fake().smBios.openHandles == 0, "every handle is closed");
 }

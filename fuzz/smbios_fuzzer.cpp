@@ -92,7 +92,7 @@ std::optional<SmBiosEntryPoint> Parsed(const std::string& bytes) {
   try {
     return vtq::ParseSmBiosEntryPoint(AsBytes(bytes));
   } catch (const TVTQException& failure) {
-    Require(failure.GetStatusCode() == TVTQStatusCode::kCorruptData, "it is called corrupt");
+    Require(failure.GetStatusCode() == TVTQStatusCode::kCorruptData, "the failure is kCorruptData");
     return {};
   }
 }
@@ -100,14 +100,15 @@ std::optional<SmBiosEntryPoint> Parsed(const std::string& bytes) {
 void CheckEntryPoint(const std::string& bytes) {
   const auto expected = PlainEntryPoint(bytes);
   const auto parsed = Parsed(bytes);
-  Require(parsed.has_value() == expected.has_value(), "exactly the valid entry points are taken");
+  Require(parsed.has_value() == expected.has_value(),
+          "exactly the valid entry points are accepted");
   if (!parsed) return;
   Require(parsed->majorVersion == expected->majorVersion &&
               parsed->minorVersion == expected->minorVersion,
           "the version is read");
   Require(parsed->tableLength == expected->tableLength, "the length is read");
   Require(parsed->structureCount == expected->structureCount, "the count is read");
-  Require(parsed->endsAtMarker == expected->endsAtMarker, "the kind is told");
+  Require(parsed->endsAtMarker == expected->endsAtMarker, "the kind of end is read");
 }
 
 std::vector<std::string> StructuresOf(const SmBiosEntryPoint& entry, const std::string& table) {
@@ -170,7 +171,7 @@ void CheckFetches(void* handle, int type, int capacity,
             "with all of its bytes");
     status = NQZMVTQ20::smBiosGetNext(handle, buffer.get(), &capacity);
   }
-  Require(status == TVTQStatusCode::kNotFound, "then nothing is left");
+  Require(status == TVTQStatusCode::kNotFound, "the walk ends after the last structure");
 }
 
 void CheckFiles(const std::string& entryPoint, const std::string& table, int type, int capacity) {
@@ -187,7 +188,7 @@ void CheckFiles(const std::string& entryPoint, const std::string& table, int typ
   NQZMVTQ20::smBiosGetVersion(handle, version);
   Require(
       version == std::to_string(entry->majorVersion) + "." + std::to_string(entry->minorVersion),
-      "the version is told");
+      "the version is returned");
   CheckFetches(handle, type, capacity, StructuresOf(*entry, table));
   NQZMVTQ20::smBiosClose(&handle);
 }

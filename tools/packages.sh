@@ -23,7 +23,7 @@ ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev llvm-14 c
 # Installs those of the given Debian packages that are missing.
 require_packages() {
   command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
-    fail "this is no Debian system; install what these Debian packages hold, then build with" \
+    fail "this is not a Debian system; install the software of these Debian packages, then build with" \
       "'cmake -S . -B build -G Ninja && cmake --build build': $*"
   local missing=() package
   for package in "$@"; do
@@ -45,7 +45,7 @@ require_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
       apt-get install -q -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
     tail -n 15 "$log" >&2
-    fail "could not install ${missing[*]}; see above, and mind the network and the disk"
+    fail "could not install ${missing[*]}; see above; check the network and the free disk space"
   fi
   rm -f "$log"
 }
