@@ -56,8 +56,9 @@ LogSink MakeFileSink(const std::string& path) {
   constexpr mode_t kMode = 0644;
   auto file = std::make_shared<FileDescriptor>(::open(path.c_str(), kFlags, kMode));
   if (!file->IsOpen()) {
-    const char* const why = errno == ELOOP ? "it is a symbolic link; name the file that it points to"
-                                           : std::strerror(errno);
+    const char* const why = errno == ELOOP
+                                ? "it is a symbolic link; name the file that it points to"
+                                : std::strerror(errno);
     throw NQZMVTQ20::TVTQException("cannot open the log file " + path + ": " + why);
   }
   return [file](NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
