@@ -28,7 +28,7 @@ constexpr std::array kChipset = {
     DeviceKind{"8086", "a1a3", "0c05", "00", "i801_smbus", 1, kNone, true},
 };
 
-// Two in a processor's bus are alike: channels, cores and links have a device each.
+// Devices on a processor's bus repeat, because each channel, core and link has one.
 constexpr std::array kProcessorDevices = {
     DeviceKind{"8086", "2014", "0880", "00", "", 1, kIntegrated, false},
     DeviceKind{"8086", "2015", "1101", "00", "", 1, kConventional, false},

@@ -5,30 +5,30 @@
 
 namespace bench {
 
-/// What a function shows of itself besides its header.
+/// The configuration space of a function besides its header.
 enum class Capabilities {
-  kNone,          ///< a header of 64 bytes and nothing behind it
+  kNone,          ///< only a header of 64 bytes
   kConventional,  ///< 256 bytes: power management, MSI
   kIntegrated,    ///< 4096 bytes: PCI Express, inside a root complex
   kEndpoint,      ///< 4096 bytes: PCI Express, MSI-X, error reporting, serial number
   kPort,          ///< 4096 bytes: PCI Express with a slot, MSI, error reporting
 };
 
-/// A kind of device, by numbers that its maker has given it.
+/// A kind of device, with the IDs of a real one.
 struct DeviceKind {
   const char* vendor;
   const char* device;
   const char* classCode;
   const char* progIf;
   const char* driver;  ///< empty: none
-  unsigned functions;  ///< of a card: how many it has
+  unsigned functions;  ///< number of functions of a card
   Capabilities capabilities;
-  bool hasIo;  ///< an I/O region beside the memory region
+  bool hasIo;  ///< an I/O region besides the memory region
 };
 
-/// Cards of one bus; what a server's slots hold, in a mixture.
+/// Cards with one bus, a mixture like in the slots of a server.
 std::span<const DeviceKind> Cards();
-/// What is on the board: behind the processor's root bus, not in slots.
+/// Devices on the board: on the root bus of a processor, not in slots.
 std::span<const DeviceKind> Chipset();
 /// The processors' own devices, in the order in which they fill a bus.
 std::span<const DeviceKind> ProcessorDevices();
@@ -38,7 +38,7 @@ const DeviceKind& RootPort();
 const DeviceKind& SwitchPort();
 const DeviceKind& Drive();
 
-/// The recipe's "patches" of such a configuration, and its size.
+/// A patch of a configuration space, as in the "patches" of a recipe.
 struct ConfigurationPatch {
   unsigned offset;
   std::string bytes;  ///< hexadecimal digits

@@ -2,8 +2,8 @@
 
 namespace bench {
 
-// Where the wrapper of lspci finds the real one and notes what it took, in the mount namespace that
-// measurements are made in.
+// Paths in the mount namespace of the measurements: where the wrapper of lspci finds the real one
+// and where it records the CPU time.
 inline constexpr const char* kLspci = "/usr/bin/lspci";
 inline constexpr const char* kBenchFolder = "/mnt";
 inline constexpr const char* kRealLspci = "/mnt/lspci";

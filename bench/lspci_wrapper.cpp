@@ -1,4 +1,4 @@
-// Stands in the place of lspci: runs the real one and notes the CPU time of both.
+// Replaces lspci: runs the real one and records the CPU time of both.
 
 #include <fcntl.h>
 #include <sys/resource.h>

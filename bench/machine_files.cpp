@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 namespace bench {
 namespace {
 
-// What the kernel shows of the slots.
+// Writes the kernel's files of the slots.
 void WriteKernelSlots(const MachinePlan& plan, const fs::path& folder) {
   for (std::size_t i = 0; i < plan.slots.size(); ++i) {
     const PlannedSlot& slot = plan.slots[i];

@@ -25,7 +25,7 @@ class MachineFilesTest : public testing::TestWithParam<unsigned> {
   }
   ~MachineFilesTest() override { fs::remove_all(folder_); }
 
-  // Slot numbers by functions ("3b:00.0"), as the machine was planned.
+  // Slot numbers by functions ("3b:00.0"), according to the plan of the machine.
   std::map<std::string, unsigned> Truth() const {
     std::map<std::string, unsigned> slots;
     std::ifstream file(folder_ / "truth.txt");
@@ -34,7 +34,7 @@ class MachineFilesTest : public testing::TestWithParam<unsigned> {
     return slots;
   }
 
-  // The same as the program tells it.
+  // Slot numbers by functions, according to the program.
   std::map<std::string, unsigned> Told() const {
     const std::string command = std::string(BENCH_PCIINFO) + " --root '" + folder_.string() +
                                 "' --live-commands instances QZMSG_PCIDevice QZMSG_PCIBridge "

@@ -25,7 +25,7 @@ Command ListInstances(const std::string& program, const std::vector<std::string>
   return command;
 }
 
-// A folder in memory that goes when this does.
+// A directory in memory, removed by the destructor.
 class MemoryFolder {
  public:
   MemoryFolder() : path_(fs::path("/dev/shm") / ("pciinfo-bench-" + std::to_string(getpid()))) {}
@@ -42,7 +42,8 @@ class MemoryFolder {
   fs::path path_;
 };
 
-// In another process: its memory would count as that of the programs that are started from here.
+// In a separate process, because the memory of this one would count for the programs that it
+// starts.
 void WriteInProcess(unsigned functions, const fs::path& folder) {
   const pid_t process = fork();
   if (process == 0) {
@@ -59,7 +60,8 @@ void WriteInProcess(unsigned functions, const fs::path& folder) {
   }
 }
 
-// In a capture, functions are plain directories; hwinfo looks at links only, as a kernel has them.
+// In a capture, functions are plain directories; hwinfo reads only symbolic links, as in the
+// kernel's /sys.
 void LinkFunctions() {
   const fs::path links = "/sys/bus/pci/devices";
   std::vector<fs::path> folders(fs::directory_iterator(links), {});
@@ -111,7 +113,7 @@ Taken Comparison::Run(const std::string& name, const Command& command) {
 }
 
 void Comparison::CompareLists(unsigned rounds) {
-  Measure({"lspci"});  // files and libraries are in memory from here on
+  Measure({"lspci"});  // loads files and libraries into the page cache
   Measure(Program(kFunctionClasses));
   for (unsigned round = 0; round < rounds; ++round) {
     const Taken lspci = Run("lspci", {"lspci"});
@@ -147,7 +149,8 @@ void Comparison::CompareListings(unsigned rounds) {
 void Comparison::CompareSlowTools() {
   const double list = Median(measures_.at("list wall"));
   const auto run = [this, list](const std::string& name, Command command) {
-    // What they take grows with the square of the functions: on large machines, a minute says all.
+    // Their time grows with the square of the number of functions; on large machines, a minute is
+    // enough.
     command.insert(command.begin(), {"timeout", "60"});
     const Taken taken = Run(name, command);
     if (WIFEXITED(taken.status) && WEXITSTATUS(taken.status) == 124) Add(name + " stopped", 1);

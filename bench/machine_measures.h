@@ -12,17 +12,17 @@ struct Programs {
   std::string lspciWrapper;  ///< bench_lspci
 };
 
-/// How often and what.
+/// What to measure and how often.
 struct Plan {
   unsigned functions = 0;
   unsigned rounds = 0;         ///< of the device list
-  unsigned listingRounds = 0;  ///< of the whole listings; 0 leaves them out
-  bool withSlowTools = false;  ///< once: lshw and hwinfo
+  unsigned listingRounds = 0;  ///< of the full listings; 0: not measured
+  bool withSlowTools = false;  ///< whether to run lshw and hwinfo, once
   bool withInstructions = false;
 };
 
-/// Makes the machine, moves this process into it, and measures the tools and the program there, one
-/// after the other in every round. To be called once in a process, which must have one thread.
+/// Creates the machine, moves this process into it, and measures the tools and the program there,
+/// one after the other in every round. Call it once in a process, which must have one thread.
 /// Throws std::exception.
 Measures MeasureMachine(const Plan& plan, const Programs& programs);
 

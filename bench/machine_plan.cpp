@@ -24,7 +24,7 @@ struct Address {
   std::string Text() const {
     return fmt::format("{:04x}:{:02x}:{:02x}.{}", domain, bus, device, function);
   }
-  // What the recipes call it.
+  // The address as recipes write it.
   std::string RecipeText() const { return domain == 0 ? Text().substr(5) : Text(); }
 };
 
@@ -32,7 +32,7 @@ struct BusRange {
   unsigned primary, secondary, subordinate;
 };
 
-// What may still be added.
+// How many functions and buses may still be added.
 struct Room {
   std::size_t functions, buses;
 };
@@ -55,7 +55,7 @@ class Planner {
 
   MachinePlan plan_;
   json functions_ = json::array();
-  unsigned ports_ = 0;  // of the socket
+  unsigned ports_ = 0;  // of the current socket
   std::uint64_t nextAddress_ = 0x90000000;
   unsigned nextCard_ = 0;
 };
@@ -148,7 +148,7 @@ void Planner::AddChipset() {
 
 void Planner::AddProcessorDevices(unsigned bus, std::size_t functions) {
   for (unsigned place = 0; place < functions; ++place) {
-    // Devices have the functions 0 to 5 or fewer, until a bus has to hold more than these.
+    // Devices have up to 6 functions, or 8 if the bus would be too small otherwise.
     const unsigned perDevice = functions > 6 * 32 ? 8 : 6;
     const DeviceKind& kind = ProcessorDevices()[place / 2 % ProcessorDevices().size()];
     Add(kind, {0, bus, place / perDevice, place % perDevice}, true);
@@ -161,7 +161,8 @@ void Planner::AddSocket(unsigned firstBus, unsigned buses, std::size_t functions
   if (firstBus == 0) AddChipset();
   ports_ = 0;
   unsigned nextBus = firstBus + 1;
-  // Two fifths are ports and cards; the rest, and all that found no bus, is the processor's.
+  // Two fifths are ports and cards; the rest, including those without a free bus, are devices of
+  // the processor.
   const std::size_t cardsEnd = functions_.size() + functions * 2 / 5;
   const auto ownBuses = static_cast<unsigned>(functions * 3 / 5 / (kFunctionsOfBus / 2) + 1);
   const unsigned busesEnd = nextBus + std::min<unsigned>(buses - 1 - ownBuses, kMostCards);

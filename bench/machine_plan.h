@@ -7,11 +7,11 @@
 
 namespace bench {
 
-/// A slot as the firmware describes it, and what is true of it.
+/// A slot as the firmware describes it, and the functions that are really in it.
 struct PlannedSlot {
   std::string designation;
   unsigned bus = 0;                    ///< 0: the slot is empty
-  std::vector<std::string> functions;  ///< those that sit in it, "0000:3b:00.0"
+  std::vector<std::string> functions;  ///< the functions in it, "0000:3b:00.0"
 };
 
 struct MachinePlan {
@@ -23,12 +23,12 @@ struct MachinePlan {
 inline constexpr std::size_t kFewestFunctions = 64;
 inline constexpr std::size_t kMostFunctions = 20000;
 
-/// A server with exactly `functions` PCI functions, the same one every time. It is filled as real
-/// ones are: processor sockets with a root bus each, root ports with cards behind them (network
-/// ports, drives, graphics, storage, switches with drives), empty slots, and buses full of the
-/// processors' own multi-function devices; configurations of 64, 256 and 4096 bytes with the
-/// capabilities of such devices; a few functions in PCI domains of their own, as volume management
-/// controllers make them. Throws std::invalid_argument for a number that it cannot make.
+/// Returns the plan of a server with exactly `functions` PCI functions, always the same one. It
+/// resembles real servers: processor sockets with a root bus each, root ports with cards behind
+/// them (network ports, drives, graphics, storage, switches with drives), empty slots, and buses
+/// full of the processors' own multi-function devices; configuration spaces of 64, 256 and 4096
+/// bytes with typical capabilities; a few functions in separate PCI domains, like behind volume
+/// management controllers. Throws std::invalid_argument for a number that is not possible.
 MachinePlan PlanMachine(std::size_t functions);
 
 }  // namespace bench

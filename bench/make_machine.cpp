@@ -1,5 +1,5 @@
-// bench_machine N FOLDER: writes the capture of a machine with N PCI functions.
-// bench_machine RECIPE.json FOLDER: that of the machine that a recipe tells (machine_recipe.h).
+// bench_machine N FOLDER: writes the capture of a machine with N PCI functions. bench_machine
+// RECIPE.json FOLDER: that of the machine of a recipe (machine_recipe.h).
 
 #include <cstdio>
 #include <cstdlib>

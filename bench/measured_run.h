@@ -9,7 +9,8 @@ namespace bench {
 /// A program with its arguments, the program's file or name first.
 using Command = std::vector<std::string>;
 
-/// What one run of a program took, with all that it started and waited for.
+/// Resources that one run of a program took, including the processes that it started and waited
+/// for.
 struct Taken {
   double wallSeconds = 0;
   double cpuSeconds = 0;  ///< user and system time
@@ -20,12 +21,12 @@ struct Taken {
   int status = 0;  ///< as waitpid reports it
 };
 
-/// Runs the program with an empty standard input; its output is read, counted and dropped, its
-/// messages are dropped. Throws std::runtime_error when it cannot be started.
+/// Runs the program with an empty standard input. Counts and drops its output; drops its messages.
+/// Throws std::runtime_error when it cannot be started.
 Taken Measure(const Command& command);
 
-/// As long as it lives, every `lspci` of this mount namespace notes the CPU time that it takes.
-/// That costs a few milliseconds a run, so wall times are to be taken without it.
+/// During its lifetime, every `lspci` in this mount namespace records the CPU time that it takes.
+/// That takes a few milliseconds per run, so measure wall times without it.
 class LspciCounter final {
  public:
   /// `wrapper` is bench_lspci. Needs a mount namespace of its own. Throws std::runtime_error.
@@ -34,7 +35,7 @@ class LspciCounter final {
   LspciCounter& operator=(const LspciCounter&) = delete;
   ~LspciCounter();
 
-  /// Measures with lspciSeconds.
+  /// Like Measure, but sets lspciSeconds.
   static Taken Measure(const Command& command);
 };
 

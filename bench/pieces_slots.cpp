@@ -28,7 +28,7 @@ void DecodeSlot(benchmark::State& state) {
 }
 BENCHMARK(DecodeSlot);
 
-// A function in no slot, with nobody to read the log: a line for each slot all the same.
+// A function in no slot. Nobody reads the log, but each slot writes a line.
 void CorrelateWithNoSlot(benchmark::State& state) {
   vtq::SetCoreLogger(std::make_shared<vtq::Logger>());
   std::vector<SlotBusCollection> slots(static_cast<std::size_t>(state.range(0)));

@@ -6,8 +6,8 @@
 
 namespace bench {
 
-/// An SVG picture of wall time (least of the rounds) against the number of functions, a line a
-/// program, both axes logarithmic.
+/// Returns an SVG plot of the wall time (least of the rounds) against the number of functions, one
+/// line per program, with logarithmic axes.
 std::string MakePlot(const Results& results);
 
 }  // namespace bench

@@ -7,11 +7,11 @@
 
 namespace bench {
 
-/// What was measured of one machine: a name for what it is, and a number for each round. Times are
-/// in seconds, memory in bytes, ratios are made within a round.
+/// The measures of one machine: by name, a number for each round. Times are in seconds, memory in
+/// bytes; ratios are computed within a round.
 using Measures = std::map<std::string, std::vector<double>>;
 
-/// Of all machines, by their numbers of functions.
+/// The measures of all machines, by the number of functions.
 using Results = std::map<unsigned, Measures>;
 
 inline double Least(const std::vector<double>& values) {

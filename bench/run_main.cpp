@@ -1,4 +1,4 @@
-// bench_run: measures pciinfo beside the tools that people know, and writes the results down.
+// bench_run: measures pciinfo and other tools, and writes the results to docs/.
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -36,7 +36,7 @@ struct Settings {
   std::string against;  ///< another build of pciinfo to compare with; empty: none
 };
 
-// Fewer rounds where each takes long, more where a moment of the machine's own weighs much.
+// Fewer rounds if each takes long, more rounds if a short disturbance would change the result.
 unsigned RoundsFor(unsigned functions, unsigned rounds) {
   if (functions > 4096) return (rounds + 2) / 3;
   return rounds * std::clamp(4096 / std::max(functions, 1U), 1U, 16U);
@@ -52,7 +52,7 @@ Plan PlanFor(unsigned functions, const Settings& settings) {
   return plan;
 }
 
-// A process serves one machine only.
+// A separate process, because a process can move into only one machine.
 Measures MeasureInProcess(unsigned functions, const std::function<Measures()>& measure) {
   const std::string file = fmt::format("/dev/shm/pciinfo-bench-results-{}", getpid());
   // Open before the process changes its view of the file system.
@@ -95,7 +95,7 @@ std::string VersionOf(const std::string& command) {
   return std::string(line, std::string_view(line).find_last_not_of('\n') + 1);
 }
 
-// Without what whoever built the kernel has put behind its number.
+// Returns the version number of a kernel release, without the suffix of the distribution.
 std::string Version(const std::string& release) { return release.substr(0, release.find('-')); }
 
 std::string Circumstances() {
@@ -143,26 +143,26 @@ CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
       ->delimiter(',')
       ->capture_default_str();
   app.add_option("--rounds", settings.rounds,
-                 "How often the device list of 4,096 functions is measured")
+                 "Number of measurements of the device list of 4,096 functions")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
   app.add_option(
          "--slow-tools-up-to", settings.slowToolsUpTo,
-         "Run lshw and hwinfo, once and for a minute at most, on machines of so many functions")
+         "Run lshw and hwinfo (once, at most a minute) on machines with up to this many functions")
       ->capture_default_str();
-  app.add_flag("!--no-instructions", settings.withInstructions, "Count no instructions (valgrind)");
+  app.add_flag("!--no-instructions", settings.withInstructions, "Do not count instructions (valgrind)");
   app.add_option("--against", settings.against,
                  "Only compare with this other build of pciinfo, 200 times each in turn")
       ->check(CLI::ExistingFile);
   return app.add_option("--docs", settings.docs,
-                        "Folder whose performance.md and performance.svg are written anew");
+                        "Directory in which performance.md and performance.svg are rewritten");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   Settings settings;
-  CLI::App app("Measures pciinfo beside lspci, lshw and hwinfo on made-up machines.", "bench/run");
+  CLI::App app("Measures pciinfo, lspci, lshw and hwinfo on generated machines.", "bench/run");
   AddOptions(app, settings);
   CLI11_PARSE(app, argc, argv);
   try {

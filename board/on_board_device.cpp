@@ -14,11 +14,11 @@ using NQZMVTQ20::TVTQException;
 
 namespace {
 
-// A function that has no readable slot number was not found in any slot, so it is on the board.
+// A function without a readable slot number was found in no slot, so it is on the board.
 bool IsOnBoard(const ICIMInstance& function) {
   try {
     const TCIMValue number = function.GetProperty("UINumber", {}).value;
-    // Most functions have none: reading it would throw, which takes long.
+    // Checked first, because most functions have none and an exception for each would take long.
     return number.IsNull() || static_cast<unsigned char>(number) == 0;
   } catch (...) {
     return true;
@@ -36,8 +36,8 @@ std::vector<TPropertyMap> TSysBrd::MakeDeviceBoardAssociation() {
     AppendHeldInstances(*nameSpace, kPciDeviceClass, &functions);
     AppendHeldInstances(*nameSpace, kPciBridgeClass, &functions);
   } catch (const TVTQException& failure) {
-    // The text is the one of the device-slot association: log readers look for both under one
-    // name, the run of seven tabs included.
+    // The same text as for the device-slot association, because log readers match both by one text,
+    // including the seven tabs.
     WriteStatus(
         "PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
         "enumerating CIM instances for " +

@@ -30,7 +30,7 @@ std::vector<ICIMInstance*> TSysBrd::GetCIMInstances(std::string className) {
     try {
       instances.push_back(MakeInstance(map, className));
     } catch (const TVTQException& failure) {
-      // Log readers match this line whole, the run of nine tabs included.
+      // Log readers match the whole line, including the nine tabs.
       WriteStatus(
           "Logical System Board info encountered an error\t\t\t\t\t\t\t\t\t"
           "generating CIM instances. Error Code: " +

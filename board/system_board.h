@@ -6,7 +6,7 @@
 
 #include "plugin/collector.h"
 
-/// Collector of the logical system board and of its associations with the functions that sit on it.
+/// Collector of the logical system board and of its associations with the functions on it.
 class VTQ_EXPORT TSysBrd : public TPci {
  public:
   explicit TSysBrd(std::shared_ptr<NQZMVTQ20::ICIMClass> cimClass);
@@ -17,10 +17,11 @@ class VTQ_EXPORT TSysBrd : public TPci {
   using TPci::GetCIMInstances;
   std::vector<NQZMVTQ20::ICIMInstance*> GetCIMInstances(std::string className) override;
 
-  /// The one map of the board. System keys that the framework cannot tell are empty texts.
+  /// Returns a single map, for the board. System keys that the framework does not know are empty
+  /// texts.
   std::vector<TPropertyMap> PopulateSysbrdProperties();
 
-  /// A map for each PCI device, then each bridge, that the framework holds and that is in no slot:
-  /// its "UINumber" is 0 or cannot be read. Empty when the framework holds no board.
+  /// Returns a map for each PCI device, then for each bridge, that the framework holds and that is
+  /// in no slot: its "UINumber" is 0 or cannot be read. Empty if the framework holds no board.
   std::vector<TPropertyMap> MakeDeviceBoardAssociation();
 };

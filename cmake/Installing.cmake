@@ -1,17 +1,17 @@
-# Where plug-ins are installed, and what is installed beside programs and libraries. Each part of the
-# installation is a component: library, plugin, tool, development.
+# Where plug-ins are installed, and which files are installed besides programs and libraries. Each
+# part of the installation is a component: library, plugin, tool, development.
 
-# A folder of its own: a plug-in is no library that anybody links.
+# A separate directory, because plug-ins are loaded by path and never linked.
 set(PCIINFO_PLUGIN_FOLDER ${CMAKE_INSTALL_LIBDIR}/pciinfo)
 
-# Below /usr the system's own search path finds the libraries.
+# Below /usr the system's search path finds the libraries.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set(CMAKE_SKIP_INSTALL_RPATH ON)
 endif()
 
-# Where a target looks for its libraries: PLACES fit the build tree and the installation alike. Left
-# to itself, CMake links with a path of its own for the build tree and adds an empty one, which to
-# the loader is the current directory, whoever wrote what is in it.
+# Sets where a target finds its libraries. PLACES are valid in the build tree and in the
+# installation. By default, CMake would add an empty path, which the loader reads as the current
+# directory; anybody could put a library there.
 function(pciinfo_find_libraries target)
   set_target_properties(${target} PROPERTIES INSTALL_RPATH "${ARGN}")
   if(NOT CMAKE_SKIP_INSTALL_RPATH)

@@ -1,4 +1,4 @@
-# Debian packages: cpack -G DEB. Configure with -DCMAKE_INSTALL_PREFIX=/usr, where they install to.
+# Debian packages: cpack -G DEB. Configure with -DCMAKE_INSTALL_PREFIX=/usr.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The pciinfo authors <pciinfo@example.org>")
 set(CPACK_PACKAGE_VENDOR "The pciinfo authors")
@@ -29,7 +29,7 @@ set(framework "a hardware data-collection framework")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvtq${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-# Versions of the libraries that programs need, for their packages.
+# The shlibs files: which package provides each library.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
   ${CPACK_WRITTEN_FILES}/shlibs ${PROJECT_SOURCE_DIR}/packaging/triggers)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "libraries of ${framework}
@@ -51,15 +51,15 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
   "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}, pciinfo-plugin ${same}")
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "which PCI cards are in this server, and in which slots
  Shows PCI functions, system slots with the cards in them, and what is on the
- board, as tables and in formats for other programs. Keeps captures of
- machines and shows them anywhere.")
+ board, as tables and in formats for other programs. Saves captures of
+ machines and shows them elsewhere.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvtq-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS pciinfo)
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "what plug-ins of ${framework} are built with
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "files to build plug-ins of ${framework}
  Headers, a CMake package (find_package(vtq)) and an example of a plug-in that
- publishes a class of its own.")
+ publishes its own class.")
 include(CPack)

@@ -1,4 +1,4 @@
-# Warnings, sanitizers, coverage and symbol binding that every target of the project is compiled with.
+# Compiler options of every target: warnings, sanitizers, coverage, symbol binding.
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(PCIINFO_WERROR)
   add_compile_options(-Werror)
@@ -6,13 +6,14 @@ endif()
 if(PCIINFO_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
-  # g++ sees uninitialised variables in instrumented library templates (<regex>) that are none.
+  # g++ warns wrongly of uninitialised variables in instrumented library templates (<regex>).
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wno-maybe-uninitialized)
   endif()
 endif()
-# Counts which lines and branches run; tools/coverage reads the counts. clang's counts follow the
-# source's conditions, where g++'s follow the machine's jumps, hidden ones of exceptions included.
+# Counts which lines and branches run; tools/coverage reads the counts. Uses clang, because it
+# counts the conditions in the source; g++ counts jumps in the machine code, including those of
+# exceptions.
 if(PCIINFO_COVERAGE)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     message(FATAL_ERROR "PCIINFO_COVERAGE needs clang: cmake --preset asan-clang")
@@ -21,11 +22,11 @@ if(PCIINFO_COVERAGE)
     -fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%m.profraw -fcoverage-mapping)
   add_link_options(-fprofile-instr-generate)
 endif()
-# A library with unique symbols is never unloaded.
+# The loader never unloads a library with unique symbols.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fno-gnu-unique)
 endif()
-# Debian 12's valgrind does not read the newer form that clang writes by itself.
+# The valgrind of Debian 12 cannot read the newer DWARF version, which is clang's default.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   add_compile_options(-gdwarf-4)
 endif()

@@ -7,6 +7,6 @@ function(vtq_add_plugin name)
   target_link_libraries(${name} PRIVATE vtq::core vtq::base)
   set_target_properties(${name} PROPERTIES
     PREFIX "" SUFFIX ".pi.so" CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-  # A library with unique symbols is never unloaded.
+  # The loader never unloads a library with unique symbols.
   target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 endfunction()

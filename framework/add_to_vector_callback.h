@@ -5,8 +5,8 @@
 
 namespace NQZMVTQ20 {
 
-/// The callable for enumerations that collects: appends everything it is given to a vector, which
-/// it does not own and which must outlive it, and answers true so that the enumeration goes on.
+/// A callback for enumerations that collects: appends each element to a vector, which it does not
+/// own and which must outlive it, and returns true, so that the enumeration continues.
 template <class T>
 class TAddToVectorCallback {
  public:

@@ -10,19 +10,19 @@ namespace NQZMVTQ20 {
 
 class ICIMClass;
 
-/// A property as an instance holds it.
+/// A property of an instance.
 struct TCIMProperty {
   std::string name;
   TCIMValue value;  ///< null when the class declares the property and the instance has not set it
 };
 
-/// One instance of a CIM class. Shared between the framework and whoever asked for it; all calls
-/// come on one thread.
+/// One instance of a CIM class. Shared between the framework and the plug-in. All calls come on one
+/// thread.
 class ICIMInstance {
  public:
   virtual ~ICIMInstance() = default;
 
-  /// The class it was created from; never null. Throws TVTQException when that class is gone.
+  /// The class of the instance; never null. Throws TVTQException when that class no longer exists.
   virtual std::shared_ptr<ICIMClass> GetClass(const TQualifierMap& qualifiers) const = 0;
 
   /// The object path made of the key properties. Throws TVTQException when one of them is unset.
@@ -39,8 +39,8 @@ class ICIMInstance {
   virtual void SetProperty(const std::string& name, const TCIMValue& value,
                            const TQualifierMap& qualifiers) = 0;
 
-  /// Hands the instance to the framework, which holds it from then on. If the framework already
-  /// holds an instance with this object path, it is replaced and keeps its position in the
+  /// Passes the instance to the framework, which holds it from then on. If the framework already
+  /// holds an instance with this object path, this one replaces it, at the same position in the
   /// enumeration order. Throws TVTQException when a key property is unset.
   virtual void Commit(const TQualifierMap& qualifiers) = 0;
 };

@@ -10,8 +10,8 @@ namespace NQZMVTQ20 {
 
 class TCIMValue;
 
-/// The object path of one instance: namespace, class and key values. A value type; a copy shares
-/// the immutable parts and costs O(1).
+/// The object path of one instance: namespace, class and key values. A value type; copies share the
+/// immutable parts, so copying takes O(1).
 class VTQ_EXPORT TCIMReference {
  public:
   /// Key bindings, sorted by key name.
@@ -20,9 +20,9 @@ class VTQ_EXPORT TCIMReference {
   /// The null reference: no class, no keys, an empty path text.
   TCIMReference();
 
-  /// The path of the instance of `className` in `nameSpace` ("root/cimv2", no leading slash) that
-  /// `keys` select. Throws TVTQException when a key is null, an array or a real number: none of
-  /// them can stand in a path.
+  /// The path of the instance of `className` in `nameSpace` ("root/cimv2", no leading slash) with
+  /// the key values `keys`. Throws TVTQException when a key is null, an array or a real number,
+  /// which cannot be part of a path.
   TCIMReference(const std::string& nameSpace, const std::string& className, const TKeyMap& keys);
 
   bool IsNull() const noexcept;
@@ -31,8 +31,8 @@ class VTQ_EXPORT TCIMReference {
   const TKeyMap& GetKeys() const noexcept;
 
   /// The untyped WBEM URI (DSP0207): `/root/cimv2:Class.key="v",...`, keys sorted by name. Inside
-  /// quotes `\` and `"` are escaped with a backslash and nothing else is; integers are decimal,
-  /// booleans TRUE or FALSE; a reference key is the quoted, escaped path of its target.
+  /// quotes, `\` and `"` are escaped with a backslash, other characters are not; integers are
+  /// decimal, booleans TRUE or FALSE; a reference key is the quoted, escaped path of its target.
   const std::string& ToString() const noexcept;
 
   /// Two references are equal when their path texts are.

@@ -12,10 +12,10 @@
 namespace NQZMVTQ20 {
 
 /// One CIM value: null, a scalar, or an array of scalars of one type (DSP0004, 5.1.2). A value
-/// type: copying an array shares its immutable elements and costs O(1) whatever its length.
+/// type; copies of an array share its immutable elements, so copying takes O(1).
 class VTQ_EXPORT TCIMValue {
  public:
-  /// The element type of a value. Whether a value is an array is said by the value.
+  /// The type of a scalar or of the elements of an array (see TCIMValue::IsArray).
   class VTQ_EXPORT TCIMType {
    public:
     /// The framework's type codes.
@@ -78,9 +78,9 @@ class VTQ_EXPORT TCIMValue {
   /// has another length.
   static TCIMValue DateTime(std::string text);
 
-  /// Makes this value an array of `type` holding `elements`, which it takes over. An empty array
-  /// is not null. Throws TVTQException, leaving the value as it was, when `count` is not the
-  /// number of elements, or an element is neither null nor a scalar of `type`.
+  /// Makes this value an array of `type` with `elements`, which it takes over. An empty array is
+  /// not null. Throws TVTQException and leaves the value unchanged when `count` is not the number
+  /// of elements, or an element is neither null nor a scalar of `type`.
   void Set(TCIMType type, std::uint32_t count, TArray elements);
 
   bool IsNull() const noexcept { return std::holds_alternative<std::monostate>(data_); }
@@ -90,8 +90,8 @@ class VTQ_EXPORT TCIMValue {
   /// The type of the scalar or of the array's elements.
   TCIMType GetType() const noexcept { return type_; }
 
-  /// Integers. Every integer type converts to every other as long as the number fits. Throws
-  /// TVTQException when the value is null, an array, not an integer, or does not fit.
+  /// Integers. Every integer type converts to every other if the number fits. Throws TVTQException
+  /// when the value is null, an array or not an integer, or does not fit.
   explicit operator unsigned char() const;
   explicit operator signed char() const;
   explicit operator unsigned short() const;
@@ -104,12 +104,12 @@ class VTQ_EXPORT TCIMValue {
   explicit operator bool() const;
   /// Throws TVTQException unless the value is a real32 or real64.
   explicit operator double() const;
-  /// The text of a string or datetime, the path text of a reference. Throws TVTQException for
-  /// everything else, null included.
+  /// The text of a string or datetime, or the path text of a reference. Throws TVTQException for
+  /// all other values, including null.
   explicit operator std::string() const;
 
-  /// The text of a string or datetime without a copy; valid as long as this value is unchanged.
-  /// Throws TVTQException for everything else.
+  /// The text of a string or datetime, not copied; valid until this value changes. Throws
+  /// TVTQException for all other values.
   const std::string& GetString() const;
   /// Throws TVTQException unless the value is a reference.
   const TCIMReference& GetReference() const;

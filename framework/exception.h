@@ -8,8 +8,8 @@
 
 namespace NQZMVTQ20 {
 
-/// The one exception type of the framework's operations. `what()` is a readable description of
-/// the failure, without a line end.
+/// The exception that all operations of the framework throw. `what()` describes the failure,
+/// without a line end.
 class VTQ_EXPORT TVTQException : public std::runtime_error {
  public:
   /// `description` becomes `what()`; `code` is never kSuccess.

@@ -1,5 +1,5 @@
 #pragma once
 
-// Marks what a library shows to the other side of the plug-in boundary. Everything is compiled
-// with hidden visibility, so a class that crosses the boundary must say so.
+// Exports a symbol from a library. Everything is compiled with hidden visibility, so a class that
+// is used on both sides of the plug-in boundary needs this mark.
 #define VTQ_EXPORT __attribute__((visibility("default")))

@@ -2,9 +2,9 @@
 
 namespace NQZMVTQ20 {
 
-// The version of this contract, which a plug-in answers as "MAJOR.MINOR" (GetInterfaceVersion). A
-// host takes plug-ins of its own major version and of a minor version that is not above its own: a
-// change that old plug-ins cannot live with raises the first number, an addition the second.
+// The version of this contract, which a plug-in returns as "MAJOR.MINOR" (GetInterfaceVersion). A
+// host accepts plug-ins of its own major version and of the same or a lower minor version. A change
+// that breaks old plug-ins raises the major version, an addition the minor version.
 inline constexpr int kInterfaceMajorVersion = 1;
 inline constexpr int kInterfaceMinorVersion = 0;
 

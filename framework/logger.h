@@ -23,9 +23,9 @@ class ILogger {
   virtual void Write(EVTQLogSeverity severity, const std::string& text) noexcept = 0;
 };
 
-/// Writes one record to the core logger, for code that has no collector at hand. `severity` is a
-/// number of ILogger::EVTQLogSeverity, `text` a zero-terminated text (copied; null writes
-/// nothing). Never throws.
+/// Writes one record to the core logger, for code without a collector. `severity` is a number of
+/// ILogger::EVTQLogSeverity, `text` a zero-terminated text (copied; null writes nothing). Never
+/// throws.
 VTQ_EXPORT void fdrWriteLog(int severity, const char* text) noexcept;
 
 }  // namespace NQZMVTQ20

@@ -9,19 +9,18 @@ class ICIMClass;
 class ICIMNamespace;
 class TPluginManagerProvider;
 
-/// What a plug-in implements, beside IPluginCallbacks, to answer queries.
+/// The interface that a plug-in implements, besides IPluginCallbacks, to answer queries.
 class IPluginBasicQueryCallbacks {
  public:
   virtual ~IPluginBasicQueryCallbacks() = default;
 
-  /// Creates and commits the instances of `classes`, in their order. A class that the plug-in
-  /// does not serve is skipped. What leaves by exception ends the query; instances committed
-  /// before stay.
+  /// Creates and commits the instances of `classes`, in their order. Skips classes that the plug-in
+  /// does not provide. An exception ends the query; instances that were committed before stay.
   virtual void GetData(std::shared_ptr<ICIMNamespace> nameSpace,
                        std::vector<std::shared_ptr<ICIMClass>>& classes) = 0;
 
-  /// Called by the plug-in manager once the object is registered, and by nobody else. `provider`
-  /// is not owned and outlives the object.
+  /// Called only by the plug-in manager, after the object is registered. `provider` is not owned
+  /// and outlives the object.
   void SetProvider(TPluginManagerProvider* provider) noexcept { provider_ = provider; }
 
  protected:

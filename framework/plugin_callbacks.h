@@ -4,10 +4,10 @@
 
 namespace NQZMVTQ20 {
 
-/// What every plug-in implements. A plug-in makes one object on the heap when its library is
-/// loaded and registers it; the framework owns it from then on and ends its life with
-/// PrepareForUnload. All calls come on one thread, in the order Init, queries, DeInit,
-/// PrepareForUnload. The order of the declarations is the binary interface.
+/// The interface that every plug-in implements. When its library is loaded, a plug-in creates one
+/// object on the heap and registers it. The framework owns the object from then on and destroys it
+/// by PrepareForUnload. All calls come on one thread, in the order Init, queries, DeInit,
+/// PrepareForUnload. The order of the declarations is part of the binary interface.
 class IPluginCallbacks {
  public:
   virtual ~IPluginCallbacks() = default;
@@ -17,11 +17,11 @@ class IPluginCallbacks {
   virtual std::string GetName() = 0;
   virtual std::string GetVersion() = 0;
   /// The version of the contract that the plug-in was compiled against, as "MAJOR.MINOR" (see
-  /// interface_version.h). This function and those before and right after it keep their places in
-  /// every version, so that a host can refuse a plug-in and end its object.
+  /// interface_version.h). This function, those before it and the next one keep their positions in
+  /// every version, so that a host can refuse a plug-in and destroy its object.
   virtual std::string GetInterfaceVersion() = 0;
-  /// Destroys the object itself. Next, the library is unloaded, or the process ends without that;
-  /// nothing of the library may be used after.
+  /// Destroys the object itself. After it the library is unloaded, or the process ends; code of the
+  /// library must not be used any more.
   virtual void PrepareForUnload() = 0;
   virtual void Init() = 0;
   virtual void DeInit() = 0;

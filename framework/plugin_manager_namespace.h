@@ -6,14 +6,14 @@ namespace NQZMVTQ20 {
 
 class IPluginCallbacks;
 
-/// The plug-in registry. It is reached as a namespace (TRootObject::GetPluginManager) and
-/// recognised by its run-time type.
+/// The plug-in registry. TRootObject::GetPluginManager returns it as a namespace; use
+/// dynamic_pointer_cast to get this type.
 class TPluginManagerNamespace : public ICIMNamespace {
  public:
-  /// Takes over `callbacks`, which must live on the heap. Called while the plug-in's library is
-  /// being loaded, possibly from the object's own constructor: nothing is called on the object
-  /// before the call returns. Throws TVTQException when the object is null; an object that is
-  /// refused stays the caller's.
+  /// Takes ownership of `callbacks`, which must be on the heap. Called while the plug-in's library
+  /// is being loaded, possibly from the object's own constructor, so no function of the object is
+  /// called before this call returns. Throws TVTQException when the object is null; the caller
+  /// keeps ownership of a refused object.
   virtual void RegisterPlugin(IPluginCallbacks* callbacks) = 0;
 };
 

@@ -4,9 +4,9 @@
 
 namespace NQZMVTQ20 {
 
-/// The handle by which the framework knows one plug-in. Made and owned by the plug-in manager,
-/// which sets it in the plug-in's object after registration and keeps it alive until the plug-in is
-/// unloaded. A plug-in passes it on to the framework's libraries; it has no other use there.
+/// The handle of one plug-in in the framework. Created and owned by the plug-in manager, which sets
+/// it in the plug-in's object after registration and keeps it alive until the plug-in is unloaded.
+/// A plug-in only passes it to the framework's libraries.
 class TPluginManagerProvider {
  public:
   explicit TPluginManagerProvider(std::string pluginFile) : pluginFile_(std::move(pluginFile)) {}

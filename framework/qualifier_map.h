@@ -7,8 +7,8 @@
 
 namespace NQZMVTQ20 {
 
-/// Qualifiers that go with an operation on a class, an instance or a namespace, by name. Plug-ins
-/// pass an empty map; the operations define no qualifier that changes their effect.
+/// Qualifiers of an operation on a class, an instance or a namespace, by name. Plug-ins pass an
+/// empty map, because no operation defines a qualifier.
 using TQualifierMap = std::map<std::string, TCIMValue>;
 
 }  // namespace NQZMVTQ20

@@ -9,14 +9,14 @@ namespace NQZMVTQ20 {
 class ICIMNamespace;
 class ILogger;
 
-/// The way to the framework's singletons.
+/// Returns the framework's singletons.
 class VTQ_EXPORT TRootObject {
  public:
-  /// The core logger; never null (a logger that drops everything where the host set none).
+  /// The core logger; never null (if the host has set none, a logger that drops everything).
   static std::shared_ptr<ILogger> GetCoreLogger();
 
-  /// The plug-in manager, a TPluginManagerNamespace behind its base class; null where there is
-  /// none. Release it before the library is unloaded.
+  /// The plug-in manager, a TPluginManagerNamespace; null if there is none. Release the pointer
+  /// before the library is unloaded.
   static std::shared_ptr<ICIMNamespace> GetPluginManager();
 };
 

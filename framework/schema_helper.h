@@ -9,16 +9,16 @@ namespace NQZMVTQ20 {
 
 class ICIMNamespace;
 
-/// The key values by which a namespace names the computer system that it describes.
+/// The key values that identify the computer system of a namespace.
 class VTQ_EXPORT TCIMSchemaHelper {
  public:
   /// The CreationClassName of the system ("CIM_ComputerSystem"). Throws TVTQException when
   /// `nameSpace` is null.
   static std::string GetSystemCreationClassName(std::shared_ptr<ICIMNamespace> nameSpace);
 
-  /// The Name of the system: its fully qualified host name where it has one, else its host name;
-  /// empty when it has none. A warning in the log tells when its domain could not be looked for.
-  /// Throws TVTQException when `nameSpace` is null.
+  /// The Name of the system: its fully qualified host name if it has one, else its host name; empty
+  /// if it has none. A warning in the log says if the domain could not be determined. Throws
+  /// TVTQException when `nameSpace` is null.
   static std::string GetSystemName(std::shared_ptr<ICIMNamespace> nameSpace);
 };
 

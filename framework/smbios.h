@@ -7,14 +7,14 @@ namespace NQZMVTQ20 {
 
 class TPluginManagerProvider;
 
-// Access to the firmware's SMBIOS structures, in table order (DSP0134). A handle holds its own
-// copy of the table and a position in it; it is used on one thread. No function throws, and none
-// ever writes past what its arguments allow.
+// Access to the firmware's SMBIOS structures, in table order (DSP0134). A handle has its own copy
+// of the table and a position in it, and is used on one thread. No function throws or writes past
+// the end of a buffer.
 //
-// Every function answers kInvalidArgument for a null pointer (the provider excepted) and
-// otherwise the codes that it lists.
+// Every function returns kInvalidArgument for a null pointer (except the provider), else one of the
+// codes that it lists.
 
-/// Room that smBiosGetVersion needs, terminating zero included.
+/// Size of the buffer for smBiosGetVersion, including the terminating zero.
 inline constexpr int kSmBiosVersionSize = 16;
 
 /// Reads and checks the entry point and the table, and stores a new handle in `*handle`, which the
@@ -26,12 +26,12 @@ inline constexpr int kSmBiosVersionSize = 16;
 VTQ_EXPORT TVTQStatusCode::EVTQStatusCode smBiosLoad(const TPluginManagerProvider* provider,
                                                      void** handle) noexcept;
 
-/// Writes the SMBIOS version as "MAJOR.MINOR", both decimal, into `version`, which has room for
+/// Writes the SMBIOS version as "MAJOR.MINOR", both decimal, to `version`, a buffer of
 /// kSmBiosVersionSize characters.
 VTQ_EXPORT TVTQStatusCode::EVTQStatusCode smBiosGetVersion(void* handle, char* version) noexcept;
 
-/// Goes to the first structure of `type` (0 to 255) and copies it into `buffer`: the formatted
-/// area, the string set and the two zero bytes that end it.
+/// Copies the first structure of `type` (0 to 255) to `buffer`: the formatted area, the string set
+/// and the two zero bytes that end it.
 ///
 /// `*size` is the capacity of `buffer` in bytes. It is never changed, so one size word serves a
 /// whole walk.
@@ -41,8 +41,8 @@ VTQ_EXPORT TVTQStatusCode::EVTQStatusCode smBiosGetVersion(void* handle, char* v
 VTQ_EXPORT TVTQStatusCode::EVTQStatusCode smBiosGetFirst(void* handle, int type, void* buffer,
                                                          int* size) noexcept;
 
-/// The same for the next structure of the type that smBiosGetFirst was asked for. A table that is
-/// cut short, or that holds a structure with a length below 4, ends there.
+/// Copies the next structure of the type that was passed to smBiosGetFirst. A truncated table ends
+/// at its last complete structure, and a table ends before a structure with a length below 4.
 VTQ_EXPORT TVTQStatusCode::EVTQStatusCode smBiosGetNext(void* handle, void* buffer,
                                                         int* size) noexcept;
 

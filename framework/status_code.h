@@ -2,17 +2,17 @@
 
 namespace NQZMVTQ20 {
 
-/// Scope of the framework's status codes. A code is passed on as a plain number: 0 is success,
-/// everything else says why not.
+/// The framework's status codes. A code is passed on as a plain number: 0 is success, every other
+/// code is a reason of failure.
 struct TVTQStatusCode {
   enum EVTQStatusCode : int {
     kSuccess = 0,          ///< done
     kInvalidArgument = 1,  ///< the caller passed a null or otherwise unusable argument
-    kNotFound = 2,         ///< the thing asked for does not exist, or a walk has reached its end
-    kFailure = 3,          ///< could not be done; no more is known
+    kNotFound = 2,         ///< the requested item does not exist, or a walk has reached its end
+    kFailure = 3,          ///< failed for another reason
     kAccessDenied = 4,     ///< exists, but this user may not read it
-    kBufferTooSmall = 5,   ///< the caller's buffer cannot hold the answer; nothing was copied
-    kCorruptData = 6,      ///< the data is there, but its checksum, length or layout is wrong
+    kBufferTooSmall = 5,   ///< the caller's buffer is too small; nothing was copied
+    kCorruptData = 6,      ///< the data exists, but its checksum, length or layout is wrong
   };
 };
 

@@ -1,4 +1,4 @@
-// Hexadecimal numbers, and the texts that different sources write for a function's address.
+// Hexadecimal numbers, and a function's address in the formats of different sources.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -25,7 +25,7 @@ bool IsHex(const std::string& text) {
          std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isxdigit(c); });
 }
 
-// The function's digits, behind which anything may follow that makes no prefix of them.
+// The function's digits; any text may follow that does not make them a prefix "0x".
 std::string HexBeginning(const std::string& text) {
   const auto isHex = [](unsigned char c) { return std::isxdigit(c); };
   const auto end = std::find_if_not(text.begin(), text.end(), isHex);
@@ -35,9 +35,9 @@ std::string HexBeginning(const std::string& text) {
 
 void CheckNumbers(const std::string& text) {
   Require(ExtractDecimalDataToHex<unsigned short>(text) == PlainHex<unsigned short>(text),
-          "a 16-bit number is what a hexadecimal stream reads");
+          "a 16-bit number is the one that a hexadecimal stream reads");
   Require(ExtractDecimalDataToHex<unsigned int>(text) == PlainHex<unsigned int>(text),
-          "a 32-bit number is what a hexadecimal stream reads");
+          "a 32-bit number is the one that a hexadecimal stream reads");
 }
 
 void CheckDeviceKey(const std::string& text) {
@@ -45,7 +45,7 @@ void CheckDeviceKey(const std::string& text) {
   const std::size_t colon = text.find(':');
   const std::size_t dot = text.find('.');
   if (colon == std::string::npos || dot == std::string::npos || dot < colon) {
-    return Require(key.empty(), "a text without \":\" and \".\" behind it has no key");
+    return Require(key.empty(), "a text without \":\" and a later \".\" has no key");
   }
   const std::string bus = text.substr(0, colon);
   const std::string device = text.substr(colon + 1, dot - colon - 1);
@@ -72,12 +72,13 @@ void CheckLocationKey(const std::string& text) {
 }
 
 void CheckProbedAddress(const std::string& output) {
-  std::string last = output.substr(output.rfind('/') + 1);  // all of it without a slash
+  std::string last = output.substr(output.rfind('/') + 1);  // all of it if there is no slash
   last.erase(0, std::min<std::size_t>(last.size(), 5));
-  Require(LastProbedAddress(output) == last, "what stands behind the last slash and the domain");
+  Require(LastProbedAddress(output) == last,
+          "the address is the text after the last slash and the domain");
 }
 
-// All texts of one address lead to the same key.
+// All texts of one address give the same key.
 void CheckAddress(const PciAddress& address) {
   const std::string key = DeviceKey(address.bus, address.device, address.function);
   const std::string location = "PCI" + address.LegacyKey();
@@ -95,7 +96,7 @@ void CheckLocation(const std::string& text) {
   const auto parsed = pciinfo::ParseLocation(text);
   if (!parsed) return;
   Require(parsed->bus < 256 && parsed->device < 32 && parsed->function < 8, "numbers are in range");
-  // Zeros in front of a number are no part of it.
+  // Leading zeros are not part of a number.
   unsigned numbers[3] = {256, 256, 256};
   int end = 0;
   const std::string plain = DeviceKeyFromLocation(text);

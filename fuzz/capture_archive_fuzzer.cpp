@@ -1,5 +1,5 @@
-// Captures as archives from anybody. An input is an archive, so that one that is found can be given
-// to the program as it is.
+// Captures as untrusted archives. An input is an archive, so that a finding can be passed to the
+// program unchanged.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -40,12 +40,12 @@ void fuzz::CheckInput(std::string_view input) {
   CheckCapture("/proc/self/fd/" + std::to_string(memory.Get()));
 }
 
-// The fuzzer's own changes to an input; only the fuzzer has them.
+// libFuzzer's default mutation; missing in builds without libFuzzer.
 extern "C" __attribute__((weak)) std::size_t LLVMFuzzerMutate(std::uint8_t* bytes, std::size_t size,
                                                               std::size_t most);
 
-// An archive whose headers have wrong sums is refused before anything of it is looked at, so most
-// changed inputs get right ones.
+// An archive whose headers have wrong checksums is refused at once, so most changed inputs get
+// correct ones.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t size,
                                                std::size_t most, unsigned seed) {
   size = LLVMFuzzerMutate(bytes, size, most);

@@ -1,5 +1,5 @@
-// Captures as folders from anybody. An input has a line for each thing in the folder: its kind, its
-// path, and behind a tab the content or the target.
+// Captures as untrusted directories. An input has a line for each entry of the directory: its kind,
+// its path, and after a tab its content or target.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,12 +17,13 @@ namespace fs = std::filesystem;
 
 constexpr int kMostThings = 64;
 
-// The folder itself must not be left; whatever else a file system allows may be in a path.
+// Whether the path stays inside the directory; it may contain everything else that a file system
+// allows.
 bool StaysInside(const fs::path& path) {
   return !path.empty() && std::find(path.begin(), path.end(), "..") == path.end();
 }
 
-// What the file system does not allow is left out.
+// Skips entries that the file system does not allow.
 void Make(char kind, const fs::path& place, const std::string& content, const fs::path& root) {
   std::error_code ignored;
   if (fs::weakly_canonical(place.parent_path(), ignored) != place.parent_path()) return;

@@ -1,4 +1,4 @@
-// Commands: their words, their programs, and the recordings that stand in for them.
+// Commands: their words, their programs, and their recordings.
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 using fuzz::Require;
 
-// Two recordings, and what is none: a folder, a link, and a file outside.
+// Two recordings, and three that must not be used: a directory, a link, and a file outside.
 class Recordings final {
  public:
   Recordings() {
@@ -39,7 +39,7 @@ class Recordings final {
 
 void CheckProgram(const std::string& name) {
   const std::string program = vtq::FindProgram(name);
-  if (name.starts_with('/')) return Require(program == name, "an absolute path stands for itself");
+  if (name.starts_with('/')) return Require(program == name, "an absolute path is not changed");
   if (program.empty()) return;
   Require(name.find('/') == std::string::npos, "a relative path is no program");
   Require(fs::path(program).is_absolute(), "a program is an absolute path");
@@ -53,8 +53,8 @@ void fuzz::CheckInput(std::string_view input) {
   static const Recordings recordings;
   const std::string command(input);
   const std::vector<std::string> words = vtq::SplitCommand(command);
-  Require(words == PlainTokens(input, " \t"), "words are what stands between blanks and tabs");
+  Require(words == PlainTokens(input, " \t"), "words are the texts between spaces and tabs");
   Require(vtq::RecordedOutput(command) == recordings.OutputOf(command),
-          "exactly the recordings are answered");
+          "exactly the recordings are replayed");
   if (!words.empty()) CheckProgram(words[0]);
 }

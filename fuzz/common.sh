@@ -1,9 +1,9 @@
-# What the scripts of this folder share; to be sourced.
+# Functions for the scripts of this directory; source this file.
 source "$here/tools/packages.sh"
 
 all_targets() { grep -v '^#' "$here/fuzz/targets" | cut -d' ' -f1; }
 
-# The line of a target, without its name.
+# Prints the line of a target, without its name.
 about() { sed -n "s/^$1 \+//p" "$here/fuzz/targets"; }
 
 longest_input() { about "$1" | cut -d' ' -f1; }
@@ -26,7 +26,7 @@ build_preset() {
   step "Building the fuzzers' targets" quietly cmake --build "$2" --target fuzzers
 }
 
-# regressions TARGET: its folder of inputs that once went wrong, if it has one.
+# regressions TARGET: prints the directory with inputs of earlier findings, if it has one.
 regressions() {
   local folder=$here/fuzz/regressions/$1
   [[ ! -d $folder ]] || echo "$folder"

@@ -1,4 +1,4 @@
-// Lines of the kernel's device list, and the tokenizer that takes them apart.
+// Lines of the kernel's device list, and the tokenizer that splits them.
 #include "fuzz/fuzz.h"
 #include "fuzz/models.h"
 #include "pci/dev_info.h"
@@ -17,7 +17,7 @@ std::uint32_t FirstNumber(const std::string& column) {
   return pieces.empty() ? 0 : PlainHex<unsigned int>(pieces[0]);
 }
 
-// The record of a line; one of vendor 0 for a line that gives none.
+// Returns the record of a line; with vendor 0 if the line has none.
 sPciDevices PlainRecord(std::string_view line) {
   const std::vector<std::string> columns = PlainTokens(line, "\t");
   sPciDevices record;

@@ -10,20 +10,19 @@
 
 namespace fuzz {
 
-/// What a target is: runs the code under test on one input and ends the process by Require, or by
-/// whatever the code under test does to itself, when the result is not what it must be. An
-/// exception that leaves it ends the process as well. Called any number of times in a process.
+/// The function that each target defines: runs the code under test on one input and checks the
+/// result with Require. An exception ends the process too. Called any number of times in a process.
 void CheckInput(std::string_view input);
 
-/// Ends the process, with `what` on standard error, unless `holds`.
+/// Unless `holds`, prints `what` to standard error and aborts.
 inline void Require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "\nThis does not hold: %s\n", what);
   std::abort();
 }
 
-/// Takes an input apart from its front. An input that is too short goes on with nothing: zeros and
-/// empty texts.
+/// Splits an input from its beginning. After the end of the input, it returns zeros and empty
+/// texts.
 class Pieces final {
  public:
   explicit Pieces(std::string_view input) : left_(input) {}
@@ -37,14 +36,14 @@ class Pieces final {
     return byte;
   }
 
-  /// The next `size` bytes, or what is left.
+  /// The next `size` bytes, or the rest if it is shorter.
   std::string_view Bytes(std::size_t size) {
     const std::string_view bytes = left_.substr(0, size);
     left_.remove_prefix(bytes.size());
     return bytes;
   }
 
-  /// The bytes up to the next `end`, which is passed over.
+  /// The bytes before the next `end`; skips `end`.
   std::string_view Until(char end) {
     const std::string_view bytes = left_.substr(0, left_.find(end));
     left_.remove_prefix(std::min(bytes.size() + 1, left_.size()));

@@ -1,5 +1,5 @@
-// The lookup of descriptions in a listing of all functions, against a search without an index. An
-// input is a key, a line end, and a listing.
+// Compares the lookup of descriptions in a listing with a search without an index. An input is a
+// key, a line end, and a listing.
 #include "fuzz/fuzz.h"
 #include "fuzz/models.h"
 #include "pci/listing_index.h"
@@ -13,8 +13,8 @@ constexpr std::size_t kMostKeys = 64;
 
 using Lines = std::vector<std::string>;
 
-// What follows the key and one more character, in the first line where something does: the first
-// occurrence in a line is the one that counts.
+// Returns the text after the key and one more character, in the first line where it is not empty.
+// Only the first occurrence of the key in a line counts.
 std::string PlainFind(const Lines& lines, const std::string& key) {
   for (const std::string& line : lines) {
     const std::size_t place = line.find(key);
@@ -29,7 +29,7 @@ void CheckKey(const ListingIndex& index, const Lines& lines, const std::string& 
   Require(index.Find(key) == PlainFind(lines, key), "the index finds what the search finds");
 }
 
-// Every text with a colon in the place where an address has one.
+// Checks every text with a colon at the position where an address has one.
 void CheckAddresses(const ListingIndex& index, const Lines& lines, const std::string& listing) {
   std::size_t keys = 0;
   for (std::size_t colon = listing.find(':'); colon != std::string::npos && keys < kMostKeys;

@@ -1,6 +1,6 @@
-// make_seeds OUTPUT FOLDER...: writes the inputs that fuzzing begins with, OUTPUT/TARGET/*, from
-// machines. A folder holds machines: folders with a machine.json (tests/fakes/machine_recipe.h),
-// captured machines as folders, or as tar archives.
+// make_seeds OUTPUT FOLDER...: writes the seeds OUTPUT/TARGET/* from machines. FOLDER contains
+// machines: directories with a machine.json (tests/fakes/machine_recipe.h), and captures as
+// directories or tar archives.
 #include <fmt/format.h>
 
 #include <cstdlib>
@@ -36,7 +36,7 @@ std::vector<std::string> FirstLines(const std::string& text) {
   return lines;
 }
 
-// What a line of the device list says.
+// The content of a line of the device list.
 struct ListedFunction {
   unsigned bus = 0, device = 0, function = 0, ids = 0;
 
@@ -54,7 +54,7 @@ std::vector<ListedFunction> FunctionsOf(const std::vector<std::string>& lines) {
   return functions;
 }
 
-// The seeds of one machine, which stands in a folder.
+// The seeds of one machine in a directory.
 class MachineSeeds final {
  public:
   MachineSeeds(fs::path output, std::string name, fs::path root)
@@ -128,7 +128,7 @@ class MachineSeeds final {
     Write("slot_location", "-texts", std::string("\x02\x05\x01", 3) + texts);
   }
 
-  // A little of each kind of file that a capture holds, so that inputs stay small.
+  // A small capture with each kind of file, so that inputs stay small.
   std::vector<SeedEntry> Capture(const std::vector<std::string>& list) const {
     return {{"proc/bus/pci/devices", fmt::format("{}\n", fmt::join(list, "\n"))},
             {"proc/bus/pci/00/"},
@@ -169,7 +169,7 @@ class MachineSeeds final {
   fs::path root_;
 };
 
-// Archives of a kind that is refused, and holes.
+// Refused kinds of archives, and sparse files.
 void WriteHostileArchives(const fs::path& folder) {
   fs::create_directories(folder);
   const SeedEntry hostile[] = {{"/sys/absolute", "x"},
@@ -187,7 +187,7 @@ void WriteHostileArchives(const fs::path& folder) {
                "none");
 }
 
-// What no machine shows.
+// Inputs that do not occur on machines.
 void WriteOwnSeeds(const fs::path& output) {
   const char* const commands[] = {"lspci", "lspci -xxxx",       "lspci -v",
                                   "link",  "/usr/bin/lspci -n", "lspci\t-vvv ../secret"};

@@ -1,4 +1,4 @@
-// The manifest of a capture that may come from anybody: what is read can be written and read again.
+// The manifest of an untrusted capture: a manifest that was read can be written and read again.
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -30,7 +30,7 @@ void CheckVersion(std::string_view json) {
 }
 
 void CheckName(const std::string& name) {
-  Require(name.size() <= 253, "a system's name has an end");
+  Require(name.size() <= 253, "a system's name has a maximum length");
   for (const char c : name) Require(c > ' ' && c < 0x7F, "a system's name is of plain characters");
 }
 
@@ -42,7 +42,7 @@ void fuzz::CheckInput(std::string_view input) {
   CheckVersion(input);
   CheckName(manifest->systemName);
   const auto again = Parsed(pciinfo::ManifestJson(*manifest));
-  Require(again.has_value(), "what is written can be read");
+  Require(again.has_value(), "a written manifest can be read");
   Require(again->systemName == manifest->systemName, "the name stays");
   Require(again->kernelRelease == manifest->kernelRelease, "the kernel's release stays");
   Require(again->capturedAt == manifest->capturedAt, "the time stays");

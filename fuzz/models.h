@@ -6,12 +6,11 @@
 #include <string_view>
 #include <vector>
 
-// Plain forms of rules that several targets compare the code with: as short as the rule's own
-// words, and as slow as it comes.
+// Simple and slow models of rules, with which several targets compare the code.
 
 namespace fuzz {
 
-/// The non-empty pieces of a text between any of the delimiters.
+/// Returns the non-empty parts of a text between any of the delimiters.
 inline std::vector<std::string> PlainTokens(std::string_view text, std::string_view delimiters) {
   std::vector<std::string> tokens(1);
   for (const char c : text) {
@@ -25,7 +24,7 @@ inline std::vector<std::string> PlainTokens(std::string_view text, std::string_v
   return tokens;
 }
 
-/// What a stream without any flag but the hexadecimal base extracts from a text.
+/// Returns the number that a stream with only the flag std::hex reads from a text.
 template <class Number>
 Number PlainHex(const std::string& text) {
   std::stringstream stream(text);

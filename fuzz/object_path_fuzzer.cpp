@@ -1,4 +1,4 @@
-// Object paths: made of any namespace, class and keys, then read back by the rules of their form.
+// Object paths: made from any namespace, class and keys, then parsed again.
 #include <utility>
 
 #include "framework/cim_reference.h"
@@ -70,7 +70,7 @@ TCIMValue DateTime(Pieces& pieces) {
   return TCIMValue::DateTime(text);
 }
 
-// Values that cannot stand in a path among those that can.
+// Returns values of all types, also of those that cannot be part of a path.
 TCIMValue Value(Pieces& pieces, int depth) {
   const std::uint8_t kind = pieces.Byte();
   switch (kind % 16) {
@@ -112,10 +112,10 @@ TCIMReference Reference(Pieces& pieces, int depth) {
   for (const auto& [name, value] : keys) good = good && CanStandInPath(value);
   try {
     TCIMReference reference(nameSpace, className, keys);
-    Require(good, "a key that cannot stand in a path is refused");
+    Require(good, "a key that cannot be part of a path is refused");
     return reference;
   } catch (const TVTQException& failure) {
-    Require(!good, "keys that can stand in a path are taken");
+    Require(!good, "keys that can be part of a path are accepted");
     Require(failure.GetStatusCode() == TVTQStatusCode::kInvalidArgument, "with the right code");
     return {nameSpace, className, {}};
   }
@@ -129,7 +129,7 @@ class PathReader final {
   bool IsAtEnd() const { return left_.IsEmpty(); }
   std::string Until(char end) { return std::string(left_.Until(end)); }
 
-  // The text between quotes, and what stands for one character; then a comma, or the end.
+  // Reads the text between quotes and resolves escapes; then a comma or the end.
   std::string Quoted() {
     std::string text;
     for (char c = Take(); c != '"'; c = Take()) {
@@ -190,7 +190,7 @@ void CheckPath(const TCIMReference& reference) {
   Require(path.IsAtEnd(), "nothing follows the last key");
 }
 
-// Another text in a key makes another path.
+// A different text in a key gives a different path.
 void CheckDifference(const TCIMReference& reference) {
   TCIMReference::TKeyMap keys = reference.GetKeys();
   Require(TCIMReference(reference.GetNamespace(), reference.GetClassName(), keys) == reference,

@@ -11,7 +11,7 @@ using NQZMVTQ20::TCIMValue;
 
 constexpr const char* kCommand = "lspci -vvv";
 
-// Takes lines from the front for as long as there is a line end.
+// Splits off lines as long as there is a line end.
 std::vector<std::string> PlainLines(std::string text) {
   std::vector<std::string> lines;
   for (std::size_t end; (end = text.find('\n')) != std::string::npos; text.erase(0, end + 1)) {

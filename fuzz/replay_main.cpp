@@ -1,6 +1,6 @@
-// A main for a target that is not driven by libFuzzer: runs the target on every file that is named
-// or stands in a folder that is named, on standard input without any. Other fuzzers, debuggers and
-// the tests drive targets this way.
+// A main for targets without libFuzzer: runs the target on the files on the command line and on the
+// files in directories there, or without arguments on standard input. For other fuzzers, debuggers
+// and the tests.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -19,7 +19,7 @@ std::string ReadAll(std::istream& stream) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-// Throws fs::filesystem_error, which names what is missing.
+// Throws fs::filesystem_error, which names the missing file.
 std::vector<fs::path> FilesOf(const fs::path& named) {
   if (!fs::is_directory(fs::status(fs::canonical(named)))) return {named};
   std::vector<fs::path> files;
@@ -30,7 +30,8 @@ std::vector<fs::path> FilesOf(const fs::path& named) {
   return files;
 }
 
-// The name comes first, so that the last line tells which input ended the process.
+// Prints the name first, so that the last line of the output names the input that ended the
+// process.
 void Replay(const fs::path& path) {
   std::cerr << path.string() << std::endl;
   std::ifstream file(path, std::ios::binary);
@@ -50,7 +51,7 @@ int main(int count, char** arguments) {
         ++inputs;
       }
     }
-    if (count > 1 && inputs == 0) throw std::runtime_error("there is no input in what was named");
+    if (count > 1 && inputs == 0) throw std::runtime_error("no input files found");
     return 0;
   } catch (const std::exception& failure) {
     std::cerr << arguments[0] << ": " << failure.what() << '\n';

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// An entry of an archive; one with a target is a link, one with a hole a file of nothing else.
+/// An entry of an archive: a link if it has a target, a file that is only a hole if it has a hole.
 struct SeedEntry {
   std::string path;
   std::string content = {};

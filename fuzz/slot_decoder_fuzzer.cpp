@@ -1,4 +1,4 @@
-// The slot collector on structures of any shape, against a model of every byte that it may see. An
+// Compares the slot collector with a model of every byte that it may read, for any structures. An
 // input is flags and an SMBIOS table.
 #include "fuzz/fuzz.h"
 #include "fuzz/slot_model.h"
@@ -91,7 +91,7 @@ std::vector<TPropertyMap> PlainSlots(const std::vector<PlainMemory>& fetched) {
   return slots;
 }
 
-// Every byte of the buffer, and the strings of some numbers up to the largest.
+// Checks every byte of the buffer, and the strings of some numbers up to the largest.
 void CheckBuffer(const std::vector<PlainMemory>& fetched) {
   void* handle = nullptr;
   NQZMVTQ20::smBiosLoad(nullptr, &handle);
@@ -121,7 +121,7 @@ void fuzz::CheckInput(std::string_view input) {
   Fake().smBios.deliversAllTypes = thenAll;
   const std::vector<PlainMemory> fetched = FetchedOf(structures, kType, thenAll);
   TSlotInfo collector(nullptr);
-  Require(collector.GetSlotInfo() == PlainSlots(fetched), "slots are what their bytes say");
+  Require(collector.GetSlotInfo() == PlainSlots(fetched), "slots have the values of their bytes");
   CheckBuffer(fetched);
   Require(Fake().smBios.openHandles == 0, "every handle is closed");
 }

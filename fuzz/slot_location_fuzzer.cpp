@@ -1,4 +1,4 @@
-// Where slots are: from System Slots structures, or from OEM strings. An input is a version (two
+// Locations of slots, from System Slots structures or from OEM strings. An input is a version (two
 // bytes), a source, and an SMBIOS table.
 #include "fuzz/fuzz.h"
 #include "fuzz/models.h"
@@ -14,7 +14,7 @@ using fuzz::Require;
 
 using Structures = std::vector<std::string>;
 
-// Slot locations, and the number of the next.
+// Slot locations, and the next tag.
 struct Found {
   std::vector<SlotLocation> locations;
   unsigned nextTag = 1;
@@ -106,7 +106,7 @@ void CheckLocations(TPciDevInfo& collector, bool fromSlots, const Structures& st
   const Found found = PlainLocations(fromSlots, fetched);
   Require(std::equal(locations.begin(), locations.end(), found.locations.begin(),
                      found.locations.end(), AreEqual),
-          "locations are what the structures say");
+          "locations are those in the structures");
   if (status == 0) {
     Require(tagCounter == static_cast<std::uint16_t>(found.nextTag), "every slot takes a number");
   }
@@ -123,7 +123,7 @@ void fuzz::CheckInput(std::string_view input) {
   Fake().smBios.version = std::to_string(major) + "." + std::to_string(minor);
   TPciDevInfo collector(nullptr);
   Require(collector.GetSlotIDRetrievalType() == PlainRetrievalType(major, minor, structures),
-          "the source is chosen by the version and what is there");
+          "the source depends on the version and the structures");
   CheckLocations(collector, fromSlots, structures);
   Require(Fake().smBios.openHandles == 0, "every handle is closed");
 }

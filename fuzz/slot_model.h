@@ -12,8 +12,7 @@ namespace fuzz {
 
 constexpr std::size_t kStructureBuffer = 1024;
 
-/// What a collector sees around a structure that was fetched: its bytes, zeros before and behind
-/// it.
+/// The memory around a fetched structure: its bytes, with zeros before and after them.
 class PlainMemory final {
  public:
   explicit PlainMemory(std::string structure) : structure_(std::move(structure)) {}
@@ -28,14 +27,14 @@ class PlainMemory final {
     return byte < 128 ? byte : byte - 256;
   }
 
-  /// The text from `place` up to a zero.
+  /// The text at `place`, up to a zero.
   std::string TextAt(int place) const {
     std::string text;
     for (; At(place) != 0; ++place) text += static_cast<char>(At(place));
     return text;
   }
 
-  /// The place behind the text at `place` and its zero.
+  /// The place after the text at `place` and its zero.
   int Behind(int place) const {
     while (At(place) != 0) ++place;
     return place + 1;
@@ -45,7 +44,7 @@ class PlainMemory final {
   std::string structure_;
 };
 
-/// Makes the structures of `table` those that the framework's stand-in holds.
+/// Sets the structures of `table` as those of the fake framework and returns them.
 inline std::vector<std::string> ServeStructures(std::string_view table) {
   std::vector<std::string> structures = PlainStructures(table);
   Fake() = {};
@@ -55,8 +54,8 @@ inline std::vector<std::string> ServeStructures(std::string_view table) {
   return structures;
 }
 
-/// Those that a collector gets that asks for one type: up to one that does not fit into its buffer.
-/// A framework may hand over structures of other types behind the first: `thenAll`.
+/// Returns the structures that a collector of one type gets: up to one that does not fit into its
+/// buffer. With `thenAll`, the framework returns structures of all types after the first.
 inline std::vector<PlainMemory> FetchedOf(const std::vector<std::string>& structures, int type,
                                           bool thenAll = false) {
   std::vector<PlainMemory> fetched;

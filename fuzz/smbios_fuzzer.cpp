@@ -1,6 +1,6 @@
-// SMBIOS entry points and the walk over the table, as functions and through the files that the
-// kernel shows. An input is flags, a type, a capacity, the length of an entry point, the entry
-// point, and the table.
+// SMBIOS entry points and the walk over the table, by the parsing functions and by files like the
+// kernel's. An input is flags, a type, a capacity, the length of an entry point, the entry point,
+// and the table.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -53,7 +53,7 @@ void FixSum(std::string& bytes, std::size_t start, std::size_t length, std::size
   bytes[place] = static_cast<char>(256 - Sum(bytes, start, length));
 }
 
-// Random bytes have the right sums once in 65536 times.
+// Sets correct checksums, which random bytes have only once in 65536 times.
 void FixSums(std::string& bytes) {
   if (bytes.starts_with("_SM3_")) FixSum(bytes, 0, ByteAt(bytes, 6), 5);
   if (bytes.starts_with("_DMI_")) FixSum(bytes, 0, 15, 5);
@@ -67,7 +67,7 @@ bool HasLengthAndSum(const std::string& bytes, unsigned length, unsigned least) 
   return length >= least && length <= bytes.size() && Sum(bytes, 0, length) == 0;
 }
 
-// What an entry point says (DSP0134, 5.2); nothing when it is not valid.
+// Returns the content of an entry point (DSP0134, 5.2); nothing if it is not valid.
 std::optional<SmBiosEntryPoint> PlainEntryPoint(const std::string& bytes) {
   const auto number = [&](std::size_t place) { return static_cast<int>(ByteAt(bytes, place)); };
   if (bytes.starts_with("_SM3_")) {
@@ -92,7 +92,7 @@ std::optional<SmBiosEntryPoint> Parsed(const std::string& bytes) {
   try {
     return vtq::ParseSmBiosEntryPoint(AsBytes(bytes));
   } catch (const TVTQException& failure) {
-    Require(failure.GetStatusCode() == TVTQStatusCode::kCorruptData, "it is called corrupt");
+    Require(failure.GetStatusCode() == TVTQStatusCode::kCorruptData, "the failure is kCorruptData");
     return {};
   }
 }
@@ -100,14 +100,15 @@ std::optional<SmBiosEntryPoint> Parsed(const std::string& bytes) {
 void CheckEntryPoint(const std::string& bytes) {
   const auto expected = PlainEntryPoint(bytes);
   const auto parsed = Parsed(bytes);
-  Require(parsed.has_value() == expected.has_value(), "exactly the valid entry points are taken");
+  Require(parsed.has_value() == expected.has_value(),
+          "exactly the valid entry points are accepted");
   if (!parsed) return;
   Require(parsed->majorVersion == expected->majorVersion &&
               parsed->minorVersion == expected->minorVersion,
           "the version is read");
   Require(parsed->tableLength == expected->tableLength, "the length is read");
   Require(parsed->structureCount == expected->structureCount, "the count is read");
-  Require(parsed->endsAtMarker == expected->endsAtMarker, "the kind is told");
+  Require(parsed->endsAtMarker == expected->endsAtMarker, "the kind of end is read");
 }
 
 std::vector<std::string> StructuresOf(const SmBiosEntryPoint& entry, const std::string& table) {
@@ -128,7 +129,8 @@ void CheckWalk(const vtq::SmBiosTable& table, const std::vector<std::string>& st
   Require(!walk.Next() && !walk.Next(), "the walk ends, and stays at the end");
 }
 
-// The BIOS version of the first structure of type 0: the string whose number is its sixth byte.
+// Returns the BIOS version of the first structure of type 0: the string whose number is its sixth
+// byte.
 std::string PlainBiosVersion(const std::vector<std::string>& structures) {
   for (const std::string& structure : structures) {
     if (structure[0] != 0) continue;
@@ -142,7 +144,7 @@ std::string PlainBiosVersion(const std::vector<std::string>& structures) {
   return "";
 }
 
-// The tables as files, as the kernel shows them.
+// The tables as files, like the kernel's.
 class Files final {
  public:
   void Write(const std::string& entryPoint, const std::string& table) {
@@ -155,7 +157,7 @@ class Files final {
   vtq::TemporaryDirectory directory_;
 };
 
-// Every structure of the type; those that do not fit are passed over with a status of their own.
+// Checks every structure of the type; one that does not fit is skipped with its own status.
 void CheckFetches(void* handle, int type, int capacity,
                   const std::vector<std::string>& structures) {
   const auto buffer = std::make_unique<char[]>(static_cast<std::size_t>(capacity));
@@ -169,7 +171,7 @@ void CheckFetches(void* handle, int type, int capacity,
             "with all of its bytes");
     status = NQZMVTQ20::smBiosGetNext(handle, buffer.get(), &capacity);
   }
-  Require(status == TVTQStatusCode::kNotFound, "then nothing is left");
+  Require(status == TVTQStatusCode::kNotFound, "the walk ends after the last structure");
 }
 
 void CheckFiles(const std::string& entryPoint, const std::string& table, int type, int capacity) {
@@ -186,7 +188,7 @@ void CheckFiles(const std::string& entryPoint, const std::string& table, int typ
   NQZMVTQ20::smBiosGetVersion(handle, version);
   Require(
       version == std::to_string(entry->majorVersion) + "." + std::to_string(entry->minorVersion),
-      "the version is told");
+      "the version is returned");
   CheckFetches(handle, type, capacity, StructuresOf(*entry, table));
   NQZMVTQ20::smBiosClose(&handle);
 }

@@ -8,9 +8,9 @@
 
 namespace fuzz {
 
-/// The structures of an SMBIOS table as they follow each other, each with its strings and the two
-/// zero bytes behind them: up to `most`, 0 for no limit, up to the first of type 127 where
-/// `endsAtMarker`, and up to one that states a length below 4 or does not end.
+/// Returns the structures of an SMBIOS table, each with its strings and the two zero bytes after
+/// them. Ends after `most` structures (0: no limit), after the first of type 127 if `endsAtMarker`,
+/// and before one with a length below 4 or without an end.
 inline std::vector<std::string> PlainStructures(std::string_view table, std::size_t most = 0,
                                                 bool endsAtMarker = false) {
   std::vector<std::string> structures;

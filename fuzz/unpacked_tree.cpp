@@ -15,10 +15,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Limits on links that lead to links, which a walk through them has to have as well.
+// Limits chains of links, which the walk follows.
 constexpr std::uintmax_t kFolderForEachLink = 1024;
 
-// The tree stands in a folder of its own, so that what is written beside it can be seen.
+// The tree is alone in its parent directory, so that files written beside it are noticed.
 class Tree final {
  public:
   Tree() { fs::create_directory(root_); }

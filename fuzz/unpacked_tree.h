@@ -6,13 +6,12 @@
 
 namespace fuzz {
 
-/// Small enough that inputs get there.
+/// Small, so that inputs reach the limits.
 inline constexpr pciinfo::CaptureLimits kLimits{24, 64 << 10, 120};
 
-/// Unpacks the capture `name` (see pciinfo::ArchiveReader) into a throw-away folder, reads its
-/// manifest, and requires that, whether it was refused or not, nothing else came to be than files,
-/// folders and links in the places that are served, that no link leads out of them, and that no
-/// limit was passed.
+/// Unpacks the capture `name` (see pciinfo::ArchiveReader) to a temporary directory and reads its
+/// manifest. Requires, whether or not it was refused, that only files, directories and links in the
+/// expected places were created, that no link points outside them, and that no limit was exceeded.
 void CheckCapture(const std::string& name);
 
 }  // namespace fuzz

@@ -1,4 +1,5 @@
-# Run by cpack when the files of all packages are in place: adds to each what Debian wants to find.
+# cpack runs this when the files of all packages are in place. Adds the files that Debian requires
+# to each.
 cmake_minimum_required(VERSION 3.25)
 set(packages library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} plugin pciinfo-plugin tool pciinfo
   development libvtq-dev)

@@ -4,28 +4,28 @@
 #include <string>
 #include <string_view>
 
-/// Bus, device and function number of a PCI function, and the texts that different sources write
-/// for it.
+/// Bus, device and function number of a PCI function, and its address in the formats of different
+/// sources.
 struct PciAddress {
   std::uint8_t bus = 0;
   std::uint8_t device = 0;
   std::uint8_t function = 0;
 
-  /// "00:1f.3", as listing tools begin a line; hexadecimal.
+  /// "00:1f.3", the beginning of a line of lspci; hexadecimal.
   std::string ListingKey() const;
-  /// " Bus  0, device  31, function  3", as the kernel's old text listing begins an entry; decimal.
+  /// " Bus  0, device  31, function  3", the beginning of an entry of /proc/pci; decimal.
   std::string LegacyKey() const;
   /// "0000:00:1f.3", with the PCI domain.
   std::string WithDomain() const;
 };
 
-/// `value` in decimal, right-aligned with leading blanks to `width` characters, never cut.
+/// Returns `value` in decimal, padded with leading spaces to `width` characters, never cut.
 std::string PadDecimal(int value, unsigned width);
 
-/// The key "PCIBus0device31function3" (decimal) for an address text "00:1f.3" (hexadecimal). What
-/// follows the function's digits is ignored; the empty text when ":" or "." is missing.
+/// Returns the key "PCIBus0device31function3" (decimal) for an address "00:1f.3" (hexadecimal).
+/// Ignores text after the function's digits. Returns an empty text if ":" or "." is missing.
 std::string DeviceKeyFromAddress(std::string_view address);
 
-/// The same key for a location text "PCI Bus  0, device  31, function  3": the text without its
-/// blanks and commas.
+/// Returns the same key for a location "PCI Bus  0, device  31, function  3": the text without its
+/// spaces and commas.
 std::string DeviceKeyFromLocation(std::string location);

@@ -21,7 +21,7 @@ std::string ConfigPath(const sPciDevices& record) {
   return path;
 }
 
-// A file that is open for reading until this goes out of scope.
+// Opens a file for reading and closes it in the destructor.
 class OpenFile final {
  public:
   explicit OpenFile(const std::string& path)
@@ -46,7 +46,8 @@ unsigned TPciDevInfo::PciRead(TRecord record) {
   const std::string path = ConfigPath(*record);
   const OpenFile file(path);
   if (!file.IsOpen()) {
-    WriteStatus("Could not open PCI file." + path);  // without a blank: log readers match it so
+    WriteStatus("Could not open PCI file." +
+                path);  // without a space, because log readers match it so
     return 1;
   }
   const std::unique_ptr<unsigned char[]> header(new (std::nothrow) unsigned char[kBufferSize]);

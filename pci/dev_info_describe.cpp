@@ -19,14 +19,15 @@ namespace {
 constexpr int kListingSeconds = 60;
 constexpr std::streamsize kLineBufferSize = 1024;
 
-// The next line, or the next 1023 characters of a longer one. False at the end of the file.
+// Reads the next line, or the next 1023 characters of a longer one. Returns false at the end of the
+// file.
 bool ReadLine(std::istream& file, char* buffer) {
   file.getline(buffer, kLineBufferSize);
   if (file.fail() && !file.eof() && !file.bad()) file.clear();
   return !file.fail();
 }
 
-// The line behind the first one that contains `header`, without its leading blanks.
+// Returns the line after the first one that contains `header`, without leading spaces.
 std::string LineBehind(std::istream& file, const std::string& header, char* buffer) {
   while (ReadLine(file, buffer)) {
     if (std::string(buffer).find(header) == std::string::npos) continue;

@@ -15,8 +15,8 @@ void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
                              std::vector<TPropertyMap>* devices) {
   WriteDebug("Entering TPciDevInfo::GetPciInfo routine");
   std::vector<sPciDevices> records = ScanPciDevices();
-  // The probe is a stand-in for firmware that tells no bus numbers. Bridges get a slot number from
-  // the firmware only, so it has work only where slot numbers come from elsewhere.
+  // The probe replaces firmware that has no bus numbers of slots. It starts from bridges with a
+  // slot number; since only the firmware gives bridges one, it usually has nothing to do.
   const bool mayProbe = processState.slotIDRetrievalType == 0;
   THwinfoSlotMap hwinfoSlotMap;
   for (auto record = records.begin(); record != records.end(); ++record) {

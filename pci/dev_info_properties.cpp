@@ -19,8 +19,8 @@ constexpr std::uint32_t kIoFlag = 0x1;
 constexpr std::uint32_t kIoMask = 0xFFFFFFFC;
 constexpr std::uint32_t kMemoryMask = 0xFFFFFFF0;
 
-// Addresses and sizes of a function's regions. A region without a size has an address all the same,
-// so the lists need not pair up.
+// Addresses and sizes of a function's regions. A region without a size still has an address, so the
+// lists may have different lengths.
 struct Regions {
   std::vector<std::uint32_t> memoryAddresses;
   std::vector<std::uint32_t> memoryLengths;
@@ -35,7 +35,7 @@ Regions SortRegions(const sPciDevices& record) {
     const std::uint32_t size = record.regionSize[i];
     if (base == 0) continue;
     if (base & kIoFlag) {
-      // I/O space has 16 address bits on the machines that have one.
+      // On machines with I/O space, its addresses have 16 bits.
       regions.ioAddresses.push_back(static_cast<std::uint16_t>(base & kIoMask));
       if (size != 0) regions.ioLengths.push_back(static_cast<std::uint16_t>(size));
     } else {
@@ -60,7 +60,7 @@ TCIMValue ConfigWordValue(const sPciDevices& record, EPciConfigOffset offset) {
   return TCIMValue(ConfigWord(record.configSpace, offset));
 }
 
-// What the listing says of the function, else the kernel, else its numbers.
+// Returns the description from the listing, else from the kernel, else the IDs as text.
 std::string Describe(TPciDevInfo& collector, const sPciDevices& record) {
   const PciAddress address{record.bus, record.device, record.function};
   std::string description = collector.GetLspciDeviceDescription(address.ListingKey());
@@ -123,7 +123,7 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
                  ConfigByteValue(*record, kConfigProgrammingInterface));
   InsertProperty(properties, "Revision", ConfigByteValue(*record, kConfigRevision));
   InsertProperty(properties, "Description", TCIMValue(Describe(*this, *record)));
-  // A function is identified by where it is: its number is "PciDeviceID".
+  // "DeviceID" identifies a function by its location; the PCI device ID is "PciDeviceID".
   const std::string location =
       "PCI" + PciAddress{record->bus, record->device, record->function}.LegacyKey();
   InsertProperty(properties, "Location", TCIMValue(location));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kRawListingSeconds = 300;
 
-// Null when there is no line.
+// Returns null if there is no line.
 TCIMValue MakeLinesValue(const std::string& text) {
   TCIMValue::TArray lines = SplitLines(text);
   TCIMValue value;

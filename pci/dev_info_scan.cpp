@@ -16,8 +16,8 @@ std::vector<sPciDevices> TPciDevInfo::ScanPciDevices() {
     return records;
   }
 
-  // Only the end of the file ends the scan. A line that does not fit puts the stream into the
-  // failed state, in which it never gets there: a host bounds the time that a collection may take.
+  // Only the end of the file ends the scan. A line that does not fit makes the stream fail, so it
+  // never reaches the end; the host limits the time of a collection.
   char line[512];
   while (!file.eof()) {
     file.getline(line, sizeof line);

@@ -17,7 +17,8 @@ using NQZMVTQ20::smBiosGetVersion;
 using NQZMVTQ20::TOSSpecific;
 using NQZMVTQ20::TPluginManagerProvider;
 
-// There before any code of the plug-in runs: a registry may ask for data while it registers it.
+// Initialised before any code of the plug-in runs, because a registry may ask for data while the
+// plug-in registers.
 constinit std::vector<SlotLocation> slotLocationVect;
 constinit std::vector<SlotBusCollection> slotBusCollectionVect;
 std::uint16_t tagCounter = 0;
@@ -45,7 +46,7 @@ void LogFailure(const char* format, int code) {
   fdrWriteLog(ILogger::kError, Format(format, code));
 }
 
-// False, and a line in the log, when the tables cannot be opened.
+// Returns false and logs the reason if the tables cannot be opened.
 bool OpenSmBios(const TPluginManagerProvider* provider, SmBiosHandle* smBios) {
   const int code = smBios->Load(provider);
   if (code != 0) LogFailure("Unable to open SMBIOS library error: %d", code);
@@ -61,7 +62,7 @@ SmBiosVersion ReadVersion(void* smBios) {
   char text[kSmBiosVersionSize] = {};
   smBiosGetVersion(smBios, text);
   SmBiosVersion version;
-  // Numbers that are not there stay 0. Unlike a stream, this minds no locale of the host's.
+  // Missing numbers stay 0. Unlike a stream, sscanf reads these numbers alike in every locale.
   // NOLINTNEXTLINE(cert-err34-c)
   std::sscanf(text, "%d.%d", &version.major, &version.minor);
   return version;
@@ -79,7 +80,7 @@ RetrievalType ExamineOemStrings(void* smBios) {
   return kNoBusInformation;
 }
 
-// A firmware that writes bus information writes it for every slot, so the first one tells.
+// Firmware that has bus information has it for every slot, so checking the first slot is enough.
 RetrievalType ExamineFirstSlot(void* smBios) {
   StructureReader structures(smBios);
   if (structures.First(kSystemSlotsType) != 0) return kNoBusInformation;
@@ -105,7 +106,7 @@ RetrievalType Examine(void* smBios) {
   return ExamineFirstSlot(smBios);
 }
 
-// The configuration file of a slot's function; empty when there is none.
+// Returns the configuration file of a slot's function; empty if there is none.
 std::string FindConfigFile(const SlotLocation& slot) {
   std::string path = Format("/sys/bus/pci/devices/%04x:%02x:%02x.%x/config", slot.segmentGroup,
                             slot.bus, slot.device, slot.function);
@@ -119,16 +120,16 @@ std::string FindConfigFile(const SlotLocation& slot) {
 bool ReadConfigHeader(const std::string& path, ConfigHeader* header) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
                                                              std::fclose);
-  if (!file) return false;  // there, but not for this user: as good as too short
+  if (!file) return false;  // not readable for this user: treated like a file that is too short
   std::setvbuf(file.get(), nullptr, _IONBF, 0);
   return std::fread(header->data(), 1, header->size(), file.get()) == header->size();
 }
 
-// What the header of the function in a slot says about the buses behind it.
+// Appends the buses behind a slot, from the configuration header of the function in it.
 void AppendBuses(const SlotLocation& slot, const ConfigHeader& header,
                  std::vector<SlotBusCollection>* collections) {
   const std::uint16_t vendor = ConfigWord(header, kConfigVendorId);
-  if (vendor == 0x0000 || vendor == 0xFFFF) return;  // nobody answers there
+  if (vendor == 0x0000 || vendor == 0xFFFF) return;  // no function there
   if ((header[kConfigHeaderType] & 0x7F) == kBridgeHeader) {
     collections->push_back({slot.tag, slot.slotId, header[kConfigPrimaryBus],
                             header[kConfigSecondaryBus], header[kConfigSubordinateBus]});
@@ -150,8 +151,8 @@ void AppendBusesOf(const SlotLocation& slot, std::vector<SlotBusCollection>* col
   AppendBuses(slot, header, collections);
 }
 
-// A bridge's own primary bus leads to its slot as well as the buses behind it: functions beside the
-// bridge count as sitting in its slot when its entry comes first.
+// The primary bus of a bridge leads to its slot, like the buses behind the bridge. So functions on
+// the same bus as the bridge count as being in its slot if its entry comes first.
 bool LeadsTo(const SlotBusCollection& slot, int bus) {
   return slot.bus == bus || (slot.secondaryBus <= bus && bus <= slot.subordinateBus);
 }
@@ -195,7 +196,7 @@ int TPciDevInfo::readPCIConfigForSlots(std::vector<SlotLocation>* locations,
   for (const SlotLocation& slot : *locations) {
     LogProgress(Format("segNum = %x, bus = %x, dev = %x, func = %x", slot.segmentGroup, slot.bus,
                        slot.device, slot.function));
-    // OEM strings do not tell the usage, so slots that come from them are never looked at.
+    // OEM strings do not contain the usage, so slots from them are always skipped.
     if (slot.currentUsage != kUsageInUse || slot.segmentGroup == kNoSegmentGroup) continue;
     AppendBusesOf(slot, collections);
   }
@@ -212,7 +213,8 @@ unsigned TPciDevInfo::correlateDeviceAndSlot(int bus, std::vector<SlotBusCollect
     }
     LogProgress("not match slot");
   }
-  // A function in no slot is as frequent as one in a slot; the severity is what log readers count.
+  // A function in no slot is not an error; the severity stays, because log readers count these
+  // lines.
   fdrWriteLog(ILogger::kError, "Exiting correlateDeviceAndSlot");
   return kNoSlot;
 }

@@ -14,7 +14,7 @@ constexpr std::size_t kRegions = 6;
 
 struct Columns {
   std::array<std::string_view, kFirstRegionSize + kRegions> texts;
-  std::size_t count = 0;  // of those that the record needs
+  std::size_t count = 0;  // of the columns that the record needs
 };
 
 Columns SplitColumns(std::string_view line) {
@@ -26,7 +26,7 @@ Columns SplitColumns(std::string_view line) {
   return columns;
 }
 
-// The kernel right-aligns these columns with blanks; what follows the number does not count.
+// The kernel pads these columns with leading spaces; text after the number is ignored.
 std::uint32_t ParsePaddedHex(std::string_view column) {
   const auto* const number =
       std::find_if_not(column.begin(), column.end(), [](char c) { return c == ' '; });

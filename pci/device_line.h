@@ -6,8 +6,8 @@
 
 /// Parses one line of the kernel's PCI device list: tab-separated columns of hexadecimal numbers
 /// (bus and devfn, vendor and device, IRQ, six base addresses, ROM address, six sizes, ROM size),
-/// then the driver's name. Returns false, leaving an unspecified record, when the line describes no
-/// function: no columns, or vendor ID 0, which fewer than three columns give as well. Columns that
-/// are missing give 0; columns that are not hexadecimal give what ExtractDecimalDataToHex makes of
-/// them, so numbers wider than 32 bits give 0xFFFFFFFF.
+/// then the driver's name. Returns false and an unspecified record if the line describes no
+/// function: it has no columns, or the vendor ID is 0, as it is with fewer than three columns. A
+/// missing column gives 0. Other columns are read by ExtractDecimalDataToHex, so a number of more
+/// than 32 bits gives 0xFFFFFFFF.
 bool ParseDeviceLine(std::string_view line, sPciDevices* record);

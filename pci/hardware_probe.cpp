@@ -25,7 +25,7 @@ bool HasSlotNumber(const TPropertyMap& properties) {
 }
 
 std::string ProbeCommand(const std::string& bridgeAddress) {
-  // Unquoted: the brackets match no file name, and the shell hands them to grep as they are.
+  // Not quoted: the pattern matches no file name, so the shell passes it to grep unchanged.
   const std::string pattern = bridgeAddress + "/0000:[0-9a-f][0-9a-f]:[0-9a-f][0-9a-f].[0-9a-f]$";
   std::array<char, 128> command{};
   std::snprintf(command.data(), command.size(), "hwinfo --pci 2>&1 |grep %s>infopci.txt",
@@ -41,7 +41,7 @@ std::string LastProbedAddress(std::string output) {
 
 void ProbeBelowBridge(const std::string& bridgeAddress, const TPropertyMap& bridge,
                       THwinfoSlotMap* slots) {
-  // A probe that fails leaves an empty file, which says all there is to know.
+  // The status is not needed: a probe that fails leaves an empty file.
   [[maybe_unused]] const int status = std::system(ProbeCommand(bridgeAddress).c_str());
   std::string output;
   try {
@@ -56,7 +56,7 @@ void ProbeBelowBridge(const std::string& bridgeAddress, const TPropertyMap& brid
 void FillInSlotNumbers(const THwinfoSlotMap& slots, std::vector<TPropertyMap>* devices) {
   for (TPropertyMap& device : *devices) {
     const auto location = device.find("Location");
-    // A number that is there stays, whatever it is: the first value of a property wins.
+    // An existing number stays, whatever it is.
     if (location == device.end() || device.count("UINumber") != 0) continue;
     const auto slot = slots.find(DeviceKeyFromLocation(static_cast<std::string>(location->second)));
     if (slot != slots.end()) InsertProperty(&device, "UINumber", slot->second);

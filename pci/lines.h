@@ -7,7 +7,7 @@
 
 #include "framework/cim_value.h"
 
-/// How many line ends there are in `text`.
+/// Returns the number of line ends in `text`.
 inline std::size_t CountLines(std::string_view text) {
   std::size_t count = 0;
   for (std::size_t end = text.find('\n'); end != std::string_view::npos;
@@ -17,11 +17,11 @@ inline std::size_t CountLines(std::string_view text) {
   return count;
 }
 
-/// The lines of `text` as string values, empty lines included, without their line ends. Text behind
-/// the last line end is left out.
+/// Returns the lines of `text` as string values, including empty lines, without line ends. Drops
+/// text after the last line end.
 inline NQZMVTQ20::TCIMValue::TArray SplitLines(std::string_view text) {
   NQZMVTQ20::TCIMValue::TArray lines;
-  // Listings run to millions of lines: a growing vector would hold them twice.
+  // Listings may have millions of lines; a vector that grows would need twice the memory.
   lines.reserve(CountLines(text));
   std::size_t begin = 0;
   for (std::size_t end = text.find('\n'); end != std::string_view::npos;

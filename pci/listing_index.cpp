@@ -15,7 +15,7 @@ bool IsAddress(std::string_view text) {
   });
 }
 
-// The rest of the line behind a key that ends at `end` and the character that follows it.
+// Returns the rest of the line after a key that ends at `end` and the character that follows it.
 std::string_view RestBehind(std::string_view line, std::size_t end) {
   return end + 1 < line.size() ? line.substr(end + 1) : std::string_view();
 }

@@ -4,10 +4,10 @@
 #include <string_view>
 #include <unordered_map>
 
-/// A listing with one line a device, and the places where device addresses stand in it.
+/// A listing with one line per device, and an index of the device addresses in it.
 ///
-/// A description is looked up once for each function, and a listing has a line for each function:
-/// searching the whole text every time would cost the square of their number.
+/// The description of every function is looked up, and the listing has a line for every function.
+/// So searching the text each time would take quadratic time.
 class ListingIndex {
  public:
   ListingIndex() = default;
@@ -18,9 +18,9 @@ class ListingIndex {
 
   bool IsEmpty() const { return listing_.empty(); }
 
-  /// What follows the first occurrence of `key`, and the one character behind it, in the first line
-  /// where at least one more character follows; empty when there is no such line. Immediate for a
-  /// key of the form "00:1f.2", a search through the text for any other.
+  /// Returns the text after the first occurrence of `key` and one more character, in the first line
+  /// where that text is not empty; empty if there is no such line. Uses the index for a key of the
+  /// form "00:1f.2", and searches the text for any other key.
   std::string_view Find(std::string_view key) const;
 
  private:

@@ -1,5 +1,5 @@
 #pragma once
 
-// Where the kernel shows the PCI functions and their configuration space.
+// The kernel's files with the PCI functions and their configuration space.
 inline constexpr const char* kProcBusPci = "/proc/bus/pci";
-inline constexpr const char* kProcPci = "/proc/pci";  ///< kernels of long ago
+inline constexpr const char* kProcPci = "/proc/pci";  ///< only in very old kernels

@@ -31,9 +31,9 @@ void LookUpEntryPoints() {
 }  // namespace
 
 TVTQStatusCode::EVTQStatusCode pmemLoad() {
-  static const char kAnchor[] = "pmemLoad";  // lies in this plug-in, so its module is this plug-in
+  static const char kAnchor[] = "pmemLoad";  // an address inside this plug-in
   const std::string path = GetModulePathLin(kAnchor) + "../../libpmem.so";
-  dlerror();  // what failed earlier is not of interest
+  dlerror();  // clears an earlier error
   FunctionLib = dlopen(path.c_str(), RTLD_LAZY);
   const char* error = dlerror();
   dlError = error == nullptr ? "" : error;
@@ -44,6 +44,6 @@ TVTQStatusCode::EVTQStatusCode pmemLoad() {
 
 TVTQStatusCode::EVTQStatusCode pmemUnLoad() {
   if (FunctionLib == nullptr || dlclose(FunctionLib) != 0) return TVTQStatusCode::kSuccess;
-  FunctionLib = nullptr;  // a closed handle is not to be closed again
+  FunctionLib = nullptr;  // so that it is not closed twice
   return TVTQStatusCode::kFailure;
 }

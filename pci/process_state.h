@@ -6,28 +6,28 @@
 #include "pci/listing_index.h"
 #include "plugin/property_map.h"
 
-/// What outlives a collector: set once, and kept until the library is unloaded. Nothing guards it;
-/// all queries come on one thread.
+/// Data that outlives a collector: set once and kept until the library is unloaded. It needs no
+/// lock, because all queries come on one thread.
 struct PciProcessState {
   /// 0: the firmware's slot structures give no usable bus information; 1: bus information is in
   /// type 11 strings (SMBIOS 2.5); 2: it is in the type 9 structures (SMBIOS 2.6 and later).
   unsigned slotIDRetrievalType = 0;
-  /// Set before the one load of the slot tables, so that a failing load is not tried again.
+  /// Set before the slot tables are loaded, so that a failed load is not repeated.
   bool slotDataLoaded = false;
 
-  /// The inventory, a map for each function; taken once, on the first request for a PCI class.
+  /// The inventory, a map for each function; collected once, on the first request for a PCI class.
   std::vector<TPropertyMap> pciBridgePropsVect;
   std::vector<TPropertyMap> pciDevicePropsVect;
   bool pciInfoCollected = false;
 
-  /// Set before the one "lspci" run; its output, null when there is none.
+  /// `listingRun` is set before the only run of "lspci"; the listing is null if there is no output.
   bool listingRun = false;
   std::unique_ptr<const ListingIndex> listing;
   bool listingUnavailable = false;
   bool descriptionFileUnavailable = false;
 
-  /// Slot number that functions of one network chip share on one platform; 0 until the first is
-  /// seen.
+  /// The slot number that the functions of a certain network chip share; 0 until the first function
+  /// with one is seen.
   unsigned char specialSlotNumber = 0;
 };
 

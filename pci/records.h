@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-/// One PCI function, as the kernel's device list and its configuration space tell it.
+/// One PCI function, from the kernel's device list and its configuration space.
 struct sPciDevices {
   std::uint8_t bus = 0;
   std::uint8_t device = 0;
@@ -34,13 +34,13 @@ enum EPciConfigOffset : unsigned {
   kConfigHeaderSize = 0x40,
 };
 
-/// The 16-bit little-endian field at an offset of a configuration space that holds it.
+/// Returns the 16-bit little-endian field at an offset inside a configuration space.
 template <class ConfigSpace>
 std::uint16_t ConfigWord(const ConfigSpace& config, unsigned offset) {
   return static_cast<std::uint16_t>(config[offset] | config[offset + 1] << 8);
 }
 
-/// Where the firmware says that a slot is.
+/// The location of a slot according to the firmware.
 struct SlotLocation {
   std::uint16_t tag = 0;  ///< running number of the slot, from 1
   std::uint16_t slotId = 0;
@@ -48,7 +48,7 @@ struct SlotLocation {
   std::uint8_t bus = 0;
   std::uint8_t device = 0;
   std::uint8_t function = 0;
-  std::uint8_t currentUsage = 0;  ///< SMBIOS 7.10.3; 0 where the firmware does not tell
+  std::uint8_t currentUsage = 0;  ///< SMBIOS 7.10.3; 0 if the firmware does not say
 };
 
 /// Bus numbers that lead to a slot: `bus`, and `secondaryBus` to `subordinateBus`.

@@ -15,8 +15,8 @@ void AppendUnlessOnBusZero(SlotLocation location, std::uint16_t* nextTag,
   if (location.bus != 0) locations->push_back(location);
 }
 
-// The hexadecimal number in the `digits` characters behind the first occurrence of `marker`; 0 when
-// there is no such marker.
+// Returns the hexadecimal number in the `digits` characters after the first occurrence of `marker`;
+// 0 if there is no such marker.
 std::uint16_t NumberBehind(const std::string& text, const std::string& marker, std::size_t digits) {
   const std::size_t place = text.find(marker);
   if (place == std::string::npos) return 0;
@@ -54,9 +54,8 @@ void AppendSlotLocation(const std::string& oemString, std::uint16_t* nextTag,
   location.slotId = NumberBehind(oemString, "SID:0x", 4) & 0xFF;
   location.segmentGroup = NumberBehind(oemString, "SegGrp:0x", 4) & 0xFF;
   location.bus = static_cast<std::uint8_t>(NumberBehind(oemString, "B:0x", 2));
-  // Every marker is looked for from the start, so with a slot ID in the string, the device number
-  // is found inside "SID:0x". The rule is fixed so that reports of different machines can be
-  // compared.
+  // Every marker is searched from the start. So in a string with a slot ID, "D:0x" is found inside
+  // "SID:0x". The rule is fixed so that reports of different machines can be compared.
   location.device = static_cast<std::uint8_t>(NumberBehind(oemString, "D:0x", 2));
   location.function = static_cast<std::uint8_t>(NumberBehind(oemString, "F:0x", 2));
   AppendUnlessOnBusZero(location, nextTag, locations);

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-/// Hands the non-empty pieces of `text` between delimiters, a character or any of a text's, to
-/// `take`, in order, until it answers false. Runs of delimiters, leading and trailing ones give no
-/// empty pieces.
+/// Calls `take` for the non-empty parts of `text` between delimiters, in order, until it returns
+/// false. `delimiters` is a character, or a text of which any character is a delimiter. Repeated,
+/// leading and trailing delimiters give no empty parts.
 template <class Delimiters, class Take>
 void ForEachToken(std::string_view text, Delimiters delimiters, Take take) {
   for (std::size_t begin = text.find_first_not_of(delimiters); begin != std::string_view::npos;) {

@@ -6,8 +6,8 @@
 
 #include "framework/cim_value.h"
 
-/// An array value of the given element type with one element for each of `elements`, in order. An
-/// empty vector gives an array of no elements, which is not null.
+/// Returns an array value of the given element type with `elements` in their order. An empty vector
+/// gives an empty array, which is not null.
 template <class Element>
 NQZMVTQ20::TCIMValue MakeArrayValue(NQZMVTQ20::TCIMValue::TCIMType::ECIMType type,
                                     std::vector<Element> elements) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The CIM classes that the plug-in serves.
+// The CIM classes that the plug-in provides.
 inline constexpr const char* kPciDeviceClass = "QZMSG_PCIDevice";
 inline constexpr const char* kPciBridgeClass = "QZMSG_PCIBridge";
 inline constexpr const char* kDeviceInSlotClass = "QZMSG_DeviceInSlot";

@@ -11,11 +11,11 @@
 #include "framework/plugin_manager_provider.h"
 #include "plugin/property_map.h"
 
-/// Base of all collectors: one collector serves one class of one query. The order of the virtual
-/// operations is part of the binary interface.
+/// Base of all collectors. A collector provides one class for one query. The order of the virtual
+/// functions is part of the binary interface.
 class VTQ_EXPORT TPci {
  public:
-  /// Serves no class yet; logs nothing.
+  /// Has no class yet; logs nothing.
   TPci();
   /// Neither the class nor the provider is owned; both must outlive the collector. Without a
   /// provider the collector logs nothing.
@@ -27,8 +27,8 @@ class VTQ_EXPORT TPci {
   virtual ~TPci();
   /// The instances of the collector's own class.
   virtual std::vector<NQZMVTQ20::ICIMInstance*> GetCIMInstances();
-  /// Creates and commits the instances of `className`. The pointers are a count: the framework owns
-  /// the instances, and one that was not committed may be gone already.
+  /// Creates and commits the instances of `className`. Use the pointers only for counting: the
+  /// framework owns the instances, and one that was not committed may already be destroyed.
   virtual std::vector<NQZMVTQ20::ICIMInstance*> GetCIMInstances(std::string className) = 0;
 
   NQZMVTQ20::TPluginManagerProvider* GetInfoHandle();
@@ -41,17 +41,17 @@ class VTQ_EXPORT TPci {
   void WriteDebug(const std::string& text) const;
   void WriteVerbose(const std::string& text) const;
 
-  /// Makes an instance of the collector's class, sets all `properties` in name order, and commits
-  /// it if the class is called `className`. Exceptions of the framework pass through. The pointer
-  /// counts, and is not to be followed.
+  /// Creates an instance of the collector's class, sets all `properties` in name order, and commits
+  /// it if the class is named `className`. Exceptions of the framework pass through. Use the
+  /// pointer only for counting; do not dereference it.
   NQZMVTQ20::ICIMInstance* GenerateCIMInstance(TPropertyMap properties, std::string className);
 
-  /// Does what GenerateCIMInstance does with properties that stay the caller's.
+  /// The same as GenerateCIMInstance, without copying `properties`.
   [[gnu::visibility("hidden")]] NQZMVTQ20::ICIMInstance* MakeInstance(
       const TPropertyMap& properties, const std::string& className);
 
   /// Whether the framework holds an instance of the candidate's class with the candidate's object
-  /// path; a committed candidate finds itself.
+  /// path; true for a committed candidate.
   bool IsDuplicateInstance(NQZMVTQ20::ICIMInstance* candidate);
 
  private:

@@ -2,12 +2,12 @@
 
 #include <string>
 
-// String constants of the plug-in. Each source unit that includes this header has its own copy,
-// made when the library is loaded and destroyed when it is unloaded. They are made before all other
-// static objects: the plug-in registers itself from one of those, and a registry may ask for data
-// at once.
+// String constants of the plug-in. Each source file that includes this header has its own copies,
+// which are created when the library is loaded and destroyed when it is unloaded. They are created
+// before all other static objects, because one of those registers the plug-in, and a registry may
+// ask for data at once.
 
-// Names by which frameworks configure plug-ins; every unit of a plug-in can count on them.
+// Names that frameworks use to configure plug-ins. Every source file of a plug-in may expect them.
 [[gnu::init_priority(200)]] const std::string kPlugin = "plugin";
 [[gnu::init_priority(200)]] const std::string kCmpi = "cmpi";
 [[gnu::init_priority(200)]] const std::string kNspId = "nspID";

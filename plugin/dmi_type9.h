@@ -20,15 +20,14 @@ struct DMIPeerGroup {
   std::uint8_t dataBusWidth;
 };
 
-/// The most peer groups that are believed; a larger count means something else.
+/// The maximum number of peer groups; a larger count is not a count of peer groups.
 inline constexpr int kMaxPeerGroups = 8;
 
-/// System Slots structure (SMBIOS 7.10) as it lies in the firmware's table. A structure may be
-/// shorter, so a record is only looked at inside a StructureReader's buffer, which goes on with
-/// zeros.
+/// System Slots structure (SMBIOS 7.10) with the layout of the firmware's table. A structure may be
+/// shorter, so read it only inside the buffer of a StructureReader, where zeros follow it.
 struct DMIType9 {
   std::uint8_t type;
-  std::uint8_t length;  ///< of the formatted area; the string set begins behind it
+  std::uint8_t length;  ///< of the formatted area; the string set follows it
   DMIWord handle;
   std::uint8_t designation;  ///< string number, 0 for none
   std::uint8_t slotType;
@@ -38,10 +37,10 @@ struct DMIType9 {
   DMIWord slotId;
   std::uint8_t characteristics1;
   std::uint8_t characteristics2;
-  DMIWord segmentGroup;  ///< from here on SMBIOS 2.6
+  DMIWord segmentGroup;  ///< this field and the next ones: since SMBIOS 2.6
   std::uint8_t bus;
   std::uint8_t deviceFunction;    ///< device in bits 7..3, function in bits 2..0
-  std::uint8_t baseDataBusWidth;  ///< from here on SMBIOS 3.2
+  std::uint8_t baseDataBusWidth;  ///< this field and the next ones: since SMBIOS 3.2
   std::uint8_t peerGroupingCount;
   std::array<DMIPeerGroup, kMaxPeerGroups> peerGroups;
 };

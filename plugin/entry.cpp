@@ -41,7 +41,8 @@ constexpr std::array<ServedClass, 7> kServedClasses{{
     {kOnBoardDeviceClass, Make<TSysBrd>},
 }};
 
-// Straight to the core logger: these lines are written with or without a provider handle.
+// Writes to the core logger directly, because these lines are written with or without a provider
+// handle.
 void Log(ILogger::EVTQLogSeverity severity, const std::string& text) {
   TRootObject::GetCoreLogger()->Write(severity, text);
 }
@@ -50,19 +51,19 @@ std::shared_ptr<TPluginManagerNamespace> FindRegistry() {
   return std::dynamic_pointer_cast<TPluginManagerNamespace>(TRootObject::GetPluginManager());
 }
 
-// The registry owns the object; PrepareForUnload ends it.
+// The registry owns the object; PrepareForUnload deletes it.
 void MakeCallbacks() { new TPciInfoCallbacks; }  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
 
 void LogRefusal(const char* why) noexcept {
   try {
     Log(ILogger::kError, std::string("The plug-in could not register: ") + why);
   } catch (...) {
-    // The logger refuses as well: nobody is left to tell.
+    // The logger failed too, so the failure cannot be reported.
   }
 }
 
-// Without a registry nobody would own the object, so none is made. A registry that refuses it, with
-// whatever it throws, leaves the plug-in idle: loading a library must not end the process.
+// Without a registry nobody would own the object, so none is created. If the registry refuses it by
+// any exception, the plug-in stays idle, because loading a library must not end the process.
 struct Registration {
   Registration() noexcept {
     try {

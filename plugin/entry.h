@@ -13,13 +13,13 @@ class TPci;
 
 namespace NQZMVTQ20 {
 
-/// The plug-in's one object: says who the plug-in is, and turns each requested class into a
-/// collector that lives for that class of that query only. The provider handle that it passes to
-/// the collectors is set by the plug-in manager.
+/// The only object of the plug-in that the framework knows. It returns the name and version of the
+/// plug-in, and creates a collector for each requested class of a query. The plug-in manager sets
+/// the provider handle that it passes to the collectors.
 class VTQ_EXPORT TPciInfoCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
  public:
-  /// Registers the object with the plug-in manager, which owns it from then on; without a plug-in
-  /// manager it does nothing.
+  /// Registers the object with the plug-in manager, which owns it from then on. Does nothing
+  /// without a plug-in manager.
   TPciInfoCallbacks();
   ~TPciInfoCallbacks() override;
 
@@ -31,17 +31,17 @@ class VTQ_EXPORT TPciInfoCallbacks : public IPluginCallbacks, public IPluginBasi
   void Init() override;
   void DeInit() override;
 
-  /// Serves the classes in their order, skipping silently what it does not know. An exception
-  /// leaves it only when a class cannot tell its name or a collector cannot be made.
+  /// Provides the classes in their order; skips unknown classes silently. Throws only when a class
+  /// does not return its name or a collector cannot be created.
   void GetData(std::shared_ptr<ICIMNamespace> nameSpace,
                std::vector<std::shared_ptr<ICIMClass>>& classes) override;
 
-  /// Lets `collector` (not owned) make its instances and logs how it went; whatever it throws ends
-  /// here. Always 0.
+  /// Lets `collector` (not owned) create its instances and logs the result. Catches all exceptions
+  /// of the collector. Always returns 0.
   int RetrieveDataForClass(TPci* collector);
 };
 
-/// Kept for hosts that look it up; the plug-in neither reads nor writes it.
+/// Exported for hosts that look it up; the plug-in neither reads nor writes it.
 extern VTQ_EXPORT std::int32_t gStarted;
 
 }  // namespace NQZMVTQ20

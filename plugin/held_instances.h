@@ -6,7 +6,7 @@
 #include "framework/cim_instance.h"
 #include "framework/cim_namespace.h"
 
-/// Instances that the framework holds, kept alive by the vector.
+/// Instances that the framework holds; the vector keeps them alive.
 using HeldInstances = std::vector<std::shared_ptr<NQZMVTQ20::ICIMInstance>>;
 
 /// Appends all instances of a class, in enumeration order. Throws TVTQException when the namespace

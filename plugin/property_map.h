@@ -5,6 +5,6 @@
 
 #include "framework/cim_value.h"
 
-/// What one instance will hold: property names, in byte order, with their values. An empty map
-/// means that there is nothing to report.
+/// The properties of a future instance: names, in byte order, with their values. An empty map means
+/// that there is no instance.
 using TPropertyMap = std::map<std::string, NQZMVTQ20::TCIMValue>;

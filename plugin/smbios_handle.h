@@ -2,7 +2,7 @@
 
 #include "framework/smbios.h"
 
-/// An SMBIOS handle that is closed at the latest when its scope is left.
+/// An SMBIOS handle, closed by Close or by the destructor.
 class SmBiosHandle {
  public:
   SmBiosHandle() = default;

@@ -16,7 +16,7 @@ TVTQStatusCode::EVTQStatusCode StructureReader::Next() {
   return smBiosGetNext(handle_, Get(), &size_);
 }
 
-// One size word serves the whole walk, but it never promises more than there is.
+// Every fetch gets the same size variable; it never exceeds the size of the buffer.
 void StructureReader::Clear() {
   buffer_.fill(0);
   size_ = std::min(size_, kCapacity);

@@ -20,7 +20,7 @@ void InsertSystemKeys(ICIMClass* cimClass, TPropertyMap* properties) {
                    TCIMValue(TCIMSchemaHelper::GetSystemCreationClassName(nameSpace)));
     InsertProperty(properties, "SystemName", TCIMValue(TCIMSchemaHelper::GetSystemName(nameSpace)));
   } catch (const TVTQException&) {
-    // The first value of a name wins: what was found before the failure stays.
+    // InsertProperty keeps an existing value, so a value that was found before the failure stays.
     InsertProperty(properties, "SystemCreationClassName", TCIMValue(""));
     InsertProperty(properties, "SystemName", TCIMValue(""));
   }

@@ -3,7 +3,7 @@
 #include "framework/cim_class.h"
 #include "plugin/property_map.h"
 
-/// Adds "SystemCreationClassName" and "SystemName", by which an instance names the computer system
-/// that it belongs to, as the framework tells them for the namespace of `cimClass`. One that the
-/// framework cannot tell becomes the empty text. Framework failures (TVTQException) are swallowed.
+/// Adds "SystemCreationClassName" and "SystemName", which identify the computer system of an
+/// instance. The framework returns their values for the namespace of `cimClass`. If it throws
+/// TVTQException, the missing values become empty texts.
 void InsertSystemKeys(NQZMVTQ20::ICIMClass* cimClass, TPropertyMap* properties);

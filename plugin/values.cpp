@@ -11,8 +11,8 @@ using NQZMVTQ20::TCIMValue;
 
 namespace {
 
-// The formatted extraction of a stream whose only flag is the hexadecimal base, without the stream:
-// a device list has fifteen numbers a line, and making a stream costs more than reading from it.
+// Reads a number like a stream with the flag std::hex, but without a stream: a device list has
+// fifteen numbers per line, and creating a stream takes longer than reading the number.
 class HexReader {
  public:
   HexReader() : format_(nullptr) {
@@ -35,7 +35,8 @@ class HexReader {
   mutable std::ios format_;
 };
 
-// What nearly all numbers are: a few lower-case digits and nothing else. False for any other text.
+// Fast path for nearly all numbers: a few lower-case digits and nothing else. Returns false for any
+// other text.
 template <class T>
 bool ReadDigits(std::string_view text, T* value) {
   if (text.size() > 2 * sizeof(T)) return false;
@@ -54,12 +55,12 @@ bool ReadDigits(std::string_view text, T* value) {
 
 template <class T>
 std::string dataToString(T value) {
-  // A stream that is given a null pointer fails; as a text, it is an empty one.
+  // Writing a null pointer to a stream would make it fail.
   if constexpr (std::is_pointer_v<T>) {
     if (value == nullptr) return "";
   }
   std::stringstream stream;
-  stream.exceptions(std::ios::badbit);   // a text is whole, or there is none
+  stream.exceptions(std::ios::badbit);   // throw rather than return a part of the text
   stream.imbue(std::locale::classic());  // no digit grouping, whatever the host set
   stream << value;
   return stream.str();

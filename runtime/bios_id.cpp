@@ -45,7 +45,7 @@ std::string BiosIdFrom(const std::string& directory) {
   try {
     return BiosVersion(LoadSmBiosTable(directory));
   } catch (const TVTQException& failure) {
-    // An answer that another try may give differently is none.
+    // Another attempt may succeed, so this is not "no BIOS version".
     if (failure.GetStatusCode() == TVTQStatusCode::kFailure) throw;
     return {};
   }

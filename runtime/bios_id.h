@@ -7,8 +7,8 @@
 
 namespace vtq {
 
-/// The BIOS version text of the table's first BIOS information structure (DSP0134, 7.1: the string
-/// whose number stands at offset 5); empty when one of these is missing.
+/// Returns the BIOS version of the table's first BIOS information structure (DSP0134, 7.1: the
+/// string whose number is at offset 5); empty if the structure or the string is missing.
 VTQ_EXPORT std::string BiosVersion(const SmBiosTable& table);
 
 /// TOSSpecific::GetBiosID for the tables in `directory`.

@@ -11,15 +11,15 @@
 
 namespace vtq {
 
-/// Reads little-endian numbers out of firmware bytes, which it does not own. Every access is
-/// checked: one that reaches past the end throws TVTQException (kCorruptData).
+/// Reads little-endian numbers from firmware bytes, which it does not own. Reading past the end
+/// throws TVTQException (kCorruptData).
 class ByteReader final {
  public:
   explicit ByteReader(std::span<const std::uint8_t> bytes) noexcept : bytes_(bytes) {}
 
   std::size_t GetSize() const noexcept { return bytes_.size(); }
 
-  /// Whether `count` bytes are there from `offset` on.
+  /// Whether there are `count` bytes at `offset`.
   bool Holds(std::size_t offset, std::size_t count) const noexcept {
     return offset <= bytes_.size() && count <= bytes_.size() - offset;
   }

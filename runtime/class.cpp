@@ -68,12 +68,12 @@ void Class::Replace(std::shared_ptr<Instance> instance) {
   }
   const std::string& path = instance->GetPath();
   auto entry = instanceByPath_.extract(path);
-  entry.key() = path;  // the text of the instance that goes would go with it
+  entry.key() = path;  // the old key is a view of the replaced instance's text
   (*instances_)[entry.mapped()] = std::move(instance);
   instanceByPath_.insert(std::move(entry));
 }
 
-// Either all of it is done or, where memory does not suffice, nothing.
+// Without enough memory, nothing is changed.
 void Class::Commit(std::shared_ptr<Instance> instance) {
   const auto [entry, isNew] = instanceByPath_.try_emplace(instance->GetPath(), instances_->size());
   if (!isNew) return Replace(std::move(instance));

@@ -8,30 +8,31 @@
 
 namespace vtq {
 
-/// One value that an integer property may have, and what it means.
+/// One value of an integer property and its meaning.
 struct NamedValue {
   unsigned value = 0;
   std::string meaning;
 };
 
-/// What a class declares about one property.
+/// The declaration of one property of a class.
 struct PropertySchema {
   std::string name;
   NQZMVTQ20::TCIMValue::TCIMType type;
   bool isArray = false;
   bool isKey = false;
-  /// For a reference: the classes whose instances it may name.
+  /// For a reference: the classes of the instances that it may refer to.
   std::vector<std::string> targets;
   std::string description;
-  /// Words for the values of a coded property, in the order of the values; other values may occur.
+  /// Meanings of the values of a coded property, in the order of the values; other values may
+  /// occur.
   std::vector<NamedValue> values = {};
   /// The property of a superclass that this one redefines; empty when there is none.
   std::string overrides = {};
-  /// For a reference with several targets: the class that they have in common.
+  /// For a reference with several targets: their common superclass.
   std::string commonTarget = {};
 };
 
-/// What the repository knows of a class.
+/// The declaration of a class.
 struct ClassSchema {
   std::string name;
   std::string superclass;  ///< empty when it has none
@@ -39,8 +40,8 @@ struct ClassSchema {
   std::vector<PropertySchema> properties;
 };
 
-/// The classes that an association joins: the targets of all its references, each once, in the
-/// order in which they are declared. Empty for a class without references.
+/// Returns the classes that an association joins: the targets of its references, each once, in the
+/// order of their declaration. Empty for a class without references.
 VTQ_EXPORT std::vector<std::string> JoinedClasses(const ClassSchema& schema);
 
 }  // namespace vtq

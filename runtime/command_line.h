@@ -5,16 +5,16 @@
 
 namespace vtq {
 
-/// Where programs are looked for, and the PATH that they get. Fixed, so that the caller's
-/// environment cannot put another program in the place of a system tool.
+/// The directories in which programs are searched, and their PATH. Fixed, so that the caller's
+/// environment cannot replace a system tool by another program.
 inline constexpr const char* kProgramSearchPath = "/usr/sbin:/usr/bin:/sbin:/bin";
 
-/// The words of a command, separated by blanks and tabs.
+/// Splits a command into words, which spaces and tabs separate.
 std::vector<std::string> SplitCommand(const std::string& command);
 
-/// The file of the program `name`: an absolute path stands for itself, any other name is looked for
-/// in kProgramSearchPath. Empty when there is no executable file of that name, or the name is a
-/// relative path.
+/// Returns the file of the program `name`: an absolute path is returned as it is; any other name is
+/// searched in kProgramSearchPath. Empty if there is no executable file of that name, or if the
+/// name is a relative path.
 std::string FindProgram(const std::string& name);
 
 }  // namespace vtq

@@ -21,7 +21,7 @@ bool IsFileName(const std::string& text) {
          text.find_first_of(std::string("/\0", 2)) == std::string::npos;
 }
 
-// Links are not followed: they could lead out of the directory.
+// Links are not followed, because they could point outside the directory.
 bool IsRegularFile(const std::string& path) {
   struct stat status {};
   return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
@@ -40,7 +40,7 @@ std::optional<std::string> RecordedOutput(const std::string& command) {
   try {
     return ReadFile(PathOf(command));
   } catch (const NQZMVTQ20::TVTQException& failure) {
-    FailService("the recorded output of \"" + command + "\" is lost: " + failure.what(),
+    FailService("cannot read the recorded output of \"" + command + "\": " + failure.what(),
                 failure.GetStatusCode());
   }
 }

@@ -7,14 +7,14 @@
 
 namespace vtq {
 
-/// From now on TOSSpecific::SpawnProcess runs nothing for a command of which `directory` holds a
-/// recording: a regular file whose name is exactly the command's text. It answers the file's
-/// content. A command without a recording runs as ever. An empty directory name ends it. A command
-/// whose text is no plain file name (one with a slash) has no recording. Not thread-safe.
+/// Makes TOSSpecific::SpawnProcess return recorded outputs instead of running commands. A recording
+/// is a regular file in `directory` whose name is exactly the text of the command. A command
+/// without a recording runs as usual; so does one that contains a slash, because it cannot be a
+/// file name. An empty directory name turns replaying off. Not thread-safe.
 VTQ_EXPORT void ReplayCommandsFrom(std::string directory);
 
-/// For SpawnProcess: the recorded output of a command; nothing when there is none. Throws
-/// TVTQException when there is one that cannot be read.
+/// For SpawnProcess: returns the recorded output of a command; nothing if there is none. Throws
+/// TVTQException if the recording cannot be read.
 std::optional<std::string> RecordedOutput(const std::string& command);
 
 }  // namespace vtq

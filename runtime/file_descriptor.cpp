@@ -5,7 +5,7 @@
 namespace vtq {
 
 ssize_t AppendFrom(int descriptor, std::string& text) {
-  // What a pipe holds at most by default.
+  // The default capacity of a pipe.
   char chunk[65536];
   ssize_t count = 0;
   do {

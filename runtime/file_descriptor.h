@@ -10,7 +10,7 @@
 
 namespace vtq {
 
-/// Owns one open file descriptor, or none (-1), and closes it at its end.
+/// Owns one open file descriptor, or none (-1), and closes it in its destructor.
 class FileDescriptor final {
  public:
   FileDescriptor() noexcept = default;

@@ -27,7 +27,7 @@ std::string ReadFile(const std::string& path) {
   if (!file.IsOpen()) ThrowUnreadable(path, errno);
   std::string content;
   ssize_t count = 0;
-  // Until nothing more comes: the kernel's own files state a size of 0 or of a whole page.
+  // Reads until the end, because files in /proc and /sys report a size of 0 or of a page.
   do {
     count = AppendFrom(file.Get(), content);
   } while (count > 0);

@@ -4,8 +4,8 @@
 
 namespace vtq {
 
-/// The whole content of a file, for services that report the failure themselves. Throws
-/// TVTQException that names the file and the reason.
+/// Returns the content of a file, for services that report failures themselves. Throws
+/// TVTQException, which names the file and the reason.
 std::string ReadFile(const std::string& path);
 
 }  // namespace vtq

@@ -9,7 +9,7 @@ namespace vtq {
 
 namespace {
 
-// The names of one line of a hosts file: the address and what follows a `#` are left out.
+// Returns the names in one line of a hosts file, without the address and a comment (`#`).
 std::vector<std::string> NamesOf(const std::string& line) {
   std::istringstream words(line.substr(0, line.find('#')));
   words.exceptions(std::ios::badbit);
@@ -22,7 +22,7 @@ std::vector<std::string> NamesOf(const std::string& line) {
 
 std::string QualifiedHostName(const std::string& host, std::istream& hostsFile) {
   if (host.empty() || host == "localhost" || host.find('.') != std::string::npos) return host;
-  // A stream takes a want of memory for its end unless it is told to pass it on.
+  // Without this, the stream would take bad_alloc for the end of the file.
   hostsFile.exceptions(std::ios::badbit);
   std::string line;
   while (std::getline(hostsFile, line)) {

@@ -7,11 +7,10 @@
 
 namespace vtq {
 
-/// The fully qualified name of `host` by the lines of a hosts file: the first name of a line that
-/// lists `host`, where that is `host` with a domain behind it. Otherwise, and for a name that
-/// has a domain already or stands for no name ("localhost"), `host` itself. No name server is ever
-/// asked: an inventory does not wait for a network that may be down. Exceptions of the stream pass
-/// through.
+/// Returns the fully qualified name of `host` from a hosts file: the first name of a line that
+/// lists `host`, if it is `host` followed by a domain. Otherwise, and if `host` already has a
+/// domain or is "localhost", returns `host` itself. Does not ask a name server, because an
+/// inventory must not wait for a network that may be down. Exceptions of the stream pass through.
 VTQ_EXPORT std::string QualifiedHostName(const std::string& host, std::istream& hostsFile);
 
 }  // namespace vtq

@@ -116,7 +116,7 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, cons
   CheckValue(owner, property, value);
   if (property.isKey) {
     if (committed_ && !(values_[position] == value)) {
-      Refuse(owner, property, "is a key of a committed instance and stays as it is");
+      Refuse(owner, property, "is a key of a committed instance and cannot be changed");
     }
     if (committed_) return;
     path_.clear();

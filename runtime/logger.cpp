@@ -51,14 +51,15 @@ void Logger::Write(EVTQLogSeverity severity, const std::string& text) noexcept {
 }
 
 LogSink MakeFileSink(const std::string& path) {
-  // A link may lead to any file that this user may write, and may be somebody else's.
+  // Somebody else may have made a link here to overwrite a file of this user.
   constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NOFOLLOW;
   constexpr mode_t kMode = 0644;
   auto file = std::make_shared<FileDescriptor>(::open(path.c_str(), kFlags, kMode));
   if (!file->IsOpen()) {
-    const char* const why = errno == ELOOP ? "it is a symbolic link; name the file that it leads to"
-                                           : std::strerror(errno);
-    throw NQZMVTQ20::TVTQException("the log file " + path + " cannot be opened: " + why);
+    const char* const why = errno == ELOOP
+                                ? "it is a symbolic link; name the file that it points to"
+                                : std::strerror(errno);
+    throw NQZMVTQ20::TVTQException("cannot open the log file " + path + ": " + why);
   }
   return [file](NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
     WriteAll(file->Get(), RecordLine(severity, text));

@@ -8,18 +8,18 @@
 
 namespace vtq {
 
-/// Receives every record of a logger, in the order in which they are written.
+/// Receives the records of a logger, in the order in which they are written.
 using LogSink =
     std::function<void(NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text)>;
 
-/// A logger that hands each record to all its sinks. What a sink throws is dropped: logging never
-/// fails a collection. Plug-ins write hundreds of thousands of records that nobody reads, so a
-/// record that no sink takes costs next to nothing.
+/// A logger that passes each record to all its sinks. Exceptions of a sink are dropped, so that
+/// logging cannot fail a collection. Plug-ins write hundreds of thousands of records that no sink
+/// takes; dropping these is cheap.
 class VTQ_EXPORT Logger final : public NQZMVTQ20::ILogger {
  public:
-  /// The sink gets the records up to that severity.
+  /// Adds a sink for records up to the severity `highest`.
   void AddSink(LogSink sink, EVTQLogSeverity highest = kVerbose);
-  /// Whether a sink gets records of that severity.
+  /// Whether any sink takes records of that severity.
   bool Takes(EVTQLogSeverity severity) const noexcept { return severity <= highest_; }
   void Write(EVTQLogSeverity severity, const std::string& text) noexcept override;
 
@@ -30,13 +30,13 @@ class VTQ_EXPORT Logger final : public NQZMVTQ20::ILogger {
   };
 
   std::vector<Outlet> outlets_;
-  int highest_ = kError - 1;  ///< of all outlets
+  int highest_ = kError - 1;  ///< of all sinks
 };
 
-/// A sink that writes every record to `path`, one a line: the severity's digit, a blank, the text
-/// (tabs kept, line feeds replaced by blanks). The file is created or emptied first; a symbolic
-/// link is not followed. Every record is in the file when the call returns, and several processes
-/// may write to one file. Throws TVTQException when it cannot be opened.
+/// Returns a sink that writes every record to `path`, one per line: the digit of the severity, a
+/// space, the text (tabs kept, line feeds replaced by spaces). The file is created or emptied
+/// first; a symbolic link is not followed. Records are not buffered, and several processes may
+/// write to one file. Throws TVTQException when the file cannot be opened.
 VTQ_EXPORT LogSink MakeFileSink(const std::string& path);
 
 }  // namespace vtq

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The loader knows the program itself only by the name under which it was called.
+// For the program itself, the loader gives only argv[0].
 fs::path ModuleFile(const Dl_info& found, const link_map& module) {
   const bool isProgram = module.l_name == nullptr || *module.l_name == '\0';
   std::error_code ignored;

@@ -68,7 +68,7 @@ PathText::PathText(const std::string& nameSpace, const std::string& className)
 void PathText::AddKey(const std::string& name, const TCIMValue& value) {
   if (!CanBeKey(value)) {
     throw TVTQException("the key " + className_ + "." + name +
-                            " is null, an array or a real number, which cannot stand in a path",
+                            " is null, an array or a real number, which cannot be part of a path",
                         TVTQStatusCode::kInvalidArgument);
   }
   text_.append(1, separator_).append(name).append(1, '=');

@@ -8,14 +8,14 @@
 
 namespace vtq {
 
-/// Puts the text of an object path together, as TCIMReference::ToString describes it.
+/// Builds the text of an object path, which TCIMReference::ToString describes.
 class VTQ_EXPORT PathText final {
  public:
   /// `className` must live as long as this object.
   PathText(const std::string& nameSpace, const std::string& className);
 
-  /// Keys come in byte order of their names. Throws TVTQException when the value is null, an array
-  /// or a real number: none of them can stand in a path.
+  /// Adds a key; call in byte order of the names. Throws TVTQException when the value is null, an
+  /// array or a real number, which cannot be part of a path.
   void AddKey(const std::string& name, const NQZMVTQ20::TCIMValue& value);
 
   std::string Take() noexcept { return std::move(text_); }

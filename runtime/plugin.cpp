@@ -21,7 +21,7 @@ using NQZMVTQ20::TVTQStatusCode;
 
 namespace {
 
-// The loader takes a name without a slash for one that it has to search for.
+// dlopen searches a name without a slash in the system's directories.
 std::string LoaderPath(const std::string& file) {
   return file.find('/') == std::string::npos ? "./" + file : file;
 }
@@ -31,7 +31,7 @@ struct InterfaceVersion {
   int minor = -1;
 };
 
-// A version of -1.-1, which fits nowhere, for a text that is none.
+// For a malformed text, the version is -1.-1, which is compatible with no host.
 InterfaceVersion ParseInterfaceVersion(const std::string& text) {
   InterfaceVersion version;
   const char* const end = text.data() + text.size();
@@ -46,7 +46,7 @@ bool Fits(const InterfaceVersion& version) {
          version.minor <= NQZMVTQ20::kInterfaceMinorVersion;
 }
 
-// What went wrong in `step`; empty when nothing did.
+// Returns why `step` failed; empty if it did not.
 std::string FailureOf(const std::function<void()>& step) {
   try {
     step();
@@ -82,7 +82,7 @@ void Plugin::Open() {
     return other->library_ == library_;
   };
   if (std::any_of(manager_.plugins_.begin(), manager_.plugins_.end(), isSame)) {
-    throw TVTQException("the plug-in " + GetFile() + " is loaded already: name it once only");
+    throw TVTQException("the plug-in " + GetFile() + " is already loaded: name it only once");
   }
   Adopt(registered);
 }
@@ -104,7 +104,7 @@ void Plugin::Adopt(const std::vector<IPluginCallbacks*>& registered) {
   Connect();
 }
 
-// Called while the object may still be under construction: it is connected when it is first used.
+// The object may still be under construction, so it is connected when it is first used.
 void Plugin::JoinByHand(IPluginCallbacks* callbacks) {
   callbacks_ = callbacks;
   library_ = ::dlopen(GetFile().c_str(), RTLD_NOW | RTLD_NOLOAD);
@@ -113,8 +113,8 @@ void Plugin::JoinByHand(IPluginCallbacks* callbacks) {
 void Plugin::CheckInterface() const {
   const std::string version = GetInterfaceVersion();
   if (Fits(ParseInterfaceVersion(version))) return;
-  throw TVTQException("the plug-in " + GetFile() + " is built for version " + version +
-                      " of the plug-in interface, which does not fit version " +
+  throw TVTQException("the plug-in " + GetFile() + " was built for version " + version +
+                      " of the plug-in interface, which is not compatible with version " +
                       std::to_string(NQZMVTQ20::kInterfaceMajorVersion) + "." +
                       std::to_string(NQZMVTQ20::kInterfaceMinorVersion) +
                       " of this program: build the plug-in for that version");

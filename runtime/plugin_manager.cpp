@@ -18,8 +18,8 @@ using NQZMVTQ20::TVTQStatusCode;
 
 namespace {
 
-// The object may still be under construction. Its type can be asked for then, and stands in the
-// library that the object comes from.
+// The object may still be under construction. Its run-time type is known even then, and the type
+// information is in the library that the object comes from.
 std::string FileThatHolds(const NQZMVTQ20::IPluginCallbacks& callbacks) {
   Dl_info found;
   return ::dladdr(&typeid(callbacks), &found) != 0 ? found.dli_fname : std::string();

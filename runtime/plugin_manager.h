@@ -16,9 +16,8 @@ namespace vtq {
 
 class Plugin;
 
-/// Loads plug-ins into this process and keeps them side by side. It must be installed
-/// (vtq::SetPluginManager) before it loads anything. Unloads, in reverse order, what is still
-/// loaded when it is destroyed.
+/// Loads plug-ins into this process. It must be installed (vtq::SetPluginManager) before it loads
+/// anything. Its destructor unloads the remaining plug-ins in reverse order.
 class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace {
  public:
   PluginManager();
@@ -26,32 +25,32 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
   PluginManager& operator=(const PluginManager&) = delete;
   ~PluginManager() override;
 
-  /// Loads the library `file` (a path; one without a slash is in the current directory) and hands
-  /// its object the provider handle. The plug-in stays the manager's; the reference is valid until
-  /// it is unloaded. Throws TVTQException when the file cannot be loaded, is loaded already, does
-  /// not register exactly one plug-in, or is built for a version of the interface that does not
-  /// fit, or when this manager is not installed.
+  /// Loads the library `file` (a path; without a slash, a file in the current directory) and gives
+  /// its object the provider handle. The manager owns the plug-in; the reference is valid until it
+  /// is unloaded. Throws TVTQException when the file cannot be loaded, is already loaded, does not
+  /// register exactly one plug-in, or is built for an incompatible version of the interface, or
+  /// when this manager is not installed.
   Plugin& Load(const std::string& file);
 
-  /// Ends the plug-in's object (with DeInit first where that is still to come) and unloads its
-  /// library. Throws TVTQException for a plug-in that is not this manager's.
+  /// Destroys the plug-in's object, after DeInit if that was not called yet, and unloads its
+  /// library. Throws TVTQException for a plug-in of another manager.
   void Unload(const Plugin& plugin);
 
-  /// Ends the plug-in's object as Unload does, and leaves its library loaded as long as this
-  /// manager lives: the plug-in is this manager's no more. For a host that is about to end, which
-  /// is spared the time that unloading takes. Throws like Unload.
+  /// Destroys the plug-in's object like Unload, but leaves its library loaded for the lifetime of
+  /// this manager; removes the plug-in from the manager. It saves a host that is about to exit the
+  /// time for unloading. Throws like Unload.
   void End(const Plugin& plugin);
 
   const std::vector<std::unique_ptr<Plugin>>& GetPlugins() const noexcept { return plugins_; }
 
-  /// What plug-ins or their host did against the contract so far, a sentence each, oldest first:
-  /// a query before Init, a second Init, DeInit without Init, unloading without DeInit, an
-  /// exception while unloading, instances that were created and not committed, namespaces, classes
-  /// or instances still held after a query. A call that comes at the wrong time is noted and made.
+  /// Violations of the contract by plug-ins or their host so far, a sentence each, oldest first: a
+  /// query before Init, a second Init, DeInit without Init, unloading without DeInit, an exception
+  /// while unloading, instances that were created and not committed, namespaces, classes or
+  /// instances still held after a query. A call at the wrong time is reported here and made anyway.
   const std::vector<std::string>& GetViolations() const noexcept { return violations_; }
 
-  /// A plug-in that registers while Load loads nothing, because the host loaded its library by
-  /// hand, joins the plug-ins at once. The manager keeps its library loaded until it unloads the
+  /// If a plug-in registers while Load is not running, because the host loaded its library itself,
+  /// it is added to the plug-ins at once. The manager keeps its library loaded until it unloads the
   /// plug-in.
   void RegisterPlugin(NQZMVTQ20::IPluginCallbacks* callbacks) override;
   std::string GetName(const NQZMVTQ20::TQualifierMap& qualifiers) const override;
@@ -61,12 +60,12 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
  private:
   friend class Plugin;
 
-  /// Takes the plug-in out of those that are this manager's. Throws like Unload.
+  /// Removes the plug-in from this manager. Throws like Unload.
   std::unique_ptr<Plugin> Take(const Plugin& plugin);
 
   std::vector<std::unique_ptr<Plugin>> ended_;
   std::vector<std::unique_ptr<Plugin>> plugins_;
-  // What the library that Load is loading registers; null while it loads none.
+  // The objects that the library being loaded has registered; null while Load is not running.
   std::vector<NQZMVTQ20::IPluginCallbacks*>* loading_ = nullptr;
   std::vector<std::string> violations_;
 };
@@ -74,7 +73,7 @@ class VTQ_EXPORT PluginManager final : public NQZMVTQ20::TPluginManagerNamespace
 /// One loaded plug-in library and the object that it registered.
 class VTQ_EXPORT Plugin final {
  public:
-  /// Loads nothing yet: plug-ins are made by the manager.
+  /// Loads nothing yet. Only the manager creates plug-ins.
   Plugin(PluginManager& manager, std::string file);
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
@@ -86,11 +85,11 @@ class VTQ_EXPORT Plugin final {
   std::string GetVersion() const;
   std::string GetInterfaceVersion() const;
 
-  /// Throws TVTQException as Load does for a plug-in that was loaded by hand and does not fit.
+  /// Throws TVTQException for a plug-in that the host loaded itself and that Load would refuse.
   /// Exceptions of the plug-in pass through.
   void Init();
   /// Asks the plug-in for the instances of `classes`. Exceptions of the plug-in pass through. Does
-  /// nothing when the plug-in answers no queries.
+  /// nothing when the plug-in does not implement queries.
   void GetData(const std::shared_ptr<NQZMVTQ20::ICIMNamespace>& nameSpace,
                std::vector<std::shared_ptr<NQZMVTQ20::ICIMClass>>& classes);
   void DeInit();

@@ -11,15 +11,16 @@ class ICIMNamespace;
 
 namespace vtq {
 
-/// Holds the counts of a namespace at one time, to find out what a query keeps hold of. A namespace
-/// of another implementation than this one is audited as a whole, without its classes.
+/// Counts references and instances of a namespace before a query, to find out what the plug-in
+/// still holds after it. For a namespace of another implementation, only the references to the
+/// namespace itself are counted.
 class QueryAudit final {
  public:
-  /// Counts now. The namespace must outlive the audit.
+  /// Counts at this moment. The namespace must outlive the audit.
   explicit QueryAudit(const std::shared_ptr<NQZMVTQ20::ICIMNamespace>& nameSpace);
 
-  /// What has come to be held since, a sentence each: references to the namespace, to its classes
-  /// and to committed instances, and instances that were created and not committed.
+  /// Returns what is held now and was not before, a sentence each: references to the namespace, to
+  /// its classes and to committed instances, and instances that were created and not committed.
   std::vector<std::string> GetFindings() const;
 
  private:

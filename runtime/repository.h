@@ -20,21 +20,21 @@ class Instance;
 class Namespace;
 
 /// A namespace and the instances of its classes, in memory. Looking up, committing and enumerating
-/// n instances costs O(n) in all: every class indexes its instances by object path.
+/// n instances takes O(n) time in all, because every class indexes its instances by object path.
 class VTQ_EXPORT Namespace final : public NQZMVTQ20::ICIMNamespace,
                                    public std::enable_shared_from_this<Namespace> {
  public:
-  /// An empty namespace of that name ("root/cimv2").
+  /// Creates an empty namespace of that name ("root/cimv2").
   static std::shared_ptr<Namespace> Create(std::string name);
 
-  /// Adds a class. Throws TVTQException when the namespace has one of that name, or the schema has
-  /// two properties of one name.
+  /// Adds a class. Throws TVTQException when the namespace already has a class of that name, or the
+  /// schema has two properties of the same name.
   void Declare(ClassSchema schema);
 
   /// All classes, in the order of their declaration.
   const std::vector<std::shared_ptr<Class>>& GetClasses() const noexcept { return classes_; }
 
-  /// The class of that name, null when there is none.
+  /// Returns the class of that name; null if there is none.
   std::shared_ptr<Class> Find(const std::string& name) const;
 
   std::string GetName(const NQZMVTQ20::TQualifierMap& qualifiers) const override;
@@ -52,7 +52,7 @@ class VTQ_EXPORT Namespace final : public NQZMVTQ20::ICIMNamespace,
 class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
                                public std::enable_shared_from_this<Class> {
  public:
-  /// Throws TVTQException when the schema has two properties of one name.
+  /// Throws TVTQException when the schema has two properties of the same name.
   Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema schema);
 
   const ClassSchema& GetSchema() const noexcept { return schema_; }
@@ -60,7 +60,7 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   const std::string& GetNamespaceName() const noexcept { return nameSpace_; }
   /// Positions of the properties in the schema, in byte order of their names.
   const std::vector<std::size_t>& GetNameOrder() const noexcept { return nameOrder_; }
-  /// The same of the keys only.
+  /// Positions of the keys, in byte order of their names.
   const std::vector<std::size_t>& GetKeyOrder() const noexcept { return keyOrder_; }
   /// The position of a property in the schema. Throws TVTQException when it is not declared.
   std::size_t PositionOf(const std::string& property) const;
@@ -69,13 +69,13 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   const std::vector<std::shared_ptr<Instance>>& GetInstances() const noexcept {
     return *instances_;
   }
-  /// The committed instance with that object path, null when there is none.
+  /// Returns the committed instance with that object path; null if there is none.
   std::shared_ptr<Instance> Find(const std::string& path) const;
-  /// Holds `instance` under its object path from now on, in the place of the instance that was held
-  /// under that path, if there was one. Throws like Instance::GetPath.
+  /// Adds `instance`, or replaces the committed instance with the same object path. Throws like
+  /// Instance::GetPath.
   void Commit(std::shared_ptr<Instance> instance);
 
-  /// Instances that were created, and neither committed nor dropped yet.
+  /// Number of instances that exist and are not committed.
   std::size_t CountUncommitted() const noexcept { return uncommitted_; }
 
   std::string GetName(const NQZMVTQ20::TQualifierMap& qualifiers) const override;
@@ -96,11 +96,13 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   ClassSchema schema_;
   std::vector<std::size_t> nameOrder_;
   std::vector<std::size_t> keyOrder_;
-  /// Place in nameOrder_ behind the property found last: names are mostly asked for in that order.
+  /// Index in nameOrder_ after the property found last, because names are mostly looked up in that
+  /// order.
   mutable std::size_t expected_ = 0;
-  // Shared with the enumerations under way, which go on over the instances that they began with.
+  // Shared with running enumerations, which continue over the instances that they began with.
   std::shared_ptr<std::vector<std::shared_ptr<Instance>>> instances_;
-  std::unordered_map<std::string_view, std::size_t> instanceByPath_;  // the instances' own texts
+  std::unordered_map<std::string_view, std::size_t>
+      instanceByPath_;  // keys are views of the instances' path texts
   std::size_t uncommitted_ = 0;
 };
 
@@ -113,9 +115,9 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   Instance& operator=(const Instance&) = delete;
   ~Instance() override;
 
-  /// The value at a position of the schema; valid until the property is set again.
+  /// The value of the property at a position in the schema; valid until it is set again.
   const NQZMVTQ20::TCIMValue& GetValue(std::size_t position) const { return values_.at(position); }
-  /// The text of the object path, made once; valid until a key changes. Throws like
+  /// The text of the object path, built once; valid until a key changes. Throws like
   /// GetObjectReference.
   const std::string& GetPath() const;
 
@@ -135,9 +137,9 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   void CheckKeys(const Class& owner) const;
 
   std::weak_ptr<Class> class_;
-  Class* owner_;  ///< valid unless class_ has expired; locking that for every value takes time
+  Class* owner_;  ///< valid unless class_ has expired; avoids locking class_ for every value
   std::vector<NQZMVTQ20::TCIMValue> values_;
-  // Made when they are asked for: nearly all references never are.
+  // Built on demand, because nearly all references are never used.
   mutable std::string path_;
   mutable NQZMVTQ20::TCIMReference reference_;
   bool committed_ = false;

@@ -17,24 +17,26 @@ class SilentLogger final : public ILogger {
   void Write(EVTQLogSeverity, const std::string&) noexcept override {}
 };
 
-// The manager is declared last, so that it goes first: what it unloads may still write to the log.
+// The manager is declared last, so that it is destroyed first: plug-ins that it unloads may still
+// write to the log.
 std::shared_ptr<ILogger> coreLogger;
-// The same, where it is of the kind that tells what it drops.
+// The core logger, if it is a vtq::Logger, which tells what it drops; else null.
 const vtq::Logger* tellingLogger = nullptr;
 std::shared_ptr<ICIMNamespace> pluginManager;
 
-// As far as is known without asking the logger.
+// Whether the record is known to be dropped, without a virtual call.
 bool IsDropped(ILogger::EVTQLogSeverity severity) {
   if (tellingLogger == nullptr) return coreLogger == nullptr;
   return !tellingLogger->Takes(severity);
 }
 
-// Apart from its caller, which then needs no room for the text: most records are dropped.
+// Not inlined, so that the caller needs no stack space for the text: most records are dropped.
 [[gnu::noinline]] void WriteToCore(ILogger::EVTQLogSeverity severity, const char* text) noexcept {
   try {
     NQZMVTQ20::TRootObject::GetCoreLogger()->Write(severity, text);
   } catch (...) {
-    // Not enough memory for the text: logging never fails its caller.
+    // Not enough memory for the text: the record is dropped, because logging must not fail its
+    // caller.
   }
 }
 

@@ -11,8 +11,8 @@ class ILogger;
 
 namespace vtq {
 
-/// What TRootObject answers from now on. Null goes back to what stands at start: a logger that
-/// drops everything, no plug-in manager. Not thread-safe.
+/// Sets what TRootObject returns. Null restores the initial state: a logger that drops everything,
+/// no plug-in manager. Not thread-safe.
 VTQ_EXPORT void SetCoreLogger(std::shared_ptr<NQZMVTQ20::ILogger> logger);
 VTQ_EXPORT void SetPluginManager(std::shared_ptr<NQZMVTQ20::ICIMNamespace> manager);
 

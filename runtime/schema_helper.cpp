@@ -21,7 +21,8 @@ void CheckNamespace(const std::shared_ptr<ICIMNamespace>& nameSpace) {
                       TVTQStatusCode::kInvalidArgument);
 }
 
-// A system without the file has no names in it; one that cannot be read may have.
+// A missing file means no names; a file that cannot be read is an error, because it may contain the
+// name.
 std::string ReadHosts() {
   try {
     return TOSSpecific::CaptureFile("/etc/hosts");
@@ -51,7 +52,7 @@ std::string TCIMSchemaHelper::GetSystemCreationClassName(std::shared_ptr<ICIMNam
 
 std::string TCIMSchemaHelper::GetSystemName(std::shared_ptr<ICIMNamespace> nameSpace) {
   CheckNamespace(nameSpace);
-  // Asked for with every instance: it is read once, and all instances of a process agree.
+  // Read only once, because every instance needs it and all instances must have the same name.
   static const std::string systemName = ReadSystemName();
   return systemName;
 }

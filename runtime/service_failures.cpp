@@ -23,7 +23,7 @@ void ReportServiceFailure(std::string_view description) noexcept {
   try {
     if (failureObserver) failureObserver(std::string(description));
   } catch (...) {
-    // The failure itself matters more than an observer that cannot take note of it.
+    // The caller must get the failure itself, not the observer's exception.
   }
 }
 

@@ -53,7 +53,7 @@ SmBiosTable LoadSmBiosTable(const std::string& directory) {
         ParseSmBiosEntryPoint(ReadBytes(directory + "/smbios_entry_point"));
     return {entryPoint, ReadBytes(directory + "/DMI")};
   } catch (const TVTQException& failure) {
-    FailService(std::string("the SMBIOS tables cannot be used: ") + failure.what(),
+    FailService(std::string("cannot use the SMBIOS tables: ") + failure.what(),
                 failure.GetStatusCode());
   }
 }
@@ -67,7 +67,7 @@ TVTQStatusCode::EVTQStatusCode SmBiosLoadFrom(const char* directory, void** hand
   } catch (const TVTQException& failure) {
     return failure.GetStatusCode();
   } catch (...) {
-    ReportServiceFailure("the SMBIOS tables cannot be used: not enough memory");
+    ReportServiceFailure("cannot use the SMBIOS tables: not enough memory");
     return TVTQStatusCode::kFailure;
   }
 }

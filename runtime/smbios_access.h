@@ -8,14 +8,14 @@
 
 namespace vtq {
 
-/// Where the kernel keeps the files `smbios_entry_point` and `DMI`.
+/// The directory with the kernel's files `smbios_entry_point` and `DMI`.
 inline constexpr const char* kSmBiosDirectory = "/sys/firmware/dmi/tables";
 
-/// Reads both files in `directory` and checks the entry point. Tells the observer of service
-/// failures, then throws TVTQException with the code that smBiosLoad lists.
+/// Reads both files in `directory` and checks the entry point. On failure, calls the observer of
+/// service failures and throws TVTQException with a status code that smBiosLoad lists.
 SmBiosTable LoadSmBiosTable(const std::string& directory);
 
-/// smBiosLoad for the files in `directory`, not null.
+/// smBiosLoad for the files in `directory`, which must not be null.
 VTQ_EXPORT NQZMVTQ20::TVTQStatusCode::EVTQStatusCode SmBiosLoadFrom(const char* directory,
                                                                     void** handle) noexcept;
 

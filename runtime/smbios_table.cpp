@@ -21,7 +21,7 @@ constexpr int kEndOfTable = 127;
                                  NQZMVTQ20::TVTQStatusCode::kCorruptData);
 }
 
-// The bytes of an entry point or of its inner part add up to zero.
+// The bytes of an entry point, and those of its `_DMI_` part, must add up to zero.
 void CheckSum(const ByteReader& reader, std::size_t offset, std::size_t length) {
   if (!reader.Holds(offset, length)) ThrowCorrupt("is cut short");
   const std::span<const std::uint8_t> bytes = reader.Slice(offset, length);
@@ -32,7 +32,8 @@ void CheckSum(const ByteReader& reader, std::size_t offset, std::size_t length) 
 void CheckLengthAndSum(const ByteReader& reader, std::size_t lengthOffset, std::size_t minimum) {
   if (!reader.Holds(lengthOffset, 1)) ThrowCorrupt("is cut short");
   const std::size_t length = reader.U8(lengthOffset);
-  if (length < minimum) ThrowCorrupt("says that it has " + std::to_string(length) + " bytes");
+  if (length < minimum)
+    ThrowCorrupt("has an invalid length of " + std::to_string(length) + " bytes");
   CheckSum(reader, 0, length);
 }
 
@@ -56,8 +57,8 @@ SmBiosEntryPoint ParseLegacy(const ByteReader& reader) {
   return {revision >> 4, revision & 0x0F, reader.U16(0x06), reader.U16(0x0C), false};
 }
 
-// Where the string set that begins at `offset` ends, behind its two zero bytes; nothing when the
-// bytes end before.
+// Returns the end of the string set at `offset`, after its two zero bytes; nothing if the bytes end
+// before.
 std::optional<std::size_t> EndOfStrings(std::span<const std::uint8_t> bytes, std::size_t offset) {
   constexpr std::uint8_t kEnd[] = {0, 0};
   const auto start = bytes.begin() + static_cast<std::ptrdiff_t>(offset);
@@ -73,7 +74,7 @@ SmBiosEntryPoint ParseSmBiosEntryPoint(std::span<const std::uint8_t> bytes) {
   if (reader.HasText(0, "_SM3_")) return ParseVersion3(reader);
   if (reader.HasText(0, "_SM_")) return ParseVersion2(reader);
   if (reader.HasText(0, "_DMI_")) return ParseLegacy(reader);
-  ThrowCorrupt("begins with no known anchor");
+  ThrowCorrupt("does not begin with a known anchor");
 }
 
 SmBiosWalk::SmBiosWalk(const SmBiosTable& table) noexcept : table_(&table) {}

@@ -10,46 +10,47 @@
 
 namespace vtq {
 
-/// What an SMBIOS entry point says (DSP0134, 5.2).
+/// The content of an SMBIOS entry point (DSP0134, 5.2).
 struct SmBiosEntryPoint {
   int majorVersion = 0;
   int minorVersion = 0;
-  /// Bytes of the table, at most.
+  /// Maximum size of the table in bytes.
   std::size_t tableLength = 0;
-  /// Structures in the table; 0 where the entry point does not say.
+  /// Number of structures in the table; 0 if the entry point does not say.
   std::size_t structureCount = 0;
-  /// Whether an end-of-table structure (type 127) is the table's last.
+  /// Whether an end-of-table structure (type 127) ends the table.
   bool endsAtMarker = false;
 };
 
-/// Reads an entry point: `_SM3_` (5.2.2), `_SM_` (5.2.1) with the `_DMI_` part inside it, or a
-/// `_DMI_` part alone, as machines before version 2.1 have it. The version of the last comes from
-/// its BCD revision byte. A `_SM_` entry point of 30 bytes is taken as well: version 2.1 of the
-/// standard misstated its length so, and the checksum of the part inside, whose last byte is then
-/// missing, is left to the outer checksum. Throws TVTQException (kCorruptData) for an unknown
-/// anchor, a wrong checksum, or a length that is too small or reaches past `bytes`.
+/// Parses an entry point: `_SM3_` (5.2.2), `_SM_` (5.2.1) with its `_DMI_` part, or a `_DMI_` part
+/// alone, as on machines before version 2.1, whose version is in its BCD revision byte. Also
+/// accepts a `_SM_` entry point of 30 bytes, because version 2.1 of the standard stated this wrong
+/// length; the last byte of its `_DMI_` part is then missing, so only the outer checksum is
+/// checked. Throws TVTQException (kCorruptData) for an unknown anchor, a wrong checksum, or a
+/// length that is too small or reaches past `bytes`.
 VTQ_EXPORT SmBiosEntryPoint ParseSmBiosEntryPoint(std::span<const std::uint8_t> bytes);
 
-/// An entry point and its table, of which more or less may be there than the entry point says.
+/// An entry point and its table, which may be longer or shorter than the entry point says.
 struct SmBiosTable {
   SmBiosEntryPoint entryPoint;
   std::vector<std::uint8_t> bytes;
 };
 
-/// Goes over the structures of a table, which it does not own, from the first to the last.
+/// Iterates over the structures of a table, which it does not own.
 ///
-/// The walk ends where the entry point's length or the bytes end; for `_SM_` and `_DMI_` after the
-/// entry point's number of structures, if it says one (their end-of-table structure is an ordinary
-/// one: vendors' structures may follow it); for `_SM3_`, which counts no structures, after an
-/// end-of-table structure. It ends as well at a structure that states a length below 4, since the
-/// next one cannot be found behind it, and at one that does not end before the bytes do.
+/// The walk ends at the table length of the entry point or at the end of the bytes. For `_SM_` and
+/// `_DMI_` it also ends after the number of structures in the entry point, if it has one; an
+/// end-of-table structure does not end it, because vendor-specific structures may follow. For
+/// `_SM3_`, which has no number of structures, it ends after an end-of-table structure. It also
+/// ends at a structure with a length below 4, because the next one cannot be found, and at a
+/// structure that the end of the bytes cuts off.
 class VTQ_EXPORT SmBiosWalk final {
  public:
   explicit SmBiosWalk(const SmBiosTable& table) noexcept;
 
-  /// The next structure: its formatted area, its strings and the two zero bytes that end them. It
-  /// has at least 6 bytes, the type in the first, the length of the formatted area in the second.
-  /// Nothing at the end, and ever after.
+  /// Returns the next structure: its formatted area, its strings and the two zero bytes that end
+  /// them. It has at least 6 bytes; the first is the type, the second the length of the formatted
+  /// area. Returns nothing at the end and after it.
   std::optional<std::span<const std::uint8_t>> Next() noexcept;
 
  private:

@@ -129,7 +129,7 @@ TCIMValue::TCIMValue(TCIMType type, std::uint32_t count, TArray elements) : TCIM
 
 TCIMValue TCIMValue::DateTime(std::string text) {
   if (text.size() != kDateTimeLength) {
-    throw TVTQException("\"" + text + "\" is no datetime: a datetime has " +
+    throw TVTQException("\"" + text + "\" is not a datetime: a datetime has " +
                             std::to_string(kDateTimeLength) + " characters",
                         TVTQStatusCode::kInvalidArgument);
   }

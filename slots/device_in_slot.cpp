@@ -23,12 +23,12 @@ TCIMValue ValueOf(const ICIMInstance& instance, const char* property) {
   return instance.GetProperty(property, {}).value;
 }
 
-// Finds the first slot with a number; looks at each slot once, and at none before it has to.
+// Finds the first slot with a number. Reads each slot at most once, and only when it is needed.
 class SlotFinder {
  public:
   explicit SlotFinder(const HeldInstances& slots) : slots_(slots) {}
 
-  // Null when no slot has that number.
+  // Returns null if no slot has that number.
   const ICIMInstance* Find(std::uint8_t number) {
     while (first_[number] == nullptr && examined_ < slots_.size()) {
       const ICIMInstance& slot = *slots_[examined_];
@@ -40,8 +40,8 @@ class SlotFinder {
   }
 
  private:
-  // Functions carry a slot's tag, which counts the slots, where the firmware tells bus numbers;
-  // else the firmware's slot ID. They carry one byte of either.
+  // The "UINumber" of a function is the tag of its slot if the firmware has bus numbers of slots,
+  // else the firmware's slot ID; in both cases only one byte of it.
   static std::uint8_t NumberOf(const ICIMInstance& slot, std::size_t position) {
     const TCIMValue value = ValueOf(slot, "Number");
     const std::uint16_t slotId =
@@ -55,10 +55,10 @@ class SlotFinder {
   std::array<const ICIMInstance*, 256> first_{};
 };
 
-// On one platform, all ports of a network chip are in the slot of the first port that tells one.
-// All that identifies a device is read of every device, the subsystem as well: a device that lacks
-// one of these, or firmware that cannot be read, ends the association with a line in the log
-// instead of leaving some devices in doubtful slots.
+// On one platform, all ports of a network chip are in the slot of the first port that has a slot
+// number. All IDs are read from every device, including the subsystem IDs: if a device lacks one of
+// them, or the firmware cannot be read, the association ends with a line in the log instead of
+// putting some devices into doubtful slots.
 bool SharesSlotOfFirstPort(const ICIMInstance& device) {
   constexpr unsigned short kVendor = 0x14E4;
   constexpr unsigned short kChip = 0x1656;
@@ -70,7 +70,7 @@ bool SharesSlotOfFirstPort(const ICIMInstance& device) {
          static_cast<unsigned short>(chip) == kChip && biosId == "B2";
 }
 
-// The slot that a device shares with the first port of its kind, 0 when it shares none.
+// Returns the slot that a device shares with the first port of its kind; 0 if it shares none.
 std::uint8_t SharedSlotOf(const ICIMInstance& device, const TCIMValue& ownNumber) {
   if (!SharesSlotOfFirstPort(device)) return 0;
   unsigned char& shared = processState.specialSlotNumber;
@@ -78,7 +78,7 @@ std::uint8_t SharedSlotOf(const ICIMInstance& device, const TCIMValue& ownNumber
   return shared;
 }
 
-// 0 when the function is in no slot.
+// Returns 0 if the function is in no slot.
 std::uint8_t SlotNumberOf(const ICIMInstance& function, bool isDevice) {
   const TCIMValue ownNumber = ValueOf(function, "UINumber");
   const std::uint8_t shared = isDevice ? SharedSlotOf(function, ownNumber) : std::uint8_t{0};
@@ -117,7 +117,7 @@ std::vector<TPropertyMap> TPciDevInfo::MakeDeviceSlotAssociation() {
       }
     }
   } catch (const TVTQException& failure) {
-    // Log readers match this line whole, the run of seven tabs included.
+    // Log readers match the whole line, including the seven tabs.
     WriteStatus(
         "PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
         "enumerating CIM instances for " +

@@ -32,7 +32,7 @@ std::vector<ICIMInstance*> TSlotInfo::GetCIMInstances(std::string className) {
     try {
       instances.push_back(MakeInstance(slot, className));
     } catch (const TVTQException& failure) {
-      // Log readers match this line whole, the run of eight tabs included.
+      // Log readers match the whole line, including the eight tabs.
       WriteStatus(
           "PCI Slot info encountered an error\t\t\t\t\t\t\t\t"
           " generating CIM instances. Error Code: " +

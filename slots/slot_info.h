@@ -20,12 +20,12 @@ class VTQ_EXPORT TSlotInfo : public TPci {
   using TPci::GetCIMInstances;
   std::vector<NQZMVTQ20::ICIMInstance*> GetCIMInstances(std::string className) override;
 
-  /// A map for each slot in table order, and one more for each peer group of a slot; empty when the
-  /// tables cannot be read.
+  /// Returns a map for each slot in table order, and one more for each peer group of a slot; empty
+  /// if the tables cannot be read.
   std::vector<TPropertyMap> GetSlotInfo();
 
-  /// Adds the properties of one slot to `slotProperties` and takes the next tag. `record` must
-  /// stand in a StructureReader's buffer.
+  /// Adds the properties of one slot to `slotProperties` and takes the next tag. `record` must be
+  /// in the buffer of a StructureReader.
   void DumpSlotInfo(const DMIType9* record);
 
   /// See FindSlotString. Not owned by the caller; valid as long as the record is.

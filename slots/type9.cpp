@@ -5,7 +5,7 @@
 
 const char* FindSlotString(int index, const unsigned char* record) {
   if (index == 0) return "";
-  // Lengths are far below 128; one that is not leads back into the zeros before the record.
+  // Valid lengths are far below 128; a larger one points back to the zeros before the record.
   const auto* text = reinterpret_cast<const char*>(record + static_cast<signed char>(record[1]));
   if (*text == '\0') return "(null string)";
   for (int count = 1; count < index; ++count) text += std::strlen(text) + 1;
@@ -20,7 +20,7 @@ std::uint16_t DataBusWidthInBits(unsigned char code) {
 }
 
 SlotStatus StatusOfUsage(std::uint8_t currentUsage) {
-  // An empty slot is as well as one in use: both are OK (2).
+  // The status of an empty slot and of a slot in use is OK (2).
   switch (currentUsage) {
     case 1:
       return {1, "Other"};
@@ -45,8 +45,8 @@ std::vector<std::uint16_t> VoltagesOf(std::uint8_t characteristics1) {
 }
 
 int CountOfSlot(const DMIType9& slot) {
-  // Both bytes count as signed: what lies above 127 is a mistake of the firmware. A structure of
-  // 17 bytes has no peer count of its own, and the byte behind it is taken for one.
+  // Both bytes are read as signed, because values above 127 are firmware errors. A structure of 17
+  // bytes has no peer count; the byte after it is read instead.
   const auto peers = static_cast<signed char>(slot.peerGroupingCount);
   const auto length = static_cast<signed char>(slot.length);
   const bool counted = peers >= 1 && peers <= kMaxPeerGroups && length > kLengthWithoutBus;

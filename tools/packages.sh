@@ -1,11 +1,11 @@
-# Functions that the scripts at the top share; to be sourced.
+# Functions for the scripts in the top directory; source this file.
 
 fail() {
   echo "$(basename "$0"): $*" >&2
   exit 1
 }
 
-# What the program is built from and needs at run time.
+# Packages that the program needs to be built and to run.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
   libxml2-dev libyaml-cpp-dev pciutils)
 # What the tests need beside these.
@@ -15,17 +15,17 @@ test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch python3
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish)
 # What packing, and checking the packages, needs beside these.
 package_packages=(dpkg-dev file lintian mmdebstrap)
-# What the fuzzers need beside the first.
+# Packages that the fuzzers need besides the first list.
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
-# What measuring needs beside those that the program is built from.
+# Packages that the measurements need besides the first list.
 bench_packages=(libbenchmark-dev valgrind lshw hwinfo)
-# What the whole round of checks needs beside these.
+# Additional packages for the full checks (.ci/run).
 ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev llvm-14 cppcheck python3)
 
 # Installs those of the given Debian packages that are missing.
 require_packages() {
   command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
-    fail "this is no Debian system; install what these Debian packages hold, then build with" \
+    fail "this is not a Debian system; install the software of these Debian packages, then build with" \
       "'cmake -S . -B build -G Ninja && cmake --build build': $*"
   local missing=() package
   for package in "$@"; do
@@ -47,7 +47,7 @@ require_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
       apt-get install -q -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
     tail -n 15 "$log" >&2
-    fail "could not install ${missing[*]}; see above, and mind the network and the disk"
+    fail "could not install ${missing[*]}; see above; check the network and the free disk space"
   fi
   rm -f "$log"
 }

@@ -6,7 +6,7 @@
 namespace pciinfo {
 namespace {
 
-// Bash takes "--format=json" for three words.
+// Bash splits "--format=json" into three words.
 constexpr const char* kBegin = R"(# bash completion for {0}
 
 _{0}_words() {{

@@ -15,7 +15,7 @@ std::string Quoted(const std::string& text) {
   return quoted + "'";
 }
 
-/// What a value may be, as options of `complete`.
+/// Returns the possible values, as options of `complete`.
 std::string ValueText(const Usage& usage, const UsageOption& option) {
   if (option.kind == ValueKind::kNothing) return "";
   if (option.kind == ValueKind::kFile) return " -r -F";

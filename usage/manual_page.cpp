@@ -26,7 +26,7 @@ std::string Escaped(const std::string& text) {
   return escaped;
 }
 
-/// Words as lines of text: what begins like a request is none.
+/// Returns words as lines of text; escapes words that would begin a roff request.
 std::string TextLine(const std::string& text) {
   constexpr std::size_t kWidth = 78;
   std::istringstream words(text);
@@ -59,7 +59,7 @@ Lines LinesOf(const std::string& text) {
   return lines;
 }
 
-/// Lines between blank lines.
+/// Splits a text into groups of lines, which empty lines separate.
 std::vector<Lines> Paragraphs(const std::string& text) {
   std::vector<Lines> paragraphs(1);
   for (std::string& line : LinesOf(text)) {
@@ -75,7 +75,7 @@ std::vector<Lines> Paragraphs(const std::string& text) {
 
 bool IsIndented(const std::string& line) { return line[0] == ' '; }
 
-/// "  KEY   text" as a tagged paragraph, other indented lines as they are.
+/// Returns "  KEY   text" as a tagged paragraph, other indented lines unchanged.
 std::string IndentedLine(const std::string& line) {
   const std::string text = line.substr(line.find_first_not_of(' '));
   const std::size_t gap = text.find("  ");
@@ -91,12 +91,12 @@ std::string Paragraph(const Lines& lines) {
   return text;
 }
 
-/// "Title:" above indented lines.
+/// Whether the lines are a "Title:" above indented lines.
 bool IsTitled(const Lines& lines) {
   return lines.size() > 1 && lines[0].back() == ':' && IsIndented(lines[1]);
 }
 
-/// The footer of --help: what has a title becomes a section.
+/// Formats the footer of --help: a paragraph with a title becomes a section.
 std::string FooterSections(const std::string& footer) {
   std::string plain;
   std::string titled;
@@ -140,7 +140,7 @@ std::string SynopsisText(const UsageCommand& command) {
   return text;
 }
 
-/// The paragraphs of a command's footer that not every command has.
+/// Returns the paragraphs of a command's footer, except those that all commands have.
 std::string OwnFooter(const UsageCommand& command, const std::vector<Lines>& common) {
   std::string text;
   for (const Lines& lines : Paragraphs(command.footer)) {
@@ -178,7 +178,7 @@ std::string CommandsSection(const std::vector<UsageCommand>& commands) {
   return text;
 }
 
-/// The first sentence, as the page's name line has it.
+/// Returns the first sentence, in the form for the NAME section of the page.
 std::string Purpose(const std::string& description) {
   std::string purpose = description.substr(0, description.find_first_of(".\n"));
   if (!purpose.empty()) {

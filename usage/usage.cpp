@@ -7,7 +7,7 @@
 namespace pciinfo {
 namespace {
 
-/// The elements of "FORMAT:{table,json}", as CLI11 names a value that must be in a set.
+/// Returns the elements of "FORMAT:{table,json}", the text that CLI11 shows for a value from a set.
 std::vector<std::string> ChoicesIn(const std::string& typeName) {
   const std::size_t begin = typeName.find(":{");
   const std::size_t end = typeName.find('}', begin);
@@ -15,7 +15,7 @@ std::vector<std::string> ChoicesIn(const std::string& typeName) {
   return CLI::detail::split(typeName.substr(begin + 2, end - begin - 2), ',');
 }
 
-/// Values are told by the word that --help shows for them.
+/// The word that --help shows for a value tells its kind.
 ValueKind KindOf(const std::string& valueName) {
   constexpr const char* kFiles[] = {"FILE", "CAPTURE", "DIRECTORY", "FOLDER"};
   const bool isFile = std::any_of(std::begin(kFiles), std::end(kFiles), [&](const char* word) {

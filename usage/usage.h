@@ -9,23 +9,23 @@ class App;
 
 namespace pciinfo {
 
-/// What stands where a value is asked for, as far as a shell can help with it.
+/// The kinds of values that shells complete differently.
 enum class ValueKind { kNothing, kChoice, kFile, kClass, kOther };
 
-/// An option, or an argument that is told by its place.
+/// An option or a positional argument.
 struct UsageOption {
-  std::vector<std::string> names;  ///< "-h", "--help"; of an argument: its one name, "FILE"
+  std::vector<std::string> names;  ///< "-h", "--help"; for an argument: its only name, "FILE"
   std::string valueName;           ///< empty for a flag
   std::string description;
   std::string defaultText;           ///< empty when there is none
-  std::vector<std::string> choices;  ///< empty when anything goes
+  std::vector<std::string> choices;  ///< empty if any value is allowed
   ValueKind kind = ValueKind::kNothing;
   bool isRequired = false;
   bool isRepeatable = false;
 };
 
-/// The program, or one of its commands. Options of the program may stand behind every command, so
-/// a command has those only that the program has not.
+/// The program or one of its commands. Options of the program may follow every command, so a
+/// command lists only its own options.
 struct UsageCommand {
   std::string name;
   std::string description;
@@ -34,20 +34,20 @@ struct UsageCommand {
   std::string footer;
 };
 
-/// What can be typed, as the definitions of the options have it.
+/// The command line syntax, read from the definitions of the options.
 struct Usage {
   UsageCommand program;
   std::vector<UsageCommand> commands;
-  std::vector<std::string> classes;  ///< what stands where a class is asked for
+  std::vector<std::string> classes;  ///< completions of a value of the kind kClass
 };
 
-/// Reads the definitions. What --help does not show is left out.
+/// Reads the definitions. Leaves out options that --help does not show.
 Usage UsageOf(const CLI::App& app, std::vector<std::string> classes);
 
 /// The names of all options, or of those that take a value.
 std::vector<std::string> OptionNames(const UsageCommand& command, bool withValueOnly = false);
 
-/// What may stand in a value's place: its choices or the classes.
+/// Returns the possible values of an option: its choices or the classes.
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option);
 
 }  // namespace pciinfo

@@ -8,7 +8,7 @@
 namespace pciinfo {
 namespace {
 
-/// `text` for the inside of single quotes, with a backslash before each of `special`.
+/// Escapes `text` for single quotes, and puts a backslash before each character of `special`.
 std::string Escaped(const std::string& text, std::string_view special) {
   std::string escaped;
   for (const char c : text) {
@@ -22,7 +22,7 @@ std::string Escaped(const std::string& text, std::string_view special) {
   return escaped;
 }
 
-/// What completes a value: ":NAME:ACTION".
+/// Returns the completion of a value: ":NAME:ACTION".
 std::string ValueText(const Usage& usage, const UsageOption& option) {
   const std::string name = Escaped(option.valueName, "\\:");
   if (option.kind == ValueKind::kFile) return fmt::format(":{}:_files", name);
@@ -63,7 +63,7 @@ std::string CommandCase(const Usage& usage, const UsageCommand& command) {
 
 }  // namespace
 
-// The variables have long names because zsh has "commands" and "options" of its own.
+// The variables have long names because zsh has its own variables "commands" and "options".
 std::string ZshCompletion(const Usage& usage) {
   std::string commands;
   std::string cases;

@@ -19,7 +19,7 @@ using namespace NQZMVTQ20;
 
 const std::string kFolder = "/sys/class/net/";
 
-/// The one line that the kernel says about an interface.
+/// Reads a file of one line about an interface from the kernel.
 std::string Line(const std::string& port, const std::string& name) {
   const std::string text = TOSSpecific::CaptureFile(kFolder + port + "/" + name);
   return text.substr(0, text.find('\n'));

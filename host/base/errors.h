@@ -4,7 +4,7 @@
 
 namespace pciinfo {
 
-/// The caller asked for something that makes no sense; `what()` says how to ask for it.
+/// The command line or a request is wrong; `what()` says what to write instead.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

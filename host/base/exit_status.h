@@ -2,13 +2,13 @@
 
 namespace pciinfo {
 
-/// What the program answers to its caller.
+/// Exit statuses of the program.
 enum ExitStatus : int {
-  kAllCollected = 0,  ///< a thing that this machine does not have is no failure
+  kAllCollected = 0,  ///< hardware that the machine lacks is not an error
   kFailed = 1,        ///< something could not be collected or written
   kWrongUsage = 2,
-  /// The reader has closed the pipe: what a shell shows for a program that SIGPIPE ended, as it
-  /// ends other listing tools.
+  /// The reader has closed the pipe. Shells show this status (128 + SIGPIPE) for a program that
+  /// SIGPIPE ended, so scripts can treat pciinfo like other listing tools.
   kPipeClosed = 141,
 };
 

@@ -31,8 +31,8 @@ Entry MakeEntry(const CapturePart& part, std::time_t now) {
   return entry;
 }
 
-/// The library is never told of a failed write: it would not free everything then. The failure is
-/// kept instead, and what comes after it is dropped.
+/// libarchive does not free all its memory after a failed write. So its write callback always
+/// reports success, the error is kept here, and later blocks are dropped.
 class ArchiveWriter final : public CaptureWriter {
  public:
   ArchiveWriter(int descriptor, Compression compression)
@@ -45,7 +45,7 @@ class ArchiveWriter final : public CaptureWriter {
   }
   ArchiveWriter(const ArchiveWriter&) = delete;
   ArchiveWriter& operator=(const ArchiveWriter&) = delete;
-  // What is left goes through the library only to be dropped.
+  // Destroying archive_ writes what libarchive has buffered; TakeBlock drops it.
   ~ArchiveWriter() override { dropping_ = true; }
 
   void Write(const CapturePart& part) override {
@@ -73,7 +73,7 @@ class ArchiveWriter final : public CaptureWriter {
   void Require(int result) const {
     if (error_ == EPIPE) throw ClosedPipe();
     if (error_ != 0) throw std::system_error(error_, std::generic_category(), kFailure);
-    // A warning says that the result is usable all the same.
+    // After a warning the result is usable.
     if (result >= ARCHIVE_WARN) return;
     const char* reason = archive_error_string(archive_.get());
     throw std::runtime_error(std::string(kFailure) + ": " + (reason != nullptr ? reason : "?"));
@@ -85,7 +85,7 @@ class ArchiveWriter final : public CaptureWriter {
   int error_ = 0;
   bool dropping_ = false;
   std::time_t now_ = std::time(nullptr);
-  std::unique_ptr<archive, int (*)(archive*)> archive_;  // goes first, through Take
+  std::unique_ptr<archive, int (*)(archive*)> archive_;  // last member: freeing it calls Take
 };
 
 }  // namespace

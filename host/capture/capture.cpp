@@ -8,7 +8,7 @@
 namespace pciinfo {
 namespace {
 
-/// Hands the parts of a machine on to a writer, and keeps the manifest.
+/// Passes the parts of a machine to a writer and completes the manifest.
 class Recorder final : public CaptureReceiver {
  public:
   Recorder(CaptureWriter& writer, Worker& worker, Manifest manifest, bool redact)
@@ -36,7 +36,8 @@ class Recorder final : public CaptureReceiver {
   /// To be called last: only then all is known that the manifest says.
   void AddManifest() { writer_.Write({kManifestFile, ManifestJson(manifest_), ""}); }
 
-  /// What this run could not read.
+  /// The parts that this run could not read. A capture of a capture keeps the older ones in the
+  /// manifest only.
   const std::vector<UnreadPart>& GetNews() const noexcept { return news_; }
 
  private:

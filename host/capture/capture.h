@@ -9,10 +9,10 @@
 
 namespace pciinfo {
 
-/// What to capture.
+/// What `pciinfo capture` was asked to do.
 struct CaptureOrder {
   bool redact = false;
-  /// Of the capture that the machine is served from; none for the real machine.
+  /// The manifest of the capture that --root shows; empty for the real machine.
   std::optional<Manifest> origin;
 };
 

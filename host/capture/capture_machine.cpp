@@ -47,8 +47,8 @@ constexpr std::array<const char*, 23> kFunctionFiles = {"config",
                                                         "sriov_stride",
                                                         "sriov_vf_device"};
 
-/// A link of a function, and where it leads as seen from the plain folder that stands in a capture
-/// for the function's own.
+/// A symbolic link of a function, and the directory of its target relative to the function's
+/// directory in a capture, which is a plain directory and not a link as in the kernel's /sys.
 struct FunctionLink {
   const char* name;
   const char* folder;
@@ -61,7 +61,7 @@ constexpr std::array<FunctionLink, 2> kFunctionLinks = {
 constexpr std::array<const char*, 5> kSlotFiles = {"address", "cur_bus_speed", "max_bus_speed",
                                                    "adapter", "power"};
 
-/// The entry point first: what stands in the table can only be found by it.
+/// The entry point first: Redactor needs it to find the structures in the table.
 constexpr std::array<const char*, 2> kFirmwareFiles = {
     "/sys/firmware/dmi/tables/smbios_entry_point", "/sys/firmware/dmi/tables/DMI"};
 
@@ -69,7 +69,7 @@ constexpr std::array<const char*, 3> kCommands = {"lspci", "lspci -xxxx", "lspci
 
 std::string InCapture(const fs::path& path) { return path.relative_path(); }
 
-/// What stands in a folder, sorted; nothing when it is not there.
+/// Returns the sorted entries of a directory; none if it does not exist.
 std::vector<fs::path> Listing(CaptureReceiver& receiver, const fs::path& folder) {
   std::vector<fs::path> paths;
   std::error_code error;
@@ -162,7 +162,7 @@ void CaptureMachine(CaptureReceiver& receiver) {
   CaptureFunctions(receiver);
   CaptureSlots(receiver);
   CaptureFirmware(receiver);
-  if (!HasPciBus()) return;  // nothing to list, which lspci takes for a failure
+  if (!HasPciBus()) return;  // lspci fails where there is nothing to list
   for (const char* command : kCommands) CaptureCommand(receiver, command);
 }
 

@@ -37,12 +37,12 @@ void CheckPlace(const std::string& name, TargetKind kind) {
   const fs::file_status status = fs::status(name, ignored);
   if (!fs::exists(status)) return;
   if (kind == TargetKind::kArchive && !fs::is_regular_file(status)) {
-    throw UsageError(name + " is there already, and is no file");
+    throw UsageError(name + " exists and is not a regular file");
   }
   if (kind == TargetKind::kArchive) return;
   if (!fs::is_directory(status)) {
     throw UsageError(name +
-                     " is there already, and is no directory (the names of archives end in "
+                     " exists and is not a directory (names of archives end in "
                      ".tar.zst, .tar.gz or .tar)");
   }
   if (!fs::is_empty(name)) throw UsageError("the directory " + name + " is not empty");
@@ -57,7 +57,7 @@ TargetForm FormOf(const std::string& name) {
   }
   const std::string file = fs::path(name).filename();
   if (file.find(".tar.") != std::string::npos || file.ends_with(".zip")) {
-    throw UsageError(name + ": archives are written as .tar.zst, .tar.gz and .tar");
+    throw UsageError(name + ": unsupported kind of archive: use .tar.zst, .tar.gz or .tar");
   }
   return {TargetKind::kDirectory, Compression::kNone};
 }
@@ -65,7 +65,7 @@ TargetForm FormOf(const std::string& name) {
 CaptureTarget::CaptureTarget(const std::string& name) : name_(name) {
   // A directory may be given with a slash at its end.
   while (name_.size() > 1 && name_.ends_with('/')) name_.pop_back();
-  if (name_.empty()) throw UsageError("a capture needs a name");
+  if (name_.empty()) throw UsageError("the name of the capture is empty");
   form_ = FormOf(name_);
   if (form_.kind != TargetKind::kStandardOutput) CheckPlace(name_, form_.kind);
   Open();
@@ -79,7 +79,9 @@ CaptureTarget::~CaptureTarget() {
 void CaptureTarget::Open() {
   switch (form_.kind) {
     case TargetKind::kStandardOutput:
-      if (isatty(STDOUT_FILENO) != 0) throw UsageError("an archive is nothing for a terminal");
+      if (isatty(STDOUT_FILENO) != 0) {
+        throw UsageError("refusing to write an archive to a terminal");
+      }
       break;
     case TargetKind::kArchive:
       MakeTemporaryFile();

@@ -10,15 +10,15 @@ namespace pciinfo {
 
 enum class TargetKind { kStandardOutput, kArchive, kDirectory };
 
-/// How a capture of that name is kept.
+/// The form in which a capture is stored.
 struct TargetForm {
   TargetKind kind = TargetKind::kDirectory;
   Compression compression = Compression::kNone;
 };
 
-/// The form that a name asks for: "-" is standard output, an uncompressed archive; ".tar",
-/// ".tar.gz", ".tgz" and ".tar.zst" at its end are archives; all else is a directory. Throws
-/// UsageError for archives of other kinds.
+/// Returns the form for a name: "-" is an uncompressed archive to standard output; names that end
+/// in ".tar", ".tar.gz", ".tgz" and ".tar.zst" are archives; all others are directories. Throws
+/// UsageError for names of other kinds of archives.
 TargetForm FormOf(const std::string& name);
 
 /// The place of a new capture. Until it is committed, all is written beside it under a temporary
@@ -27,9 +27,9 @@ TargetForm FormOf(const std::string& name);
 /// the target may write and commit the capture: what it leaves when it fails is removed here.
 class CaptureTarget final {
  public:
-  /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a place that is
-  /// taken by something else than an old capture (a directory must be empty, an archive's name must
-  /// stand for a file); std::system_error when nothing can be written there.
+  /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a name that exists
+  /// and is neither an empty directory (for a directory) nor a regular file (for an archive);
+  /// std::system_error when it cannot be written.
   explicit CaptureTarget(const std::string& name);
   CaptureTarget(const CaptureTarget&) = delete;
   CaptureTarget& operator=(const CaptureTarget&) = delete;

@@ -7,22 +7,21 @@
 
 namespace pciinfo {
 
-/// Writes files, folders and links below one directory and never outside of it: no link on the way
-/// is followed. Paths are relative, of plain names ("sys/bus"). All throw std::system_error, whose
-/// text names the path.
+/// Writes files, directories and links below one directory and never outside it: follows no link.
+/// Paths are relative and without "." and ".." ("sys/bus"). All functions throw std::system_error,
+/// whose text names the path.
 class CaptureTree final {
  public:
   /// `directory` must exist.
   explicit CaptureTree(const std::string& directory);
 
-  /// Makes a folder with those above it; one that is there already stays.
+  /// Makes a directory and its parents; keeps existing ones.
   void MakeFolder(const std::string& path);
 
-  /// Makes a symbolic link and the folders above it.
+  /// Makes a symbolic link and its parent directories.
   void MakeLink(const std::string& path, const std::string& target);
 
-  /// Makes an empty file and the folders above it, and opens it for writing. A file that is there
-  /// already is emptied.
+  /// Makes a file and its parent directories and opens it for writing. An existing file is emptied.
   vtq::FileDescriptor MakeFile(const std::string& path);
 
  private:

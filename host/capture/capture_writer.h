@@ -9,22 +9,22 @@ namespace pciinfo {
 
 enum class Compression { kNone, kGzip, kZstd };
 
-/// Takes parts of a capture and puts them where they are kept. All throw std::runtime_error when
-/// that fails; ClosedPipe when whoever reads has closed the pipe.
+/// Writes the parts of a capture. All functions throw std::runtime_error when that fails, and
+/// ClosedPipe when the reader has closed the pipe.
 class VTQ_EXPORT CaptureWriter {
  public:
   virtual ~CaptureWriter() = default;
 
   virtual void Write(const CapturePart& part) = 0;
-  /// To be called once, after the last part.
+  /// Call once, after the last part.
   virtual void Finish() = 0;
 };
 
-/// A writer of a tar archive to a descriptor, which must stay open until it is gone. Every part is
-/// written before the next one is taken.
+/// Returns a writer of a tar archive. `descriptor` must stay open until the writer is destroyed.
+/// Every part is written before Write returns.
 std::unique_ptr<CaptureWriter> MakeArchiveWriter(int descriptor, Compression compression);
 
-/// A writer of files below a directory, which must exist.
+/// Returns a writer of files below `directory`, which must exist.
 std::unique_ptr<CaptureWriter> MakeFolderWriter(const std::string& directory);
 
 }  // namespace pciinfo

@@ -43,7 +43,7 @@ std::string VersionOfLspci() {
         NQZMVTQ20::TOSSpecific::SpawnProcess("lspci --version", kVersionSeconds);
     return text.substr(0, text.find('\n'));
   } catch (const NQZMVTQ20::TVTQException&) {
-    return "";  // what lspci itself could not do is noted where it was to list
+    return "";  // a missing lspci is reported when its listings are captured
   }
 }
 
@@ -56,7 +56,7 @@ bool IsSystemName(const std::string& name) {
   throw BadCapture("its manifest.json is damaged: " + how);
 }
 
-// Not for ordered_json: an object of many keys would take the square of their number.
+// Not ordered_json: inserting n keys into an ordered object takes time proportional to n².
 Json ParseShallow(std::string_view text) {
   return Json::parse(text, [](int depth, Json::parse_event_t, Json&) {
     if (depth > kDeepestNesting) RefuseDamaged("it is nested too deeply");
@@ -64,12 +64,12 @@ Json ParseShallow(std::string_view text) {
   });
 }
 
-// A conversion to a number would take 1.5, true and 2^32 + 1 for 1.
+// Checks the type first: the library would convert 1.5, true and 2^32 + 1 to 1.
 void RequireKnownVersion(const Json& version) {
-  if (!version.is_number_integer()) RefuseDamaged("its formatVersion is no whole number");
+  if (!version.is_number_integer()) RefuseDamaged("its formatVersion is not an integer");
   if (version == kFormatVersion) return;
-  throw BadCapture("it is of format version " + version.dump() +
-                   ", and this program knows version " + std::to_string(kFormatVersion));
+  throw BadCapture("its format version is " + version.dump() +
+                   ", but this program reads only version " + std::to_string(kFormatVersion));
 }
 
 Manifest FromJson(const Json& parsed) {
@@ -120,7 +120,7 @@ Manifest ParseManifest(std::string_view text) {
     RequireKnownVersion(parsed.at("formatVersion"));
     Manifest manifest = FromJson(parsed);
     if (!IsSystemName(manifest.systemName)) {
-      throw BadCapture("the systemName in its manifest.json is none");
+      throw BadCapture("the systemName in its manifest.json is not valid");
     }
     return manifest;
   } catch (const Json::exception& error) {

@@ -19,7 +19,7 @@ void RedactTable(const std::string& entryPoint, std::string& table) {
   try {
     RedactSmBios(entryPoint, table);
   } catch (const NQZMVTQ20::TVTQException& failure) {
-    throw CannotRedact(std::string("left out, since it cannot be redacted: ") + failure.what());
+    throw CannotRedact(std::string("left out because it cannot be redacted: ") + failure.what());
   }
 }
 

@@ -8,14 +8,14 @@
 
 namespace pciinfo {
 
-/// A part cannot be freed of what names the machine; `what()` says why.
+/// Thrown for a part that cannot be redacted; `what()` says why.
 class CannotRedact : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Blanks what tells this machine from all others of its kind, part by part, in the order in which
-/// CaptureMachine hands them over. No part changes its length.
+/// Blanks the data that identifies this machine: serial numbers, asset tags, UUIDs. Takes the parts
+/// in the order of CaptureMachine. No part changes its length.
 class Redactor final {
  public:
   /// Throws CannotRedact for SMBIOS tables whose structures cannot be found.
@@ -25,7 +25,7 @@ class Redactor final {
   std::string entryPoint_;
 };
 
-/// Takes the system's name out of a manifest and notes that it describes a redacted capture.
+/// Removes the system's name from a manifest and marks the capture as redacted.
 void Redact(Manifest& manifest);
 
 }  // namespace pciinfo

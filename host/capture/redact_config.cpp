@@ -24,8 +24,8 @@ std::uint32_t Word32(std::string_view bytes, std::size_t offset) {
   return word;
 }
 
-/// Where device serial numbers stand in a configuration space. A list of capabilities that leads
-/// around in a circle is followed once.
+/// Returns the offsets of device serial numbers in a configuration space. Visits each capability
+/// once, so a circular list ends.
 std::vector<std::size_t> SerialNumbersIn(std::string_view bytes) {
   std::vector<std::size_t> places;
   std::set<std::size_t> seen;
@@ -38,7 +38,7 @@ std::vector<std::size_t> SerialNumbersIn(std::string_view bytes) {
   return places;
 }
 
-/// The bytes of one function in a hexadecimal listing, with the place of each one's digits.
+/// The bytes of one function in a hexadecimal listing, and the position of the digits of each.
 struct HexDump {
   std::string bytes;
   std::vector<std::size_t> places;
@@ -50,7 +50,7 @@ int HexValue(char c) {
   return std::isdigit(static_cast<unsigned char>(c)) != 0 ? c - '0' : (c | 0x20) - 'a' + 10;
 }
 
-/// Adds the bytes of a line such as "10: 00 0f" of a listing. Answers whether there were any.
+/// Adds the bytes of a line such as "10: 00 0f" of a listing. Returns whether it had any.
 bool AddHexLine(HexDump& dump, std::string_view listing, std::size_t start, std::size_t end) {
   std::size_t place = start;
   while (place < end && IsHexDigit(listing[place])) ++place;
@@ -74,9 +74,9 @@ void RedactDump(const HexDump& dump, std::string& listing) {
   }
 }
 
-/// Where the value of a field of the vital product data begins that can name a card: the serial
-/// number, and vendors' and system makers' own fields (PCI Local Bus 3.0, I.3). A field has a line
-/// of its own, such as "[SN] Serial number: 1234".
+/// Returns where the value begins in a line of vital product data that can identify a card, or npos
+/// for other lines. Such fields are the serial number and the vendor- and system-specific fields
+/// (PCI Local Bus 3.0, I.3); each has its own line, such as "[SN] Serial number: 1234".
 std::size_t VitalProductValue(std::string_view line) {
   const std::size_t text = std::min(line.find_first_not_of(" \t"), line.size());
   const std::string_view field = line.substr(text);
@@ -86,7 +86,7 @@ std::size_t VitalProductValue(std::string_view line) {
   return line.find(": ", text);
 }
 
-/// Where the device serial number in a line begins.
+/// Returns where the device serial number in a line begins, or npos.
 std::size_t SerialNumberValue(std::string_view line) {
   constexpr std::string_view kName = "Device Serial Number ";
   const std::size_t place = line.find(kName);

@@ -4,18 +4,17 @@
 
 namespace pciinfo {
 
-// Cards name themselves too: by the Device Serial Number capability in their configuration space,
-// and by what their vital product data holds, which lspci prints.
+// Cards have serial numbers too: in the Device Serial Number capability of their configuration
+// space and in their vital product data, which lspci prints.
 
-/// Clears the Device Serial Number (PCI Express Base 7.9.3) in a configuration space, which may be
-/// of any length.
+/// Clears the Device Serial Number (PCI Express Base 7.9.3) in a configuration space of any length.
 void RedactConfigSpace(std::string& bytes);
 
-/// The same in the output of "lspci -xxxx".
+/// Clears the Device Serial Numbers in the output of "lspci -xxxx".
 void RedactHexListing(std::string& listing);
 
-/// Writes 'X' for the letters and digits of device serial numbers, and of those fields of the vital
-/// product data that can name a part, in the output of "lspci -vvv".
+/// In the output of "lspci -vvv", replaces by 'X' the characters of device serial numbers and of
+/// the fields of vital product data that can identify a card.
 void RedactVerboseListing(std::string& listing);
 
 }  // namespace pciinfo

@@ -18,10 +18,10 @@ constexpr int kOemStrings = 11;
 constexpr int kInactive = 126;
 constexpr int kFirstOemType = 128;
 constexpr std::size_t kHeaderLength = 4;
-/// How strings begin in which firmware of SMBIOS 2.5 describes a slot.
+/// Firmware of SMBIOS 2.5 describes slots in OEM strings that begin so.
 constexpr std::string_view kSlotMarker = "$T9";
 
-/// A byte that holds the number of a string (DSP0134).
+/// A byte that holds the number of a string to blank (DSP0134).
 struct StringField {
   int type;
   std::size_t offset;
@@ -42,7 +42,7 @@ constexpr std::array<StringField, 12> kStringFields = {{
     {39, 0x09},  // 7.40 System Power Supply: Asset Tag Number
 }};
 
-/// Bytes that are no text (DSP0134).
+/// Bytes to clear that are not text (DSP0134).
 struct NumberField {
   int type;
   std::size_t offset;
@@ -94,7 +94,7 @@ void RedactFields(Bytes structure) {
   }
 }
 
-/// OEM strings may say anything. Those that describe slots are needed.
+/// Blanks OEM strings, which may contain anything, except those that describe slots.
 void RedactOemStrings(Bytes structure) {
   ForEachString(structure, [](std::size_t, Bytes text) {
     const bool describesSlot = text.size() >= kSlotMarker.size() &&
@@ -106,7 +106,7 @@ void RedactOemStrings(Bytes structure) {
   });
 }
 
-/// What a vendor's structure means is the vendor's knowledge.
+/// Blanks everything, because only the vendor knows what the structure contains.
 void RedactWhole(Bytes structure) {
   ClearNumber(structure, kHeaderLength, structure[1]);
   ForEachString(structure, [](std::size_t, Bytes text) { Blank(text); });

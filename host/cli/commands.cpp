@@ -33,7 +33,7 @@ constexpr const char* kPluginFile = "libpciinfo.pi.so";
 void LoadPlugins(Session& session, const std::vector<std::string>& files) {
   if (files.empty()) {
     session.Load(FirstExisting(LibraryPlaces(ProgramFolder(), kPluginFile),
-                               "install the plug-in, or name one with --plugin"));
+                               "install the plug-in or name one with --plugin"));
   }
   for (const std::string& file : files) session.Load(file);
 }
@@ -47,7 +47,8 @@ ExitStatus Print(const std::function<void(Output& output)>& print) {
   });
 }
 
-/// Tells what the user has not seen: of the lines of the report all but the first `seen`.
+/// Writes the violations as warnings and the lines of the report, except the first `seen`, which
+/// the user has seen.
 void Tell(const TroubleReport& report, std::size_t seen,
           const std::vector<std::string>& violations) {
   for (const std::string& violation : violations) WriteMessage("warning: " + violation);
@@ -134,7 +135,7 @@ void MakeAbsolute(std::string& file) {
   if (!file.empty() && file != "-") file = std::filesystem::absolute(file);
 }
 
-/// A worker moves to another directory; the files that the user named stay the same ones.
+/// With --root the working directory changes before these files are opened.
 void MakeFilesAbsolute(Options& options) {
   for (std::string& plugin : options.plugins) MakeAbsolute(plugin);
   MakeAbsolute(options.logFile);

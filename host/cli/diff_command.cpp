@@ -21,24 +21,25 @@
 namespace pciinfo {
 namespace {
 
-/// A process that compares answers in its own words: the one that waits for it has to tell a
-/// difference from a crash.
+/// Exit statuses of the process that compares. They differ from those of failures, so that the
+/// waiting process can distinguish a difference from a failure.
 enum Verdict : int { kSaidSame = 0, kSaidDifferent = 10 };
 
 void CheckSides(const Options& options) {
   const auto& [before, after] = std::tie(options.diffBefore, options.diffAfter);
   if (before == "live" && after == "live") {
     throw UsageError(
-        "both sides are this machine: compare it with a capture or with JSON (a file of the name "
-        "\"live\" is \"./live\")");
+        "both sides are this machine: compare it with a capture or a JSON file (write \"./live\" "
+        "for a file named \"live\")");
   }
-  if (before == "-" && after == "-") throw UsageError("standard input can be one side only");
-  if (before.empty() || after.empty()) throw UsageError("a side has no name");
+  if (before == "-" && after == "-") throw UsageError("only one side can be standard input");
+  if (before.empty() || after.empty()) throw UsageError("the name of a side is empty");
   if (!options.root.empty()) {
-    throw UsageError("diff names its machines itself: leave out --root, and name the capture");
+    throw UsageError(
+        "diff takes captures as its sides: leave out --root and name the capture as a side");
   }
   if (!options.logFile.empty()) {
-    throw UsageError("diff has no log file: use --log-file with a command for one side");
+    throw UsageError("diff does not take --log-file: use it with another command for one side");
   }
 }
 
@@ -67,7 +68,7 @@ std::shared_ptr<vtq::Namespace> ReadSide(const DiffSide& side) {
 
 void TellLeftOut(const DiffSide& side, const std::vector<std::string>& classes) {
   if (classes.empty()) return;
-  WriteMessage(fmt::format("{}: it holds nothing of {}, which is not compared", side.name,
+  WriteMessage(fmt::format("{0}: not comparing {1}: this side has no instances of them", side.name,
                            fmt::join(classes, ", ")));
 }
 
@@ -119,7 +120,7 @@ ExitStatus RunDiff(const Options& options, const WorkRunner& compare, const Comm
     return *answer;
   });
   if (answer) return *answer;
-  return status == kPipeClosed ? kPipeClosed : kDiffTrouble;  // it threw
+  return status == kPipeClosed ? kPipeClosed : kDiffTrouble;  // the comparison threw
 }
 
 }  // namespace pciinfo

@@ -9,7 +9,7 @@
 
 namespace pciinfo {
 
-// What `diff` answers, as programs of its kind do.
+// Exit statuses of `diff`, the same as those of diff(1).
 inline constexpr ExitStatus kSidesEqual = kAllCollected;
 inline constexpr ExitStatus kSidesDiffer = kFailed;
 inline constexpr ExitStatus kDiffTrouble = kWrongUsage;

@@ -29,7 +29,7 @@ constexpr const char* kStandardInput = "-";
 }
 
 [[noreturn]] void FailForErrno(const std::string& name, const char* what) {
-  Fail(name, fmt::format("{}: {}", what, std::strerror(errno)));
+  throw std::runtime_error(fmt::format("{} {}: {}", what, name, std::strerror(errno)));
 }
 
 std::uint64_t MostBytes(const Options& options) { return options.memoryLimit << 20U; }
@@ -39,7 +39,7 @@ bool IsDirectory(int descriptor) {
   return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// No archive begins with a brace, all JSON of instances does.
+/// JSON of instances begins with a brace; no archive does.
 bool BeginsLikeJson(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t\r\n");
   return first != std::string_view::npos && text[first] == '{';
@@ -49,18 +49,18 @@ void ReadRest(const std::string& name, int descriptor, std::uint64_t most, std::
   while (true) {
     const ssize_t count = vtq::AppendFrom(descriptor, text);
     if (count == 0) return;
-    if (count < 0) FailForErrno(name, "it cannot be read");
-    if (most != 0 && text.size() > most) Fail(name, "it is larger than --memory-limit");
+    if (count < 0) FailForErrno(name, "cannot read");
+    if (most != 0 && text.size() > most) Fail(name, "larger than --memory-limit");
   }
 }
 
-/// The text of a file of JSON; empty for captures.
+/// Returns the content of a JSON file; empty for a capture.
 std::string ReadJson(const std::string& name, const Options& options) {
   const vtq::FileDescriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.IsOpen()) FailForErrno(name, "it cannot be opened");
+  if (!file.IsOpen()) FailForErrno(name, "cannot open");
   std::string text;
   if (IsDirectory(file.Get())) return text;
-  if (vtq::AppendFrom(file.Get(), text) < 0) FailForErrno(name, "it cannot be read");
+  if (vtq::AppendFrom(file.Get(), text) < 0) FailForErrno(name, "cannot read");
   if (!BeginsLikeJson(text)) return "";
   ReadRest(name, file.Get(), MostBytes(options), text);
   return text;
@@ -69,7 +69,7 @@ std::string ReadJson(const std::string& name, const Options& options) {
 /// The JSON of standard input; empty for an archive, which can be read again then.
 std::string ReadJsonFromInput(const Options& options) {
   std::string text = ReadStandardInput(MostBytes(options));
-  if (text.empty()) Fail(kStandardInput, "there is nothing in standard input");
+  if (text.empty()) Fail(kStandardInput, "standard input is empty");
   if (BeginsLikeJson(text)) return text;
   ReplaceStandardInput(text);
   return "";
@@ -120,7 +120,7 @@ DiffSide Collect(const std::string& name, Options options, const CommandRunner& 
     status = RunGuarded([&] { return run(options); });
   }
   std::string json = output.Read();
-  if (json.empty()) Fail(name, "it could not be collected");
+  if (json.empty()) Fail(name, "could not be collected");
   return {name, std::move(json), true, status != kAllCollected};
 }
 

@@ -10,12 +10,12 @@ namespace pciinfo {
 
 /// One side of a comparison as JSON of instances.
 struct DiffSide {
-  std::string name;  ///< as the user gave it
+  std::string name;  ///< as on the command line
   std::string json;
-  /// It was collected just now: a class without instances has none. JSON that somebody kept may
+  /// Whether this run collected it: then a missing class has no instances. A saved JSON file may
   /// leave classes out.
   bool isCollected = false;
-  bool hasTroubles = false;  ///< something of it could not be collected
+  bool hasTroubles = false;  ///< whether something could not be collected
 };
 
 /// Runs a command as the program would.

@@ -34,7 +34,8 @@ Job MakeView(std::vector<std::string> collect,
   return job;
 }
 
-/// The job of a view of what the filter keeps. Terms about slots need these known.
+/// Makes the job of a view that shows what the filter keeps. A filter by slot needs the slot
+/// classes too.
 Job ViewJob(const Options& options, std::vector<std::string> classes,
             const std::function<void(const vtq::Namespace& kept, Output& output)>& write,
             std::vector<vtq::ClassSchema> declared = PciSchema()) {
@@ -74,7 +75,7 @@ Job InstancesJob(const Options& options) {
   std::vector<vtq::ClassSchema> declared = DeclaredClasses(options.classFiles);
   std::vector<std::string> print = PlanQuery(declared, options.classes).print;
   std::vector<std::string> collect = print;
-  // Whether a slot is kept depends on what sits in it.
+  // The filter keeps a slot if it keeps a function in it.
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
   return ViewJob(
       options, std::move(collect),
@@ -116,7 +117,7 @@ Job SlotsJob(const Options& options, const Terminal& terminal) {
                  });
 }
 
-/// The tree of what is kept, with the bridges on the way there.
+/// Reads the tree of the functions that the filter keeps and of the bridges above them.
 std::vector<RootBus> ReadTree(const vtq::Namespace& repository, const Filter& filter) {
   std::vector<RootBus> tree =
       MakeBusTree({ReadFunctions(repository), ReadSlots(repository).slots,
@@ -169,7 +170,7 @@ Job MakeJob(const Options& options, const Terminal& terminal) {
       return ShowJob(options, terminal);
     case Command::kCheck:
       return CheckJob(options);
-    case Command::kDiff:  // these collect nothing here
+    case Command::kDiff:  // not run as jobs
     case Command::kCapture:
     case Command::kSchema:
     case Command::kOverview:

@@ -12,21 +12,21 @@
 
 namespace pciinfo {
 
-/// A command as what it needs collected and how it prints that.
+/// What a command needs collected and how it prints that.
 struct Job {
   std::vector<std::string> collect;
   std::function<void(const Session& session, Output& output)> print;
-  /// The list of functions shows nothing of slots: that they are unknown is no news for its reader.
+  /// Whether the output shows slots. If not, troubles about slots are not reported.
   bool showsSlots = true;
   std::vector<vtq::ClassSchema> classes = PciSchema();
-  /// What the program answers when all was collected and printed; none: kAllCollected.
+  /// The exit status when everything was collected and printed; empty: kAllCollected.
   std::function<ExitStatus()> answer = nullptr;
-  /// What could not be read is part of what the user sees and is not told again.
+  /// Whether the output itself shows the troubles, so that they are not repeated as messages.
   bool showsTroubles = false;
 };
 
-/// The job of a command that prints what was collected. Reads class files. Throws UsageError for a
-/// class that is not served, and what DeclaredClasses throws.
+/// Makes the job of a command that prints collected instances. Reads class files. Throws UsageError
+/// for a class that is not declared, and what DeclaredClasses throws.
 Job MakeJob(const Options& options, const Terminal& terminal);
 
 }  // namespace pciinfo

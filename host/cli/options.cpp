@@ -14,35 +14,33 @@ constexpr const char* kFooter =
     "Severities: 0 error, 1 warning, 2 status, 3 debug, 4 verbose; records go to standard error.\n"
     "\n"
     "Exit status:\n"
-    "  0    all was collected; a thing that this machine does not have is no failure\n"
+    "  0    everything was collected; hardware that the machine lacks is not an error\n"
     "  1    something could not be collected or written; standard error says what and why\n"
-    "  2    wrong usage\n"
-    "  141  the reader of the output closed the pipe early (nothing is said about it)\n";
+    "  2    the command line is wrong\n"
+    "  141  the reader of the output closed the pipe early (there is no message)\n";
 
 constexpr const char* kCheckFooter =
     "Exit status:\n"
-    "  0    there are notes at most\n"
+    "  0    there are no findings, or only notes\n"
     "  1    there are errors or warnings, or something could not be collected or written\n"
     "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
 constexpr const char* kDiffFooter =
-    "A side is a capture (a directory or an archive), a file of JSON that \"pciinfo instances\" "
-    "has\n"
-    "printed, - for either of them from standard input, or \"live\" for this machine. --timeout "
-    "and\n"
-    "--memory-limit hold for each side.\n"
+    "A side is a capture (a directory or an archive), a JSON file that \"pciinfo instances\"\n"
+    "printed, - to read either of them from standard input, or \"live\" for this machine.\n"
+    "--timeout and --memory-limit apply to each side.\n"
     "\n"
-    "Exit status, other than that of the other commands:\n"
+    "Exit status (unlike other commands):\n"
     "  0    no differences\n"
     "  1    differences\n"
-    "  2    wrong usage, or something could not be collected, read or written\n"
+    "  2    the command line is wrong, or something could not be collected, read or written\n"
     "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
-/// CLI11 takes what a validator answers for the message, and nothing for agreement.
+/// CLI11 calls this with the option's value. A non-empty result is the error message.
 std::string IsNoLimitOrEnough(const std::string& text) {
-  // Less is not enough for the program's own libraries; no address space holds more.
+  // With less, the program's own libraries cannot be loaded; no address space is larger.
   constexpr long kLeast = 128;
   constexpr long kMost = 1L << 30;
   char* end = nullptr;
@@ -57,7 +55,8 @@ void AddViewOptions(CLI::App& app, Options& options) {
   app.add_option_function<std::vector<std::string>>(
          "--filter",
          [&options](const std::vector<std::string>& texts) { options.filter = Filter(texts); },
-         "Show only what all terms hold for; may be given more than once, for alternatives")
+         "Show only functions that match every term; repeat the option to match any of several "
+         "filters")
       ->type_name("KEY=VALUE,...")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
@@ -67,8 +66,7 @@ void AddViewOptions(CLI::App& app, Options& options) {
       ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
       ->capture_default_str();
   app.add_flag_callback(
-      "--no-pager", [&options] { options.terminal.pager = false; },
-      "Do not show output through a pager");
+      "--no-pager", [&options] { options.terminal.pager = false; }, "Do not use a pager");
 }
 
 void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
@@ -82,9 +80,10 @@ void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
-  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be given more than once");
-  AddFiles(app, "--class-file", options.classFiles,
-           "Declare the classes in this file as well, for plug-ins that serve them");
+  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be repeated");
+  AddFiles(
+      app, "--class-file", options.classFiles,
+      "Also declare the classes in this file, for plug-ins that provide them; may be repeated");
   app.add_option("--log-file", options.logFile, "Write every log record to this file")
       ->type_name("FILE");
   app.add_option("--log-level", options.logLevel,
@@ -92,12 +91,12 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
       ->type_name("0..4")
       ->check(CLI::Range(0, 4).description(""));
   app.add_option("--timeout", options.timeout,
-                 "Seconds after which collecting is given up; what is there is printed")
+                 "Stop collecting after this many seconds and print what was collected")
       ->type_name("SECONDS")
       ->check(CLI::Range(0.1, 1e6).description(""))
       ->capture_default_str();
   app.add_option("--memory-limit", options.memoryLimit,
-                 "Memory that collecting may take, in MiB; 0: no limit")
+                 "Limit the memory of each collecting process to this many MiB; 0: no limit")
       ->type_name("MIB")
       ->check(CLI::Validator(IsNoLimitOrEnough, ""))
       ->capture_default_str();
@@ -106,7 +105,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
                "the run");
   CLI::Option* root =
       app.add_option("--root", options.root,
-                     "Show the machine of a capture: a directory, an archive, or - for standard "
+                     "Show a captured machine: a directory, an archive, or - for standard "
                      "input")
           ->type_name("CAPTURE")
           ->check(
@@ -121,7 +120,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
 CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
                      Options& options, Command command) {
   CLI::App* sub = app.add_subcommand(name, description);
-  sub->fallthrough();  // global options may stand behind the command
+  sub->fallthrough();  // global options may follow the command
   sub->footer("The options of \"pciinfo --help\" can be given here as well.\n");
   sub->callback([&options, command] { options.command = command; });
   return sub;
@@ -135,14 +134,13 @@ void AddFormat(CLI::App& command, std::string& format, const std::vector<std::st
 }
 
 void AddDiff(CLI::App& app, Options& options) {
-  CLI::App* diff = AddCommand(app, "diff", "Say what differs between two machines or captures",
-                              options, Command::kDiff);
+  CLI::App* diff =
+      AddCommand(app, "diff", "Compare two machines or captures", options, Command::kDiff);
   diff->add_option("A", options.diffBefore, "The old machine: a capture, JSON, - or live")
       ->type_name("CAPTURE")
       ->required();
   diff->add_option("B", options.diffAfter, "The new machine")->type_name("CAPTURE")->required();
-  diff->add_option("--ignore", options.ignored,
-                   "Leave out changes of this property; may be given more than once")
+  diff->add_option("--ignore", options.ignored, "Ignore changes of this property; may be repeated")
       ->type_name("PROPERTY")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
@@ -157,9 +155,10 @@ void AddViews(CLI::App& app, Options& options) {
   AddFormat(*devices, options.format, {"table", "json"});
   CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
   AddFormat(*tree, options.format, {"table", "json"});
-  tree->add_flag("--all", options.showAll, "Do not fold functions that are alike");
+  tree->add_flag("--all", options.showAll, "Show every function; do not fold similar ones");
   CLI::App* show =
-      AddCommand(app, "show", "Print all that is known of one thing", options, Command::kShow);
+      AddCommand(app, "show", "Print everything known about one function, slot or instance",
+                 options, Command::kShow);
   show->add_option("NAME", options.target,
                    "Address of a function, slot ID, designation or tag of a slot, or object path")
       ->required();
@@ -171,14 +170,14 @@ void AddCommands(CLI::App& app, Options& options) {
                                    Command::kInstances);
   instances->add_option("CLASS", options.classes, "Classes to print (default: all)");
   AddFormat(*instances, options.format, InstanceFormats());
-  AddCommand(app, "classes", "Print the plug-ins and the classes that they serve", options,
+  AddCommand(app, "classes", "Print the plug-ins and the classes that they provide", options,
              Command::kClasses);
   CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
                                options, Command::kSlots);
   AddFormat(*slots, options.format, {"table", "json"});
   AddViews(app, options);
   CLI::App* check =
-      AddCommand(app, "check", "Say what of the inventory is incomplete or doubtful, and why",
+      AddCommand(app, "check", "Report what is missing or doubtful in the inventory, and why",
                  options, Command::kCheck);
   AddFormat(*check, options.format, {"table", "json"});
   check->footer(kCheckFooter);
@@ -186,8 +185,9 @@ void AddCommands(CLI::App& app, Options& options) {
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
   AddFormat(*schema, options.schemaFormat, SchemaFormats());
-  CLI::App* capture = AddCommand(app, "capture", "Keep all that can be shown of this machine",
-                                 options, Command::kCapture);
+  CLI::App* capture =
+      AddCommand(app, "capture", "Save everything that pciinfo reads from this machine to a file",
+                 options, Command::kCapture);
   capture
       ->add_option("FILE", options.captureFile,
                    "NAME.tar.zst, NAME.tar.gz, NAME.tar, a new directory, or - for standard output")
@@ -207,7 +207,7 @@ bool CanFilter(Command command) {
 std::shared_ptr<CLI::App> BuildApp(Options& options) {
   auto app = std::make_shared<CLI::App>(
       "Shows the PCI functions and system slots of this machine.\n"
-      "Without a command: an overview.",
+      "Without a command, prints an overview.",
       "pciinfo");
   AddGlobalOptions(*app, options);
   AddCommands(*app, options);
@@ -229,7 +229,7 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
     return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
   }
   if (!options.filter.IsEmpty() && !CanFilter(options.command)) {
-    return Answer{true, "--filter goes with the views and \"instances\" only"};
+    return Answer{true, "--filter cannot be used with this command"};
   }
   return options;
 }

@@ -31,56 +31,56 @@ enum class Command {
 };
 
 #ifdef PCIINFO_SANITIZED
-/// The sanitizer takes terabytes of addresses for itself.
+/// AddressSanitizer reserves terabytes of address space, so no limit is possible.
 inline constexpr std::uint64_t kDefaultMemoryLimit = 0;
 #else
 inline constexpr std::uint64_t kDefaultMemoryLimit = 4096;
 #endif
 
-/// The bytes of a limit of that many MiB; none for 0.
+/// Converts a limit from MiB to bytes; nothing for 0, which means no limit.
 inline std::optional<std::uint64_t> BytesOfLimit(std::uint64_t mebibytes) {
   if (mebibytes == 0) return std::nullopt;
   return mebibytes << 20U;
 }
 
-/// What the command line asks for.
+/// The parsed command line.
 struct Options {
   Command command = Command::kOverview;
-  std::vector<std::string> classes;     ///< of `instances`; empty: all
-  std::string format = "table";         ///< of `instances` and the views
-  std::string schemaFormat = "mof";     ///< of `schema`
-  std::vector<std::string> plugins;     ///< files; empty: the one that belongs to the program
-  std::vector<std::string> classFiles;  ///< files that declare further classes
-  std::string logFile;                  ///< empty: none
-  std::optional<int> logLevel;          ///< 0 to 4; not set: errors and warnings
-  double timeout = 600;                 ///< seconds for all that plug-ins and tools do
+  std::vector<std::string> classes;                 ///< of `instances`; empty: all
+  std::string format = "table";                     ///< of `instances` and the views
+  std::string schemaFormat = "mof";                 ///< of `schema`
+  std::vector<std::string> plugins;                 ///< files; empty: the plug-in of this project
+  std::vector<std::string> classFiles;              ///< files that declare more classes
+  std::string logFile;                              ///< empty: none
+  std::optional<int> logLevel;                      ///< 0 to 4; not set: errors and warnings
+  double timeout = 600;                             ///< seconds for all collecting
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
   bool inProcess = false;                           ///< no worker: for debuggers
   std::string root;           ///< a capture to show in the place of this machine
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
   std::string captureFile;    ///< of `capture`
   bool redact = false;        ///< of `capture`
-  // Of `diff`: what is compared, and the properties that are not.
+  // Of `diff`: the two sides, and the properties that are not compared.
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
   std::string target;    ///< of `show`: an address, a slot, or an object path
-  bool showAll = false;  ///< of `tree`: every function on a line of its own
+  bool showAll = false;  ///< of `tree`: one line for every function
   Filter filter;
   TerminalWishes terminal;
 };
 
-/// A command line that asks for nothing but a text, or that is wrong.
+/// The result for a command line that asks for help or the version, or that is wrong.
 struct Answer {
   bool isError = false;
-  std::string text;  ///< help or version with its line ends; a message without one for an error
+  std::string text;  ///< help or version with line ends; or an error message without one
 };
 
-/// The definitions of all commands and options, which parse into `options`. The manual page and the
-/// completions of the shells are made of the same.
+/// Returns the definitions of all commands and options. Parsing fills `options`. The manual page
+/// and the shell completions are made from the same definitions.
 std::shared_ptr<CLI::App> BuildApp(Options& options);
 
-/// Reads a command line.
+/// Parses a command line.
 std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv);
 
 }  // namespace pciinfo

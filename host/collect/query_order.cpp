@@ -58,7 +58,7 @@ QueryPlan PlanQuery(const Schemas& declared, const Names& asked) {
   for (const std::string& name : asked.empty() ? NamesOf(declared) : asked) {
     const vtq::ClassSchema* schema = Find(declared, name);
     if (schema == nullptr) {
-      throw UsageError(fmt::format("no plug-in serves the class \"{}\"; served are {}", name,
+      throw UsageError(fmt::format("unknown class \"{}\"; the known classes are {}", name,
                                    fmt::join(NamesOf(declared), ", ")));
     }
     collector.Add(*schema);

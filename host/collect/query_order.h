@@ -9,15 +9,15 @@ namespace pciinfo {
 
 /// What to collect and what to print for a query, by class name, each class once.
 struct QueryPlan {
-  /// In an order in which every association comes after the classes that it joins: associations are
-  /// made from instances that are already there.
+  /// Every association comes after the classes that it joins, because a plug-in makes associations
+  /// from instances that the repository already has.
   std::vector<std::string> collect;
-  /// The classes that were asked for, in the order asked for; a part of `collect`.
+  /// The requested classes, in the requested order; all of them are in `collect`.
   std::vector<std::string> print;
 };
 
-/// The plan for a query of `asked` among the declared classes; nothing asked for means all of them.
-/// Throws UsageError, which lists the declared classes, when a class is not among them.
+/// Returns the plan for the classes in `asked`; an empty `asked` means all declared classes. Throws
+/// UsageError, which lists the declared classes, when a class is not declared.
 QueryPlan PlanQuery(const std::vector<vtq::ClassSchema>& declared,
                     const std::vector<std::string>& asked);
 

@@ -30,8 +30,8 @@ std::shared_ptr<vtq::Namespace> MakeRepository(std::vector<vtq::ClassSchema> cla
   return repository;
 }
 
-/// Runs `step` of a plug-in. Answers why it failed; nothing when it did not. Only the text of the
-/// exception is kept: the object may be of a type that goes when the plug-in is unloaded.
+/// Runs `step` of a plug-in. Returns why it failed, or nothing. Keeps only the text of the
+/// exception, because its type may come from the plug-in's library, which is unloaded later.
 template <class Step>
 std::optional<std::string> FailureOf(const Step& step) {
   try {

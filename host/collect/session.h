@@ -13,14 +13,14 @@
 
 namespace pciinfo {
 
-/// Where a session's log records go besides its report.
+/// Where the log records of a session go, apart from its report.
 struct LogSettings {
-  vtq::LogSink file;         ///< none where it is empty
+  vtq::LogSink file;         ///< empty: no log file
   std::optional<int> level;  ///< for standard error, see MakeStderrSink
 };
 
-/// A repository with the declared classes, a log, and plug-ins that fill the repository. It stands
-/// behind the framework's singletons as long as it lives, so there is one at a time.
+/// A repository with the declared classes, a log, and plug-ins that fill the repository. It is
+/// installed as the framework's singletons for its lifetime, so only one may exist at a time.
 class Session final {
  public:
   /// `report` must outlive the session. Throws TVTQException when two of `classes` have one name.
@@ -28,18 +28,18 @@ class Session final {
           std::vector<vtq::ClassSchema> classes = PciSchema());
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
-  /// Ends the plug-ins if nobody has, and unloads them.
+  /// Calls EndPlugins and unloads the plug-ins.
   ~Session();
 
   /// Loads a plug-in and initialises it. Throws TVTQException when either fails.
   void Load(const std::string& pluginFile);
 
-  /// Asks every plug-in for every class, class by class in the given order. What goes wrong goes to
-  /// the report; the other classes are collected all the same. The classes must be declared.
+  /// Asks every plug-in for every class, class by class in the given order. Failures go to the
+  /// report and do not stop the other classes. The classes must be declared.
   void Collect(const std::vector<std::string>& classes);
 
-  /// Ends the plug-ins; their libraries and the repository stay as long as the session. Answers
-  /// what was done against the framework's contract.
+  /// De-initialises and destroys the plug-in objects; their libraries and the repository stay as
+  /// long as the session. Returns the violations of the framework's contract, a sentence each.
   std::vector<std::string> EndPlugins();
 
   const vtq::Namespace& GetRepository() const noexcept { return *repository_; }

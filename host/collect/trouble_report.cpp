@@ -22,7 +22,7 @@ void TroubleReport::EndClass() { className_.clear(); }
 void TroubleReport::AddRecord(ILogger::EVTQLogSeverity severity, const std::string& text) {
   if (!IsCollecting() || severity > ILogger::kStatus) return;
   Add(JudgeRecord(severity, text, circumstances_));
-  // The plug-in has said what became of the failure; it does not explain what comes later.
+  // This record was the plug-in's reaction to the failure; later records have other reasons.
   circumstances_.serviceFailure.clear();
 }
 

@@ -8,31 +8,31 @@
 
 namespace pciinfo {
 
-/// Gathers what went wrong while classes were collected, each thing once however many classes met
-/// it, under the class that met it first. That a class is lost is told for every such class.
+/// Gathers what failed while classes were collected. A trouble that several classes meet is
+/// reported once, for the first of them. A lost class is reported for every such class.
 class TroubleReport final {
  public:
   /// `hasPciBus` and `isCapture` as in Circumstances. Findings about slots are dropped unless
   /// `slotsMatter`.
   TroubleReport(bool hasPciBus, bool slotsMatter, bool isCapture = false);
 
-  /// What is added from now on belongs to `className`.
+  /// Later records and failures belong to `className`.
   void BeginClass(std::string className);
   void EndClass();
   bool IsCollecting() const noexcept { return !className_.empty(); }
 
-  /// Takes a log record; nothing happens when no class is being collected.
+  /// Adds a log record; ignores it when no class is being collected.
   void AddRecord(NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text);
-  /// Takes the description of an operating-system service that failed: it explains the next record
-  /// that means something.
+  /// Adds the description of an operating-system service that failed. It is used as the reason of
+  /// the next record that is reported.
   void AddServiceFailure(const std::string& description);
-  /// Takes what ended a query, or a plug-in's other work, before its time.
+  /// Adds the reason why a query, or another call of a plug-in, failed.
   void AddFailure(const std::string& why);
 
   /// Whether something could not be collected.
   bool HasTroubles() const noexcept { return !troubles_.empty(); }
-  /// The messages, without the program's name: first what this machine does not have, then the
-  /// troubles as "CLASS: why", each in the order in which they came.
+  /// The messages, without the program's name: first what this machine lacks, then the troubles as
+  /// "CLASS: why", each in the order in which they were added.
   std::vector<std::string> GetLines() const;
 
  private:

@@ -21,8 +21,8 @@ struct RecordRow {
   When when;
   Verdict verdict;
   Subject subject;
-  /// The clause for people, with {record} for the whole record, {rest} for what follows the
-  /// beginning and {why} for the reason that the failing service gave.
+  /// The message, with {record} for the whole record, {rest} for the part after `beginning` and
+  /// {why} for the reason that the failing service gave.
   const char* clause;
 };
 
@@ -33,7 +33,7 @@ constexpr const char* kNoTables =
     "this machine has no SMBIOS tables, so no slots are known; they come from the firmware of "
     "physical machines and of virtual machines that are set up with SMBIOS slot records";
 
-/// What is said in other words where a capture is shown: what it lacks, its machine may have.
+/// The wording for a capture: the captured machine may have what the capture lacks.
 struct CaptureRow {
   std::string_view ofMachine;
   const char* ofCapture;
@@ -46,16 +46,16 @@ constexpr CaptureRow kCaptureClauses[] = {
      "capture them"},
 };
 
-// The first row whose beginning and condition fit decides.
+// The first row whose beginning and condition match is used.
 constexpr RecordRow kRecords[] = {
-    // A progress line that the plug-in writes as an error, once for every function that sits in no
-    // slot: on most machines that is nearly every function.
+    // A progress line that the plug-in writes as an error for every function that is in no slot: on
+    // most machines, nearly every function.
     {"Exiting correlateDeviceAndSlot", When::kAlways, Verdict::kNothing, Subject::kSlots, ""},
     {"Could not open PCI devices file.", When::kNoPciBus, Verdict::kNotice, Subject::kFunctions,
      kNoPciBus},
     {"Could not open PCI devices file.", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
      "the kernel's list of PCI functions, /proc/bus/pci/devices, could not be opened"},
-    // Only kernels of long ago have /proc/pci.
+    // Only very old kernels have /proc/pci.
     {"Could not open PCI description file.", When::kAlways, Verdict::kNothing, Subject::kFunctions,
      ""},
     {"PCI description spawn encountered an error in lspci: ", When::kAlways, Verdict::kTrouble,
@@ -76,9 +76,9 @@ constexpr RecordRow kRecords[] = {
     {"PCIInfo plugin threw unknown exception", When::kAlways, Verdict::kClassLost,
      Subject::kFunctions, "the class could not be collected: {why}"},
     {"PciDevInfo encountered an error generating CIM instances for ", When::kAlways,
-     Verdict::kTrouble, Subject::kFunctions, "an instance could not be made: {rest}"},
+     Verdict::kTrouble, Subject::kFunctions, "an instance could not be created: {rest}"},
     {"PCI Slot ID ", When::kAlways, Verdict::kTrouble, Subject::kSlots,
-     "a PCI function names a slot that is not there: {record}"},
+     "a PCI function refers to a slot that does not exist: {record}"},
 };
 
 enum class Step { kLoad, kFirst };
@@ -118,7 +118,7 @@ constexpr StatusRow kStatuses[] = {
 constexpr const char* kOtherStatus =
     "the SMBIOS tables could not be read (status {rest}), so no slots are known: {why}";
 
-/// Runs of tabs in a record lay out its text for a log and are one blank in a sentence.
+/// Replaces each run of tabs, which align the text in a log, by one space.
 std::string WithoutTabs(std::string_view record) {
   std::string text;
   for (const char c : record) {

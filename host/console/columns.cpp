@@ -12,8 +12,8 @@ namespace {
 using Widths = std::vector<std::size_t>;
 
 constexpr std::string_view kGap = "  ";
-constexpr std::size_t kLeastText = 10;  // columns of a text that is still worth reading
-constexpr std::size_t kLeastCell = 4;   // and of anything
+constexpr std::size_t kLeastText = 10;  // a shorter text is not worth reading
+constexpr std::size_t kLeastCell = 4;   // for columns that must not shrink, if nothing else is left
 
 Widths NaturalWidths(const std::vector<Column>& columns, const std::vector<Row>& rows) {
   Widths widths;
@@ -29,12 +29,13 @@ std::size_t Total(const Widths& widths) {
   return std::accumulate(widths.begin(), widths.end(), kGap.size() * (widths.size() - 1));
 }
 
-/// The widest column that may give a place and is wider than `least`.
-std::size_t* WidestGiving(Widths& widths, const std::vector<Column>& columns, bool all,
-                          std::size_t least) {
+/// The widest column that may shrink (any column with `all`) and is wider than `least`; null if
+/// none.
+std::size_t* WidestShrinkable(Widths& widths, const std::vector<Column>& columns, bool all,
+                              std::size_t least) {
   std::size_t* widest = nullptr;
   for (std::size_t i = 0; i < widths.size(); ++i) {
-    if ((!all && !columns[i].gives) || widths[i] <= least) continue;
+    if ((!all && !columns[i].shrinks) || widths[i] <= least) continue;
     if (widest == nullptr || widths[i] > *widest) widest = &widths[i];
   }
   return widest;
@@ -42,8 +43,8 @@ std::size_t* WidestGiving(Widths& widths, const std::vector<Column>& columns, bo
 
 void Shrink(Widths& widths, const std::vector<Column>& columns, std::size_t limit) {
   for (std::size_t total = Total(widths); total > limit; --total) {
-    std::size_t* widest = WidestGiving(widths, columns, false, kLeastText);
-    if (widest == nullptr) widest = WidestGiving(widths, columns, true, kLeastCell);
+    std::size_t* widest = WidestShrinkable(widths, columns, false, kLeastText);
+    if (widest == nullptr) widest = WidestShrinkable(widths, columns, true, kLeastCell);
     if (widest == nullptr) return;
     --*widest;
   }

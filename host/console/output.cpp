@@ -50,7 +50,7 @@ void Output::WriteBeyondBuffer(std::string_view text) {
 void ReserveStandardStreams() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) != -1) continue;
-    // The lowest free number is the one that is missing.
+    // open() returns the lowest free number, which is the number of the closed stream.
     const int mode = descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY;
     if (open("/dev/null", mode) < 0) return;
   }
@@ -81,7 +81,7 @@ void WriteMessage(std::string_view text) noexcept {
   try {
     WriteErrorLine(std::string(kProgram) + Printable(text));
   } catch (const std::exception&) {
-    WriteErrorText("pciinfo: there is not enough memory, not even for a message\n");
+    WriteErrorText("pciinfo: out of memory\n");
   }
 }
 

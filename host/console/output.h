@@ -11,33 +11,33 @@
 
 namespace pciinfo {
 
-/// The output could not be written; `what()` says why.
+/// Thrown when the output cannot be written; `what()` says why.
 class VTQ_EXPORT OutputError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Whoever read the output has closed the pipe.
+/// Thrown when the reader of the output has closed the pipe.
 class VTQ_EXPORT ClosedPipe : public std::exception {
  public:
   const char* what() const noexcept override { return "the reader has closed the pipe"; }
 };
 
-/// Buffered output to a file descriptor in which no failure goes unnoticed. SIGPIPE must be
-/// ignored, or a closed pipe ends the process instead of being reported.
+/// Buffered output to a file descriptor; every failure is reported. SIGPIPE must be ignored;
+/// otherwise a closed pipe ends the process before it can be reported.
 class Output final {
  public:
-  /// `descriptor` stays the caller's.
+  /// The caller keeps ownership of `descriptor`.
   explicit Output(int descriptor);
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
-  /// Throws OutputError or ClosedPipe when something could not be written.
+  /// Throws OutputError or ClosedPipe when writing fails.
   void Write(std::string_view text) {
     if (text.size() > kBufferSize - size_) return WriteBeyondBuffer(text);
     size_ += text.copy(buffer_.get() + size_, text.size());
   }
-  /// Writes what is still buffered; throws like Write. What was not flushed is lost.
+  /// Writes the buffered text; throws like Write. The destructor does not flush.
   void Flush();
 
  private:
@@ -51,14 +51,15 @@ class Output final {
   std::unique_ptr<char[]> buffer_;
 };
 
-/// Opens /dev/null in the place of standard streams that are closed, so that no file opened later
-/// gets such a stream's number. Writing to a standard output that was closed still fails.
+/// Opens /dev/null for each closed standard stream, so that no file opened later gets the number of
+/// such a stream. Writing to a closed standard output still fails, because it is opened for
+/// reading.
 void ReserveStandardStreams();
 
-/// Writes all of `text` to a descriptor. Answers 0, or the error number.
+/// Writes all of `text` to a descriptor. Returns 0 or the error number (errno).
 int WriteAll(int descriptor, std::string_view text) noexcept;
 
-/// Writes to standard error in one piece; a failure to do so is ignored.
+/// Writes to standard error and ignores failures.
 void WriteErrorText(std::string_view text) noexcept;
 
 /// As long as this lives, the lines that this process, and those that are forked from it, write to
@@ -77,8 +78,8 @@ std::string WithSubject(std::string_view line);
 /// Writes one line to standard error, as WriteErrorText does.
 void WriteErrorLine(std::string_view line) noexcept;
 
-/// Writes a message of this program, "pciinfo: " and `text` made printable, as WriteErrorLine does;
-/// where memory does not suffice for that, it says so instead.
+/// Writes "pciinfo: " and `text`, made printable, as a line to standard error; without enough
+/// memory, writes "pciinfo: out of memory".
 void WriteMessage(std::string_view text) noexcept;
 
 }  // namespace pciinfo

@@ -13,14 +13,15 @@ namespace pciinfo {
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
-constexpr std::size_t kLeastWidth = 40;  // columns get unreadable before lines do
+constexpr std::size_t kLeastWidth = 40;  // in less, columns are cut until nothing can be read
 
 std::string_view ValueOf(const Environment& environment, const char* name) {
   const char* value = environment(name);
   return value == nullptr ? std::string_view() : value;
 }
 
-/// As the C library chooses it: the first that is set and not empty.
+/// The locale for characters: the first variable that is set and not empty, in the C library's
+/// order.
 std::string_view LocaleOf(const Environment& environment) {
   for (const char* name : {"LC_ALL", "LC_CTYPE"}) {
     const std::string_view value = ValueOf(environment, name);
@@ -52,7 +53,7 @@ std::size_t WidthOf(const OutputFacts& facts, const Environment& environment) {
   return std::max(width == 0 ? kUsualWidth : width, kLeastWidth);
 }
 
-/// An empty command, and `cat`, mean none.
+/// The pager command. An empty command and `cat` mean no pager.
 std::optional<std::string> PagerOf(const Environment& environment) {
   std::string pager = "less";
   for (const char* name : {"PCIINFO_PAGER", "PAGER"}) {

@@ -8,15 +8,16 @@
 
 namespace pciinfo {
 
-/// How the views may look where they are read; made once, at the start.
+/// What the views may use where they are shown: width, colours, characters, pager. Made once, at
+/// the start.
 struct Terminal {
-  std::optional<std::size_t> width;  ///< columns of a line; no value: lines are never cut
+  std::optional<std::size_t> width;  ///< in columns; no value: lines are not cut
   bool colour = false;
-  bool unicode = false;              ///< lines may be drawn with more than ASCII
-  std::optional<std::string> pager;  ///< the command that long output goes through
+  bool unicode = false;              ///< whether non-ASCII characters may be used to draw
+  std::optional<std::string> pager;  ///< the command that shows long output
 };
 
-/// What the user wants of it.
+/// What the user asked for on the command line.
 struct TerminalWishes {
   std::string color = "auto";  ///< or "always" or "never"
   bool pager = true;
@@ -25,23 +26,24 @@ struct TerminalWishes {
 /// The value of an environment variable; null when it is not set.
 using Environment = std::function<const char*(const char* name)>;
 
-/// What standard output is.
+/// What is known of standard output.
 struct OutputFacts {
   bool isTerminal = false;
-  std::size_t columns = 0;  ///< as the terminal says it; 0 when it does not
+  std::size_t columns = 0;  ///< reported by the terminal; 0 if it reports none
 };
 
-/// Decides from the facts. Only a terminal has a width and a pager; without wishes only a terminal
-/// has colours, unless NO_COLOR is set or TERM is "dumb". The locale decides about Unicode.
+/// Decides what the views may use. Only a terminal has a width and a pager. With colour "auto",
+/// only a terminal has colours, unless NO_COLOR is set or TERM is "dumb". The locale decides about
+/// Unicode.
 Terminal MakeTerminal(const OutputFacts& facts, const Environment& environment,
                       const TerminalWishes& wishes);
 
-/// The same for this process's standard output and environment.
+/// MakeTerminal for the standard output and the environment of this process.
 Terminal StandardTerminal(const TerminalWishes& wishes);
 
 enum class Colour { kNone, kBold, kFaint, kGreen, kYellow, kCyan };
 
-/// `text` in a colour, where the terminal shows any.
+/// Returns `text` in a colour if the terminal shows colours, else `text` itself.
 std::string Coloured(std::string_view text, Colour colour, const Terminal& terminal);
 
 }  // namespace pciinfo

@@ -51,12 +51,12 @@ char32_t ShownAs(char32_t codePoint) {
   return IsIn(kUnprintable, codePoint) ? U'?' : codePoint;
 }
 
-/// Whether every byte is a character of one column that is shown as it is, as in nearly all texts.
+/// Whether all bytes are printable ASCII. Nearly all texts are, and they need no decoding.
 bool IsPlain(std::string_view bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-/// The longest beginning of `utf8` that fits into `width` columns.
+/// The longest prefix of `utf8` that fits into `width` columns.
 std::string_view Beginning(std::string_view utf8, std::size_t width) {
   std::size_t used = 0;
   std::size_t end = 0;

@@ -6,21 +6,22 @@
 
 namespace pciinfo {
 
-/// `bytes` as they may be shown on a terminal, in UTF-8 (see ToUtf8): a tab becomes a blank, and
-/// every character that prints nothing, or that could steer the terminal, a '?'.
+/// Returns `bytes` as UTF-8 (see ToUtf8) that is safe to show on a terminal: a tab becomes a space;
+/// a control character or an invisible character becomes '?'.
 std::string Printable(std::string_view bytes);
 
-/// Columns that a printable UTF-8 text takes on a terminal: combining marks take none, East Asian
-/// wide characters two.
+/// Number of columns that a printable UTF-8 text takes on a terminal: a combining mark takes none,
+/// an East Asian wide character two.
 std::size_t DisplayWidth(std::string_view utf8);
 
-/// `utf8` with blanks at its end up to `width` columns.
+/// Returns `utf8` padded with spaces at its end to `width` columns.
 std::string PadRight(std::string utf8, std::size_t width);
 
-/// `utf8` when it fits into `width` columns, else its beginning and "..." in at most that many.
+/// Returns `utf8` if it fits into `width` columns, else its beginning and "..." within `width`
+/// columns.
 std::string Cut(std::string_view utf8, std::size_t width);
 
-/// `text` without the blanks at its end.
+/// Returns `text` without trailing spaces.
 std::string TrimEnd(std::string_view text);
 
 }  // namespace pciinfo

@@ -7,7 +7,7 @@ struct SequenceForm {
   unsigned char mask;
   unsigned char lead;
   std::size_t length;
-  char32_t lowest;  // smaller numbers have a shorter form
+  char32_t lowest;  // smaller code points have a shorter form
 };
 
 constexpr SequenceForm kForms[] = {

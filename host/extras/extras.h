@@ -1,9 +1,9 @@
 #pragma once
 
-// What takes libraries that most runs of the program do without (archives, XML, YAML) is in a
-// library of its own, which is loaded when it is first needed: the time that loading takes would
-// be a large part of a short run. The program calls the functions of the headers below as any
-// other; `extras_loader.cpp` finds them in that library, under these names.
+// Code that needs libraries which most runs do not use (archives, XML, YAML) is in a separate
+// library. It is loaded when it is first needed, because loading it takes a large part of the time
+// of a short run. The program calls the functions of the headers below as usual;
+// `extras_loader.cpp` implements them by the functions at the end of this file.
 
 #include "host/capture/capture_writer.h"
 #include "host/formats/cim_xml_writer.h"
@@ -17,7 +17,7 @@ inline constexpr const char* kExtrasFile = "libpciinfo-extras.so";
 }  // namespace pciinfo
 
 extern "C" {
-// The caller owns what these return. They throw as the functions that they are named after.
+// The caller owns the returned object. Each throws like the function that it is named after.
 VTQ_EXPORT pciinfo::ArchiveReader* PciinfoOpenArchive(const std::string& name);
 VTQ_EXPORT pciinfo::CaptureWriter* PciinfoMakeArchiveWriter(int descriptor,
                                                             pciinfo::Compression compression);

@@ -8,14 +8,14 @@
 namespace pciinfo {
 namespace {
 
-// Never unloaded: what it makes lives as long as it does.
+// Never unloaded, because the objects that it makes need its code.
 void* LoadExtras() {
   const std::string file = FirstExisting(LibraryPlaces(ProgramFolder(), kExtrasFile),
-                                         "install this program again, a part of it is missing");
+                                         "a part of this program is missing: install it again");
   void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_NODELETE);
   if (library != nullptr) return library;
-  throw std::runtime_error(std::string("a part of this program cannot be loaded (") + dlerror() +
-                           "); install it again");
+  throw std::runtime_error(std::string("cannot load a part of this program (") + dlerror() +
+                           "): install it again");
 }
 
 template <class Function>
@@ -23,7 +23,7 @@ Function* Find(const char* name) {
   static void* const extras = LoadExtras();
   if (void* function = dlsym(extras, name)) return reinterpret_cast<Function*>(function);
   throw std::runtime_error(std::string(kExtrasFile) +
-                           " is of another version of this program; install it again");
+                           " belongs to another version of this program: install it again");
 }
 
 }  // namespace

@@ -15,11 +15,11 @@ namespace {
   throw BadCapture(fmt::format("its entry \"{}\" {}", entry.path.substr(0, 200), what));
 }
 
-/// The parts of a path without the empty ones and ".".
+/// Returns the components of a path, except empty ones and ".".
 std::vector<std::string> Parts(const std::string& path) {
   std::vector<std::string> parts;
   std::istringstream stream(path);
-  stream.exceptions(std::ios::badbit);  // no memory is not the end of the path
+  stream.exceptions(std::ios::badbit);  // else getline would take bad_alloc for the end
   for (std::string part; std::getline(stream, part, '/');) {
     if (!part.empty() && part != ".") parts.push_back(part);
   }
@@ -30,7 +30,7 @@ std::string PlainPath(const ArchiveEntry& entry) {
   if (entry.path.starts_with('/')) Refuse(entry, "has an absolute path");
   std::string plain;
   for (const std::string& part : Parts(entry.path)) {
-    if (part == "..") Refuse(entry, "leads out of the capture");
+    if (part == "..") Refuse(entry, "points outside the capture");
     plain += (plain.empty() ? "" : "/") + part;
   }
   return plain;
@@ -44,7 +44,7 @@ bool IsInnerLink(const std::string& path, const std::string& target) {
   const auto isUp = [](const std::string& part) { return part == ".."; };
   const auto down = std::find_if_not(parts.begin(), parts.end(), isUp);
   if (std::any_of(down, parts.end(), isUp)) return false;
-  // Folders between "sys" and the link, which stands in the last one.
+  // The number of directories between "sys/" and the link.
   const auto depth = std::count(path.begin(), path.end(), '/') - 1;
   return down - parts.begin() <= depth;
 }
@@ -53,9 +53,10 @@ std::string EntryGate::Admit(const ArchiveEntry& entry) {
   Count(entry);
   std::string path = PlainPath(entry);
   if (entry.kind == EntryKind::kHardLink) Refuse(entry, "is a hard link");
-  if (entry.kind == EntryKind::kOther) Refuse(entry, "is neither a file nor a folder nor a link");
+  if (entry.kind == EntryKind::kOther)
+    Refuse(entry, "is neither a file nor a directory nor a symbolic link");
   if (entry.kind == EntryKind::kLink && !IsInnerLink(path, entry.target)) {
-    Refuse(entry, fmt::format("is a link to \"{}\", which is not inside of the captured sys/",
+    Refuse(entry, fmt::format("links to \"{}\", which is not inside the captured sys/",
                               entry.target.substr(0, 200)));
   }
   return path;

@@ -8,30 +8,30 @@ namespace pciinfo {
 
 enum class EntryKind { kFile, kFolder, kLink, kHardLink, kOther };
 
-/// One entry of an archive, as the archive has it: nothing of it can be trusted.
+/// One entry of an archive, unchecked.
 struct ArchiveEntry {
   std::string path;
   EntryKind kind = EntryKind::kOther;
   std::string target;      ///< of a link
-  std::uint64_t size = 0;  ///< bytes that a file says it unpacks to
+  std::uint64_t size = 0;  ///< size of the unpacked file according to the archive
 };
 
-/// How much a capture may hold. A machine of ten thousand functions takes a quarter of it.
+/// Limits of a capture. A machine of ten thousand functions needs a quarter of them.
 struct CaptureLimits {
   std::uint64_t entries = 1'000'000;
   std::uint64_t bytes = std::uint64_t{1} << 30;
   std::size_t pathLength = 1024;
 };
 
-/// Lets those entries of one archive pass that can do no harm.
+/// Checks the entries of one archive before they are unpacked.
 class EntryGate final {
  public:
   explicit EntryGate(const CaptureLimits& limits = {}) : limits_(limits) {}
 
-  /// The entry's path below the capture's root in its plain form ("sys/bus", "" for the root
-  /// itself). Throws BadCapture, naming the entry, for a path that is absolute or goes up, for a
-  /// link other than those that IsInnerLink allows, for everything that is no file, folder or
-  /// link, and for an archive that is over a limit.
+  /// Returns the normalised path of the entry below the capture's root ("sys/bus"; "" for the root
+  /// itself). Throws BadCapture, naming the entry, for a path that is absolute or contains "..",
+  /// for a symbolic link that is not an inner link (see IsInnerLink), for anything else than a
+  /// file, a directory or a symbolic link, and when a limit is exceeded.
   std::string Admit(const ArchiveEntry& entry);
 
  private:
@@ -42,9 +42,10 @@ class EntryGate final {
   std::uint64_t bytes_ = 0;
 };
 
-/// Whether a symbolic link at `path` (in its plain form) stays inside of the captured /sys: both
-/// stand in "sys/", and the target is relative and goes up at its beginning only. Such links have
-/// no way out, however many are chained, as long as no folder on the way to one is itself a link.
+/// Whether a symbolic link at `path` (normalised) stays inside the captured /sys: the link and its
+/// target are below "sys/", and the target is relative and has ".." only at its beginning. A chain
+/// of such links cannot leave "sys/" either, as long as no parent directory of a link is itself a
+/// link.
 bool IsInnerLink(const std::string& path, const std::string& target);
 
 }  // namespace pciinfo

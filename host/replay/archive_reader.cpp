@@ -23,10 +23,10 @@ namespace fs = std::filesystem;
 constexpr std::size_t kBlockSize = 65536;
 
 std::string PathOf(archive_entry* entry) {
-  // Where the name cannot be told in the locale's characters, UTF-8 still can.
+  // A name that cannot be converted to the locale's character set may still be available as UTF-8.
   if (const char* path = archive_entry_pathname(entry)) return path;
   if (const char* path = archive_entry_pathname_utf8(entry)) return path;
-  throw BadCapture("it holds an entry whose name cannot be read");
+  throw BadCapture("it contains an entry whose name cannot be read");
 }
 
 std::string TargetOf(archive_entry* entry) {
@@ -50,11 +50,11 @@ EntryKind KindOf(archive_entry* entry) {
 
 std::uint64_t SizeOf(archive_entry* entry) {
   const la_int64_t size = archive_entry_filetype(entry) == AE_IFREG ? archive_entry_size(entry) : 0;
-  if (size < 0) throw BadCapture("it holds an entry of a negative size");
+  if (size < 0) throw BadCapture("it contains an entry of negative size");
   return static_cast<std::uint64_t>(size);
 }
 
-/// No filter that would start another program.
+/// Enables formats and filters, except filters that would start another program.
 void SupportFormats(archive* reader) {
   archive_read_support_format_tar(reader);
   archive_read_support_filter_gzip(reader);
@@ -82,10 +82,10 @@ class LibraryReader final : public ArchiveReader {
 
   std::unique_ptr<archive, int (*)(archive*)> archive_;
   archive_entry* entry_ = nullptr;
-  std::uint64_t left_ = 0;  ///< of the file that Next answered last
-  bool atHole_ = false;     ///< only the zeros at that file's end are left
+  std::uint64_t left_ = 0;  ///< unread bytes of the current file
+  bool atHole_ = false;     ///< only zeros at the end of the current file are left
   vtq::FileDescriptor file_;
-  std::string directory_;  ///< with a slash at its end; empty for an archive
+  std::string directory_;  ///< with a trailing slash; empty for an archive
   std::vector<char> buffer_;
 };
 
@@ -102,7 +102,8 @@ LibraryReader::LibraryReader(const std::string& name)
 void LibraryReader::OpenDirectory(const std::string& name) {
   directory_ = fs::canonical(name).string();
   if (directory_ == "/") {
-    throw BadCapture("it is this machine itself, which is shown without --root");
+    throw BadCapture(
+        "it is the root directory of this machine: leave out --root to show this machine");
   }
   archive_.reset(archive_read_disk_new());
   archive_read_disk_set_behavior(archive_.get(),
@@ -149,15 +150,15 @@ std::string_view LibraryReader::Read() {
   const la_ssize_t count = archive_read_data(archive_.get(), buffer_.data(), buffer_.size());
   if (count < 0) Fail();
   const auto size = static_cast<std::size_t>(count);
-  // A sparse file's map may say otherwise than its size.
-  if (size > left_) throw BadCapture("it holds a file that is larger than it says");
+  // The map of a sparse file may contradict its size.
+  if (size > left_) throw BadCapture("it contains a file that is larger than its stated size");
   atHole_ = size == 0 && !IsDirectory();
   if (atHole_) return ReadHole();
   left_ -= size;
   return {buffer_.data(), size};
 }
 
-// The zeros at the end of a sparse file are left to the reader.
+// libarchive does not deliver the hole at the end of a sparse file.
 std::string_view LibraryReader::ReadHole() {
   const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(left_, buffer_.size()));
   std::fill_n(buffer_.begin(), size, '\0');

@@ -11,27 +11,27 @@
 namespace pciinfo {
 
 /// Reads a tar archive (uncompressed, gzip, bzip2, xz, lzma, zstd or lz4) or a directory, entry by
-/// entry, in one pass. What it answers is as the archive has it, unchecked.
+/// entry, in one pass. Does not check the entries.
 class VTQ_EXPORT ArchiveReader {
  public:
   virtual ~ArchiveReader() = default;
 
   virtual bool IsDirectory() const noexcept = 0;
 
-  /// The next entry; nothing at the end. In a directory, only folders that `Enter` was called for
-  /// are gone into. Throws BadCapture when the archive is damaged.
+  /// Returns the next entry; nothing at the end. When it reads a directory, it descends only into
+  /// those directories for which `Enter` was called. Throws BadCapture when the archive is damaged.
   virtual std::optional<ArchiveEntry> Next() = 0;
 
-  /// Goes into the folder that Next answered last. Without meaning for archives.
+  /// Makes Next descend into the directory that it returned last. Has no effect on archives.
   virtual void Enter() = 0;
 
-  /// The next bytes of the file that Next answered last, never more than it said; empty at its end.
-  /// Valid until the next call. Throws BadCapture when the archive is damaged.
+  /// Returns the next bytes of the file that Next returned last, in all no more than its size;
+  /// empty at its end. Valid until the next call. Throws BadCapture when the archive is damaged.
   virtual std::string_view Read() = 0;
 };
 
-/// A reader of `name`: a file, a directory, or "-" for standard input. Files are open from now on.
-/// Throws BadCapture when there is no such thing or it is no tar archive.
+/// Opens `name` for reading: a file, a directory, or "-" for standard input. Throws BadCapture when
+/// it does not exist or is not a tar archive.
 std::unique_ptr<ArchiveReader> OpenArchive(const std::string& name);
 
 }  // namespace pciinfo

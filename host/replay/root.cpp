@@ -21,13 +21,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The tree is put together where the machine's own /sys stands: a place that every machine has, and
-// that the capture's /sys is to cover anyway.
+// The captured tree is built on a file system mounted over the machine's /sys. Every machine has
+// this directory, and the captured /sys hides it in the end anyway.
 constexpr const char* kTree = "/sys";
 
-/// /proc shows much besides PCI that programs need, above all about themselves. So the captured
-/// /proc has links for everything else into the real one, which stays in reach below it. Other
-/// processes are left out.
+/// Programs need other parts of /proc, such as /proc/self. So the real /proc is bind-mounted below
+/// the captured one, which has links into it for everything but PCI and other processes.
 void LinkRealProc() {
   const fs::path real = fs::path(kTree) / kOwnFolder / "real";
   fs::create_directories(real);
@@ -43,7 +42,7 @@ void LinkRealProc() {
 
 void PutInPlace() {
   ShowAt(fs::path(kTree) / "proc", "/proc");
-  ShowAt(fs::path(kTree) / "sys", "/sys");  // covers the tree itself
+  ShowAt(fs::path(kTree) / "sys", "/sys");  // hides the tree itself
 }
 
 void MoveToEmptyFolder() {
@@ -77,7 +76,7 @@ Manifest ServeRoot(const std::string& capture, CommandSource commands) {
     vtq::ReplayCommandsFrom(replay ? fs::path("/") / kCommandsFolder : "");
     return manifest;
   } catch (const BadCapture& bad) {
-    throw BadCapture("the capture " + capture + " cannot be used: " + bad.what());
+    throw BadCapture("cannot use the capture " + capture + ": " + bad.what());
   }
 }
 

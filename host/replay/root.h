@@ -6,19 +6,19 @@
 
 namespace pciinfo {
 
-/// Where recorded command outputs come from.
+/// Where the output of commands comes from: from the capture, or from the tools of this machine.
 enum class CommandSource { kRecorded, kLiveTools };
 
-/// From here on this process and its children see the machine of a capture: /proc/bus/pci,
-/// /proc/pci, the whole of /sys and the system's name are the capture's, and what the capture lacks
-/// is not there. The rest of the file system stays, except that the process finds itself in an
-/// empty folder that is gone when it ends. Recorded commands are replayed, or, with kLiveTools, all
-/// of them run on the captured files.
+/// Makes this process and its children see the machine of a capture: /proc/bus/pci, /proc/pci, the
+/// whole of /sys and the system's name come from the capture; parts that the capture lacks do not
+/// exist. The rest of the file system stays. The working directory becomes an empty directory in
+/// memory, which disappears with the process. Recorded commands are replayed; with kLiveTools all
+/// commands run on the captured files.
 ///
 /// `capture` is a directory, an archive, or "-" for an archive from standard input. The process
-/// must have one thread. Answers the capture's manifest; one of empty texts when it has none.
-/// Throws std::runtime_error, which names the capture or says what to do; the process is then of no
-/// further use.
+/// must have only one thread. Returns the manifest of the capture; an empty one if it has none.
+/// Throws std::runtime_error, which names the capture or says what to do; the process must not
+/// continue then, because it may be half moved.
 Manifest ServeRoot(const std::string& capture, CommandSource commands);
 
 }  // namespace pciinfo

@@ -26,7 +26,7 @@ void Require(bool done, const char* what) {
   std::error_code ignored;
   const bool confined = std::filesystem::exists(kAppArmorSwitch, ignored);
   throw std::runtime_error(fmt::format(
-      "a capture is served in namespaces of its own, and the kernel does not allow this user to {} "
+      "--root needs namespaces, and the kernel does not allow this user to {} "
       "({}); run as root, or allow it: sysctl kernel.{}",
       what, std::strerror(error),
       confined ? "apparmor_restrict_unprivileged_userns=0" : "unprivileged_userns_clone=1"));
@@ -53,7 +53,7 @@ void EnterUserNamespace() {
 
 void EnterNamespaces() {
   if (unshare(kNamespaces) != 0) EnterUserNamespace();
-  Require(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "keep mounts private");
+  Require(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "make mounts private");
 }
 
 void MountMemory(const std::string& place) {
@@ -63,11 +63,12 @@ void MountMemory(const std::string& place) {
 
 void ShowAt(const std::string& from, const std::string& place) {
   Require(mount(from.c_str(), place.c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0,
-          "mount a directory at another place");
+          "bind-mount a directory");
 }
 
 void NameSystem(const std::string& name, const std::string& hostsFile) {
-  // The domain of a name that is too long for the kernel comes from the hosts file.
+  // The kernel cannot hold a name of more than 64 characters: then the host name is the part before
+  // the dot, and the hosts file adds the domain.
   const bool fits = name.size() <= kLongestHostName;
   const std::string host = fits ? name : name.substr(0, std::min(name.find('.'), kLongestHostName));
   WriteText(hostsFile, fits ? "" : "0.0.0.0 " + name + " " + host + "\n");

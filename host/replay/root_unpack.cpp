@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLargestManifest = 1 << 20;
 
-/// The captured folders and files that are served, by the path in the capture.
+/// The directories and files of a capture that are unpacked.
 constexpr std::array<std::string_view, 4> kServed = {"proc/bus/pci", "proc/pci", "sys", "commands"};
 
 bool IsWithin(std::string_view path, std::string_view folder) {
@@ -29,7 +29,7 @@ bool IsServed(std::string_view path) {
   return false;
 }
 
-/// Whether something that is served can stand in this folder.
+/// Whether this directory can contain something that is unpacked.
 bool LeadsToServed(std::string_view folder) {
   return folder.empty() || folder == "proc" || folder == "proc/bus" || IsServed(folder);
 }
@@ -66,14 +66,14 @@ class Unpacking final {
     isEmpty_ = false;
   }
 
-  /// A driver's link leads to the driver's folder, which captures need not hold; tools take a link
-  /// that leads nowhere for no driver.
+  /// The driver link of a function points to the directory of the driver, which a capture need not
+  /// contain. It is made here, because tools treat a broken link as "no driver".
   void CompleteLinks() {
     for (const fs::path& target : links_) {
       try {
         tree_.MakeFolder(target.lexically_normal());
       } catch (const std::system_error&) {
-        // There is no place for a folder, so the link leads nowhere in the capture as well.
+        // Something else has this path, so the link is broken in the capture too.
         continue;
       }
     }
@@ -101,7 +101,7 @@ std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tr
   Unpacking unpacking(capture, tree);
   std::optional<std::string> manifest;
   while (const std::optional<ArchiveEntry> entry = capture.Next()) {
-    // What else stands in somebody's directory is not touched and nobody's concern.
+    // A directory may contain other files; they are neither read nor checked.
     if (capture.IsDirectory() && !IsOfCapture(entry->path)) continue;
     const std::string path = gate.Admit(*entry);
     if (entry->kind == EntryKind::kFolder && LeadsToServed(path)) capture.Enter();
@@ -109,7 +109,7 @@ std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tr
     if (const auto place = ServedPlace(path)) unpacking.Unpack(*entry, *place);
   }
   if (unpacking.IsEmpty() && !manifest) {
-    throw BadCapture("it holds no proc/bus/pci, proc/pci, sys, commands or manifest.json");
+    throw BadCapture("it contains no proc/bus/pci, proc/pci, sys, commands or manifest.json");
   }
   unpacking.CompleteLinks();
   return manifest;

@@ -8,18 +8,18 @@
 
 namespace pciinfo {
 
-// Folders of the tree that a capture is served from. It holds "proc" and "sys", which are to stand
-// in the place of the machine's, and what the program itself keeps in a folder of that "proc".
+// Directories of the tree that a capture is unpacked to. The tree contains "proc" and "sys", which
+// are later mounted over the machine's, and the program's own files in a directory of that "proc".
 inline constexpr const char* kOwnFolder = "proc/pciinfo";
 inline constexpr const char* kCommandsFolder = "proc/pciinfo/commands";
 
-/// Where a part of a capture goes in the tree that it is served from; nothing for a part that is
-/// not served. Both paths are in their plain form.
+/// Returns the path in the tree for a path in the capture; nothing for a part that is not unpacked.
+/// Both paths are normalised.
 std::optional<std::string> ServedPlace(const std::string& path);
 
-/// Writes what is served of a capture to `tree`; answers its manifest.json, if it has one. Throws
-/// BadCapture for a capture that is damaged, is over the limits, could do harm, or holds nothing
-/// that is served; std::system_error when the tree cannot be written.
+/// Unpacks a capture to `tree`. Returns its manifest.json, if it has one. Throws BadCapture for a
+/// capture that is damaged, exceeds the limits, has a refused entry (see EntryGate), or contains
+/// none of the parts that are unpacked; std::system_error when the tree cannot be written.
 std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
                                          const CaptureLimits& limits = {});
 

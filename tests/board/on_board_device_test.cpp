@@ -103,7 +103,7 @@ TEST_F(OnBoardDeviceTest, FailureToEnumerateIsLoggedAndGivesNothing) {
                 "instances for QZMSG_SystemBoard OR QZMSG_PCIDevice Error Code: gone"}));
 }
 
-// What the association does with the framework, and how it fails there.
+// The calls of the association to the framework, and what happens when they fail.
 class WatchedBoardTest : public OnBoardDeviceTest {
  protected:
   WatchedBoardTest() {

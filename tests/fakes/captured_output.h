@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-/// A file in memory that takes what a program prints.
+/// A file in memory that receives the output of a program.
 class CapturedOutput {
  public:
   CapturedOutput() : descriptor_(memfd_create("output", MFD_CLOEXEC)) {

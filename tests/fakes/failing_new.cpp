@@ -12,7 +12,7 @@ std::size_t failingSize = 0;
 FailingNew::FailingNew(std::size_t size) { failingSize = size; }
 FailingNew::~FailingNew() { failingSize = 0; }
 
-// These replace the ones of the run-time library in the whole program.
+// These replace the operators of the C++ library in the whole program.
 void* operator new(std::size_t size) {
   if (failingSize != 0 && size == failingSize) throw std::bad_alloc();
   if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;

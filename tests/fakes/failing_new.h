@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// While it lives, `new` of exactly `size` bytes throws std::bad_alloc.
+/// During its lifetime, `new` of exactly `size` bytes throws std::bad_alloc.
 class FailingNew final {
  public:
   explicit FailingNew(std::size_t size);

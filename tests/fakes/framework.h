@@ -9,31 +9,31 @@
 
 #include "framework/plugin_manager_namespace.h"
 
-/// SMBIOS tables made of structures, in table order.
+/// SMBIOS tables of these structures, in table order.
 struct FakeSmBios {
   std::string version = "3.2";
   std::vector<std::vector<unsigned char>> structures;
   int loadStatus = 0;
-  int loadsBeforeFailure = -1;  ///< smBiosLoad answers 3 after so many calls; -1: never
-  int firstStatus = 0;          ///< what smBiosGetFirst answers where there is a structure
+  int loadsBeforeFailure = -1;  ///< smBiosLoad returns 3 after so many calls; -1: never
+  int firstStatus = 0;          ///< what smBiosGetFirst returns if there is a structure
   int closeStatus = 0;
   int openHandles = 0;
-  bool deliversAllTypes = false;  ///< smBiosGetNext goes through structures of every type
+  bool deliversAllTypes = false;  ///< smBiosGetNext returns structures of every type
 };
 
-/// A programmable stand-in for the framework's services. Values and the repository are the real
-/// ones; everything else that the plug-in calls ends here.
+/// A programmable replacement of the framework's services, for everything that the plug-in calls
+/// except values and the repository, which are the real ones.
 struct FakeFramework {
-  /// Every record, as the log file of a host holds it: severity digit, blank, text.
+  /// All log records, in the form of a host's log file: severity digit, space, text.
   std::vector<std::string> log;
 
-  /// Answers of SpawnProcess by command. A command that is not here fails.
+  /// What SpawnProcess returns, by command. Other commands fail.
   std::map<std::string, std::function<std::string()>> commands;
-  /// Every command with its time limit.
+  /// All commands that were run, with their time limits.
   std::vector<std::pair<std::string, int>> spawned;
 
   std::string biosId;
-  std::function<void()> onGetBiosId = [] {};  ///< called first; what it throws is the failure
+  std::function<void()> onGetBiosId = [] {};  ///< called first; if it throws, GetBiosID fails
   std::string systemCreationClassName = "CIM_ComputerSystem";
   std::string systemName = "host.example";
   bool systemCreationClassNameFails = false;
@@ -49,5 +49,5 @@ struct FakeFramework {
   std::vector<std::string> LogUpTo(int severity) const;
 };
 
-/// The stand-in that the program runs on.
+/// The instance that the test program uses.
 FakeFramework& Fake();

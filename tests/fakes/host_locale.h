@@ -3,8 +3,8 @@
 #include <locale>
 #include <string>
 
-/// While it lives, the host's global locale groups the digits of numbers by three, with
-/// `separator` between the groups: 65535 is "65,535".
+/// During its lifetime, the global locale groups the digits of numbers by three, with `separator`
+/// between the groups: 65535 is "65,535".
 class GroupingLocale final {
  public:
   explicit GroupingLocale(char separator)

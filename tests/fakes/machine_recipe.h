@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
 
-/// Reads a recipe from a JSON file. Throws std::runtime_error when the file cannot be read or is no
-/// JSON; the text names the file.
+/// Reads a recipe from a JSON file. Throws std::runtime_error, whose text names the file, when it
+/// cannot be read or is not JSON.
 nlohmann::json ReadRecipe(const std::filesystem::path& file);
 
 /// Writes the files of the machine that `recipe` tells below `root`, where they stand on a machine:

@@ -52,7 +52,7 @@ void Bind(const fs::path& from, const char* to, unsigned long flags = 0) {
   Require(mount(from.c_str(), to, nullptr, MS_BIND | flags, nullptr) == 0, "bind a directory");
 }
 
-// The real /proc stays reachable through links: run-time libraries look at /proc/self.
+// The real /proc stays reachable by links, because run-time libraries read /proc/self.
 void LinkRealProc() {
   const fs::path realProc = root / "real-proc";
   fs::create_directory(realProc);
@@ -81,7 +81,7 @@ std::string Hex(unsigned value, int digits) {
 
 void MachineTree::Enter() {
   EnterNamespaces();
-  root = "/mnt";  // always there, and seen so by this process only: nothing is left behind
+  root = "/mnt";  // exists everywhere; the mount is visible only here
   Require(mount("tmpfs", root.c_str(), "tmpfs", 0, nullptr) == 0, "mount a tmpfs");
   fs::create_directories(root / "proc");
   fs::create_directories(root / "sys");

@@ -6,24 +6,23 @@
 #include <string_view>
 #include <vector>
 
-/// A machine made of files: what stands under /proc/bus/pci, /proc/pci and /sys, as this process
-/// and its children see it. The files really are at these places, in a mount namespace of the
-/// process's own, so the code under test runs unchanged.
+/// A machine made of files in /proc/bus/pci, /proc/pci and /sys. They are visible to this process
+/// and its children only, in its own mount namespace, so the code under test runs unchanged.
 class MachineTree {
  public:
-  /// Moves the process into its own mount namespace, with an empty machine. To be called once,
-  /// first thing in main: it needs a process with one thread. Ends the process with a sentence when
+  /// Moves the process into its own mount namespace, with an empty machine. Call it once, at the
+  /// beginning of main, because it needs a process with one thread. Prints a message and exits if
   /// the kernel does not allow it.
   static void Enter();
 
-  /// Removes everything from the machine; then it has a /proc/bus/pci without a device list.
+  /// Removes all files of the machine; then it has an empty /proc/bus/pci.
   static void Clear();
 
-  /// Writes a file, for example "/proc/pci", making its directories.
+  /// Writes a file, for example "/proc/pci", and creates its directories.
   static void Write(const std::string& path, std::string_view content);
   static void Remove(const std::string& path);
 
-  /// Where the machine's file `path` really is.
+  /// Returns the real path of the machine's file `path`.
   static std::filesystem::path Real(const std::string& path);
 };
 
@@ -39,16 +38,16 @@ struct FakeFunction {
   std::string irq = "0";
   std::vector<std::string> baseAddresses = std::vector<std::string>(6, "0");
   std::vector<std::string> sizes = std::vector<std::string>(6, "0");
-  std::vector<unsigned char> header;  ///< built by Header() where it is empty
+  std::vector<unsigned char> header;  ///< empty: built by Header()
 };
 
-/// The 64-byte configuration header that the function's fields tell.
+/// Returns the 64-byte configuration header with the values of the fields.
 std::vector<unsigned char> Header(const FakeFunction& function);
 
-/// Its line in the kernel's device list, with the line end.
+/// Returns the function's line in the kernel's device list, with the line end.
 std::string DeviceLine(const FakeFunction& function);
 
-/// Makes these functions the machine's: /proc/bus/pci/devices and their configuration files.
+/// Writes /proc/bus/pci/devices and the configuration files of these functions.
 void PutFunctions(const std::vector<FakeFunction>& functions);
 
 /// Bytes as a text.

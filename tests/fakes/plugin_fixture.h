@@ -15,14 +15,13 @@
 #include "tests/fakes/framework.h"
 #include "tests/fakes/machine_tree.h"
 
-/// A machine without functions, a framework without anything in it, and a plug-in that was just
-/// loaded.
+/// A machine without functions, an empty framework, and a plug-in that was just loaded.
 class PluginTest : public testing::Test {
  protected:
   PluginTest();
 
   std::shared_ptr<vtq::Class> Class(const std::string& name) const;
-  /// A collector for a class, made as a query makes it.
+  /// Creates a collector for a class, as a query does.
   template <class Collector>
   Collector Make(const std::string& className) {
     return Collector(Class(className), &provider);
@@ -47,12 +46,12 @@ unsigned Number(const TPropertyMap& properties, const std::string& property);
 std::vector<unsigned> Numbers(const NQZMVTQ20::TCIMValue& value);
 std::vector<std::string> Texts(const NQZMVTQ20::TCIMValue& value);
 
-/// A class that behaves like another one until told to fail.
+/// A class that behaves like another one until it is set to fail.
 class FaultyClass final : public NQZMVTQ20::ICIMClass {
  public:
   explicit FaultyClass(std::shared_ptr<vtq::Class> target) : target_(std::move(target)) {}
 
-  /// Called before each operation; what it throws is the operation's failure.
+  /// Called before each operation; if it throws, the operation fails.
   std::function<void()> onGetName = [] {};
   std::function<void()> onGetNamespace = [] {};
   std::function<void(int count)> onCreate = [](int) {};  ///< count from 1

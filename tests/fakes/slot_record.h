@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// A System Slots structure (SMBIOS 7.10) made of its fields.
+/// Builds a System Slots structure (SMBIOS 7.10) from its fields.
 struct SlotRecord {
   std::uint8_t length = 0x18;
   std::uint8_t designation = 1;
@@ -27,8 +27,8 @@ struct SlotRecord {
   std::vector<Peer> peers;
   std::vector<std::string> strings{"PCIe Slot 1"};
 
-  /// The structure as it lies in the table: the fields, cut or filled with zeros to `length`, the
-  /// strings, and the zero bytes that end it.
+  /// The bytes of the structure: the fields, cut or filled with zeros to `length`, the strings, and
+  /// the zero bytes that end it.
   std::vector<unsigned char> Bytes() const {
     std::vector<unsigned char> bytes{
         9, length, 0, 0, designation, slotType, dataBusWidth, currentUsage, slotLength};

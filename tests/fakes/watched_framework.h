@@ -9,23 +9,23 @@
 #include "framework/cim_instance.h"
 #include "framework/cim_namespace.h"
 
-/// What a plug-in does with a namespace, its classes and its instances. Each operation is noted, as
-/// "QZMSG_PCIDevice GetProperty UINumber", and may be made to fail. Qualifiers, and flags of an
-/// enumeration, fail the test: a plug-in has none to pass.
+/// Records the operations of a plug-in on a namespace, its classes and its instances, as
+/// "QZMSG_PCIDevice GetProperty UINumber", and can make them fail. A test fails if the plug-in
+/// passes qualifiers, or flags of an enumeration, because it must not.
 class WatchedFramework {
  public:
-  /// The real namespace does the work; it must outlive this.
+  /// Calls the real namespace, which must outlive this.
   explicit WatchedFramework(std::shared_ptr<NQZMVTQ20::ICIMNamespace> nameSpace);
 
-  /// The class of that name, watched, and all that it leads to as well.
+  /// The class of that name. Operations on it and on its instances are recorded.
   std::shared_ptr<NQZMVTQ20::ICIMClass> Class(const std::string& name);
-  /// A watched handle of an instance.
+  /// An instance whose operations are recorded.
   std::shared_ptr<NQZMVTQ20::ICIMInstance> Instance(
       std::shared_ptr<NQZMVTQ20::ICIMInstance> instance);
 
   /// The operations so far.
   std::vector<std::string> operations;
-  /// Called before an operation is done; what it throws is the operation's failure.
+  /// Called before each operation; if it throws, the operation fails.
   std::function<void(const std::string& operation)> before = [](const std::string&) {};
 
  private:

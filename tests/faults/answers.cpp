@@ -11,8 +11,7 @@ namespace {
 
 using nlohmann::json;
 
-// Takes the quoted value behind `key` out, wherever the key stands. In references in paths, quotes
-// are escaped.
+// Removes the quoted value after each `key`. In references in paths, quotes are escaped.
 std::string Without(std::string_view key, std::string path) {
   for (std::size_t begin; (begin = path.find(key)) != std::string::npos;) {
     const std::size_t open = path.find('"', begin);
@@ -25,7 +24,7 @@ std::string WithoutSystemKeys(const std::string& path) {
   return Without("SystemName=", Without("SystemCreationClassName=", path));
 }
 
-// What stays the same of an instance whatever the system is called.
+// Returns an instance's text without the system keys.
 json Normalized(json instance) {
   instance["path"] = WithoutSystemKeys(instance["path"]);
   for (const char* end : {"Antecedent", "Dependent"}) {
@@ -101,7 +100,8 @@ class Comparison {
   ByPath now_;
 };
 
-// What stands behind `name` in an instance's text, quotes and escapes and all; empty when nothing.
+// Returns the text after `name` in an instance's text, with quotes and escapes; empty if there is
+// none.
 std::string TextBehind(const std::string& name, const std::string& instance) {
   const std::size_t place = instance.find("\"" + name + "\":\"");
   if (place == std::string::npos) return "";

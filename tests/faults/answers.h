@@ -3,26 +3,26 @@
 #include <string>
 #include <vector>
 
-/// What the request for one class gave.
+/// The result of collecting one class.
 struct Answer {
   std::string className;
-  std::vector<std::string> instances;  ///< a JSON object each, in commit order
-  std::vector<std::string> log;        ///< severity digit, blank, text
-  std::string thrown;                  ///< what left the plug-in; empty when nothing did
+  std::vector<std::string> instances;  ///< as JSON objects, in commit order
+  std::vector<std::string> log;        ///< severity digit, space, text
+  std::string thrown;                  ///< the text of an exception from the plug-in; empty if none
 };
 
 using Answers = std::vector<Answer>;
 
-/// From one process to another.
+/// To pass results from one process to another.
 void WriteAnswers(const Answers& answers, const std::string& file);
 Answers ReadAnswers(const std::string& file);
 
-/// What faults may do to the instances that are there all the same. System keys are left out of
-/// paths when instances are compared, so that a key that fell back is a changed property.
+/// Changes of instances by a fault. Paths are compared without system keys, so that a key with a
+/// fallback value counts as a changed property.
 struct Change {
   std::string className;
-  /// "missing", "extra", "double", "order", "dangling" (an association with an end that is not
-  /// there), or the name of the property that changed.
+  /// "missing", "extra", "double", "order", "dangling" (an association with an end that does not
+  /// exist), or the name of the changed property.
   std::string what;
 
   friend bool operator<(const Change& left, const Change& right) {
@@ -31,10 +31,10 @@ struct Change {
   }
 };
 
-/// How `now` differs from `expected`, a change for each instance that it befell. The answers are to
-/// the same requests.
+/// Returns the changes from `expected` to `now`, one for each instance and property. Both are
+/// results of the same requests.
 std::vector<Change> ChangesIn(const Answers& now, const Answers& expected);
 
-/// What the log of `now` says that the other one does not, and what left the plug-in, as
-/// "! " and its text.
+/// Returns the log records of `now` that the other result lacks, and an exception from the plug-in,
+/// as "! " and its text.
 std::vector<std::string> NewsIn(const Answer& now, const Answer& expected);

@@ -15,7 +15,7 @@
 
 namespace {
 
-// What the process apart writes for the one that waits.
+// What the child process writes to the parent.
 struct Page {
   long left;
   char failure[65536];

@@ -3,17 +3,16 @@
 #include <functional>
 #include <string>
 
-/// How a piece of a test ended that ran in a process of its own.
+/// How a part of a test ended that ran in a child process.
 struct EndApart {
-  std::string failure;  ///< what it said, or how it died; empty when all was well
+  std::string failure;  ///< its message, or how it died; empty on success
   long left = 0;        ///< what it returned
 };
 
-/// Runs `body` in a forked process, so that nothing it does to itself lasts, and waits for it.
-/// What `body` writes to its argument is the failure. A process that is ended by a signal has
-/// failed, and so has one that takes more than a second of processor time, or a minute, or that
-/// leaves processes or open files behind.
+/// Runs `body` in a forked process, so that its changes do not last, and waits for it. `body`
+/// writes a failure to its argument. The process also fails if a signal ends it, if it takes more
+/// than a second of CPU time or a minute, or if it leaves processes or open files behind.
 EndApart RunApart(const std::function<long(std::string& failure)>& body);
 
-/// What RunApart says of a process that never came to an end.
+/// The failure that RunApart returns for a process that did not end.
 inline constexpr const char* kEndless = "it never ends";

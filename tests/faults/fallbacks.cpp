@@ -17,7 +17,7 @@ constexpr const char* kInSlot = "QZMSG_DeviceInSlot";
 constexpr const char* kOnBoard = "QZMSG_OnBoardDevice";
 constexpr const char* kRaw = "QZMSG_PCIRawData";
 
-// As the table in README.md tells.
+// The table in README.md.
 constexpr Fallback kFallbacks[] = {
     {kDevice, "missing"},
     {kDevice, "UINumber"},
@@ -46,7 +46,7 @@ bool IsFallback(const Change& change) {
   });
 }
 
-// Records that tell a failure although their severity is debug.
+// Records of low severity that report a failure; log readers match them, so their severity stays.
 constexpr const char* kTelling[] = {
     "3 read PCI config failed",
     "3 no PCI config file, read failed",
@@ -57,8 +57,7 @@ bool Tells(const std::string& record) {
          std::find(std::begin(kTelling), std::end(kTelling), record) != std::end(kTelling);
 }
 
-// A description that /proc/pci would have given is lost without a record: current kernels do not
-// have the file.
+// Only very old kernels have the file, so a failure to read it is not reported.
 bool IsSilent(const Strike& strike) {
   return strike.place == "/proc/pci" &&
          std::all_of(strike.changes.begin(), strike.changes.end(),

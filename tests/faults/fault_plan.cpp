@@ -11,7 +11,7 @@
 
 namespace {
 
-// Stands in memory that processes share, so that a call is counted wherever it is made.
+// In memory that the processes share, so that the calls of all processes are counted.
 struct Plan {
   std::atomic<bool> armed;
   Fault fault;
@@ -26,7 +26,7 @@ Plan* MakePlan() {
   return page == MAP_FAILED ? nullptr : static_cast<Plan*>(page);
 }
 
-// Null for the calls that come before it is made.
+// Null before it is created.
 Plan* const plan = MakePlan();
 int paused = 0;
 
@@ -34,7 +34,7 @@ bool Counts(Call call) noexcept {
   return plan != nullptr && paused == 0 && plan->armed && plan->fault.call == call;
 }
 
-// Counts one call; true when it has to fail.
+// Counts one call; returns whether it must fail.
 bool Strikes() noexcept {
   const unsigned number = ++plan->count;
   const Fault& fault = plan->fault;

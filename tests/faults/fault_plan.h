@@ -8,9 +8,9 @@ enum class Call {
   kOpen,
   kRead,
   kShortRead,  ///< succeeds with one byte
-  kClose,      ///< closes, and says that it failed
+  kClose,      ///< closes and returns an error
   kPipe,
-  kStart,  ///< fork and posix_spawn: no process comes to be
+  kStart,  ///< fork and posix_spawn: no process is created
   kDie,    ///< the program that is started prints a part of a line and is killed
   kQuit,   ///< the program that is started prints nothing and exits with status 1
   kAllocate,
@@ -36,7 +36,7 @@ enum class Call {
 /// "open", "framework create", ...
 const char* NameOf(Call call);
 
-/// Call number `number`, from 1, fails; if `lasting`, so do all that come after it.
+/// Call number `number`, from 1, fails; if `lasting`, so do all later calls.
 struct Fault {
   Call call;
   unsigned number;
@@ -46,24 +46,24 @@ struct Fault {
 /// For messages: "open 3", "allocation 17 and all after it".
 std::string TextOf(const Fault& fault);
 
-/// Calls are counted from now on, in this process and in all that it forks from now on, together,
-/// and fail as `fault` says.
+/// Starts to count calls, in this process and in all that it forks later, together; they fail as
+/// `fault` says.
 void Arm(const Fault& fault) noexcept;
-/// Nothing fails any more.
+/// Calls do not fail any more.
 void Disarm() noexcept;
 
-/// Whether the fault that was armed last has come.
+/// Whether the fault that was armed last has occurred.
 bool HasStruck() noexcept;
-/// The file that the struck call was about, where it was an open or a read; else empty.
+/// The file of the failed call, if it was an open or a read; else empty.
 std::string PlaceOfStrike();
 
-/// For whatever stands in the place of a call: counts the call and says whether it has to fail.
-/// Allocates nothing. `place`, if not null, becomes the place of the strike.
+/// For functions that replace a call: counts the call and returns whether it must fail. Allocates
+/// nothing. `place`, if not null, becomes the place of the fault.
 bool MustFail(Call call, const char* place = nullptr) noexcept;
 /// The same for a call on an open file.
 bool MustFail(Call call, int descriptor) noexcept;
 
-/// Nothing is counted and nothing fails while it lives: for what the tests do themselves.
+/// During its lifetime nothing is counted and nothing fails: for calls of the tests themselves.
 class WithoutFaults {
  public:
   WithoutFaults() noexcept;

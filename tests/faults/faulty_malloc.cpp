@@ -1,4 +1,4 @@
-// Allocations that fail on demand, all of them: operator new comes through malloc as well.
+// Allocations that can fail: all of them, because operator new calls malloc.
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 #include "tests/faults/fault_plan.h"
 #include "tests/faults/live_blocks.h"
 
-// Under these names the C library keeps its own for those who bring another malloc.
+// The C library exports its own functions under these names, for programs that replace malloc.
 extern "C" void* __libc_malloc(std::size_t size) noexcept;
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
 extern "C" void* __libc_realloc(void* block, std::size_t size) noexcept;

@@ -1,4 +1,4 @@
-// Allocations that fail on demand where malloc belongs to a sanitizer: those of operator new.
+// Allocations by operator new that can fail; for sanitizers, which replace malloc.
 #include <atomic>
 #include <cstdlib>
 #include <new>

@@ -6,13 +6,13 @@
 #include "framework/cim_namespace.h"
 #include "tests/faults/fault_plan.h"
 
-/// What the failing operations of the framework say.
+/// The text of the exceptions of failing operations.
 inline constexpr const char* kInjected = "made to fail";
 
-/// Throws the framework's exception if the call has to fail.
+/// Throws the framework's exception if the call must fail.
 void ThrowIfFailing(Call call);
 
-/// The same namespace, with every operation on it, on its classes and on their instances open to
-/// faults. It and all that it gives must not outlive `nameSpace`.
+/// Returns a namespace that calls `nameSpace` and in which every operation, also of its classes and
+/// instances, can fail. It and all objects from it must not outlive `nameSpace`.
 std::shared_ptr<NQZMVTQ20::ICIMNamespace> WithFaults(
     std::shared_ptr<NQZMVTQ20::ICIMNamespace> nameSpace);

@@ -1,5 +1,5 @@
-// The framework's services, which fail on demand and otherwise do what they do: each stands before
-// the real one in the search order of the loader.
+// The framework's services, which can fail and otherwise call the real ones. The loader finds these
+// before the real ones.
 #include <dlfcn.h>
 
 #include "framework/exception.h"
@@ -15,7 +15,7 @@ namespace {
 
 using Status = TVTQStatusCode::EVTQStatusCode;
 
-// The function that comes next under the same name, which only the loader knows by then.
+// Returns the real function: the next one of the same name in the loader's search order.
 template <class Function>
 Function* Next(Function* self) {
   Dl_info found{};

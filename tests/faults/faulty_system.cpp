@@ -1,6 +1,6 @@
-// System calls that fail on demand. A program's own symbols come before those of its libraries, so
-// these take the place of the C library's for everything in the process. What the C library does
-// inside (fopen opens, fread reads) is caught at the function that is called from outside.
+// System calls that can fail. The loader finds a program's symbols before those of its libraries,
+// so these replace the C library's functions in the whole process. Calls inside the C library
+// (fopen calls open, fread calls read) cannot be replaced, so fopen and fread are replaced too.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <spawn.h>
@@ -14,7 +14,7 @@
 
 namespace {
 
-// The function of that name that comes next, which is the C library's.
+// Returns the C library's function of that name.
 template <class Function>
 Function* Next(Function*, const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -85,14 +85,14 @@ CALLED_FROM_OUTSIDE std::size_t fread(void* buffer, std::size_t size, std::size_
                                       std::FILE* file) {
   static const auto next = Next(&fread, "fread");
   if (MustFail(Call::kRead, fileno(file))) return Fail<std::size_t>(EIO, 0);
-  // A short read of the kernel is nothing that a caller of fread sees: it reads on.
+  // fread continues after a short read of the kernel, so its caller never sees one.
   return next(buffer, size, count, file);
 }
 
 CALLED_FROM_OUTSIDE int close(int descriptor) {
   static const auto next = Next(&close, "close");
   const bool fails = MustFail(Call::kClose, descriptor);
-  const int result = next(descriptor);  // the kernel frees the number whatever it answers
+  const int result = next(descriptor);  // the kernel closes it even if it returns an error
   return fails ? Fail(EIO, -1) : result;
 }
 
@@ -103,7 +103,7 @@ CALLED_FROM_OUTSIDE int fclose(std::FILE* file) {
   return fails ? Fail(EIO, EOF) : result;
 }
 
-// Not pipe: the code under test does without it, and sanitizers try addresses with it.
+// Not pipe, because the code under test does not use it and sanitizers test addresses with it.
 CALLED_FROM_OUTSIDE int pipe2(int ends[2], int flags) noexcept {
   static const auto next = Next(&pipe2, "pipe2");
   return MustFail(Call::kPipe) ? Fail(EMFILE, -1) : next(ends, flags);

@@ -43,7 +43,7 @@ std::string Enumerating(const std::string& className) {
 using Names = std::set<std::string>;
 using Records = std::vector<std::string>;
 
-/// What a failing call has to leave in the log of its class, and what it may do to the class.
+/// The log record that a failing call in a class must cause, and the changes that are allowed.
 struct Outcome {
   Records records;  ///< all that the log says and would not say without the fault
   Names changes;

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Blocks of memory that were allocated and not freed yet. Where malloc belongs to a sanitizer,
-/// only those of operator new are counted, and only they fail.
+/// Number of blocks of memory that are allocated. With sanitizers, which replace malloc, only
+/// blocks of operator new are counted, and only these allocations fail.
 long LiveBlocks() noexcept;

@@ -31,7 +31,7 @@ std::vector<std::string> InstancesOf(const vtq::Namespace& repository, const std
   return LinesOf(captured.Text());
 }
 
-// The log is the tests': it takes every record, whatever else fails.
+// The log belongs to the test and never fails.
 std::shared_ptr<vtq::Logger> MakeLog(Answers* answers) {
   auto log = std::make_shared<vtq::Logger>();
   log->AddSink([answers](ILogger::EVTQLogSeverity severity, const std::string& text) {

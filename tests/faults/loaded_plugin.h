@@ -8,33 +8,33 @@
 #include "runtime/repository.h"
 #include "tests/faults/answers.h"
 
-/// The classes, in the order in which they are asked for.
+/// The classes, in the order in which they are collected.
 const std::vector<std::string>& Classes();
 
-/// Whether the operations of the repository are among what can fail.
+/// Whether operations of the repository can fail.
 enum class Repository { kPlain, kWithFaults };
 
-/// The built plug-in on the real framework, just loaded.
+/// Loads the built plug-in with the real framework.
 class LoadedPlugin {
  public:
   explicit LoadedPlugin(Repository repository);
   LoadedPlugin(const LoadedPlugin&) = delete;
   LoadedPlugin& operator=(const LoadedPlugin&) = delete;
-  /// Ends and unloads the plug-in; nothing of it and of its instances is left.
+  /// Unloads the plug-in and destroys all its instances.
   ~LoadedPlugin();
 
-  /// Asks for a class. The fault that is armed may strike.
+  /// Collects a class. The armed fault may occur.
   void Ask(const std::string& className);
 
-  /// The answers to all that was asked, in that order, with the instances as they are now.
+  /// The results of all collected classes, in that order, with the current instances.
   Answers GetAnswers() const;
 
-  /// Instances that were made, and neither committed nor dropped.
+  /// Number of instances that were created and are neither committed nor destroyed.
   std::size_t CountUncommitted() const;
 
  private:
   std::shared_ptr<vtq::PluginManager> manager_;
   std::shared_ptr<vtq::Namespace> repository_;
-  std::shared_ptr<NQZMVTQ20::ICIMNamespace> nameSpace_;  ///< what the plug-in sees of it
+  std::shared_ptr<NQZMVTQ20::ICIMNamespace> nameSpace_;  ///< what the plug-in gets as the namespace
   Answers answers_;
 };

@@ -34,7 +34,7 @@ void Record(const std::string& command, const std::string& output) {
   MachineTree::Write(std::string(kRecordings) + "/" + command, output);
 }
 
-// The function that /proc/pci tells.
+// The function that /proc/pci describes.
 std::string WithoutLastLine(const std::string& listing) {
   return listing.substr(0, listing.rfind('\n', listing.size() - 2) + 1);
 }

@@ -2,12 +2,11 @@
 
 #include <string>
 
-/// Makes this process run on the machine of machine.json, with a /proc/pci that tells the last
-/// function and a qualified name in /etc/hosts, and records what the tools print there, the listing
-/// without the last function.
-/// Throws std::runtime_error when that cannot be done.
+/// Moves this process to the machine of machine.json, with a /proc/pci that describes the last
+/// function and a qualified name in /etc/hosts. Records the output of the tools there, without the
+/// last function in the listing. Throws std::runtime_error on failure.
 void BecomeMediumMachine();
 
-/// Where commands get their output from.
+/// The directory with the recorded outputs of commands.
 enum class Tools { kLive, kRecorded };
 void Use(Tools tools);

@@ -5,7 +5,7 @@
 
 #include "tests/fakes/captured_output.h"
 
-// The program's own, under another name.
+// The main function of the program, renamed.
 int PciinfoMain(int argc, char** argv);
 
 namespace {

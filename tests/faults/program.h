@@ -5,13 +5,12 @@
 
 #include "tests/faults/fault_plan.h"
 
-/// How the program ended, and what it printed.
+/// The exit status and the output of the program.
 struct ProgramEnd {
   int status = -1;
   std::string out;
   std::string err;
 };
 
-/// Runs the program, the command line `words` behind its name, in a process of its own, where
-/// `fault` strikes.
+/// Runs the program with the arguments `words` in a child process in which `fault` occurs.
 ProgramEnd RunProgram(const std::vector<std::string>& words, const Fault& fault);

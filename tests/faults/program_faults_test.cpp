@@ -1,4 +1,5 @@
-// The whole program, on faults in all that it calls: it says what is missing and prints the rest.
+// The whole program, with faults in all functions that it calls: it reports what is missing and
+// prints the rest.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -26,7 +27,7 @@ struct Run {
   bool lasting = false;
 };
 
-// What is printed of all classes; nothing for a text that is no JSON.
+// Returns the printed instances of all classes; nothing for a text that is not JSON.
 Answers AnswersIn(const std::string& out) {
   Answers answers;
   for (const std::string& className : Classes()) answers.push_back({className, {}, {}, {}});
@@ -57,7 +58,7 @@ class ProgramFaults : public testing::TestWithParam<Run> {
   }
 
  private:
-  // Programs that are killed, and the scan that never ends, which is killed for its time here.
+  // Programs that are killed, and the scan that does not end, which is killed after its time limit.
   static bool MayDie(const Fault& fault) {
     return fault.call == Call::kDie ||
            (fault.call == Call::kRead && PlaceOfStrike() == "/proc/bus/pci/devices");
@@ -69,7 +70,8 @@ class ProgramFaults : public testing::TestWithParam<Run> {
                : "it does not say that something is missing";
   }
 
-  // Of a slot that it cannot look into the plug-in speaks among its progress, of /proc/pci never.
+  // The plug-in reports a slot that it cannot read only in a debug record, and never reports
+  // /proc/pci.
   static bool IsInTheLogOnly(const std::string& place) {
     return place == "/proc/pci" || place.starts_with("/sys/bus/pci/devices/");
   }
@@ -107,7 +109,7 @@ TEST_P(ProgramFaults, EachIsToldAndLeavesTheRest) {
     ADD_FAILURE() << TextOf(fault) << " (" << PlaceOfStrike() << "): " << apart.failure;
   }
   EXPECT_GT(faults, 0U);
-  std::cout << faults << " faults" << std::endl;  // or a forked test prints it again
+  std::cout << faults << " faults" << std::endl;  // else forked tests would print it again
 }
 
 std::string TestName(const testing::TestParamInfo<Run>& info) {

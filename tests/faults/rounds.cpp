@@ -11,7 +11,7 @@
 
 namespace {
 
-// From a process of its own, so that nothing is known in this one before the first fault.
+// In a child process, so that this one has no cached data before the first fault.
 Answers AnswersWithoutFaults(Tools tools) {
   const std::string file = MachineTree::Real("/answers");
   const EndApart end = RunApart([&](std::string&) {
@@ -25,7 +25,7 @@ Answers AnswersWithoutFaults(Tools tools) {
   return ReadAnswers(file);
 }
 
-// Makes what is made once in a process, so that it does not count as left over.
+// Creates the objects that exist once per process, so that they do not count as leaks.
 void WarmUp(const Answers& expected) {
   Answers fewer = expected;
   for (Answer& answer : fewer) answer.instances.pop_back();
@@ -94,7 +94,7 @@ class Rounds {
       }
       return LiveBlocks() - before;
     });
-    Disarm();  // a process that died has not
+    Disarm();  // a process that died did not disarm
     return end;
   }
 

@@ -8,40 +8,40 @@
 #include "tests/faults/loaded_plugin.h"
 #include "tests/faults/medium_machine.h"
 
-/// A fault that struck, and what came of it.
+/// A fault that occurred, and its effects.
 struct Strike {
   Fault fault;
-  std::string className;  ///< the class that was being asked for
+  std::string className;  ///< the class that was being collected
   std::string place;      ///< see PlaceOfStrike
   const Answers& now;
   const Answers& expected;
   std::vector<Change> changes;  ///< of `now` against `expected`
 
-  /// What became of the class's own answer, and what its log says of it.
+  /// The changes in the result of the class itself, and its log.
   std::vector<Change> OwnChanges() const;
   std::vector<std::string> News() const;
   /// What its log does not say any more.
   std::vector<std::string> Gone() const;
 };
 
-/// Says what is wrong about the outcome of a strike; empty when nothing is.
+/// Returns what is wrong about the effects of a fault; empty if nothing is.
 using Judge = std::function<std::string(const Strike& strike)>;
 
-/// What is tried.
+/// Which faults are tried.
 struct Round {
   Call call;
   bool lasting = false;
   Repository repository = Repository::kPlain;
   Tools tools = Tools::kRecorded;
-  /// The class while which is asked for the calls fail; empty: each in turn.
+  /// The class during whose collection calls fail; empty: each in turn.
   std::string className = {};
-  /// A place of a strike at which it is known that the collection never ends; empty: none.
+  /// The place of a fault after which the collection is known not to end; empty: none.
   std::string endlessPlace = {};
 };
 
-/// Asks for all classes in turn, and while one of them is being asked for makes one call after the
-/// other fail, until none is left to fail: each time in a process of its own, which then asks for
-/// the classes that remain, without faults. Every such process has to end, to leave no memory,
-/// files, processes and uncommitted instances behind, and to satisfy `judge`. Returns the number of
-/// faults; each thing that is wrong is a failure of the test.
+/// Collects all classes in turn. During the collection of each, makes one call after the other
+/// fail, until no call is left: each time in a forked process, which then collects the other
+/// classes without faults. Every such process must end, must not leave memory, files, processes or
+/// uncommitted instances behind, and must satisfy `judge`. Returns the number of faults; every
+/// problem is a failure of the test.
 unsigned RunRounds(const Round& round, const Judge& judge);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Only the end of the list ends the scan: a host bounds the time that a collection may take.
+// Only the end of the list ends the scan; a host limits the time of a collection.
 constexpr const char* kDeviceList = "/proc/bus/pci/devices";
 
 class SystemFaults : public testing::TestWithParam<std::tuple<Call, Tools>> {

@@ -1,5 +1,5 @@
-// What `check` says of the captures of the folder that PCIINFO_MACHINES named, beside what their
-// files say when they are read by other means.
+// Runs `check` on the captures in the directory PCIINFO_MACHINES and compares it with other
+// readings of their files.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 using nlohmann::json;
 
-/// A capture that is unpacked beside the program's reading of it.
+/// A capture, unpacked, and the program's inventory of it.
 class Machine {
  public:
   explicit Machine(const std::string& capture)

@@ -1,4 +1,4 @@
-// `diff` on the captures of the folder that PCIINFO_MACHINES named.
+// Runs `diff` on the captures in the directory PCIINFO_MACHINES.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ TEST_P(CapturedDiffs, AMachineDoesNotDifferFromItsJson) {
   EXPECT_EQ(result.status, kept.status == 0 ? 0 : 2) << result.err;
 }
 
-/// A change that is looked for in the JSON of both machines by other means.
+/// A change that the test finds in the JSON of both machines independently.
 TEST_P(CapturedDiffs, EveryRevisionThatIsChangedIsFound) {
   const vtq::TemporaryDirectory folder;
   json document =

@@ -1,4 +1,5 @@
-// Every capture of the folder that PCIINFO_MACHINES named when the tests were built.
+// Runs the program on every capture in the directory that PCIINFO_MACHINES named when the tests
+// were built.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -67,7 +68,7 @@ std::multiset<std::string> PathsIn(const nlohmann::json& functions) {
   return paths;
 }
 
-/// How many functions the lines of a tree stand for.
+/// Returns the number of functions that the lines of a tree represent.
 std::size_t CountDrawn(const std::string& tree) {
   const std::regex folded(R"( \.\. .*?  (\d+) x )");
   std::size_t count = 0;
@@ -93,7 +94,7 @@ TEST_P(CapturedMachine, ItsTreeHasEveryFunctionOnce) {
 TEST_P(CapturedMachine, WhatIsListedCanBeShown) {
   const auto slots = Document(Run(GetParam(), {"slots", "--format", "json"}));
   const auto devices = Document(Run(GetParam(), {"devices", "--format", "json"}))["functions"];
-  // Every function of a small machine, some of a large one.
+  // All functions of a small machine, some of a large one.
   const std::size_t step = devices.size() / 20 + 1;
   for (std::size_t i = 0; i < devices.size(); i += step) {
     const std::string address = devices[i]["address"];

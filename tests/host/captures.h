@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// The files of the captured real machines, sorted by name; for suites with a test a machine.
+/// The captures of real machines, sorted by name; for suites with one test per machine.
 inline std::vector<std::string> Captures() {
   std::vector<std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(PCIINFO_MACHINES)) {
@@ -18,7 +18,7 @@ inline std::vector<std::string> Captures() {
   return files;
 }
 
-/// The name of a capture as a part of a test's name.
+/// Returns the name of a capture in a form that a test's name may contain.
 inline std::string NameOfCapture(const testing::TestParamInfo<std::string>& capture) {
   std::string name = std::filesystem::path(capture.param).stem().stem();
   std::replace_if(

@@ -2,8 +2,8 @@
 
 #include "host/check/checks.h"
 
-/// Facts of a machine without findings: a device, a bridge and a slot in use that holds the
-/// device. Tests change what they are about.
+/// Facts of a machine for which `check` has no findings: a device, a bridge, and a slot in use with
+/// the device in it. Each test changes a part.
 pciinfo::CheckFacts MakeSoundFacts();
 
 /// A function that was published for an address ("kind" as in PciFunction).
@@ -13,8 +13,9 @@ pciinfo::PublishedFunction Published(const pciinfo::PciAddress& address,
 /// A published slot with the number of its tag for its slot ID.
 pciinfo::Slot PublishedSlot(unsigned tag);
 
-/// The objects that the check of that code finds; "no such check" for other codes.
+/// Returns the objects in the findings of the check with that code; "no such check" for other
+/// codes.
 std::vector<std::string> Doubtful(const std::string& code, const pciinfo::CheckFacts& facts);
 
-/// The same, with ": " and the detail.
+/// The same, each followed by ": " and the detail.
 std::vector<std::string> Details(const std::string& code, const pciinfo::CheckFacts& facts);

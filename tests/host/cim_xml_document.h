@@ -15,12 +15,12 @@ class CimXmlDocument {
   /// Whether it is valid against the DTD of DSP0203 2.4.0.
   bool IsValid() const;
 
-  /// The same instances as the JSON of pciinfo has them.
+  /// Returns the instances in the form of pciinfo's JSON.
   nlohmann::json ToJson() const;
 
  private:
   std::shared_ptr<_xmlDoc> document_;
 };
 
-/// JSON in which every text is as XML can carry it.
+/// Replaces in JSON the characters that XML cannot contain, as the writer does.
 nlohmann::json AsXmlCarries(const nlohmann::json& value);

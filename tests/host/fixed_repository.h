@@ -9,7 +9,7 @@
 /// A repository with the program's classes and no instances.
 std::shared_ptr<vtq::Namespace> MakeEmptyRepository();
 
-/// One that holds the made-up machine of the plug-in "fixed".
+/// A repository with the invented machine of the plug-in "fixed".
 std::shared_ptr<vtq::Namespace> MakeFixedRepository();
 
 /// An output whose text can be read back.

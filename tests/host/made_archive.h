@@ -15,5 +15,5 @@ struct MadeEntry {
 void MakeArchive(const std::string& file, const std::vector<MadeEntry>& entries,
                  const std::string& filter = "none");
 
-/// Writes a tar archive that holds a file of `size` zero bytes and takes next to no room itself.
+/// Writes a small tar archive that contains a sparse file of `size` zero bytes.
 void MakeSparseArchive(const std::string& file, const std::string& path, const std::string& size);

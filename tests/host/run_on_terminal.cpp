@@ -26,7 +26,7 @@ namespace {
   _exit(127);
 }
 
-/// Until nobody has the terminal open, or half a minute has passed without a word.
+/// Reads until the terminal is closed, or for half a minute without output.
 std::string ReadAll(int terminal, const std::string& keys) {
   constexpr int kPatience = 30000;
   std::string text;

@@ -6,14 +6,14 @@
 
 #include "tests/host/run_program.h"
 
-/// How pciinfo is run on a terminal of its own.
+/// How pciinfo is run on a new terminal.
 struct TerminalRun {
   std::vector<std::string> arguments;
   std::map<std::string, std::string> environment = {};  ///< besides TERM, LANG and PATH
   unsigned short columns = 80;
-  std::string keys = {};  ///< typed once anything was shown
+  std::string keys = {};  ///< typed after the first output
 };
 
-/// Runs pciinfo with a terminal for all three standard streams. `out` is what it showed, with the
-/// line ends of terminals.
+/// Runs pciinfo with a terminal for all three standard streams. `out` is its output, with the line
+/// ends of terminals.
 RunResult RunOnTerminal(const TerminalRun& run);

@@ -15,8 +15,8 @@
 
 namespace {
 
-/// A capture's /proc has nothing of the processes that the program forks, and a leak checker looks
-/// them up there.
+/// The leak checker reads /proc, but the /proc of a capture lacks the processes that the program
+/// forks.
 void LeaveOutLeaks(const std::vector<std::string>& words) {
   const bool isCapture = std::any_of(words.begin(), words.end(), [](const std::string& word) {
     return word.find("--root") != std::string::npos;

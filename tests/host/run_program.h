@@ -10,8 +10,8 @@ struct RunResult {
   std::string err;
 };
 
-/// Gives the signals that end programs their usual meaning: whoever runs the tests in the
-/// background may have had them ignored.
+/// Restores the default actions of signals that end programs, because a shell that runs the tests
+/// in the background may ignore them.
 void HearSignals();
 
 /// Runs a program and waits for it. Standard input is empty.
@@ -20,14 +20,14 @@ RunResult RunProgram(const std::string& program, const std::vector<std::string>&
 /// Runs pciinfo.
 RunResult RunPciinfo(const std::vector<std::string>& arguments);
 
-/// Runs pciinfo on one of the made-up plug-ins ("fixed").
+/// Runs pciinfo with one of the test plug-ins ("fixed").
 RunResult RunFake(const std::string& plugin, std::vector<std::string> arguments);
 
-/// Runs a command line of the shell, in which $PCIINFO is the program and $PLUGINS the folder of
-/// the made-up plug-ins with a slash at its end.
+/// Runs a shell command, in which $PCIINFO is the program and $PLUGINS the directory of the test
+/// plug-ins, with a trailing slash.
 RunResult RunShell(const std::string& commandLine);
 
-/// The file of a made-up plug-in.
+/// Returns the file of a test plug-in.
 std::string FakePluginFile(const std::string& plugin);
 
 /// The lines of a text, without their ends.

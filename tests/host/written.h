@@ -6,7 +6,7 @@
 #include "host/formats/instance_writer.h"
 #include "tests/host/fixed_repository.h"
 
-/// What a format makes of the given classes.
+/// Returns the given classes in a format.
 inline std::string Written(const std::string& format, const vtq::Namespace& repository,
                            const std::vector<std::string>& classes) {
   OutputToText output;
@@ -14,7 +14,7 @@ inline std::string Written(const std::string& format, const vtq::Namespace& repo
   return output.Text();
 }
 
-/// What a format makes of all classes.
+/// Returns all classes in a format.
 inline std::string Written(const std::string& format, const vtq::Namespace& repository) {
   std::vector<std::string> classes;
   for (const auto& cimClass : repository.GetClasses())

@@ -109,8 +109,8 @@ class VirtualTableTest : public testing::Test {
     return address;
   }
 
-  // Compares entries of a class's table with the functions that must stand there. `first` counts
-  // words; 2 is the first virtual function of the first table, behind offset and type information.
+  // Compares entries of a class's virtual table with the expected functions. `first` counts words;
+  // 2 is the first virtual function of the first table, after offset and type information.
   void ExpectEntries(const std::string& table, std::size_t first, const Names& functions) {
     auto** entries = static_cast<void**>(Address(table));
     ASSERT_NE(entries, nullptr);

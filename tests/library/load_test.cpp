@@ -36,7 +36,7 @@ bool IsMapped() {
   return false;
 }
 
-// Takes no plug-in.
+// Refuses every plug-in.
 class FullPluginManager final : public TPluginManagerNamespace {
  public:
   void RegisterPlugin(IPluginCallbacks*) override { throw TVTQException("full"); }
@@ -46,7 +46,7 @@ class FullPluginManager final : public TPluginManagerNamespace {
   }
 };
 
-// Throws something that is no standard exception.
+// Throws an object that is not a standard exception.
 class RudePluginManager final : public TPluginManagerNamespace {
  public:
   void RegisterPlugin(IPluginCallbacks*) override { throw 1; }

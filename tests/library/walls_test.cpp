@@ -12,7 +12,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Which of the project's folders the files of a folder may include from, the own one included.
+// The directories of the project from which the files of a directory may include, including its
+// own.
 const std::map<std::string, std::vector<std::string>> kMayInclude{
     {"framework", {"framework"}},
     {"plugin", {"framework", "plugin"}},
@@ -23,14 +24,14 @@ const std::map<std::string, std::vector<std::string>> kMayInclude{
     {"host", {"framework", "runtime", "host"}},
 };
 
-// The files where parts are put together may include more.
+// Files that connect the parts may include more.
 const std::map<std::string, std::vector<std::string>> kMeetingPlaces{
     {"plugin/entry.cpp", {"pci", "slots", "board"}},
     {"slots/device_in_slot.cpp", {"pci"}},
 };
 
-// The rooms of the host, and the rooms that each may include from, the own one included. A room
-// stands below all rooms that include from it: there is no circle.
+// The rooms of the host, and the rooms from which each may include, including itself. A room comes
+// after all rooms that it includes from, so there are no cycles.
 const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"base", {"base"}},
     {"console", {"base", "console"}},

@@ -14,7 +14,7 @@ std::set<std::string> PathsOf(const std::vector<json>& instances) {
   return paths;
 }
 
-// How often each path stands at one end of the associations.
+// Returns how often each path is at one end of the associations.
 std::map<std::string, int> CountEnds(const std::vector<json>& associations, const char* end) {
   std::map<std::string, int> counts;
   for (const json& association : associations) {
@@ -31,8 +31,8 @@ void ExpectEndsAmong(const std::vector<json>& associations, const char* end,
   }
 }
 
-// On one platform, the ports of this chip share the slot of the first one that has a number, the
-// ports on the board included.
+// On one platform, all ports of this chip share the slot of the first port that has a number, even
+// those on the board.
 bool MayShareSlot(const json& function) {
   return function.at("class") == "QZMSG_PCIDevice" && NumberOr(function, "VendorID", 0) == 0x14E4 &&
          NumberOr(function, "PciDeviceID", 0) == 0x1656;

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-/// What `pciinfo instances --format json` says of the machine.
+/// The output of `pciinfo instances --format json` for the machine.
 struct Collection {
   int status = -1;
-  std::string messages;                   ///< what it said on standard error
+  std::string messages;                   ///< standard error
   std::vector<nlohmann::json> instances;  ///< each with "class", "path" and "properties"
   std::vector<std::string> log;           ///< the records, each with its severity's digit
 
@@ -19,12 +19,12 @@ struct Collection {
   bool HasLogged(const std::string& record) const;
 };
 
-/// Runs the program for these classes, or for all. Throws when its output is no JSON of that shape.
+/// Runs the program for these classes, or for all. Throws when its output is not JSON of that form.
 Collection Collect(const std::vector<std::string>& classes = {});
 
-/// The address "BB:DD.F" that the location of a function ("PCI Bus  0, device  31, function  2")
-/// tells. Throws for any other text.
+/// Returns the address "BB:DD.F" in the location of a function ("PCI Bus  0, device  31, function
+/// 2"). Throws for any other text.
 std::string AddressOf(const nlohmann::json& function);
 
-/// A number that an instance has or has not.
+/// Returns a number of an instance, if it has the property.
 unsigned NumberOr(const nlohmann::json& instance, const std::string& property, unsigned otherwise);

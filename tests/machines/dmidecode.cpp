@@ -10,7 +10,7 @@ namespace {
 
 using Blocks = std::vector<std::vector<std::string>>;
 
-// The lines of each structure, behind its "Handle" line.
+// The lines of each structure after its "Handle" line.
 Blocks RunDmidecode(const std::vector<std::string>& options) {
   std::vector<std::string> words = {"dmidecode", "-t", "9"};
   words.insert(words.end(), options.begin(), options.end());
@@ -50,8 +50,8 @@ void AppendHex(const std::string& line, std::vector<std::uint8_t>& bytes) {
   }
 }
 
-// The bytes that "dmidecode -u" prints: the formatted area, then each string, its zero byte
-// included, and below it the string as a text.
+// Returns the bytes that "dmidecode -u" prints: the formatted area, then each string with its zero
+// byte; below each the string is also printed as text.
 std::vector<std::uint8_t> BytesOf(const std::vector<std::string>& lines) {
   std::vector<std::uint8_t> bytes;
   bool inStrings = false;
@@ -68,7 +68,7 @@ std::vector<std::uint8_t> BytesOf(const std::vector<std::string>& lines) {
 }  // namespace
 
 std::vector<DecodedSlot> DecodeSlots() {
-  // Without the tables, dmidecode would look for those of the live machine in its memory.
+  // Without the files, dmidecode would search the tables in the memory of the real machine.
   if (!std::filesystem::exists("/sys/firmware/dmi/tables/smbios_entry_point")) return {};
   const Blocks decoded = RunDmidecode({});
   const Blocks dumped = RunDmidecode({"-u"});

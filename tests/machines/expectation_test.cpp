@@ -12,7 +12,7 @@ using nlohmann::json;
 
 constexpr const char* kMask = "*";
 
-// An object path, in which the system's name stands as deep in quotes as there are paths around it.
+// Masks the system's name in an object path; paths inside paths are escaped, once per level.
 std::string WithoutSystemName(std::string path) {
   for (std::size_t place = 0; (place = path.find("SystemName=", place)) != std::string::npos;) {
     place = path.find('"', place) + 1;
@@ -25,7 +25,7 @@ bool IsFunction(const json& instance) {
   return instance.at("class") == "QZMSG_PCIDevice" || instance.at("class") == "QZMSG_PCIBridge";
 }
 
-// Without what depends on the machine that runs the test: its name, and the texts of its lspci.
+// Masks what depends on the machine that runs the test: its name, and the texts of its lspci.
 json Masked(json instance) {
   instance["path"] = WithoutSystemName(instance.at("path"));
   json& properties = instance["properties"];

@@ -28,7 +28,7 @@ class FunctionsTest : public MachineTest {
     domain0_ = InDomain0(listed_);
   }
 
-  // Calls check(instance, what lspci says) for each function that both have.
+  // Calls check(instance, function of lspci) for each function that both have.
   template <class Check>
   void ForEach(const std::string& className, const Check& check) const {
     for (const json& instance : collection_.Of(className)) {
@@ -71,7 +71,7 @@ TEST_P(FunctionsTest, HaveTheNumbersThatLspciPrints) {
   });
 }
 
-// lspci leaves out a subsystem vendor of 0 or ffff. Bridges have no such property.
+// lspci does not print a subsystem vendor of 0 or ffff. Bridges have no such property.
 TEST_P(FunctionsTest, HaveTheSubsystemThatLspciPrints) {
   ForEach("QZMSG_PCIDevice", [](const json& instance, const ListedFunction& listed) {
     if (!listed.subsystemVendor) return;
@@ -100,10 +100,9 @@ std::string Mismatch(const char* what, unsigned inConfiguration, unsigned inList
          " and devices file " + what + " id " + std::to_string(inList) + " did not match.";
 }
 
-// The kernel's list prints no domain, so a function in another domain is looked for under its bus
-// number in domain 0. It is missing when nothing is there, and dropped when another model is there.
-// A function of the same model there cannot be told from it: domain 0's one instance stands for
-// both.
+// The kernel's list contains no domain, so the plug-in searches a function of another domain by its
+// bus number in domain 0. If there is no function, or one of another model, the function is
+// missing. If there is one of the same model, both have one instance.
 TEST_P(FunctionsTest, InOtherDomainsNeverShowBesideThoseOfDomain0) {
   for (const ListedFunction& function : listed_) {
     if (function.domain == 0) continue;

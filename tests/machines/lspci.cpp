@@ -11,7 +11,7 @@ unsigned Hex(const std::string& text) {
   return static_cast<unsigned>(std::stoul(text, nullptr, 16));
 }
 
-// Takes one line "Key:\tvalue" of "lspci -vmmn". Functions begin with their slot.
+// Reads one line "Key:\tvalue" of "lspci -vmmn". The first line of a function is its slot.
 void TakeLine(const std::string& line, std::vector<ListedFunction>& functions) {
   const std::size_t tab = line.find('\t');
   if (tab == std::string::npos) return;  // the empty line between two functions
@@ -34,7 +34,7 @@ void TakeLine(const std::string& line, std::vector<ListedFunction>& functions) {
   if (key == "SDevice:") function.subsystemDevice = Hex(value);
 }
 
-// What plain lspci says behind each address. It prints the domain of all functions as soon as one
+// Returns the text of plain lspci after each address. It prints the domains of all functions if one
 // is not in domain 0.
 std::map<std::string, std::string> Descriptions(bool withDomains) {
   std::map<std::string, std::string> descriptions;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// A PCI function as lspci tells it.
+/// A PCI function as lspci prints it.
 struct ListedFunction {
   unsigned domain = 0;
   std::string address;  ///< "BB:DD.F", without the domain
@@ -18,5 +18,5 @@ struct ListedFunction {
   std::string description;
 };
 
-/// The functions that lspci lists on this machine; none where it finds no PCI.
+/// Returns the functions that lspci lists on this machine; none if it finds no PCI.
 std::vector<ListedFunction> ListFunctions();

@@ -52,8 +52,8 @@ void Unpack(const fs::path& archive, const fs::path& folder) {
   if (tar.status != 0) throw std::runtime_error(archive.string() + ": " + tar.err);
 }
 
-// Moves what stands in the capture's folder `from` to the machine's folder `to`, in place of what
-// was there.
+// Moves the content of the capture's directory `from` to the machine's directory `to`, replacing
+// its content.
 void MoveContent(const fs::path& from, const std::string& to) {
   if (!fs::exists(from)) return;
   for (const fs::directory_entry& entry : fs::directory_iterator(from)) {

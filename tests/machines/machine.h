@@ -7,32 +7,32 @@
 #include <string>
 #include <vector>
 
-/// A machine that is not the one that runs the tests.
+/// A machine to test, other than the one that runs the tests.
 struct Machine {
   std::string name;
-  /// A folder with a machine.json, or a capture of a real machine: a folder or a tar archive laid
-  /// out like the machine's root.
+  /// A directory with a machine.json, or a capture of a real machine: a directory or a tar archive
+  /// with the layout of a root directory.
   std::filesystem::path source;
 };
 
 /// For GoogleTest's messages.
 std::ostream& operator<<(std::ostream& stream, const Machine& machine);
 
-/// The machines of the project's own making whose collection ends; in order of their names.
+/// The machines of this project whose collection ends, sorted by name.
 std::vector<Machine> OwnMachines();
 
-/// Those whose collection does not end.
+/// The machines of this project whose collection does not end.
 std::vector<Machine> EndlessMachines();
 
-/// OwnMachines, then the captures in the folder that the build names, if it names one. Throws when
-/// the folder cannot be read.
+/// OwnMachines, then the captures in the directory PCIINFO_MACHINES, if the build sets it. Throws
+/// when the directory cannot be read.
 std::vector<Machine> AllMachines();
 
-/// A machine's name as part of a test's name.
+/// Returns a machine's name in a form that a test's name may contain.
 std::string TestNameOf(const testing::TestParamInfo<Machine>& info);
 
-/// Makes this machine's trees the process's /proc and /sys. Throws std::runtime_error or
-/// std::invalid_argument when that cannot be done.
+/// Shows the files of this machine in the process's /proc and /sys. Throws std::runtime_error or
+/// std::invalid_argument on failure.
 void Become(const Machine& machine);
 
 /// A test that runs on a machine.

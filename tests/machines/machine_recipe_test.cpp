@@ -50,7 +50,7 @@ class MachineRecipeTest : public testing::Test {
     return static_cast<unsigned char>(Read(path).at(offset));
   }
 
-  // What is wrong with a recipe; empty when it can be built.
+  // Returns why a recipe is refused; empty if it is not.
   std::string FaultOf(const json& recipe) const {
     try {
       BuildMachine(recipe, root_);

@@ -14,8 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The made-up /proc has the processes of its beginning only. A program built with a sanitizer looks
-// itself up there, so each one that is run makes itself a link into the real /proc.
+// The test's /proc contains only the processes that existed when it was made. A program built with
+// a sanitizer reads its own entry there, so each program that is run first makes a link for itself
+// to the real /proc.
 void LinkIntoProc() {
   const fs::path realProc = fs::read_symlink("/proc/self").parent_path();
   const std::string name = std::to_string(getpid());
@@ -23,7 +24,7 @@ void LinkIntoProc() {
   fs::create_symlink(realProc / name, fs::path("/proc") / name, ignored);
 }
 
-// Waits for the end of a program and takes its link away.
+// Waits for the end of a program and removes its link.
 int WaitFor(pid_t child) {
   int status = 0;
   if (waitpid(child, &status, 0) != child) throw std::runtime_error("waitpid failed");
@@ -36,8 +37,7 @@ int WaitFor(pid_t child) {
   dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
-  // Of the processes that the program forks the made-up /proc has nothing, and a leak checker looks
-  // them up there.
+  // The leak checker reads /proc, but the test's /proc lacks the processes that the program forks.
   setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
   setenv("LC_ALL", "C", 1);
   setenv("PATH", "/usr/sbin:/usr/bin:/sbin:/bin", 1);

@@ -10,9 +10,9 @@ struct Finished {
   std::string err;
 };
 
-/// Runs a program, found in the system's folders, in the C locale and with an empty standard input,
-/// and waits for its end. Throws std::runtime_error when that cannot be done.
+/// Runs a program of the system's directories, in the C locale and with an empty standard input,
+/// and waits for its end. Throws std::runtime_error when it cannot be run.
 Finished RunToEnd(const std::vector<std::string>& words);
 
-/// The lines of a text, without their ends; what stands behind the last line end is left out.
+/// Returns the lines of a text, without line ends and without text after the last line end.
 std::vector<std::string> LinesOf(const std::string& text);

@@ -9,7 +9,7 @@ using nlohmann::json;
 class RawDataTest : public MachineTest {};
 INSTANTIATE_TEST_SUITE_P(Machines, RawDataTest, testing::ValuesIn(AllMachines()), TestNameOf);
 
-// What the class holds for a command that ran: no "RawResult" when nothing was printed.
+// The instance of a command that ran: without "RawResult" if it printed nothing.
 json Expected(const std::string& command, const Finished& run) {
   json properties = {{"Command", command}};
   const std::vector<std::string> lines = LinesOf(run.out);
@@ -21,7 +21,7 @@ TEST_P(RawDataTest, IsTheOutputOfBothListingsLineForLine) {
   std::vector<json> expected;
   for (const char* option : {"-xxxx", "-vvv"}) {
     const Finished run = RunToEnd({"lspci", option});
-    // A listing that fails without a word ends the class.
+    // If a listing fails without output, the class ends.
     if (run.status != 0 && run.out.empty()) break;
     expected.push_back(Expected(std::string("lspci ") + option, run));
   }

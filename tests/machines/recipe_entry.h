@@ -15,9 +15,9 @@ namespace recipe {
 
 using nlohmann::json;
 
-/// An object of a machine recipe; knows where it stands and which of its keys were read. The object
-/// must live as long as the entry. Everything throws std::invalid_argument, with the place and what
-/// is wrong there, for an entry that is not as asked for.
+/// An object of a machine recipe, with its place in the recipe and the keys that were read. The
+/// JSON object must outlive the entry. All functions throw std::invalid_argument, with the place
+/// and the reason, for a value that is not as requested.
 class Entry {
  public:
   Entry(const json& object, std::string where) : object_(object), where_(std::move(where)) {
@@ -104,7 +104,7 @@ class Entry {
       use(element, fmt::format("{}.{}[{}]", where_, key, place++));
   }
 
-  /// To be called when all is read.
+  /// Call it after reading all keys: throws for keys that were not read.
   void RefuseOthers() const {
     for (const auto& [key, value] : object_.items()) {
       if (!read_.contains(key)) Fail("unknown key \"" + key + "\"");

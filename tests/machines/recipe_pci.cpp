@@ -13,7 +13,7 @@ namespace {
 constexpr unsigned kIoFlag = 0x1;
 constexpr unsigned kWideFlag = 0x4;
 constexpr unsigned kPrefetchFlag = 0x8;
-constexpr std::size_t kRom = 6;  // the place of the expansion ROM behind the six regions
+constexpr std::size_t kRom = 6;  // index of the expansion ROM, after the six regions
 
 struct Region {
   std::uint64_t address = 0;
@@ -28,7 +28,7 @@ struct Address {
   unsigned domain = 0, bus = 0, device = 0, function = 0;
 };
 
-// Bytes that stand over those of the header, or behind it.
+// Bytes that replace bytes of the header or follow it.
 struct Patch {
   std::size_t offset = 0;
   Bytes bytes;
@@ -85,7 +85,7 @@ Region ReadRegion(const json& object, const std::string& where) {
 void ReadRegions(Entry& entry, Function& function) {
   const std::size_t highest = function.RegionCount();
   std::size_t place = 0;
-  bool taken = false;  // by the upper half of the region before
+  bool taken = false;  // used by the upper half of the previous region
   entry.ForEach("regions", [&](const json& object, const std::string& where) {
     if (place == highest) entry.Fail("too many regions");
     if (taken && !object.is_null()) entry.Fail("a region follows one of 64 bits: null must");
@@ -135,8 +135,8 @@ Function ReadFunction(const json& object, const std::string& where) {
   return function;
 }
 
-// The line of /proc/bus/pci/devices: the kernel prints no domain, and an empty last column for a
-// function without a driver.
+// Returns the line of /proc/bus/pci/devices: the kernel prints no domain, and an empty last column
+// for a function without a driver.
 std::string ListLine(const Function& function) {
   const Address& at = function.at;
   std::vector<std::string> columns = {

@@ -56,7 +56,7 @@ void AppendPlace(Bytes& area, Entry& entry) {
   area[area.size() - 1] = DeviceFunction(entry);
 }
 
-// 7.10: as many of the fields as the structure's length holds.
+// 7.10: as many of the fields as fit into the structure's length.
 Bytes SlotStructure(Entry entry, std::uint16_t handle) {
   std::vector<std::string> strings;
   if (entry.Has("designation")) strings.push_back(entry.Text("designation"));
@@ -110,7 +110,7 @@ Bytes Structure(const json& object, const std::string& where, std::uint16_t ownH
   return structure;
 }
 
-// Makes the bytes of `area`, from `start` on, add up to zero.
+// Sets the checksum so that the bytes of `area`, from `start` on, add up to zero.
 void SetChecksum(Bytes& area, std::size_t start, std::size_t checksum) {
   const auto first = area.begin() + static_cast<std::ptrdiff_t>(start);
   area[checksum] = static_cast<std::uint8_t>(-std::accumulate(first, area.end(), 0));
@@ -141,7 +141,7 @@ Bytes EntryPoint2(Version version, std::size_t length, std::size_t count) {
   entry[0x05] = 0x1F;
   Put(entry, 0x06, version.major, 1);
   Put(entry, 0x07, version.minor, 1);
-  Put(entry, 0x08, length, 2);  // no structure is larger than all of them
+  Put(entry, 0x08, length, 2);  // an upper limit of the size of any structure
   const std::string inner = "_DMI_";
   std::copy(inner.begin(), inner.end(), entry.begin() + 0x10);
   Put(entry, 0x16, length, 2);

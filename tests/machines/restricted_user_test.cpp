@@ -1,5 +1,5 @@
-// The program run by somebody who may not read everything: what is missing is named, once, and the
-// rest is there.
+// The program, run by a user who may not read everything: it reports the missing parts once and
+// prints the rest.
 
 #include <gmock/gmock.h>
 
@@ -30,7 +30,7 @@ class RestrictedUserTest : public testing::Test {
     fs::permissions(MachineTree::Real(path), fs::perms::none);
   }
 
-  /// Runs the program without the right to pass over permissions.
+  /// Runs the program without the capability to ignore file permissions.
   static Finished Run(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(),
                      {"setpriv", "--bounding-set=-dac_override,-dac_read_search",

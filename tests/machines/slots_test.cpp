@@ -14,17 +14,17 @@ constexpr std::size_t kLength = 0x01;
 constexpr std::size_t kDesignation = 0x04;
 constexpr std::size_t kPeerCount = 0x12;
 
-// A structure counts once for itself and once for each of its peer groups, when it has 1 to 8 of
-// them and is longer than 16 bytes. Both bytes are taken as signed, so lengths and counts above 127
-// give no peers. A structure of 17 or 18 bytes ends before its peer count, and what its strings
-// have there is taken for it.
+// A structure counts once for itself and once for each of its peer groups, if it has 1 to 8 of them
+// and is longer than 16 bytes. Both bytes are read as signed, so lengths and counts above 127 give
+// no peers. A structure of 17 or 18 bytes ends before its peer count; a byte of its strings is read
+// instead.
 int CountOf(const DecodedSlot& slot) {
   const int peers = slot.SignedByte(kPeerCount);
   return peers >= 1 && peers <= 8 && slot.SignedByte(kLength) > 16 ? 1 + peers : 1;
 }
 
-// dmidecode prints a dot for every byte outside of ASCII's printable characters. A JSON text holds
-// such a byte as it is or, in a text that is not UTF-8, as a character of two bytes.
+// dmidecode prints a dot for every byte that is not printable ASCII. A JSON text contains such a
+// byte unchanged or, in a text that is not UTF-8, as a character of two bytes.
 std::string WithDots(const std::string& text, bool wideAreTwoBytes) {
   std::string printed;
   for (const char c : text) {
@@ -46,11 +46,11 @@ void ExpectDesignation(const DecodedSlot& slot, const json& properties) {
   const std::string tag = properties.at("Tag");
   EXPECT_EQ(properties.at("SlotAllInfo"), designation == tag ? tag : designation + "," + tag);
   if (slot.SignedByte(kLength) < 0) {
-    // Strings are looked for behind the length read as signed: before the structure, where there
-    // is nothing.
+    // The length is read as signed, so the strings are searched before the structure, where there
+    // are only zeros.
     EXPECT_EQ(designation, "(null string)");
   } else if (slot.designation == "<BAD INDEX>") {
-    // A string that is not there reads as empty when there are others.
+    // A missing string is empty if there are other strings.
     const bool hasStrings = slot.bytes.size() > slot.Byte(kLength);
     EXPECT_EQ(designation, hasStrings ? "" : "(null string)");
   } else {
@@ -75,7 +75,7 @@ void ExpectUsage(const DecodedSlot& slot, const json& properties) {
   }
 }
 
-// dmidecode prints the low byte of the ID, for the slot types for which it has a meaning.
+// dmidecode prints the low byte of the ID, and only for slot types for which it has a meaning.
 void ExpectId(const DecodedSlot& slot, const json& properties) {
   if (slot.id.empty() || slot.id.find_first_not_of("0123456789") != std::string::npos) return;
   EXPECT_EQ(properties.at("Number").get<unsigned>() & 0xFF, std::stoul(slot.id));
@@ -86,8 +86,8 @@ bool Says(const DecodedSlot& slot, const std::string& characteristic) {
   return std::find(all.begin(), all.end(), characteristic) != all.end();
 }
 
-// A structure that calls its characteristics unknown may set bits of them all the same; dmidecode
-// does not print these.
+// A structure may set bits of its characteristics and also the bit "unknown"; then dmidecode does
+// not print them.
 void ExpectCharacteristics(const DecodedSlot& slot, const json& properties) {
   if (Says(slot, "Unknown")) return;
   EXPECT_EQ(properties.at("Shared"), Says(slot, "Opening is shared"));
@@ -110,7 +110,7 @@ class SlotsTest : public MachineTest {
     }
   }
 
-  // Calls check(what dmidecode says, properties) for each slot.
+  // Calls check(slot of dmidecode, properties) for each slot.
   template <class Check>
   void ForEach(const Check& check) const {
     ASSERT_EQ(collected_.size(), decoded_.size());
@@ -129,7 +129,7 @@ TEST_P(SlotsTest, AreTheStructuresWithTheirPeersInTableOrder) {
   std::size_t number = 0;
   ForEach([&number](const DecodedSlot& slot, const json& properties) {
     EXPECT_EQ(properties.at("Tag"), "Tag " + std::to_string(++number));
-    // A structure that is long enough for it says its number of peers to dmidecode as well.
+    // dmidecode prints the number of peers if the structure is long enough to contain it.
     if (slot.peers.empty()) return;
     EXPECT_EQ(std::stoul(slot.peers), slot.Byte(kPeerCount));
   });

@@ -119,7 +119,7 @@ TEST_F(InventoryTest, TheLogSpeaksOfEachHeaderWhenItsFunctionIsLookedAt) {
                        described}));
 }
 
-// The listing is taken while the first function is described.
+// lspci runs when the first function is described.
 TEST_F(InventoryTest, HeaderThatAppearsBeforeItsTurnIsRead) {
   PutFunctions({Function(1, 0x02), Function(2, 0x02), Function(3, 0x06)});
   MachineTree::Remove(ConfigFile(2));

@@ -5,7 +5,7 @@ namespace {
 
 Lines ReadLines() { return {Entering("PciRead"), Exiting("PciRead")}; }
 
-// The records of one function's properties; it is in the slot whose entry is the `match`th.
+// The log records of one function's properties; its slot is entry number `match`.
 Lines CommonLines(int match) {
   Lines lines{Entering("GetCommonDevProperties"), "3 Entering correlateDeviceAndSlot"};
   lines.insert(lines.end(), static_cast<std::size_t>(match), "3 not match slot");
@@ -17,8 +17,8 @@ Lines CommonLines(int match) {
 
 }  // namespace
 
-// A host bridge at 00:00.0 and two functions on bus 3, which slot 2 leads to: a network device, and
-// one whose configuration file is missing. A listing knows the first two.
+// A host bridge at 00:00.0 and two functions on bus 3, which is behind slot 2: a network device,
+// and one without a configuration file. The listing contains the first two.
 class ThreeFunctionMachineTest : public PluginTest {
  protected:
   ThreeFunctionMachineTest() {
@@ -97,7 +97,7 @@ TEST_F(ThreeFunctionMachineTest, DeviceInstanceHoldsEveryProperty) {
   const auto numbers = [&](const char* name) {
     return Numbers(network.GetProperty(name, {}).value);
   };
-  // The address that is wider than 32 bits is read as 0xffffffff, whose flag bit says I/O.
+  // An address of more than 32 bits is read as 0xffffffff, whose flag bit means I/O.
   EXPECT_EQ(numbers("IOAddress"), (std::vector<unsigned>{0xE000, 0xFFFC}));
   EXPECT_EQ(numbers("IOLength"), (std::vector<unsigned>{0x20, 0}));
   EXPECT_EQ(numbers("MEMAddress"), std::vector<unsigned>{0xF7E00000});

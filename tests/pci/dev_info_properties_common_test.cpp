@@ -25,7 +25,7 @@ class CommonPropertiesTest : public PropertiesTest {
  protected:
   int GetCommon() { return Collector().GetCommonDevProperties(records.begin(), &properties); }
 
-  // Properties that the keys routine makes, for a class that fails as told.
+  // The properties from the keys routine, for a class that fails as requested.
   TPropertyMap Keys(const std::shared_ptr<NQZMVTQ20::ICIMClass>& cimClass) {
     TPropertyMap keys;
     EXPECT_EQ(TPciDevInfo(cimClass, &provider).PopulateKeyProperties(&keys), 0);

@@ -29,7 +29,7 @@ FakeFunction Device(unsigned device) {
 
 }  // namespace
 
-// A process in which no collector has been made yet.
+// A process in which no collector has been created yet.
 class RequestsTest : public PluginTest {
  protected:
   std::size_t Ask(const char* className) {
@@ -38,7 +38,7 @@ class RequestsTest : public PluginTest {
   std::size_t CountLines(const std::string& record) const {
     return static_cast<std::size_t>(std::count(Fake().log.begin(), Fake().log.end(), record));
   }
-  // No bus information from the firmware, a listing that knows nothing, and no older text.
+  // No bus information from the firmware, an empty listing, and no /proc/pci.
   void NoHelp() {
     Fake().smBios.loadStatus = 2;
     Fake().commands["lspci"] = [] { return std::string("nothing\n"); };
@@ -202,7 +202,7 @@ TEST_F(RequestsTest, RawDataIsTakenAgainByEachRequestAndCollectsNoFunctions) {
 }
 
 TEST_F(RequestsTest, AssociationsAreMadeAgainByEachRequestAndCollectNoFunctions) {
-  // With bus information in the slots, functions carry the position of their slot.
+  // With bus information in the slots, the "UINumber" of a function is the position of its slot.
   Fake().smBios.structures = {SlotRecord().Bytes()};
   PutFunctions({Device(1)});
   EXPECT_EQ(Ask(kDeviceInSlotClass), 0U);

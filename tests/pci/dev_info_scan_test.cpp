@@ -14,13 +14,13 @@ constexpr const char* kDevices = "/proc/bus/pci/devices";
 const std::string kEntering = Entering("ScanPciDevices");
 const std::string kExiting = Exiting("ScanPciDevices");
 
-// Runs `action` in a child process: its exit status, or nothing when it was still running after
-// `limit` and had to be killed.
+// Runs `action` in a child process. Returns its exit status, or nothing if it was killed because it
+// was still running after `limit`.
 template <class Action>
 std::optional<int> RunFor(std::chrono::milliseconds limit, Action action) {
   const pid_t child = fork();
   if (child == 0) {
-    alarm(60);  // should this process be gone
+    alarm(60);  // if this process has ended
     action();
     _exit(0);
   }
@@ -35,7 +35,7 @@ std::optional<int> RunFor(std::chrono::milliseconds limit, Action action) {
   return std::nullopt;
 }
 
-// A line of a function whose last column, which is not looked at, makes it `length` long.
+// A line of a function with `length` characters; the last column, which is not read, fills it.
 std::string LineOfLength(std::size_t length) {
   std::string line = "0010\t80861234\tb";
   for (int column = 4; column <= 17; ++column) line += "\t1";
@@ -132,7 +132,7 @@ TEST_F(ScanTest, LineOfFiveHundredAndElevenCharactersFits) {
 TEST_F(ScanTest, LongerLineKeepsTheScanFromEnding) {
   MachineTree::Write(kDevices, LineOfLength(512) + "\n");
   EXPECT_EQ(RunFor(std::chrono::seconds(1), [this] { Scan(); }), std::nullopt);
-  // The same with a line that fits ends, long before that.
+  // With a line that fits, the scan ends long before the limit.
   MachineTree::Write(kDevices, LineOfLength(511) + "\n");
   EXPECT_EQ(RunFor(std::chrono::seconds(30), [this] { Scan(); }), 0);
 }

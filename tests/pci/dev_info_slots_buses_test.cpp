@@ -191,7 +191,7 @@ TEST_F(SlotBusesTest, DirectoryInPlaceOfTheConfigurationFileCountsAsShort) {
 }
 
 TEST_F(SlotBusesTest, ConfigurationFileThatCannotBeOpenedCountsAsShort) {
-  // A socket is there for everyone, and can be opened by nobody.
+  // A socket exists, but open() fails for it for every user.
   const std::string path = MachineTree::Real(kSysConfig);
   std::filesystem::create_directories(MachineTree::Real(kSysConfig).parent_path());
   sockaddr_un address{};

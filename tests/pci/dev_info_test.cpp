@@ -29,7 +29,7 @@ std::vector<unsigned char> SlotOnBusThree() {
 
 }  // namespace
 
-// A process in which no collector has been made yet.
+// A process in which no collector has been created yet.
 class DevInfoTest : public PluginTest {};
 
 TEST_F(DevInfoTest, KeepsNoDataInTheObject) {

@@ -15,7 +15,7 @@ using Regions = std::array<std::uint32_t, 6>;
 
 constexpr Regions kNone{};
 
-// A line with `count` columns behind the third: 11, 12, ...
+// A line with `count` columns after the third: 11, 12, ...
 std::string LineWithColumns(int count) {
   std::string line = "0010\t80861234\tb";
   for (int column = 0; column < count; ++column) line += "\t" + std::to_string(11 + column);

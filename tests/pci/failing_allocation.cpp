@@ -11,7 +11,7 @@ bool failing = false;
 FailingAllocation::FailingAllocation() { failing = true; }
 FailingAllocation::~FailingAllocation() { failing = false; }
 
-// Replaces the one of the run-time library in the whole program.
+// Replaces the operator of the C++ library in the whole program.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
   if (failing) return nullptr;
   try {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// While it lives, `new (std::nothrow) T[n]` gets no memory.
+/// During its lifetime, `new (std::nothrow) T[n]` returns null.
 class FailingAllocation {
  public:
   FailingAllocation();

@@ -6,8 +6,7 @@
 
 #include "tests/pci/temporary_directory.h"
 
-/// For as long as it lives: an empty current directory, and an "hwinfo" of its own in front of all
-/// other programs.
+/// During its lifetime, the current directory is empty, and an own "hwinfo" is the first in PATH.
 class FakeHwinfo {
  public:
   FakeHwinfo() : oldDirectory_(std::filesystem::current_path()), oldPath_(getenv("PATH")) {
@@ -22,19 +21,19 @@ class FakeHwinfo {
     std::filesystem::current_path(oldDirectory_);
   }
 
-  /// What it prints from now on.
+  /// Sets the output of the program.
   void Print(const std::string& text) { std::ofstream(Output()) << text; }
-  /// What it does from now on, as shell commands.
+  /// Sets the shell commands that the program runs.
   void WriteScript(const std::string& commands) {
     std::ofstream(programs_ / "hwinfo") << "#!/bin/sh\n" << commands;
     std::filesystem::permissions(programs_ / "hwinfo", std::filesystem::perms::owner_all);
   }
-  /// Leaves the shell without any program that is not in this object's own directory.
+  /// Makes PATH contain only this object's directory.
   void HideAllOtherPrograms() { setenv("PATH", programs_.Path().c_str(), 1); }
   void Remove() { std::filesystem::remove(programs_ / "hwinfo"); }
   void RemoveCurrentDirectory() { std::filesystem::remove(current_.Path()); }
 
-  /// The arguments of all runs, a line each.
+  /// The arguments of all runs, one line each.
   std::string Runs() const { return ReadFile(Arguments()); }
   std::filesystem::path ProbeFile() const { return current_ / "infopci.txt"; }
   const std::filesystem::path& Programs() const { return programs_.Path(); }

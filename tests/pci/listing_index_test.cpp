@@ -7,7 +7,7 @@
 
 namespace {
 
-// The lines one after another, each searched from its start.
+// Searches the lines one after another, each from its start.
 std::string SearchPlainly(const std::string& listing, const std::string& key) {
   std::istringstream lines(listing);
   for (std::string line; std::getline(lines, line);) {

@@ -10,7 +10,7 @@
 
 using Lines = std::vector<std::string>;
 
-/// Log records that a routine of TPciDevInfo writes when it is entered and left.
+/// The log records of a routine of TPciDevInfo at its entry and exit.
 inline std::string Entering(const std::string& routine) {
   return "3 Entering TPciDevInfo::" + routine + " routine";
 }
@@ -18,17 +18,17 @@ inline std::string Exiting(const std::string& routine) {
   return "3 Exiting TPciDevInfo::" + routine + " routine";
 }
 
-/// The record that precedes each instance.
+/// The log record before each instance.
 inline std::string Generating(const std::string& className) {
   return "4 TPci::generateCIMInstance - Generating CIM instance for class " + className + ".";
 }
-/// The record of an instance that the framework refuses.
+/// The log record of an instance that the framework refuses.
 inline std::string Refused(const std::string& className, const std::string& why) {
   return "2 PciDevInfo encountered an error generating CIM instances for " + className +
          " Error Code: " + why;
 }
 
-/// The lists one after another.
+/// The lists, concatenated.
 inline Lines Join(const std::vector<Lines>& lists) {
   Lines joined;
   for (const Lines& lines : lists) joined.insert(joined.end(), lines.begin(), lines.end());

@@ -1,10 +1,10 @@
-// A physical-memory access library for the tests of its loader. Each entry point answers a number
-// of its own. PMEM_WITHOUT_READ_AND_SEARCH makes one that lacks two of them.
+// A physical-memory access library for the tests of its loader. Each entry point returns a
+// different number. With PMEM_WITHOUT_READ_AND_SEARCH, two of them are missing.
 
 #include "framework/export.h"
 
-// Nobody defines it: a library with this call can only be loaded when its functions are bound as
-// late as at their first call.
+// Not defined anywhere: the library can be loaded only if the loader binds functions at their first
+// call.
 void CalledByNobody();
 
 extern "C" {

@@ -19,8 +19,8 @@ std::string ReadFile(const fs::path& path) {
   return content.str();
 }
 
-// The place where the loader looks for its library, made empty: it is covered by a file system of
-// this process's own, so nothing is written to the real place, and nothing that is there is found.
+// The directory in which the loader searches its library, made empty by a mount in this process's
+// namespace. So the test does not write to the real directory and does not find its files.
 class LibraryPlace {
  public:
   LibraryPlace() : program_(fs::read_symlink("/proc/self/exe")) {
@@ -28,7 +28,8 @@ class LibraryPlace {
     if (mount("tmpfs", Directory().c_str(), "tmpfs", 0, nullptr) != 0) {
       throw std::runtime_error("cannot cover " + Directory().string());
     }
-    // The path to the library leads through the program's directory, and possibly from here.
+    // The mount hides the program's directory, which is part of the library's path, and maybe the
+    // current directory: create both again.
     fs::create_directories(program_.parent_path());
     fs::create_directories(here);
     std::ofstream{program_};

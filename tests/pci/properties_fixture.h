@@ -12,7 +12,7 @@ inline NQZMVTQ20::TCIMValue Word(unsigned value) {
   return NQZMVTQ20::TCIMValue(static_cast<unsigned short>(value));
 }
 
-/// 00:1f.3, with a different number in each byte of the header that is reported.
+/// 00:1f.3, with a different number in each reported byte of the header.
 inline FakeFunction Audio() {
   FakeFunction function;
   function.device = 31;
@@ -32,7 +32,7 @@ inline FakeFunction Audio() {
   return function;
 }
 
-/// Properties of one function, Audio() at first, which the listing describes.
+/// Properties of one function, initially Audio(), which the listing describes.
 class PropertiesTest : public PciTest {
  protected:
   PropertiesTest() {

@@ -30,7 +30,7 @@ DMIType9 Slot(std::uint8_t bus, std::uint8_t peerCount = 0) {
   return slot;
 }
 
-// Places of one slot whose first tag is 7; `nextTag` is the tag that is left for the next one.
+// Locations of one slot whose first tag is 7; `nextTag` receives the next tag.
 template <class Append>
 Locations Collect(Append append, int* nextTag = nullptr) {
   std::uint16_t tag = 7;
@@ -48,7 +48,7 @@ Locations Of(const std::string& oemString, int* nextTag = nullptr) {
   return Collect([&](auto... out) { AppendSlotLocation(oemString, out...); }, nextTag);
 }
 
-// The place that a string with a bus number and `markers` describes.
+// The location that a string with a bus number and `markers` describes.
 SlotLocation Described(const std::string& markers) {
   const Locations locations = Of("$T9 B:0x3a " + markers);
   EXPECT_EQ(locations.size(), 1U) << markers;

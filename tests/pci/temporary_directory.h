@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-/// A directory of its own, gone with the object.
+/// A new directory; the destructor removes it.
 class TemporaryDirectory {
  public:
   TemporaryDirectory() {

@@ -34,7 +34,7 @@ class TestCollector final : public TPci {
   std::string askedFor;
 };
 
-// A class with one instance, which notes what is done to it.
+// A class with one instance, which records the calls.
 class NotingClass final : public ICIMClass, public ICIMInstance {
  public:
   std::string GetName(const TQualifierMap&) const override { return "Noting"; }
@@ -134,7 +134,7 @@ TEST_F(CollectorTest, PropertiesAreSetInTheOrderOfTheirNamesAndThenCommitted) {
 }
 
 TEST_F(CollectorTest, EmptyMapStillCreatesAndCommitsAnInstance) {
-  // A class without keys is the only one whose instances may have no property set.
+  // Only instances of a class without keys may have no property set.
   vtq::ClassSchema schema;
   schema.name = "Keyless";
   nameSpace->Declare(schema);
@@ -168,7 +168,7 @@ TEST_F(CollectorTest, InstanceOfAnotherClassNameIsFilledButNotCommitted) {
   TestCollector collector(board, &provider);
   collector.GenerateCIMInstance(Board("b"), "Another");
   EXPECT_TRUE(Instances(kSystemBoardClass).empty());
-  // It is filled all the same: a property that the class does not declare is refused.
+  // The properties are set nevertheless: one that the class does not declare is refused.
   EXPECT_THROW(collector.GenerateCIMInstance({{"Undeclared", TCIMValue("x")}}, "Another"),
                TVTQException);
 }

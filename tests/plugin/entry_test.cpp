@@ -177,7 +177,7 @@ TEST_F(EntryTest, ExceptionFromReadingTheNameLeavesTheQuery) {
   EXPECT_TRUE(Fake().log.empty()) << "no normal exit";
 }
 
-// The tables of slots are loaded by the constructor of the first collector of PCI functions.
+// The constructor of the first collector of PCI functions loads the slot tables.
 TEST_F(EntryTest, ExceptionFromMakingACollectorLeavesTheQuery) {
   SlotRecord slot;
   slot.bus = 3;
@@ -223,7 +223,7 @@ TEST_F(EntryTest, EveryServedClassReachesACollector) {
     Fake().log.clear();
     Query({Class(name)});
     EXPECT_EQ(Fake().log.front(), kReceived + name + ".");
-    // A name that reached nobody would be followed by the normal exit at once.
+    // If no collector had been created, the normal exit would follow at once.
     EXPECT_GT(Fake().log.size(), 2U) << name;
     EXPECT_EQ(Fake().log.back(), kNormalExit);
   }

@@ -83,7 +83,7 @@ TEST(ExtractDecimalDataToHex, AcceptsAHexadecimalPrefix) {
   EXPECT_EQ(ExtractDecimalDataToHex<unsigned short>("0X1F"), 31);
 }
 
-// The plain way to read a hexadecimal number from a text, which the function must agree with.
+// Reads a hexadecimal number with a stream; the function must return the same.
 template <class T>
 T ReadFromStream(const std::string& text) {
   std::stringstream stream(text);

@@ -199,7 +199,7 @@ TEST_F(ClassTest, CountsInstancesThatAreNeitherCommittedNorDropped) {
   EXPECT_EQ(fans_->CountUncommitted(), 0U);
 }
 
-// A search through all instances for each commit would take minutes here.
+// If each commit searched all instances, this would take minutes.
 TEST_F(ClassTest, HoldsAHundredThousandInstances) {
   constexpr unsigned kCount = 100000;
   for (unsigned round = 1; round <= 2; ++round) {

@@ -8,13 +8,13 @@
 
 namespace vtq {
 
-/// What a step failed with.
+/// The text and code of an exception.
 struct Failure {
   std::string text;
   NQZMVTQ20::TVTQStatusCode::EVTQStatusCode code = NQZMVTQ20::TVTQStatusCode::kSuccess;
 };
 
-/// Runs `step`, which has to throw TVTQException, and returns what it threw.
+/// Runs `step`, which must throw TVTQException, and returns the failure.
 template <class Step>
 Failure FailureOf(const Step& step) {
   try {

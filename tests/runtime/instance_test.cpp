@@ -101,7 +101,7 @@ TEST_F(InstanceTest, WithoutAKeyThereIsNeitherPathNorCommit) {
 TEST_F(InstanceTest, AKeyOfACommittedInstanceStays) {
   fan_->Commit({});
   EXPECT_EQ(FailureOf([this] { fan_->SetProperty("DeviceID", TCIMValue("b"), {}); }).text,
-            "ACME_Fan.DeviceID is a key of a committed instance and stays as it is");
+            "ACME_Fan.DeviceID is a key of a committed instance and cannot be changed");
   EXPECT_THROW(fan_->SetProperty("Bank", TCIMValue(), {}), TVTQException);
   fan_->SetProperty("DeviceID", TCIMValue("a"), {});
   fan_->SetProperty("Speed", Number(9), {});

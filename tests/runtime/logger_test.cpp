@@ -94,7 +94,7 @@ TEST(LoggerTest, AFileThatCannotBeOpenedIsReported) {
   const TemporaryDirectory directory;
   const std::string path = directory.GetPath() + "/missing/log";
   const Failure failure = FailureOf([&path] { MakeFileSink(path); });
-  EXPECT_EQ(failure.text, "the log file " + path + " cannot be opened: No such file or directory");
+  EXPECT_EQ(failure.text, "cannot open the log file " + path + ": No such file or directory");
 }
 
 TEST(LoggerTest, ALinkIsNotFollowed) {
@@ -103,9 +103,8 @@ TEST(LoggerTest, ALinkIsNotFollowed) {
   const std::string path = directory.GetPath() + "/log";
   std::filesystem::create_symlink(target, path);
   const Failure failure = FailureOf([&path] { MakeFileSink(path); });
-  EXPECT_EQ(failure.text, "the log file " + path +
-                              " cannot be opened: it is a symbolic link; name the file that it "
-                              "leads to");
+  EXPECT_EQ(failure.text, "cannot open the log file " + path +
+                              ": it is a symbolic link; name the file that it points to");
   EXPECT_EQ(TOSSpecific::CaptureFile(target), "precious");
 }
 

@@ -7,7 +7,7 @@
 
 namespace vtq {
 
-/// Collects the descriptions of all services that fail while it lives.
+/// Collects the descriptions of all service failures during its lifetime.
 class ObservedFailures final {
  public:
   ObservedFailures() {

@@ -15,7 +15,7 @@
 
 namespace vtq {
 
-/// An installed plug-in manager, a core logger whose texts are kept, and a repository of fans.
+/// An installed plug-in manager, a core logger that stores its texts, and a repository of fans.
 class PluginFixture : public testing::Test {
  protected:
   PluginFixture() {

@@ -135,9 +135,9 @@ TEST_F(PluginManagerTest, APluginIsLoadedOnceUnderWhateverName) {
   std::filesystem::create_symlink(FileOf("fans"), link);
   manager_->Load(FileOf("fans"));
   EXPECT_EQ(FailureOfLoading(FileOf("fans")).text,
-            "the plug-in " + FileOf("fans") + " is loaded already: name it once only");
+            "the plug-in " + FileOf("fans") + " is already loaded: name it only once");
   EXPECT_EQ(FailureOfLoading(link).text,
-            "the plug-in " + link + " is loaded already: name it once only");
+            "the plug-in " + link + " is already loaded: name it only once");
   ASSERT_EQ(manager_->GetPlugins().size(), 1U);
   manager_->Unload(*manager_->GetPlugins()[0]);
   EXPECT_FALSE(IsMapped("fans"));
@@ -203,7 +203,7 @@ TEST_F(PluginManagerTest, APluginThatWasLoadedByHandIsNotLoadedAgain) {
   void* library = ::dlopen(FileOf("fans").c_str(), RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr);
   EXPECT_EQ(FailureOfLoading(FileOf("fans")).text,
-            "the plug-in " + FileOf("fans") + " is loaded already: name it once only");
+            "the plug-in " + FileOf("fans") + " is already loaded: name it only once");
   EXPECT_EQ(manager_->GetPlugins().size(), 1U);
   EXPECT_EQ(::dlclose(library), 0);
 }
@@ -212,10 +212,11 @@ TEST_F(PluginManagerTest, APluginOfAnotherInterfaceVersionIsRefusedAndUnloaded) 
   for (const std::string version :
        {"2.0", "0.9", "1.1", "10.0", "1", "1.", ".0", "1.0.0", "1.x", "-1.0", "1.-1", " 1.0", ""}) {
     AskFor("answer interface version " + version);
-    EXPECT_EQ(FailureOfLoading(FileOf("misbehaving")).text,
-              "the plug-in " + FileOf("misbehaving") + " is built for version " + version +
-                  " of the plug-in interface, which does not fit version 1.0 of this program: "
-                  "build the plug-in for that version");
+    EXPECT_EQ(
+        FailureOfLoading(FileOf("misbehaving")).text,
+        "the plug-in " + FileOf("misbehaving") + " was built for version " + version +
+            " of the plug-in interface, which is not compatible with version 1.0 of this program: "
+            "build the plug-in for that version");
     EXPECT_FALSE(IsMapped("misbehaving")) << version;
   }
 }
@@ -234,7 +235,7 @@ TEST_F(PluginManagerTest, APluginOfAnotherInterfaceVersionThatWasLoadedByHandIsN
   EXPECT_EQ(::dlclose(library), 0);
 }
 
-// A plug-in that is part of the program.
+// A plug-in that is part of the test program.
 class BuiltIn final : public NQZMVTQ20::IPluginCallbacks {
  public:
   explicit BuiltIn(bool& isAlive) : isAlive_(isAlive) { isAlive_ = true; }

@@ -10,7 +10,7 @@ using Texts = std::vector<std::string>;
 
 class PluginTest : public PluginFixture {
  protected:
-  // The violations, without the name of the plug-in that each begins with.
+  // The violations, without the name of the plug-in at the beginning of each.
   Texts Violations() const {
     Texts violations;
     for (const std::string& violation : manager_->GetViolations()) {
@@ -21,7 +21,7 @@ class PluginTest : public PluginFixture {
     return violations;
   }
 
-  // What is noted when the plug-in that misbehaves is asked for its data.
+  // The violations after a query of the misbehaving plug-in.
   Texts ViolationsOfQuery(const std::string& misdeed) {
     AskFor(misdeed);
     Plugin& plugin = manager_->Load(FileOf("misbehaving"));
@@ -144,7 +144,7 @@ TEST_F(PluginTest, WhatTheHostItselfHoldsIsNotThePluginsDoing) {
   EXPECT_EQ(Violations(), Texts{});
 }
 
-// A namespace of another implementation, to show that the manager does not need its own.
+// A namespace of another implementation, to show that the manager works with it.
 class ForeignNamespace final : public NQZMVTQ20::ICIMNamespace {
  public:
   std::string GetName(const NQZMVTQ20::TQualifierMap&) const override { return "root/foreign"; }

@@ -25,7 +25,7 @@ std::string_view AsText(const SmBiosBytes& bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// A directory as the kernel has it, with a table of slots and one other structure.
+// A directory like the kernel's, with a table of slots and one other structure.
 class SmBiosAccessTest : public testing::Test {
  protected:
   void TearDown() override {
@@ -137,8 +137,7 @@ TEST_F(SmBiosAccessTest, AMachineWithoutTablesHasNone) {
   EXPECT_EQ(Load(), TVTQStatusCode::kNotFound);
   EXPECT_EQ(handle_, nullptr);
   ASSERT_EQ(observed.Get().size(), 1U);
-  EXPECT_EQ(observed.Get()[0], "the SMBIOS tables cannot be used: the file " +
-                                   directory_.GetPath() +
+  EXPECT_EQ(observed.Get()[0], "cannot use the SMBIOS tables: the file " + directory_.GetPath() +
                                    "/smbios_entry_point cannot be read: No such file or directory");
 }
 

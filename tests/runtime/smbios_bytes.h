@@ -69,7 +69,7 @@ inline SmBiosBytes MakeLegacyEntry(int revision, std::size_t tableLength, std::s
   return bytes;
 }
 
-/// A structure: header, the bytes behind the header, strings, and the zero bytes at the end.
+/// A structure: header, the bytes after the header, strings, and the zero bytes at the end.
 inline SmBiosBytes MakeStructure(int type, const SmBiosBytes& body,
                                  const std::vector<std::string>& strings = {}) {
   SmBiosBytes bytes = {static_cast<std::uint8_t>(type), static_cast<std::uint8_t>(4 + body.size()),
@@ -90,7 +90,8 @@ inline SmBiosBytes Joined(const std::vector<SmBiosBytes>& parts) {
   return bytes;
 }
 
-/// The first `length` bytes, in memory of exactly that size.
+/// The first `length` bytes, in memory of exactly that size, so that sanitizers detect reads past
+/// the end.
 inline SmBiosBytes CutTo(const SmBiosBytes& bytes, std::size_t length) {
   return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)};
 }

@@ -27,7 +27,7 @@ std::vector<SmBiosBytes> Walked(const SmBiosTable& table) {
   return structures;
 }
 
-// A table of the `_SM_` kind whose entry point states its real length and no count.
+// A table with a `_SM_` entry point that states its real length and no number of structures.
 std::vector<SmBiosBytes> WalkedBytes(const SmBiosBytes& bytes) {
   return Walked({{2, 7, bytes.size(), 0, false}, bytes});
 }
@@ -86,7 +86,7 @@ TEST(SmBiosEntryPointTest, TakesTheLengthThatVersion21Misstated) {
   EXPECT_EQ(ParseSmBiosEntryPoint(CutTo(entry, 0x1E)).tableLength, 0x100U);
   entry[0x05] = 0x1D;
   Seal(entry, 0, 0x1D, 0x04);
-  EXPECT_EQ(CorruptionOf(entry), "the SMBIOS entry point says that it has 29 bytes");
+  EXPECT_EQ(CorruptionOf(entry), "the SMBIOS entry point has an invalid length of 29 bytes");
 }
 
 TEST(SmBiosEntryPointTest, BytesBehindTheEntryPointDoNotMatter) {
@@ -124,7 +124,7 @@ TEST(SmBiosEntryPointTest, ALengthThatReachesPastTheBytesIsCorrupt) {
 
 TEST(SmBiosEntryPointTest, AnUnknownAnchorIsCorrupt) {
   EXPECT_EQ(CorruptionOf({'_', 'X', 'M', '_', 0}),
-            "the SMBIOS entry point begins with no known anchor");
+            "the SMBIOS entry point does not begin with a known anchor");
   CorruptionOf({});
   SmBiosBytes inner = MakeVersion2Entry(2, 4, 1, 1);
   inner[0x10] = 'x';

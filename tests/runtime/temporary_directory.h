@@ -8,7 +8,7 @@
 
 namespace vtq {
 
-/// A new empty directory, removed with everything in it at the end.
+/// A new empty directory; the destructor removes it and everything in it.
 class TemporaryDirectory final {
  public:
   TemporaryDirectory() {

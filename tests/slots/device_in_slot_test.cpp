@@ -20,7 +20,7 @@ constexpr int kNone = -1;
 
 class DeviceInSlotTest : public PluginTest {
  protected:
-  // Slots and functions are told apart by short names: a slot by its tag, a function by its ID.
+  // The tests use short names: the tag for a slot, the ID for a function.
   void PutSlot(const std::string& tag, int number) {
     TPropertyMap slot{{"CreationClassName", TCIMValue(kSystemSlotClass)}, {"Tag", TCIMValue(tag)}};
     if (number != kNone) slot.emplace("Number", TCIMValue(static_cast<unsigned short>(number)));
@@ -43,7 +43,7 @@ class DeviceInSlotTest : public PluginTest {
   void PutBridge(const std::string& id, int slot) { PutFunction(kPciBridgeClass, id, slot); }
 
   std::vector<TPropertyMap> Maps() {
-    // One-argument construction leaves the retrieval type as the test set it.
+    // The constructor with one argument keeps the retrieval type that the test has set.
     processState.slotDataLoaded = true;
     return Make<TPciDevInfo>(kDeviceInSlotClass).MakeDeviceSlotAssociation();
   }
@@ -199,7 +199,7 @@ TEST_F(SharedSlotTest, BridgesShareNothing) {
   EXPECT_EQ(Associate(), (Pairs{{"slot 5", "a"}, {"slot 7", "bridge"}}));
 }
 
-// What the association does with the framework, and how it fails there.
+// The calls of the association to the framework, and what happens when they fail.
 class WatchedAssociationTest : public DeviceInSlotTest {
  protected:
   WatchedAssociationTest() {

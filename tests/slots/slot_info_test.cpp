@@ -163,7 +163,7 @@ TEST_F(SlotInfoTest, PeerCountOfNineOrMoreOrNegativeIsNone) {
 TEST_F(SlotInfoTest, SeventeenByteStructureTakesThePeerCountFromWhatFollows) {
   SlotRecord record;
   record.length = 0x11;
-  record.strings = {"\x01\x03"};  // the second character stands at offset 0x12
+  record.strings = {"\x01\x03"};  // the second character is at offset 0x12
   PutSlots({record});
   EXPECT_EQ(Read().size(), 4U);
 }
@@ -256,7 +256,7 @@ TEST_F(SlotInfoTest, OtherExceptionsPassThrough) {
 }
 
 TEST_F(SlotInfoTest, RecordOfEveryLengthDesignationAndPeerCountStaysInsideTheBuffer) {
-  // Under AddressSanitizer this shows that no byte outside of the buffer is touched.
+  // With AddressSanitizer, this shows that no byte outside the buffer is accessed.
   for (int length = 0; length < 256; ++length) {
     Fake().smBios.structures.clear();
     for (int number = 0; number < 256; ++number) {

@@ -10,8 +10,8 @@
 
 namespace {
 
-// What FindSlotString answers, taken byte by byte from a model of the memory around the record:
-// zeros in front, the record, zeros behind.
+// The result of FindSlotString, computed byte by byte from a model of the memory: zeros, the
+// record, zeros.
 std::string ModelString(int index, const std::vector<unsigned char>& record) {
   if (index == 0) return "";
   const auto byteAt = [&](int place) {
@@ -30,7 +30,7 @@ std::string ModelString(int index, const std::vector<unsigned char>& record) {
   return text;
 }
 
-// The record as the collectors see it: fetched into a structure reader's buffer.
+// The record, fetched into the buffer of a StructureReader as the collectors do.
 class FetchedRecord {
  public:
   explicit FetchedRecord(std::vector<unsigned char> bytes) : reader_(Handle(std::move(bytes))) {

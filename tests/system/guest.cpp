@@ -30,7 +30,7 @@ fs::path EmptyFolderOf(const SystemMachine& machine) {
   return folder;
 }
 
-// Makes a file of each slot record and returns the options that give them to the firmware.
+// Writes each slot record to a file and returns the options that pass them to the firmware.
 std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::path& folder) {
   std::vector<std::string> options;
   std::uint16_t handle = kFirstHandle;
@@ -45,8 +45,8 @@ std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::pat
   return options;
 }
 
-// The emulator's command line, but for the serial lines. Network cards come without the program to
-// boot from them: nothing does, and the firmware would spend its time on it.
+// Returns the emulator's command line, without the serial lines. Network cards have no boot ROM,
+// because nothing boots from them and the firmware would spend time on it.
 std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::path& folder,
                                      const std::string& kernelOptions) {
   const fs::path guest = GUEST_FOLDER;
@@ -65,7 +65,7 @@ std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::pat
   return words;
 }
 
-// An archive that ends too early is as good as none.
+// A truncated archive counts as no output.
 bool Unpack(const fs::path& folder) {
   const std::vector<std::string> tar{
       "tar", "-x", "-z", "-f", folder / "answers.tar.gz", "-C", folder / "answers"};

@@ -5,18 +5,18 @@
 
 #include "tests/system/machine.h"
 
-/// What a program said inside of a machine, and how it ended there.
+/// The output and the exit status of a program inside a machine.
 struct Answer {
   int status = -1;  ///< exit status
   std::string out;
   std::string err;
 };
 
-/// Boots the machine, lets the script `init` run to its end in it, and returns what the programs
-/// answered, by the names that the script gives them. Everything that was made for the machine, its
-/// console and its answers are left in the build folder, in a folder named like the machine. Throws
-/// std::runtime_error with the last lines of the console when the machine does not answer in time.
+/// Boots the machine, waits for the end of the script `init`, and returns the output of the
+/// programs, by the names in the script. Leaves the machine's files, its console and the output in
+/// the build directory, in a directory with the machine's name. Throws std::runtime_error with the
+/// last lines of the console when the machine does not end in time.
 std::map<std::string, Answer> Boot(const SystemMachine& machine);
 
-/// Gives a shell in the machine on this terminal, in the place of this process.
+/// Replaces this process by a shell in the machine, on this terminal.
 [[noreturn]] void GiveShell(const SystemMachine& machine);

@@ -54,7 +54,7 @@ std::string Describe(const json& function) {
   return AddressAndIds(function) + (isBridge ? " bridge" : " device");
 }
 
-// The functions that an association joins with the instance that has the path `antecedent`.
+// Returns the functions that an association joins with the instance at the path `antecedent`.
 std::vector<std::string> JoinedWith(const json& antecedent, const std::string& association,
                                     const json& instances) {
   std::map<std::string, std::string> descriptions;

@@ -1,4 +1,4 @@
-// Boots one machine and runs the tests on what it answered, or gives a shell in it.
+// Boots one machine and runs the tests on its output, or starts a shell in it.
 #include <gtest/gtest.h>
 
 #include <cstdio>

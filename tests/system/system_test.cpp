@@ -37,7 +37,7 @@ class SystemTest : public testing::Test {
   const Answer& dmidecode_ = booted.answers.at("dmidecode");
 };
 
-// What the other tests take for granted: the machine is the one that was described.
+// The other tests depend on this: the machine is as described.
 TEST_F(SystemTest, FirmwareShowsTheSlotRecordsAsDescribed) {
   EXPECT_EQ(dmidecode_.status, 0) << dmidecode_.err;
   const json found = ReadDmidecode(dmidecode_.out);

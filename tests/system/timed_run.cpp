@@ -24,7 +24,7 @@ void Execute(const std::vector<std::string>& words) {
 
 [[noreturn]] void RunAsChild(pid_t parent, const std::vector<std::string>& words, const char* log) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(kCannotRun);  // it ended before the line above
+  if (getppid() != parent) _exit(kCannotRun);  // the parent ended before prctl
   const int output = open(log, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
   dup2(output, STDOUT_FILENO);

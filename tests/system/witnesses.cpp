@@ -7,7 +7,7 @@ namespace {
 
 using nlohmann::json;
 
-// Takes a line such as "\tBus Address: 0000:01:00.0" of a slot's listing.
+// Reads a line such as "\tBus Address: 0000:01:00.0" of a slot.
 void TakeLine(const std::string& line, json* slot) {
   const std::size_t colon = line.find(": ");
   const std::string key = line.substr(0, colon);

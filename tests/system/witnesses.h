@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-/// The functions that `lspci -D -n` lists, as "01:00.0 8086:10d3", sorted. A domain other than 0
-/// stays in front of the address.
+/// Returns the functions that `lspci -D -n` lists, as "01:00.0 8086:10d3", sorted. A domain other
+/// than 0 stays before the address.
 std::vector<std::string> ReadLspci(const std::string& listing);
 
-/// The slots that `dmidecode -t 9` prints, told as in "records" of a machine file.
+/// Returns the slots that `dmidecode -t 9` prints, in the form of "records" in a machine file.
 nlohmann::json ReadDmidecode(const std::string& listing);

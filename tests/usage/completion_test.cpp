@@ -27,7 +27,7 @@ class Completion : public testing::Test {
   }
   ~Completion() override { std::filesystem::remove_all(folder_); }
 
-  /// What bash proposes behind `words`, the last of which is being typed: "A|B|".
+  /// The completions that bash proposes for the last of `words`: "A|B|".
   std::string Bash(const std::string& words) const {
     return RunShell("cd " + folder_ + "/files && exec bash --norc -c '. ../bash; COMP_WORDS=(" +
                     words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _water; " +
@@ -35,7 +35,7 @@ class Completion : public testing::Test {
         .text;
   }
 
-  /// What fish proposes behind a command line, a line each.
+  /// The completions that fish proposes for a command line, one line each.
   std::string Fish(const std::string& line) const {
     return RunShell("cd " + folder_ + "/files && HOME=" + folder_ +
                     " fish --no-config -c '. ../fish; complete -C \"" + line + "\"'")

@@ -8,7 +8,7 @@
 
 namespace pciinfo {
 
-/// Definitions with one of everything, and texts that need care in every shell.
+/// Definitions with every kind of option, and texts that must be escaped in every shell.
 inline Usage MadeUsage() {
   CLI::App app("Waters plants. And more.", "water");
   std::vector<std::string> texts;

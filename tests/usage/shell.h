@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-/// How a command line of the shell ended, and all that it wrote.
+/// The exit status and the output of a shell command.
 struct ShellResult {
   int status = -1;
   std::string text;

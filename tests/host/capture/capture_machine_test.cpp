@@ -17,7 +17,7 @@ using testing::Contains;
 using testing::Key;
 using testing::StartsWith;
 
-/// Keeps what it is handed.
+/// Stores the parts that it receives.
 class Keeper : public CaptureReceiver {
  public:
   void Begin(const std::string& what) override { steps.push_back(what); }
@@ -98,7 +98,7 @@ TEST_F(CaptureThisMachine, NothingElseIsThere) {
   }
 }
 
-TEST_F(CaptureThisMachine, WhatIsNotThereIsNoFailure) {
+TEST_F(CaptureThisMachine, MissingPartsAreNotErrors) {
   for (const auto& [path, reason] : keeper_->unread) {
     EXPECT_TRUE(fs::exists("/" + path)) << path << ": " << reason;
   }

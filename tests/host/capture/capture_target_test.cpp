@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-TEST(TargetForm, TheNameSaysIt) {
+TEST(TargetForm, FollowsFromTheName) {
   EXPECT_EQ(FormOf("-").kind, TargetKind::kStandardOutput);
   EXPECT_EQ(FormOf("a/b.tar").kind, TargetKind::kArchive);
   EXPECT_EQ(FormOf("b.tar").compression, Compression::kNone);
@@ -44,7 +44,7 @@ class CaptureTargetTest : public testing::Test {
  protected:
   std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
 
-  /// The names of what stands in the test's directory.
+  /// The names of the entries in the test's directory.
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {
@@ -65,7 +65,7 @@ class CaptureTargetTest : public testing::Test {
   vtq::TemporaryDirectory directory_;
 };
 
-TEST_F(CaptureTargetTest, TheNameIsThereWhenAllIsWritten) {
+TEST_F(CaptureTargetTest, TheNameExistsOnlyAfterCommit) {
   for (const std::string name : {"a.tar.gz", "d"}) {
     CaptureTarget target(Path(name));
     target.GetWriter().Write({"x", "1", ""});
@@ -76,7 +76,7 @@ TEST_F(CaptureTargetTest, TheNameIsThereWhenAllIsWritten) {
   }
 }
 
-TEST_F(CaptureTargetTest, NothingIsLeftOfWhatWasNotCommitted) {
+TEST_F(CaptureTargetTest, AnUncommittedCaptureIsRemoved) {
   for (const char* name : {"a.tar.gz", "d"}) {
     {
       CaptureTarget target(Path(name));
@@ -95,7 +95,7 @@ TEST_F(CaptureTargetTest, OnlyTheOwnerMayReadIt) {
   EXPECT_EQ(fs::status(Path("d")).permissions(), fs::perms{0700});
 }
 
-TEST_F(CaptureTargetTest, AnOldArchiveIsReplacedAndAnEmptyDirectoryTaken) {
+TEST_F(CaptureTargetTest, AnOldArchiveIsReplacedAndAnEmptyDirectoryUsed) {
   directory_.Write("a.tar", "old");
   CaptureTarget archive(Path("a.tar"));
   EXPECT_EQ(fs::file_size(Path("a.tar")), 3U);
@@ -108,21 +108,21 @@ TEST_F(CaptureTargetTest, AnOldArchiveIsReplacedAndAnEmptyDirectoryTaken) {
   EXPECT_TRUE(fs::exists(Path("d/x")));
 }
 
-TEST_F(CaptureTargetTest, WhatIsThereAndNoCaptureIsNotTouched) {
+TEST_F(CaptureTargetTest, OtherExistingFilesAreNotChanged) {
   fs::create_directories(Path("full/x"));
   fs::create_directory(Path("folder.tar"));
   directory_.Write("file", "x");
   ASSERT_EQ(mkfifo(Path("pipe.tar").c_str(), 0600), 0);
   EXPECT_THAT(Refusal("full"), HasSubstr("is not empty"));
   EXPECT_THAT(Refusal("full/"), HasSubstr("is not empty"));
-  EXPECT_THAT(Refusal("folder.tar"), HasSubstr("is no file"));
-  EXPECT_THAT(Refusal("pipe.tar"), HasSubstr("is no file"));
-  EXPECT_THAT(Refusal("file"), HasSubstr("is no directory"));
+  EXPECT_THAT(Refusal("folder.tar"), HasSubstr("is not a regular file"));
+  EXPECT_THAT(Refusal("pipe.tar"), HasSubstr("is not a regular file"));
+  EXPECT_THAT(Refusal("file"), HasSubstr("is not a directory"));
   EXPECT_THAT(Refusal("b.tar.xz"), HasSubstr(".tar.zst"));
   EXPECT_EQ(Names().size(), 4U);
 }
 
-TEST_F(CaptureTargetTest, APlaceThatCannotBeWrittenIsNamed) {
+TEST_F(CaptureTargetTest, AnUnwritableDestinationIsNamed) {
   for (const char* name : {"nowhere/a.tar", "nowhere/d"}) {
     try {
       CaptureTarget target(Path(name));

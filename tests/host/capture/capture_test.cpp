@@ -1,4 +1,4 @@
-// Captures of this machine, made and shown by the program.
+// The program captures this machine and shows the capture.
 
 #include "host/capture/capture.h"
 
@@ -74,7 +74,7 @@ TEST_F(CaptureTest, GoesToStandardOutputAsATarArchive) {
   EXPECT_EQ(AllInstances({"--root", Path("box")}), AllInstances({}));
 }
 
-TEST_F(CaptureTest, AnOrdinaryUsersIsThatUsersView) {
+TEST_F(CaptureTest, AnOrdinaryUserCapturesWhatThatUserCanRead) {
   fs::permissions(directory_.GetPath(), fs::perms{0777});
   const std::string who =
       geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
@@ -96,7 +96,7 @@ TEST_F(CaptureTest, ACaptureOfACaptureIsTheSame) {
   EXPECT_EQ(RunShell("diff -r --no-dereference " + Path("one") + " " + Path("two")).out, "");
 }
 
-TEST_F(CaptureTest, ATakenDirectoryStaysAsItIs) {
+TEST_F(CaptureTest, ANonEmptyDirectoryIsNotChanged) {
   fs::create_directory(Path("box"));
   directory_.Write("box/mine", "1");
   const RunResult result = RunPciinfo({"capture", Path("box")});
@@ -115,7 +115,7 @@ TEST_F(CaptureTest, AFailureLeavesNothing) {
 
 TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
   for (const std::string name : {"box.tar", "box"}) {
-    // A tool that goes on until nobody reads it any more.
+    // A tool that prints until the reader closes the pipe.
     const std::string tool = directory_.WriteScript("slow-tool",
                                                     "[ \"$1\" != --version ] || exit\n"
                                                     "while sleep 0.1; do echo x; done");
@@ -130,7 +130,7 @@ TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
   }
 }
 
-TEST_F(CaptureTest, WhatCannotBeReadIsToldAndListed) {
+TEST_F(CaptureTest, UnreadablePartsAreReportedAndListed) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user --mount bash -c 'mount --bind /dev/null /usr/bin/lspci; "
       "$PCIINFO capture " +
@@ -143,7 +143,7 @@ TEST_F(CaptureTest, WhatCannotBeReadIsToldAndListed) {
   EXPECT_EQ(manifest["unread"][0]["path"], "commands/lspci");
 }
 
-TEST_F(CaptureTest, AMachineWithoutPciIsNoFailure) {
+TEST_F(CaptureTest, AMachineWithoutPciIsNotAnError) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user --mount bash -c 'mount -t tmpfs none /proc/bus && "
       "mount -t tmpfs none /sys && $PCIINFO capture " +
@@ -153,7 +153,7 @@ TEST_F(CaptureTest, AMachineWithoutPciIsNoFailure) {
   EXPECT_FALSE(fs::exists(Path("box/commands")));
 }
 
-/// A machine with two slots, one function and serial numbers wherever there may be some.
+/// A machine with two slots, one function, and serial numbers in every field that can have one.
 std::vector<MadeEntry> TellingMachine() {
   vtq::SmBiosBytes board(11);
   board[7 - 4] = 1;
@@ -173,7 +173,7 @@ std::vector<MadeEntry> TellingMachine() {
           {"manifest.json", R"({"formatVersion": 1, "systemName": "SECRET-5.example.org"})"}};
 }
 
-TEST_F(CaptureTest, ARedactedOneHoldsTheSlotsAndNoSerialNumber) {
+TEST_F(CaptureTest, ARedactedCaptureHasSlotsAndNoSerialNumber) {
   MakeArchive(Path("box.tar"), TellingMachine());
   ASSERT_EQ(RunPciinfo({"--root", Path("box.tar"), "capture", "--redact", Path("safe.tar")}).status,
             0);

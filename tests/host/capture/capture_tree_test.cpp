@@ -27,7 +27,7 @@ class CaptureTreeTest : public testing::Test {
   CaptureTree tree_{directory_.GetPath()};
 };
 
-TEST_F(CaptureTreeTest, FilesComeWithTheirFolders) {
+TEST_F(CaptureTreeTest, FilesGetTheirDirectories) {
   WriteBytes(tree_.MakeFile("a/b/c"), std::string("1\0002", 3));
   tree_.MakeFile("top");
   EXPECT_EQ(Content("a/b/c"), std::string("1\0002", 3));
@@ -40,7 +40,7 @@ TEST_F(CaptureTreeTest, AFileIsReplaced) {
   EXPECT_EQ(Content("a"), "new");
 }
 
-TEST_F(CaptureTreeTest, AFolderThatIsThereStays) {
+TEST_F(CaptureTreeTest, AnExistingDirectoryStays) {
   WriteBytes(tree_.MakeFile("a/b"), "1");
   tree_.MakeFolder("a");
   tree_.MakeFolder("c/d");

@@ -62,13 +62,13 @@ TEST(CaptureWriter, FoldersHoldWhatWasWritten) {
   EXPECT_EQ(PartsOf(directory.GetPath()), kParts);
 }
 
-TEST(CaptureWriter, AFullDiskIsTold) {
+TEST(CaptureWriter, AFullDiskIsReported) {
   const vtq::FileDescriptor full(open("/dev/full", O_WRONLY));
   const auto writer = MakeArchiveWriter(full.Get(), Compression::kNone);
   EXPECT_THROW(WriteParts(*writer), std::runtime_error);
 }
 
-TEST(CaptureWriter, AClosedPipeIsToldAsSuch) {
+TEST(CaptureWriter, AClosedPipeIsReported) {
   std::signal(SIGPIPE, SIG_IGN);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

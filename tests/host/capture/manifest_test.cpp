@@ -19,7 +19,7 @@ std::string FailureOf(const std::string& json) {
   }
 }
 
-TEST(Manifest, WhatIsWrittenIsRead) {
+TEST(Manifest, RoundTripKeepsEverything) {
   const Manifest manifest{"box.example.org",
                           "6.1.0",
                           "2026-01-31T23:59:59Z",
@@ -37,7 +37,7 @@ TEST(Manifest, WhatIsWrittenIsRead) {
   EXPECT_EQ(read.unread[0].reason, "Permission denied");
 }
 
-TEST(Manifest, ThisMachinesIsComplete) {
+TEST(Manifest, TheManifestOfThisMachineIsComplete) {
   const auto json = nlohmann::json::parse(ManifestJson(DescribeThisMachine()));
   EXPECT_EQ(json["formatVersion"], 1);
   EXPECT_NE(json["systemName"], "");
@@ -55,7 +55,7 @@ TEST(Manifest, BytesThatAreNoUtf8AreWritten) {
   EXPECT_EQ(ParseManifest(ManifestJson(manifest)).unread[0].path, "a\xC3\xBF");
 }
 
-TEST(Manifest, OnlyTheVersionIsNeeded) {
+TEST(Manifest, OnlyTheVersionIsRequired) {
   const Manifest manifest = ParseManifest(R"({"formatVersion": 1, "new key": [1, 2]})");
   EXPECT_EQ(manifest.systemName, "");
   EXPECT_FALSE(manifest.redacted);
@@ -64,20 +64,20 @@ TEST(Manifest, OnlyTheVersionIsNeeded) {
 
 TEST(Manifest, AnotherVersionIsRefused) {
   EXPECT_EQ(FailureOf(R"({"formatVersion": 2})"),
-            "it is of format version 2, and this program knows version 1");
+            "its format version is 2, but this program reads only version 1");
 }
 
-TEST(Manifest, AVersionIsAWholeNumber) {
+TEST(Manifest, AVersionIsAnInteger) {
   for (const char* version : {"true", "1.0", "1.5", "1e30", "null", "[1]"}) {
     EXPECT_THAT(FailureOf(std::string(R"({"formatVersion": )") + version + "}"),
-                HasSubstr("its formatVersion is no whole number"))
+                HasSubstr("its formatVersion is not an integer"))
         << version;
   }
   EXPECT_THAT(FailureOf(R"({"formatVersion": 4294967297})"), HasSubstr("version 4294967297"));
   EXPECT_THAT(FailureOf(R"({"formatVersion": -1})"), HasSubstr("version -1"));
 }
 
-TEST(Manifest, NestingHasAnEnd) {
+TEST(Manifest, DeepNestingIsRefused) {
   const auto nested = [](const std::string& key, std::size_t depth) {
     return R"({"formatVersion": 1, ")" + key + "\": " + std::string(depth, '[') +
            std::string(depth, ']') + "}";
@@ -88,7 +88,7 @@ TEST(Manifest, NestingHasAnEnd) {
   EXPECT_EQ(FailureOf(nested("new key", 20)), "none");
 }
 
-TEST(Manifest, WhatIsNoManifestIsRefused) {
+TEST(Manifest, OtherTextsAreRefused) {
   for (const char* json :
        {"", "{", "[]", "1", "{}", R"({"formatVersion": "1"})", R"({"formatVersion": 1} x)",
         R"({"formatVersion": 1, "systemName": 5})", R"({"formatVersion": 1, "unread": [5]})",
@@ -98,7 +98,7 @@ TEST(Manifest, WhatIsNoManifestIsRefused) {
   EXPECT_THAT(FailureOf(std::string(500'000, '[')), HasSubstr("damaged"));
 }
 
-TEST(Manifest, ANameThatNoSystemCanHaveIsRefused) {
+TEST(Manifest, AnInvalidSystemNameIsRefused) {
   for (const char* name : {"a b", "a\\nb", "a\\u0000b", "\\u00e9"}) {
     EXPECT_THAT(FailureOf(std::string(R"({"formatVersion": 1, "systemName": ")") + name + R"("})"),
                 HasSubstr("systemName"))

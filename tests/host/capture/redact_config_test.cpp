@@ -19,7 +19,7 @@ std::string ConfigSpace(char serialByte) {
   return bytes;
 }
 
-/// As "lspci -xxxx" prints a function.
+/// Formats bytes like "lspci -xxxx" prints a function.
 std::string HexListing(const std::string& title, const std::string& bytes) {
   std::string text = title + "\n";
   for (std::size_t offset = 0; offset < bytes.size(); ++offset) {
@@ -56,14 +56,14 @@ TEST(RedactConfigSpace, LeavesShortSpacesAlone) {
   }
 }
 
-TEST(RedactConfigSpace, ANumberThatIsCutShortIsClearedAsFarAsItGoes) {
+TEST(RedactConfigSpace, ATruncatedNumberIsCleared) {
   for (std::size_t length = 0x140; length < 0x150; ++length) {
     EXPECT_EQ(RedactedSpace(ConfigSpace('\xAB').substr(0, length)),
               ConfigSpace('\0').substr(0, length));
   }
 }
 
-TEST(RedactConfigSpace, ACircleOfCapabilitiesEnds) {
+TEST(RedactConfigSpace, ACircularCapabilityListEnds) {
   std::string bytes = ConfigSpace('\xAB');
   PutWord(bytes, 0x140, 0x10010003);
   std::string expected = bytes;
@@ -106,7 +106,7 @@ TEST(RedactVerboseListing, BlanksVitalProductData) {
             "\t\t\t[YA] Asset tag: XXX");
 }
 
-TEST(RedactVerboseListing, LeavesAllElseAlone) {
+TEST(RedactVerboseListing, ChangesNothingElse) {
   const std::string listing =
       "00:02.0 VGA compatible controller: A (prog-if 00 [VGA controller])\n"
       "\tControl: I/O+ Mem+\n\n\tCapabilities: [40] Vital Product Data\n\t\t\t[SN]";

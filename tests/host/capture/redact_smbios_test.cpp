@@ -15,7 +15,7 @@ using vtq::SmBiosBytes;
 
 std::string Text(const SmBiosBytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
-/// The table after its redaction, with an entry point that fits it.
+/// Returns the redacted table; makes a matching entry point for it.
 std::string Redacted(const SmBiosBytes& table) {
   std::string text = Text(table);
   RedactSmBios(Text(MakeVersion3Entry(3, 2, table.size())), text);
@@ -42,7 +42,7 @@ TEST_P(RedactedString, IsBlankedAndNothingElse) {
   const auto [type, length, offset] = GetParam();
   EXPECT_EQ(Redacted(WithSecondStringAt(type, length, {offset}, "SN-12 34")),
             Text(WithSecondStringAt(type, length, {offset}, "XXXXXXXX")));
-  // The field of a structure of an earlier version, which does not have it.
+  // A structure of an earlier version that lacks the field.
   EXPECT_EQ(Redacted(WithSecondStringAt(type, offset, {}, "SN-12 34")),
             Text(WithSecondStringAt(type, offset, {}, "SN-12 34")));
 }
@@ -65,7 +65,7 @@ TEST(RedactSmBios, TheUuidIsCleared) {
   EXPECT_EQ(redacted.size(), 0x1BU + 2);
 }
 
-TEST(RedactSmBios, AUuidThatIsCutShortIsClearedAsFarAsItGoes) {
+TEST(RedactSmBios, ATruncatedUuidIsCleared) {
   const std::string redacted = Redacted(MakeStructure(1, SmBiosBytes(8, 0xAB), {"kept"}));
   EXPECT_EQ(redacted.substr(4), std::string("\xAB\xAB\xAB\xAB\0\0\0\0kept\0\0", 14));
 }
@@ -75,12 +75,12 @@ TEST(RedactSmBios, HostInterfacesAreCleared) {
   EXPECT_EQ(redacted.substr(4), std::string(22, '\0'));
 }
 
-TEST(RedactSmBios, OfOemStringsOnlyTheSlotsStay) {
+TEST(RedactSmBios, OemStringsAreBlankedExceptSlots) {
   EXPECT_EQ(Redacted(MakeStructure(11, {3}, {"tag", "$T9 SID:0x01", "$T"})),
             Text(MakeStructure(11, {3}, {"XXX", "$T9 SID:0x01", "XX"})));
 }
 
-TEST(RedactSmBios, VendorsStructuresKeepTheirShapeOnly) {
+TEST(RedactSmBios, VendorStructuresAreBlankedAndKeepTheirLengths) {
   for (const int type : {126, 128, 221, 255}) {
     EXPECT_EQ(Redacted(MakeStructure(type, {1, 2, 3}, {"abc", "d"})),
               Text(MakeStructure(type, {0, 0, 0}, {"XXX", "X"})))
@@ -107,7 +107,7 @@ TEST(RedactSmBios, WhatFollowsTheLastStructureIsCleared) {
   EXPECT_EQ(Redacted(table), Text(Joined({MakeStructure(127, {}), SmBiosBytes(6)})));
 }
 
-TEST(RedactSmBios, DamagedTablesAreNotFollowedOutOfBounds) {
+TEST(RedactSmBios, DamagedTablesAreNotReadOutOfBounds) {
   const SmBiosBytes whole = Joined({WithSecondStringAt(2, 15, {7, 8}, "SECRET"),
                                     WithSecondStringAt(4, 42, {0x20}, "SECRET"),
                                     MakeStructure(200, {1, 2, 3}, {"SECRET"})});

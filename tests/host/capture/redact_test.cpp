@@ -17,7 +17,7 @@ std::string VendorStructure(char byte, const std::string& text) {
   return std::string("\xC8\x05\x34\x12", 4) + byte + text + std::string(2, '\0');
 }
 
-/// A configuration space that is a serial number at 100 and nothing else.
+/// A configuration space with only a serial number, at 100.
 std::string ConfigSpace() {
   std::string bytes(0x110, '\x55');
   bytes.replace(0x100, 4, std::string("\x03\0\x01\0", 4));
@@ -31,7 +31,7 @@ std::string Redacted(const std::string& path, const std::string& content) {
   return part.content;
 }
 
-TEST(Redactor, ConfigurationSpacesAreRedactedWhereverTheyStand) {
+TEST(Redactor, AllConfigurationSpacesAreRedacted) {
   for (const char* path : {"proc/bus/pci/00/1f.2", "proc/bus/pci/10000:00/02.0",
                            "sys/bus/pci/devices/0000:00:1f.2/config"}) {
     EXPECT_NE(Redacted(path, ConfigSpace()), ConfigSpace()) << path;
@@ -47,7 +47,7 @@ TEST(Redactor, ListingsAreRedacted) {
   EXPECT_EQ(Redacted("commands/lspci", line), line);
 }
 
-TEST(Redactor, TheTableIsReadByTheEntryPointThatCameBefore) {
+TEST(Redactor, TheTableUsesTheEntryPointBeforeIt) {
   const std::string table = VendorStructure(1, "SECRET");
   Redactor redactor;
   CapturePart entry{kEntryPoint, Text(vtq::MakeVersion3Entry(3, 0, table.size())), ""};

@@ -106,7 +106,7 @@ TEST_F(DiffCommand, StandardInputMayBeJsonOrAnArchive) {
   EXPECT_EQ(archive.status, 0) << archive.err << archive.out;
   const RunResult nothing = RunShell("$PCIINFO diff - " + machine + " </dev/null");
   EXPECT_EQ(nothing.status, 2);
-  EXPECT_EQ(nothing.err, "pciinfo: -: there is nothing in standard input\n");
+  EXPECT_EQ(nothing.err, "pciinfo: -: standard input is empty\n");
 }
 
 TEST_F(DiffCommand, APartIsComparedInPart) {
@@ -115,7 +115,7 @@ TEST_F(DiffCommand, APartIsComparedInPart) {
       "part.json", RunFake("fixed", {"instances", "QZMSG_SystemSlot", "--format", "jsonl"}).out);
   const RunResult result = RunPciinfo({"diff", whole, part});
   EXPECT_EQ(result.status, 0) << result.out;
-  EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: " + part + ": it holds nothing of "),
+  EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: " + part + ": not comparing "),
                                 HasSubstr("QZMSG_PCIDevice"), Not(HasSubstr("SystemSlot"))));
   const std::string other = folder_.Write(
       "other.json", RunFake("fixed", {"instances", "QZMSG_SystemBoard", "--format", "json"}).out);
@@ -141,7 +141,7 @@ TEST_F(DiffCommand, HostileJsonIsRefusedByName) {
   }
 }
 
-TEST_F(DiffCommand, AFileThatIsNeitherIsRefusedByName) {
+TEST_F(DiffCommand, AFileThatIsNeitherCaptureNorJsonIsRefused) {
   const std::string machine = MachineFile("a.json");
   for (const char* content : {"", "no capture\n"}) {
     const std::string bad = folder_.Write("bad", content);
@@ -152,7 +152,7 @@ TEST_F(DiffCommand, AFileThatIsNeitherIsRefusedByName) {
   const RunResult missing = RunPciinfo({"diff", machine, "/nowhere/at.all"});
   EXPECT_EQ(missing.status, 2);
   EXPECT_EQ(missing.err,
-            "pciinfo: /nowhere/at.all: it cannot be opened: No such file or "
+            "pciinfo: cannot open /nowhere/at.all: No such file or "
             "directory\n");
 }
 
@@ -167,7 +167,7 @@ TEST_F(DiffCommand, WrongUsageSaysWhatToDo) {
   };
   EXPECT_THAT(error({"live", "live"}), HasSubstr("both sides are this machine"));
   EXPECT_THAT(error({"-", "-"}), HasSubstr("standard input"));
-  EXPECT_THAT(error({"", machine}), HasSubstr("no name"));
+  EXPECT_THAT(error({"", machine}), HasSubstr("name of a side is empty"));
   EXPECT_THAT(error({machine}), HasSubstr("B is required"));
   EXPECT_THAT(error({machine, machine, "--root", "x"}), HasSubstr("leave out --root"));
   EXPECT_THAT(error({machine, machine, "--log-file", "x"}), HasSubstr("--log-file"));
@@ -183,7 +183,7 @@ TEST_F(DiffCommand, ACrashOfAPluginIsContained) {
   const RunResult hung =
       RunFake("hostile_Hang_Init", {"diff", machine, "live", "--timeout", "0.5"});
   EXPECT_EQ(hung.status, 2);
-  EXPECT_THAT(hung.err, HasSubstr("pciinfo: live: it could not be collected"));
+  EXPECT_THAT(hung.err, HasSubstr("pciinfo: live: could not be collected"));
 }
 
 TEST_F(DiffCommand, AFullDiskIsTroubleAndAClosedPipeIsQuiet) {

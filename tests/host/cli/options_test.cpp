@@ -30,7 +30,7 @@ std::string Error(const std::vector<const char*>& arguments) {
   return answer != nullptr && answer->isError ? answer->text : "no error";
 }
 
-TEST(Options, NothingMeansTheOverview) {
+TEST(Options, WithoutArgumentsTheOverviewIsShown) {
   const Options options = Parsed({});
   EXPECT_EQ(options.command, Command::kOverview);
   EXPECT_EQ(options.format, "table");
@@ -72,14 +72,14 @@ TEST(Options, ColoursAndPagerAreForTheTerminalToDecide) {
   EXPECT_THAT(Error({"--color", "pink"}), HasSubstr("pink"));
 }
 
-TEST(Options, FiltersStandOnBothSides) {
+TEST(Options, FiltersMayPrecedeOrFollowTheCommand) {
   EXPECT_TRUE(Parsed({}).filter.IsEmpty());
   EXPECT_FALSE(Parsed({"--filter", "class=02", "slots"}).filter.IsEmpty());
   EXPECT_TRUE(Parsed({"devices", "--filter", "class=02", "--filter=slot=3"}).filter.NeedsSlots());
   EXPECT_THAT(Parsed({"instances", "--filter", "class=02", "A"}).classes, ElementsAre("A"));
 }
 
-TEST(Options, SenselessFiltersAreRefused) {
+TEST(Options, InvalidFiltersAreRefused) {
   EXPECT_THAT(Error({"--filter", "colour=red"}), HasSubstr("colour=red"));
   EXPECT_THAT(Error({"classes", "--filter", "class=02"}), HasSubstr("--filter"));
   EXPECT_THAT(Error({"capture", "x", "--filter", "class=02"}), HasSubstr("--filter"));
@@ -189,7 +189,7 @@ TEST(Options, LimitsAreTenMinutesUnlessGiven) {
   EXPECT_EQ(Parsed({"--memory-limit", "0"}).memoryLimit, 0U);
 }
 
-TEST(Options, SenselessLimitsAreRefused) {
+TEST(Options, InvalidLimitsAreRefused) {
   for (const char* time : {"0", "-1", "soon", "1e9"}) {
     EXPECT_THAT(Error({"--timeout", time}), HasSubstr("--timeout")) << time;
   }

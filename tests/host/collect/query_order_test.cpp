@@ -22,14 +22,14 @@ TEST(QueryOrder, NothingAskedForMeansAllClassesInTheirUsualOrder) {
   EXPECT_EQ(plan.collect, plan.print);
 }
 
-TEST(QueryOrder, AnAssociationAloneCollectsFirstWhatItJoins) {
+TEST(QueryOrder, AnAssociationCollectsTheClassesThatItJoinsFirst) {
   const QueryPlan plan = Plan({"QZMSG_DeviceInSlot"});
   EXPECT_THAT(plan.collect, ElementsAre("QZMSG_SystemSlot", "QZMSG_PCIDevice", "QZMSG_PCIBridge",
                                         "QZMSG_DeviceInSlot"));
   EXPECT_THAT(plan.print, ElementsAre("QZMSG_DeviceInSlot"));
 }
 
-TEST(QueryOrder, PrintingKeepsTheOrderAskedForEvenWhenCollectingCannot) {
+TEST(QueryOrder, PrintingKeepsTheRequestedOrder) {
   const QueryPlan plan = Plan({"QZMSG_OnBoardDevice", "QZMSG_PCIRawData", "QZMSG_PCIBridge"});
   EXPECT_THAT(plan.collect, ElementsAre("QZMSG_SystemBoard", "QZMSG_PCIDevice", "QZMSG_PCIBridge",
                                         "QZMSG_OnBoardDevice", "QZMSG_PCIRawData"));
@@ -58,7 +58,7 @@ TEST(QueryOrder, AssociationsDeclaredFirstStillComeAfterWhatTheyJoin) {
   EXPECT_THAT(PlanQuery(declared, {}).print, ElementsAre("Thing", "Link"));
 }
 
-TEST(QueryOrder, AnUnknownClassIsAnErrorThatListsTheServedOnes) {
+TEST(QueryOrder, AnUnknownClassIsAnErrorThatListsTheKnownOnes) {
   try {
     Plan({"QZMSG_PCIBridge", "QZMSG_pcidevice"});
     FAIL() << "no error";

@@ -27,7 +27,7 @@ class SessionTest : public testing::Test {
   TroubleReport report_{true, true};
 };
 
-TEST_F(SessionTest, CollectsWhatIsAskedForAndNothingElse) {
+TEST_F(SessionTest, CollectsOnlyTheRequestedClasses) {
   Session session(report_, {});
   session.Load(FakePluginFile("fixed"));
   session.Collect({"QZMSG_PCIDevice", "QZMSG_SystemSlot"});
@@ -90,7 +90,7 @@ TEST_F(SessionTest, AFailedCommandExplainsALostClass) {
   EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("no-such-listing-tool")));
 }
 
-TEST_F(SessionTest, BreachesOfTheContractAreAnswered) {
+TEST_F(SessionTest, ContractViolationsAreReturned) {
   Session session(report_, {});
   session.Load(FakePluginFile("untidy"));
   session.Collect({"QZMSG_SystemBoard"});

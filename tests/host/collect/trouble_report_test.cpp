@@ -29,20 +29,20 @@ TEST_F(TroubleReportTest, StartsWithoutTroubles) {
   EXPECT_THAT(report_.GetLines(), IsEmpty());
 }
 
-TEST_F(TroubleReportTest, ATroubleNamesTheClassThatMetItFirstAndIsToldOnce) {
+TEST_F(TroubleReportTest, ATroubleIsReportedOnceForItsFirstClass) {
   Collect("A", {"odd", "odd"});
   Collect("B", {"odd", "other"});
   EXPECT_THAT(report_.GetLines(), ElementsAre("A: odd", "B: other"));
   EXPECT_TRUE(report_.HasTroubles());
 }
 
-TEST_F(TroubleReportTest, TheSameSmbiosTroubleInTwoWordingsIsToldOnce) {
+TEST_F(TroubleReportTest, TheSameSmbiosTroubleInTwoWordingsIsReportedOnce) {
   Collect("A", {"Unable to open SMBIOS library error: 4"});
   Collect("B", {"SMBIOS library could not load. Error 4"});
   EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("A: this user may not read")));
 }
 
-TEST_F(TroubleReportTest, EveryLostClassIsToldEvenForTheSameReason) {
+TEST_F(TroubleReportTest, EveryLostClassIsReportedEvenForTheSameReason) {
   Collect("A", {kThrown});
   Collect("B", {kThrown});
   EXPECT_THAT(report_.GetLines(),
@@ -88,13 +88,13 @@ TEST_F(TroubleReportTest, RecordsOutsideOfACollectionAreNotJudged) {
   EXPECT_FALSE(report_.HasTroubles());
 }
 
-TEST_F(TroubleReportTest, AFailureOutsideOfACollectionStandsWithoutAClass) {
+TEST_F(TroubleReportTest, AFailureOutsideOfACollectionHasNoClass) {
   report_.AddFailure("x.pi.so: it failed");
   EXPECT_THAT(report_.GetLines(), ElementsAre("x.pi.so: it failed"));
   EXPECT_TRUE(report_.HasTroubles());
 }
 
-TEST(TroubleReport, SlotsAreNoMatterForWhoDoesNotShowThem) {
+TEST(TroubleReport, SlotTroublesAreDroppedIfSlotsDoNotMatter) {
   TroubleReport report(true, false);
   report.BeginClass("A");
   report.AddRecord(ILogger::kError, "Unable to open SMBIOS library error: 4");

@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"SMBIOS library could not load. Error 2x", Verdict::kTrouble, Subject::kSlots,
              "status 2x"}));
 
-TEST(Troubles, ProgressLinesAndFilesOfLongAgoMeanNothing) {
+TEST(Troubles, ProgressLinesAndOldKernelFilesMeanNothing) {
   for (const char* text :
        {"Exiting correlateDeviceAndSlot", "Could not open PCI description file."}) {
     const Finding finding = JudgeRecord(ILogger::kError, text, {});
@@ -86,7 +86,7 @@ TEST(Troubles, ProgressLinesAndFilesOfLongAgoMeanNothing) {
   }
 }
 
-TEST(Troubles, WhatACaptureLacksIsSaidOfTheCapture) {
+TEST(Troubles, ACaptureHasItsOwnWording) {
   const Circumstances capture{false, "", true};
   const Finding bus = Judge("Could not open PCI devices file.", capture);
   EXPECT_EQ(bus.verdict, Verdict::kNotice);
@@ -104,14 +104,14 @@ TEST(Troubles, AMachineWithoutAPciBusHasNoTroubleWithItsDeviceList) {
   EXPECT_THAT(finding.text, HasSubstr("shows no PCI bus"));
 }
 
-TEST(Troubles, AMachineWithoutAPciBusHasNothingForLspciToList) {
+TEST(Troubles, WithoutAPciBusAFailureOfLspciIsANotice) {
   const std::string thrown = "PCIInfo plugin threw unknown exception";
   EXPECT_EQ(Judge(thrown, {false, "lspci -vvv: exit status 1"}).verdict, Verdict::kNotice);
   EXPECT_EQ(Judge(thrown, {false, "something else"}).verdict, Verdict::kClassLost);
   EXPECT_EQ(Judge(thrown, {true, "lspci -vvv: exit status 1"}).verdict, Verdict::kClassLost);
 }
 
-TEST(Troubles, AMissingReasonIsSaidToBeMissing) {
+TEST(Troubles, WithoutAReasonTheMessageSaysSo) {
   EXPECT_THAT(Judge("PCIInfo plugin threw unknown exception").text,
               HasSubstr("no reason was given"));
 }
@@ -122,7 +122,7 @@ TEST(Troubles, BracesInRecordsAndReasonsAreOnlyText) {
               HasSubstr("{rest}{"));
 }
 
-TEST(Troubles, AnUnknownRecordIsATroubleInItsOwnWordsWithoutTheTabs) {
+TEST(Troubles, AnUnknownRecordIsATroubleWithItsTextWithoutTabs) {
   const Finding finding = Judge("Slot info\t\t\t\t generating. \tError Code: 1");
   EXPECT_EQ(finding.verdict, Verdict::kTrouble);
   EXPECT_EQ(finding.text, "Slot info  generating. Error Code: 1");

@@ -27,7 +27,7 @@ TEST(Columns, WithoutATerminalNothingIsCut) {
               ElementsAre("A" + std::string(501, ' ') + "B", text + "  " + text));
 }
 
-TEST(Columns, TheLongestColumnThatGivesIsCutFirst) {
+TEST(Columns, TheWidestShrinkingColumnIsCutFirst) {
   const std::string ten(10, 'a');
   const std::string twenty(20, 'b');
   const std::string thirty(30, 'c');
@@ -36,13 +36,13 @@ TEST(Columns, TheLongestColumnThatGivesIsCutFirst) {
   EXPECT_EQ(lines[1], ten + "  " + twenty + "  " + std::string(17, 'c') + "...");
 }
 
-TEST(Columns, ColumnsThatGiveDoSoAlike) {
+TEST(Columns, ShrinkingColumnsShrinkEqually) {
   const auto lines = FormatTable({{"A", true}, {"B", true}},
                                  {{std::string(99, 'a'), std::string(50, 'b')}}, OfWidth(42));
   EXPECT_EQ(lines[1], std::string(17, 'a') + "...  " + std::string(17, 'b') + "...");
 }
 
-TEST(Columns, OtherColumnsAreCutWhereNothingElseHelps) {
+TEST(Columns, OtherColumnsAreCutLast) {
   for (const std::size_t width : {40U, 30U, 20U}) {
     const auto lines = FormatTable({{"A"}, {"B", true}},
                                    {{std::string(90, 'a'), std::string(90, 'b')}}, OfWidth(width));
@@ -50,7 +50,7 @@ TEST(Columns, OtherColumnsAreCutWhereNothingElseHelps) {
   }
 }
 
-TEST(Columns, NoLineEndsInBlanks) {
+TEST(Columns, LinesHaveNoTrailingSpaces) {
   EXPECT_THAT(FormatTable({{"A"}, {"B"}}, {{"x", ""}, {"x", "y  "}}, {}),
               ElementsAre("A  B", "x", "x  y"));
 }
@@ -60,11 +60,11 @@ TEST(Columns, WideCharactersCountAsTwoColumns) {
               ElementsAre("A    B", "\xe6\x97\xa5   x", "abc  y"));
 }
 
-TEST(Columns, WithoutRowsOnlyTheHeadingsStand) {
+TEST(Columns, WithoutRowsThereAreOnlyHeadings) {
   EXPECT_THAT(FormatTable({{"A"}, {"B"}}, {}, {}), ElementsAre("A  B"));
 }
 
-TEST(Columns, ColoursTakeNoRoom) {
+TEST(Columns, ColoursHaveNoWidth) {
   Terminal terminal;
   terminal.colour = true;
   EXPECT_THAT(
@@ -79,7 +79,7 @@ TEST(Columns, ALineIsCutToTheTerminal) {
   EXPECT_EQ(FitLine(std::string(300, 'x'), {}), std::string(300, 'x'));
 }
 
-TEST(Columns, LinesAreWrittenWithTheirEnds) {
+TEST(Columns, LinesAreWrittenWithLineEnds) {
   OutputToText output;
   WriteLines(output.Get(), {"a", "", "b"});
   EXPECT_EQ(output.Text(), "a\n\nb\n");

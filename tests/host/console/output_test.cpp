@@ -33,7 +33,7 @@ TEST(Output, TextsOfAllSizesArriveInOrder) {
     expected += text;
     output.Get().Write(text);
   }
-  EXPECT_TRUE(output.Text() == expected);  // not EXPECT_EQ, which would show all of it
+  EXPECT_TRUE(output.Text() == expected);  // not EXPECT_EQ, which would print both long texts
 }
 
 TEST(Output, NothingIsWrittenBeforeTheFlushOfAShortText) {
@@ -49,7 +49,7 @@ TEST(Output, NothingIsWrittenBeforeTheFlushOfAShortText) {
   close(ends[1]);
 }
 
-TEST(Output, FullDiskIsAnErrorThatSaysSo) {
+TEST(Output, AFullDiskIsReported) {
   const int full = open("/dev/full", O_WRONLY);
   ASSERT_GE(full, 0);
   Output output(full);
@@ -63,14 +63,14 @@ TEST(Output, FullDiskIsAnErrorThatSaysSo) {
   close(full);
 }
 
-TEST(Output, FullDiskShowsBeforeTheEndOfALongText) {
+TEST(Output, AFullDiskIsReportedBeforeTheEndOfALongText) {
   const int full = open("/dev/full", O_WRONLY);
   Output output(full);
   EXPECT_THROW(output.Write(std::string(1 << 20, 'x')), OutputError);
   close(full);
 }
 
-TEST(Output, ClosedPipeIsItsOwnKindOfEnd) {
+TEST(Output, AClosedPipeThrowsClosedPipe) {
   std::signal(SIGPIPE, SIG_IGN);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

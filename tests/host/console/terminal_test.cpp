@@ -38,24 +38,22 @@ TEST(Terminal, ATerminalHasAllOfThem) {
   EXPECT_EQ(terminal.pager, "less");
 }
 
-TEST(Terminal, AWidthThatTheTerminalDoesNotSayComesFromTheEnvironment) {
+TEST(Terminal, TheWidthMayComeFromTheEnvironment) {
   EXPECT_EQ(MakeTerminal({true, 0}, With({{"COLUMNS", "66"}}), {}).width, 66U);
   EXPECT_EQ(MakeTerminal({true, 0}, With({{"COLUMNS", "wide"}}), {}).width, 80U);
   EXPECT_EQ(MakeTerminal({true, 0}, With({}), {}).width, 80U);
 }
 
-TEST(Terminal, NoLineIsCutToNothing) {
-  EXPECT_EQ(MakeTerminal({true, 3}, With({}), {}).width, 40U);
-}
+TEST(Terminal, TheWidthHasAMinimum) { EXPECT_EQ(MakeTerminal({true, 3}, With({}), {}).width, 40U); }
 
-TEST(Terminal, ColourCanBeRefused) {
+TEST(Terminal, ColourCanBeTurnedOff) {
   EXPECT_FALSE(OnTerminal({{"NO_COLOR", "1"}}).colour);
   EXPECT_TRUE(OnTerminal({{"NO_COLOR", ""}}).colour);
   EXPECT_FALSE(OnTerminal({{"TERM", "dumb"}}).colour);
   EXPECT_FALSE(OnTerminal({}, {"never", true}).colour);
 }
 
-TEST(Terminal, ColourCanBeWantedEverywhere) {
+TEST(Terminal, ColourCanBeForced) {
   EXPECT_TRUE(OnTerminal({{"NO_COLOR", "1"}}, {"always", true}).colour);
   EXPECT_TRUE(InPipe({}, {"always", true}).colour);
   EXPECT_FALSE(InPipe({}, {"always", true}).width.has_value());
@@ -75,14 +73,14 @@ TEST(Terminal, ThePagerCanBeChosen) {
   EXPECT_EQ(OnTerminal({{"PAGER", "more"}, {"PCIINFO_PAGER", "less -R"}}).pager, "less -R");
 }
 
-TEST(Terminal, ThereNeedBeNoPager) {
+TEST(Terminal, ThePagerCanBeTurnedOff) {
   EXPECT_FALSE(OnTerminal({{"PAGER", ""}}).pager.has_value());
   EXPECT_FALSE(OnTerminal({{"PAGER", "cat"}}).pager.has_value());
   EXPECT_FALSE(OnTerminal({{"PAGER", "more"}, {"PCIINFO_PAGER", "cat"}}).pager.has_value());
   EXPECT_FALSE(OnTerminal({}, {"auto", false}).pager.has_value());
 }
 
-TEST(Terminal, OnlyWhereItShowsColoursThereAreAny) {
+TEST(Terminal, TextIsColouredOnlyIfColoursAreOn) {
   EXPECT_EQ(Coloured("text", Colour::kGreen, {}), "text");
   Terminal terminal;
   terminal.colour = true;

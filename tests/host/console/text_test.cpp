@@ -5,7 +5,7 @@
 namespace pciinfo {
 namespace {
 
-TEST(Text, PrintableReplacesWhatATerminalWouldObey) {
+TEST(Text, PrintableReplacesControlCharacters) {
   EXPECT_EQ(Printable("a\x1b[31mb\nc\x7f"), "a?[31mb?c?");
   EXPECT_EQ(Printable(std::string_view("nul\0", 4)), "nul?");
   EXPECT_EQ(Printable("\xe2\x80\xae"
@@ -13,7 +13,7 @@ TEST(Text, PrintableReplacesWhatATerminalWouldObey) {
             "?fdp");
 }
 
-TEST(Text, PrintableShowsATabAsABlank) { EXPECT_EQ(Printable("\ta\tb"), " a b"); }
+TEST(Text, PrintableShowsATabAsASpace) { EXPECT_EQ(Printable("\ta\tb"), " a b"); }
 
 TEST(Text, PrintableReadsInvalidUtf8AsLatin1) {
   EXPECT_EQ(Printable("caf\xe9"), "caf\xc3\xa9");
@@ -27,8 +27,8 @@ TEST(Text, DisplayWidthCountsColumnsNotBytes) {
   EXPECT_EQ(DisplayWidth("\xe6\x97\xa5\xe6\x9c\xac"), 4U);  // two wide characters
 }
 
-// Texts of plain characters only are not looked at one by one; one other character makes them so.
-TEST(Text, EveryByteIsTheSameInPlainTexts) {
+// Plain texts take a fast path; one other character makes the text take the slow one.
+TEST(Text, PlainTextIsUnchanged) {
   const std::string other = "gr\xc3\xbcn";
   for (int byte = 0; byte < 0x80; ++byte) {
     const std::string text = std::string("a b") + static_cast<char>(byte) + "~ ";
@@ -60,7 +60,7 @@ TEST(Text, CutNeverSplitsACharacter) {
   EXPECT_EQ(Cut("\xe6\x97\xa5\xe6\x9c\xac\xe6\x97\xa5", 4), "...");
 }
 
-TEST(Text, TrimEndTakesBlanksFromTheEndOnly) {
+TEST(Text, TrimEndRemovesTrailingSpacesOnly) {
   EXPECT_EQ(TrimEnd(" a b  "), " a b");
   EXPECT_EQ(TrimEnd("   "), "");
 }

@@ -10,7 +10,7 @@ TEST(Utf8, ValidTextStaysAsItIs) {
   EXPECT_EQ(ToUtf8(text), text);
 }
 
-TEST(Utf8, InvalidTextIsTakenAsLatin1) {
+TEST(Utf8, InvalidTextIsReadAsLatin1) {
   EXPECT_EQ(ToUtf8("caf\xe9"), "caf\xc3\xa9");
   EXPECT_EQ(ToUtf8("\xff\x80"), "\xc3\xbf\xc2\x80");
 }

@@ -14,9 +14,9 @@
 
 namespace fake {
 
-/// A plug-in that serves the seven classes of one made-up machine: three devices, two bridges,
-/// three slots (the first holds a device), the board, their associations and two listings. It logs
-/// every step of its life at debug severity. Other plug-ins derive from it and misbehave.
+/// A plug-in that provides the seven classes of an invented machine: three devices, two bridges,
+/// three slots (a device is in the first), the board, their associations and two listings. It logs
+/// every call at debug severity. Other plug-ins derive from it and misbehave.
 class FakePlugin : public NQZMVTQ20::IPluginCallbacks,
                    public NQZMVTQ20::IPluginBasicQueryCallbacks {
  public:
@@ -31,13 +31,13 @@ class FakePlugin : public NQZMVTQ20::IPluginCallbacks,
                std::vector<std::shared_ptr<NQZMVTQ20::ICIMClass>>& classes) override;
 
  protected:
-  /// Makes the instances of one class.
+  /// Creates the instances of one class.
   virtual void Serve(NQZMVTQ20::ICIMClass& cimClass);
 };
 
 void Log(int severity, const std::string& text);
 
-/// Gives a plug-in to the plug-in manager, if there is one.
+/// Registers a plug-in with the plug-in manager, if there is one.
 bool Register(FakePlugin* plugin);
 
 }  // namespace fake

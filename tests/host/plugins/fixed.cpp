@@ -1,4 +1,4 @@
-// A plug-in that does everything right.
+// A plug-in without errors.
 #include "tests/host/plugins/fake_plugin.h"
 
 FAKE_PLUGIN(fake::FakePlugin)

@@ -64,7 +64,7 @@ Properties FunctionProperties(const std::string& className, const Function& func
   return properties;
 }
 
-// Not in the order of the addresses.
+// Not in the order of their addresses.
 constexpr Function kDevices[] = {
     {"PCI Bus  1, device   0, function  0", 0x10de, 0x1b80, 0xa1, 3,
      "VGA compatible controller: NVIDIA Corporation GP104", 1},
@@ -128,7 +128,8 @@ Instances Held(ICIMClass& cimClass, const char* name) {
   return instances;
 }
 
-/// Joins the first instance of `antecedent` with the held functions that have a slot, or have none.
+/// Associates the first instance of `antecedent` with the committed functions that have a slot, or
+/// that have none.
 void MakeAssociations(ICIMClass& cimClass, const char* antecedent, bool inSlot) {
   const Instances first = Held(cimClass, antecedent);
   if (first.empty()) return;

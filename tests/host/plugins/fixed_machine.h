@@ -4,7 +4,8 @@
 
 namespace fake {
 
-/// Commits what the made-up machine has of one of the seven classes; nothing for other classes.
+/// Commits the instances of the invented machine for one of the seven classes; none for other
+/// classes.
 void MakeFixedInstances(NQZMVTQ20::ICIMClass& cimClass);
 
 }  // namespace fake

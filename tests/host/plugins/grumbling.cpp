@@ -1,4 +1,4 @@
-// A plug-in that serves everything and logs what goes wrong on bad machines.
+// A plug-in that provides all classes and logs the records of a machine with many troubles.
 #include "framework/exception.h"
 #include "framework/os_specific.h"
 #include "tests/host/plugins/fake_plugin.h"

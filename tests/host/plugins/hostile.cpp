@@ -1,5 +1,5 @@
-// A plug-in that serves everything, except that at one point of its life it does what the build
-// says: HOSTILE_ACT, where HOSTILE_PLACE (Init, DeInit, or a class to serve) says.
+// A plug-in that provides all classes and misbehaves at one point. The build sets the act
+// (HOSTILE_ACT) and the point (HOSTILE_PLACE: Init, DeInit, or a class).
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -26,16 +26,16 @@ namespace act {
   while (true) pause();
 }
 
-// An optimizer may leave out memory that nobody sees.
+// Prevents an optimizer from removing an allocation that is not used.
 [[maybe_unused]] char* volatile seen = nullptr;
 
-/// Takes all memory that there is and keeps it.
+/// Allocates until memory is exhausted and frees nothing.
 [[maybe_unused]] void Flood() {
   constexpr std::size_t kPiece = 4U << 20U;
   while (true) seen = new char[kPiece];
 }
 
-/// The same, but by its own means and without a word.
+/// The same by system calls, without an exception.
 [[maybe_unused]] void Hoard() {
   constexpr std::size_t kPiece = 4U << 20U;
   constexpr int kFlags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
@@ -43,7 +43,7 @@ namespace act {
   }
 }
 
-/// Leaves a process behind that has left its group and its session, and that holds all files open.
+/// Leaves a process behind that has left its process group and session and keeps all files open.
 [[maybe_unused]] void LeaveProcess() {
   const pid_t child = fork();
   if (child != 0) return fake::Log(3, "left behind: " + std::to_string(child));
@@ -64,7 +64,7 @@ namespace act {
   fake::Log(3, "wrote into: " + std::filesystem::current_path().string());
 }
 
-/// Text that stays in the buffer of standard output until the program ends.
+/// Text that stays in the buffer of stdout until the program exits.
 [[maybe_unused]] void PrintToStdout() { std::fputs("unasked", stdout); }
 
 }  // namespace act

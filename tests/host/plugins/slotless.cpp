@@ -1,4 +1,4 @@
-// A plug-in on a machine without SMBIOS tables: no slots, and nothing wrong with that.
+// A plug-in on a machine without SMBIOS tables: no slots, which is not an error.
 #include "tests/host/plugins/fake_plugin.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// A plug-in whose queries for two classes end by exceptions, one of them of a type of its own.
+// A plug-in that throws for two classes; one of the exceptions has its own type.
 #include <stdexcept>
 
 #include "tests/host/plugins/fake_plugin.h"

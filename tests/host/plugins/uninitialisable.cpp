@@ -1,4 +1,4 @@
-// A plug-in that cannot be initialised, and says so with an exception type of its own.
+// A plug-in whose Init throws an exception of its own type.
 #include <exception>
 
 #include "tests/host/plugins/fake_plugin.h"

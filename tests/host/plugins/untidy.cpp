@@ -1,4 +1,4 @@
-// A plug-in that keeps an instance which it never commits.
+// A plug-in that keeps an instance without committing it.
 #include "tests/host/plugins/fake_plugin.h"
 
 namespace {

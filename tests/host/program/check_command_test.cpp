@@ -1,4 +1,4 @@
-// `pciinfo check` from outside, with the real plug-in on machines that the tests make.
+// Runs `pciinfo check` with the real plug-in on machines that the tests make.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -50,7 +50,7 @@ class CheckCommand : public testing::Test {
   vtq::TemporaryDirectory capture_;
 };
 
-TEST_F(CheckCommand, NotesAreNoFailure) {
+TEST_F(CheckCommand, NotesAreNotErrors) {
   const RunResult result = Check();
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(result.out, AllOf(HasSubstr("note: slot-tables-missing\n"),
@@ -58,7 +58,7 @@ TEST_F(CheckCommand, NotesAreNoFailure) {
   EXPECT_THAT(Codes(), testing::ElementsAre("slot-tables-missing"));
 }
 
-TEST_F(CheckCommand, ADoubtIsAFailure) {
+TEST_F(CheckCommand, AnErrorChangesTheExitStatus) {
   Write("sys/bus/pci/devices/0001:07:00.0/vendor", "0x8086\n");
   const RunResult result = Check();
   EXPECT_EQ(result.status, 1);
@@ -66,7 +66,7 @@ TEST_F(CheckCommand, ADoubtIsAFailure) {
   EXPECT_THAT(result.out, HasSubstr("    0001:07:00.0\n"));
 }
 
-TEST_F(CheckCommand, WhatLspciDoesNotNameIsFound) {
+TEST_F(CheckCommand, FunctionsWithoutALspciNameAreFound) {
   Write("commands/lspci", "04:00.0 Something else\n");
   EXPECT_THAT(Codes(), testing::ElementsAre("description-missing", "slot-tables-missing"));
 }

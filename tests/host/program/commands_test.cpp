@@ -1,4 +1,4 @@
-// The program from outside, on plug-ins with known answers.
+// Runs the program on plug-ins with known instances.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ std::vector<std::string> ClassesIn(const std::string& text) {
   return classes;
 }
 
-/// A file name in the folder for temporary files; the file is removed at the end.
+/// A file name in the directory for temporary files; the destructor removes the file.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& name) : path_(testing::TempDir() + name) {}
@@ -74,7 +74,7 @@ TEST(Program, TheOverviewSaysWhatIsMissing) {
   EXPECT_THAT(LinesOf(result.err), Contains("pciinfo: " + why));
 }
 
-TEST(Program, ShowFindsOneThingOrSaysWhatToTry) {
+TEST(Program, ShowFindsAnObjectOrSaysWhatToTry) {
   EXPECT_EQ(RunFake("fixed", {"show", "01:00.0"}).status, 0);
   const RunResult missing = RunFake("fixed", {"show", "Slot 99"});
   EXPECT_EQ(missing.status, 1);
@@ -86,7 +86,7 @@ TEST(Program, ShowFindsOneThingOrSaysWhatToTry) {
   EXPECT_EQ(RunFake("fixed", {"show", "/root/cimv2:Nothing.x=1"}).status, 2);
 }
 
-TEST(Program, FiltersGoWithEveryView) {
+TEST(Program, EveryViewHasFilters) {
   const auto lines = [](std::vector<std::string> words) {
     words.insert(words.end(), {"--filter", "class=03,slot=tag 1"});
     return LinesOf(RunFake("fixed", words).out);
@@ -100,7 +100,7 @@ TEST(Program, FiltersGoWithEveryView) {
   EXPECT_TRUE(lines({"show", "00:00.0"}).empty());
 }
 
-TEST(Program, ColoursInAPipeHaveToBeAskedFor) {
+TEST(Program, ColoursInAPipeMustBeRequested) {
   EXPECT_THAT(RunFake("fixed", {"tree"}).out, Not(HasSubstr("\x1B")));
   EXPECT_THAT(RunFake("fixed", {"tree", "--color", "always"}).out, HasSubstr("\x1B[36m"));
 }
@@ -115,7 +115,7 @@ TEST(Program, InstancesWithoutNamesAreAllClasses) {
                   "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice", "QZMSG_PCIRawData"));
 }
 
-TEST(Program, AnAssociationAloneIsCompleteAndPrintedAlone) {
+TEST(Program, AnAssociationIsCompleteWithoutPrintingOtherClasses) {
   const RunResult result =
       RunFake("fixed", {"instances", "QZMSG_OnBoardDevice", "--format", "json"});
   EXPECT_EQ(result.status, 0);
@@ -123,14 +123,14 @@ TEST(Program, AnAssociationAloneIsCompleteAndPrintedAlone) {
   EXPECT_EQ(json::parse(result.out)["instances"].size(), 4U);
 }
 
-TEST(Program, ClassesArePrintedInTheOrderAskedForAndOnce) {
+TEST(Program, ClassesArePrintedOnceInTheRequestedOrder) {
   const RunResult result = RunFake("fixed", {"instances", "QZMSG_DeviceInSlot", "QZMSG_SystemSlot",
                                              "QZMSG_DeviceInSlot", "--format", "json"});
   EXPECT_THAT(ClassesIn(result.out), ElementsAre("QZMSG_DeviceInSlot", "QZMSG_SystemSlot"));
   EXPECT_EQ(json::parse(result.out)["instances"].size(), 4U);
 }
 
-TEST(Program, JsonLinesAreObjectsOfTheirOwn) {
+TEST(Program, EachJsonLineIsAnObject) {
   const RunResult result = RunFake("fixed", {"instances", "QZMSG_PCIBridge", "--format", "jsonl"});
   ASSERT_EQ(LinesOf(result.out).size(), 2U);
   for (const std::string& line : LinesOf(result.out)) {
@@ -183,7 +183,7 @@ TEST(Program, TheSchemaNeedsNoPluginAndCollectsNothing) {
   EXPECT_TRUE(json::parse(schema.out).contains("$defs"));
 }
 
-TEST(Program, AnUnknownClassIsWrongUsageAndListsTheServedOnes) {
+TEST(Program, AnUnknownClassIsWrongUsageAndListsTheKnownOnes) {
   const RunResult result = RunFake("fixed", {"instances", "QZMSG_Nothing"});
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out, "");
@@ -207,14 +207,14 @@ TEST(Program, HelpAndVersionGoToStandardOutput) {
   EXPECT_THAT(RunPciinfo({"--help"}).out, HasSubstr("Exit status"));
 }
 
-TEST(Program, AMissingPluginIsSaidToBeMissing) {
+TEST(Program, AMissingPluginIsReported) {
   const RunResult result = RunPciinfo({"--plugin", "/nowhere/none.pi.so"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.out, "");
   EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: "), HasSubstr("/nowhere/none.pi.so")));
 }
 
-TEST(Program, AFileThatIsNoPluginIsRefused) {
+TEST(Program, AFileThatIsNotAPluginIsRefused) {
   const TemporaryFile broken("broken.pi.so");
   std::ofstream(broken.Path()) << "this is no library\n";
   const RunResult result = RunPciinfo({"--plugin", broken.Path()});
@@ -224,13 +224,13 @@ TEST(Program, AFileThatIsNoPluginIsRefused) {
   EXPECT_THAT(RunFake("no_plugin", {}).err, HasSubstr("no_plugin.pi.so"));
 }
 
-TEST(Program, APluginThatCannotBeInitialisedIsSaidToBeSo) {
+TEST(Program, AFailedInitialisationIsReported) {
   const RunResult result = RunFake("uninitialisable", {});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, AllOf(HasSubstr("uninitialisable.pi.so"), HasSubstr("no fuel")));
 }
 
-TEST(Program, AnExceptionLosesItsClassOnly) {
+TEST(Program, AnExceptionLosesOnlyItsClass) {
   const RunResult result = RunFake("throwing", {"instances", "--format", "json"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.err),
@@ -240,7 +240,7 @@ TEST(Program, AnExceptionLosesItsClassOnly) {
                                                  "QZMSG_DeviceInSlot", "QZMSG_PCIRawData"));
 }
 
-TEST(Program, TroublesAreToldOnceAtTheEndAndNothingElseIs) {
+TEST(Program, TroublesAreReportedOnceAtTheEnd) {
   const RunResult result = RunFake("grumbling", {"instances"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.err),
@@ -253,14 +253,14 @@ TEST(Program, TroublesAreToldOnceAtTheEndAndNothingElseIs) {
                                 HasSubstr("no-such-listing-tool"))));
 }
 
-TEST(Program, TheListOfFunctionsDoesNotMindUnknownSlots) {
+TEST(Program, TheListOfFunctionsIgnoresUnknownSlots) {
   EXPECT_THAT(LinesOf(RunFake("grumbling", {"devices"}).err),
               ElementsAre(EndsWith("/proc/bus/pci/00/1e.0 could not be opened; this function is "
                                    "missing")));
   EXPECT_EQ(RunFake("slotless", {"devices"}).err, "");
 }
 
-TEST(Program, AMachineWithoutSmbiosTablesIsNoFailure) {
+TEST(Program, AMachineWithoutSmbiosTablesIsNotAnError) {
   const RunResult result = RunFake("slotless", {"slots"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(LinesOf(result.err),
@@ -300,7 +300,7 @@ TEST(Program, ALogFileThatCannotBeOpenedIsAnError) {
   EXPECT_THAT(result.err, HasSubstr("/nowhere/log"));
 }
 
-TEST(Program, BreachesOfTheContractAreWarningsOnly) {
+TEST(Program, ContractViolationsAreOnlyWarnings) {
   const RunResult result = RunFake("untidy", {"instances", "QZMSG_SystemBoard"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.err, StartsWith("pciinfo: warning: "));
@@ -318,7 +318,7 @@ TEST(Program, AFullDiskIsReported) {
   EXPECT_EQ(RunShell("$PCIINFO --help >/dev/full").status, 1);
 }
 
-TEST(Program, AStandardOutputThatIsClosedIsReported) {
+TEST(Program, AClosedStandardOutputIsReported) {
   const RunResult result = RunShell("$PCIINFO --plugin ${PLUGINS}fixed.pi.so >&-");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, StartsWith("pciinfo: cannot write the output: "));

@@ -30,7 +30,7 @@ std::vector<std::string> FunctionsOfLspci() {
   return functions;
 }
 
-/// The same for what pciinfo lists, in its order.
+/// The same for the functions that pciinfo lists, in its order.
 std::vector<std::string> FunctionsOfPciinfo(const std::string& out) {
   std::vector<std::string> functions;
   for (const std::string& line : LinesOf(out)) {
@@ -76,7 +76,7 @@ TEST(RealPlugin, RawDataIsTheOutputOfLspci) {
             LinesOf(RunProgram("/usr/bin/lspci", {"-xxxx"}).out).size());
 }
 
-TEST(RealPlugin, FormatsHoldTheSame) {
+TEST(RealPlugin, AllFormatsHaveTheSameContent) {
   const std::string text = RunPciinfo({"instances", "--format", "json"}).out;
   const auto repository = MakeEmptyRepository();
   pciinfo::ReadInstances(text, *repository);
@@ -86,13 +86,13 @@ TEST(RealPlugin, FormatsHoldTheSame) {
   EXPECT_EQ(xml.ToJson(), AsXmlCarries(json::parse(text)));
 }
 
-TEST(RealPlugin, NoContractIsBroken) {
+TEST(RealPlugin, ThePluginDoesNotViolateTheContract) {
   const RunResult result = RunPciinfo({"instances", "--format", "jsonl"});
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(result.err, testing::Not(HasSubstr("warning")));
 }
 
-TEST(RealPlugin, ClassesNamesIt) {
+TEST(RealPlugin, ClassesListsThePlugin) {
   EXPECT_THAT(RunPciinfo({"classes"}).out, HasSubstr("PCI Information Collector"));
 }
 

@@ -1,5 +1,5 @@
-// The program with its own plug-in on this machine while parts of the machine are hidden from it,
-// in a mount namespace of its own.
+// The program with its own plug-in on this machine, while a mount namespace hides parts of the
+// machine.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// Runs a command line of the shell after another one that changes the mounts.
+/// Runs the shell command `change`, which changes the mounts, and then another one.
 RunResult RunHidden(const std::string& change, const std::string& commandLine) {
   return RunShell("unshare --user --map-root-user --mount /bin/bash -c '" + change + " && " +
                   commandLine + "'");
@@ -38,7 +38,7 @@ class Surroundings : public testing::Test {
   }
 };
 
-TEST_F(Surroundings, WithoutLspciTheFunctionsAreListedAndTheReasonIsTold) {
+TEST_F(Surroundings, WithoutLspciFunctionsAreListedAndTheReasonIsReported) {
   const RunResult result = RunHidden(kWithoutLspci, "$PCIINFO devices");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("PCI Vendor ID ")));
@@ -46,7 +46,7 @@ TEST_F(Surroundings, WithoutLspciTheFunctionsAreListedAndTheReasonIsTold) {
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: lspci gave no descriptions: ")));
 }
 
-TEST_F(Surroundings, WithoutLspciTheRawDataIsLostForAReason) {
+TEST_F(Surroundings, WithoutLspciTheLossOfRawDataIsReported) {
   const RunResult result =
       RunHidden(kWithoutLspci, "$PCIINFO instances QZMSG_PCIRawData --format jsonl");
   EXPECT_EQ(result.status, 1);
@@ -57,7 +57,7 @@ TEST_F(Surroundings, WithoutLspciTheRawDataIsLostForAReason) {
                   HasSubstr("lspci -xxxx"))));
 }
 
-TEST_F(Surroundings, WithoutAPciBusNothingIsWrong) {
+TEST_F(Surroundings, AMachineWithoutAPciBusIsNotAnError) {
   const RunResult inventory = RunHidden(kWithoutPciBus, "$PCIINFO devices");
   EXPECT_EQ(inventory.status, 0) << inventory.err;
   EXPECT_EQ(LinesOf(inventory.out).size(), 1U);
@@ -65,7 +65,7 @@ TEST_F(Surroundings, WithoutAPciBusNothingIsWrong) {
               ElementsAre(StartsWith("pciinfo: this machine shows no PCI bus")));
 }
 
-TEST_F(Surroundings, WithoutAPciBusTheBoardIsStillThere) {
+TEST_F(Surroundings, WithoutAPciBusTheBoardIsListed) {
   const RunResult result = RunHidden(kWithoutPciBus, "$PCIINFO instances --format jsonl");
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(LinesOf(result.out), Contains(HasSubstr("SystemBoard1")));
@@ -83,14 +83,14 @@ TEST_F(Surroundings, AnUnreadableFunctionIsNamedAndTheOthersAreListed) {
               ElementsAre(EndsWith(file + " could not be read; this function is missing")));
 }
 
-// A tool in the place of lspci, as a script.
+// Replaces lspci by a script.
 std::string WithTool(const std::string& script) {
   return "printf \"#!/bin/sh\\n" + script +
          "\\n\" >/tmp/$$.tool && chmod 755 /tmp/$$.tool && "
          "mount --bind /tmp/$$.tool /usr/bin/lspci && rm /tmp/$$.tool";
 }
 
-/// The calls of lspci that a run of the program makes after `change`, a line a call.
+/// Returns the calls of lspci in a run of the program after `change`, one line per call.
 std::string RunsOfTheTool(const std::string& change, const std::string& words) {
   return RunHidden(
              "touch /tmp/$$.runs && " + WithTool("echo ran \\$* >>/tmp/$$.runs") + " && " + change,
@@ -112,7 +112,7 @@ TEST_F(Surroundings, TheListingIsNotMadeForWrongUsageOrAnEmptyMachine) {
   EXPECT_EQ(RunsOfTheTool(kWithoutPciBus, "devices"), "");
 }
 
-TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
+TEST_F(Surroundings, AToolThatHangsIsKilled) {
   const RunResult result = RunHidden(
       WithTool("sleep 987654; true"),
       "$PCIINFO instances --format jsonl --timeout 6; echo $?; pgrep -fx \"sleep 987654\"");
@@ -121,7 +121,7 @@ TEST_F(Surroundings, AToolThatHangsIsStoppedAndNotLeftBehind) {
   EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after "));
 }
 
-TEST_F(Surroundings, AToolThatDiesTellsNothing) {
+TEST_F(Surroundings, OutputOfAToolThatDiesIsDropped) {
   const RunResult result =
       RunHidden(WithTool("echo 00:00.0 Host bridge: half; kill -9 \\$\\$"), "$PCIINFO devices");
   EXPECT_EQ(result.status, 1);
@@ -170,7 +170,7 @@ TEST_F(Surroundings, OneProcessDoesEverythingWhereThatIsWanted) {
 
 // A sanitizer has limits of its own.
 #ifndef PCIINFO_SANITIZED
-TEST_F(Surroundings, AToolThatPrintsWithoutEndLosesItsClassOnly) {
+TEST_F(Surroundings, EndlessOutputOfAToolLosesOnlyItsClass) {
   const RunResult result = RunHidden(
       WithTool("exec cat /dev/zero"),
       "$PCIINFO instances QZMSG_PCIRawData QZMSG_SystemBoard --format jsonl --memory-limit 300");

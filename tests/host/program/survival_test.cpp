@@ -1,4 +1,5 @@
-// The program outlives plug-ins that do harm, and leaves nothing behind.
+// The program survives plug-ins that crash, hang, flood or exit, and leaves no processes or files
+// behind.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,7 +36,7 @@ std::vector<std::string> ClassesIn(const std::string& out) {
   return classes;
 }
 
-// The class that does harm is the third; the associations join what the others gave.
+// The misbehaving class is the third; the associations join instances of the other classes.
 const auto kAllButSlots = ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemBoard",
                                       "QZMSG_OnBoardDevice", "QZMSG_PCIRawData");
 const auto kAll =
@@ -44,7 +45,7 @@ const auto kAll =
 
 class Survival : public testing::Test {
  protected:
-  /// Runs all classes of a plug-in that does harm; every log record goes to Log().
+  /// Collects all classes of a misbehaving plug-in; every log record goes to Log().
   RunResult Run(const std::string& harm, std::vector<std::string> options = {}) {
     options.insert(options.begin(), {"instances", "--format", "jsonl", "--log-file", LogFile()});
     return RunFake("hostile_" + harm, options);
@@ -58,7 +59,7 @@ class Survival : public testing::Test {
     return log.find(text) != std::string::npos;
   }
 
-  /// How often the plug-in was asked for a class.
+  /// Returns how often the plug-in was asked for a class.
   int CountQueries(const std::string& className) const {
     std::ifstream stream(LogFile());
     int count = 0;
@@ -68,7 +69,7 @@ class Survival : public testing::Test {
     return count;
   }
 
-  /// What follows `beginning` in the log.
+  /// Returns the text after `beginning` in the log.
   std::string Logged(const std::string& beginning) const {
     std::ifstream stream(LogFile());
     for (std::string line; std::getline(stream, line);) {
@@ -78,7 +79,7 @@ class Survival : public testing::Test {
     return "";
   }
 
-  /// Whether the process that a plug-in left behind is there.
+  /// Whether the process that the plug-in started still exists.
   bool IsProcessThere() const {
     const std::string number = Logged("left behind: ");
     EXPECT_NE(number, "");
@@ -88,7 +89,7 @@ class Survival : public testing::Test {
   vtq::TemporaryDirectory directory_;
 };
 
-TEST_F(Survival, AClassWhoseCollectionDiesIsNamedAndTheOthersArePrinted) {
+TEST_F(Survival, ACrashLosesOnlyItsClass) {
   const RunResult result = Run("Abort_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -117,7 +118,7 @@ TEST_F(Survival, EachClassThatDiesCostsOneMoreAttempt) {
                           "pciinfo: QZMSG_OnBoardDevice: the plug-in died by signal 6 (Aborted)"));
 }
 
-TEST_F(Survival, TheLastClassMayUseUpAllTimeAndLosesItselfOnly) {
+TEST_F(Survival, ATimeoutInTheLastClassLosesOnlyThatClass) {
   const RunResult result = Run("Hang_QZMSG_PCIRawData", {"--timeout", "2"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out),
@@ -127,7 +128,7 @@ TEST_F(Survival, TheLastClassMayUseUpAllTimeAndLosesItselfOnly) {
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIRawData: the plug-in was stopped after ")));
 }
 
-TEST_F(Survival, APluginThatEndsTheProgramLosesItsClassOnly) {
+TEST_F(Survival, APluginThatExitsLosesOnlyItsClass) {
   const RunResult result = Run("Exit_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -135,7 +136,7 @@ TEST_F(Survival, APluginThatEndsTheProgramLosesItsClassOnly) {
                                                "program, with exit status 0"));
 }
 
-TEST_F(Survival, AClassThatHangsIsStoppedInTime) {
+TEST_F(Survival, AClassThatHangsIsStopped) {
   const auto start = steady_clock::now();
   const RunResult result = Run("Hang_QZMSG_SystemSlot", {"--timeout", "4"});
   EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(60));
@@ -147,7 +148,7 @@ TEST_F(Survival, AClassThatHangsIsStoppedInTime) {
                         HasSubstr(" seconds (--timeout bounds the whole run to 4)"))));
 }
 
-TEST_F(Survival, APluginThatCannotBeLoadedAliveIsAnError) {
+TEST_F(Survival, APluginThatCrashesWhileLoadingIsAnError) {
   const RunResult died = Run("Abort_Init");
   EXPECT_EQ(died.status, 1);
   EXPECT_EQ(died.out, "");
@@ -159,7 +160,7 @@ TEST_F(Survival, APluginThatCannotBeLoadedAliveIsAnError) {
             "bounds the whole run to 1)\n");
 }
 
-TEST_F(Survival, APluginThatDiesAtItsEndIsReportedAfterTheOutput) {
+TEST_F(Survival, ACrashAtTheEndIsReportedAfterTheOutput) {
   const RunResult died = Run("Abort_DeInit");
   EXPECT_EQ(died.status, 1);
   EXPECT_THAT(ClassesIn(died.out), kAll);
@@ -178,9 +179,9 @@ TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
   EXPECT_EQ(result.err, "pciinfo: ending the plug-ins: the process was stopped after 10 seconds\n");
 }
 
-// A sanitizer has allocators and limits of its own.
+// Sanitizers have their own allocators and limits.
 #ifndef PCIINFO_SANITIZED
-TEST_F(Survival, AClassThatFloodsTheMemoryLeavesItToTheOthers) {
+TEST_F(Survival, ExhaustedMemoryLosesOnlyItsClass) {
   const RunResult result = Run("Flood_QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -189,7 +190,7 @@ TEST_F(Survival, AClassThatFloodsTheMemoryLeavesItToTheOthers) {
                           "(--memory-limit)"));
 }
 
-TEST_F(Survival, AClassThatQuietlyTakesAllMemoryIsNoticed) {
+TEST_F(Survival, SilentlyExhaustedMemoryIsReported) {
   const RunResult result = Run("Hoard_QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -211,14 +212,14 @@ TEST_F(Survival, AProcessThatADyingPluginLeavesBehindIsEnded) {
   EXPECT_FALSE(IsProcessThere());
 }
 
-TEST_F(Survival, APluginThatClosesEverythingLosesItsClassOnly) {
+TEST_F(Survival, APluginThatClosesAllFilesLosesOnlyItsClass) {
   const RunResult result = Run("CloseFiles_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(result.err, StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in "));
 }
 
-TEST_F(Survival, WhatAPluginWritesWhereItStandsIsNotLeftBehind) {
+TEST_F(Survival, FilesInTheWorkingDirectoryAreRemoved) {
   const RunResult result = Run("WriteFile_QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
   const std::string folder = Logged("wrote into: ");
@@ -226,7 +227,7 @@ TEST_F(Survival, WhatAPluginWritesWhereItStandsIsNotLeftBehind) {
   EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST_F(Survival, WhatAPluginPrintsComesOnce) {
+TEST_F(Survival, OutputOfAPluginAppearsOnce) {
   const RunResult result = Run("PrintToStdout_QZMSG_PCIDevice");
   const std::size_t first = result.out.find("unasked");
   ASSERT_NE(first, std::string::npos);
@@ -251,12 +252,14 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
     }
   }
 
-  /// How many processes have the log file on their command line, as all of the program's have.
+  /// Returns the number of processes with the log file on their command line, which all processes
+  /// of the program have.
   int CountProcesses() const {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
       std::ostringstream words;
-      words << std::ifstream(entry.path() / "cmdline").rdbuf();  // fails for one that just ended
+      words << std::ifstream(entry.path() / "cmdline")
+                   .rdbuf();  // fails for a process that has just ended
       if (words.str().find(LogFile()) != std::string::npos) ++count;
     }
     return count;
@@ -264,7 +267,7 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
 };
 INSTANTIATE_TEST_SUITE_P(Signals, SignalledSurvival, testing::Values(SIGHUP, SIGINT, SIGTERM));
 
-TEST_P(SignalledSurvival, ASignalEndsTheProgramAndAllThatItStarted) {
+TEST_P(SignalledSurvival, ASignalEndsTheProgramAndItsProcesses) {
   const pid_t program = StartHanging();
   WaitUntilItHangs();
   EXPECT_GT(CountProcesses(), 1);

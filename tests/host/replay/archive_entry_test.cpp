@@ -23,7 +23,7 @@ ArchiveEntry File(const std::string& path, std::uint64_t size = 0) {
   return {path, EntryKind::kFile, "", size};
 }
 
-TEST(EntryGate, PathsGetTheirPlainForm) {
+TEST(EntryGate, PathsAreNormalised) {
   EntryGate gate;
   EXPECT_EQ(gate.Admit(File("sys/bus")), "sys/bus");
   EXPECT_EQ(gate.Admit(File("./sys/./bus//x")), "sys/bus/x");
@@ -37,7 +37,7 @@ TEST(EntryGate, PathsThatLeaveTheCaptureAreRefused) {
   EXPECT_THAT(RefusalOf(File("/etc/passwd")), HasSubstr("\"/etc/passwd\" has an absolute path"));
   EXPECT_THAT(RefusalOf(File("//x")), HasSubstr("absolute"));
   for (const char* path : {"..", "../x", "sys/../../x", "sys/..", "./../x"}) {
-    EXPECT_THAT(RefusalOf(File(path)), HasSubstr("leads out of the capture")) << path;
+    EXPECT_THAT(RefusalOf(File(path)), HasSubstr("points outside the capture")) << path;
   }
 }
 
@@ -45,7 +45,7 @@ TEST(EntryGate, OnlyFilesFoldersAndInnerLinksPass) {
   EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kHardLink, "sys/y", 0}), HasSubstr("hard link"));
   EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kOther, "", 0}), HasSubstr("neither a file"));
   EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kLink, "/etc/passwd", 0}),
-              HasSubstr("is a link to \"/etc/passwd\""));
+              HasSubstr("links to \"/etc/passwd\""));
   EXPECT_EQ(RefusalOf({"sys/x", EntryKind::kLink, "y", 0}), "admitted");
 }
 
@@ -72,7 +72,7 @@ TEST(EntryGate, BytesAreAddedUpWithoutOverflow) {
   EXPECT_THAT(RefusalOf(File("a", (std::uint64_t{1} << 30) + 1)), HasSubstr("more than 1024 MiB"));
 }
 
-TEST(InnerLink, ADriversLinkIsOne) {
+TEST(InnerLink, ADriverLinkIsAnInnerLink) {
   EXPECT_TRUE(
       IsInnerLink("sys/bus/pci/devices/0000:00:1f.2/driver", "../../../../bus/pci/drivers/ahci"));
   EXPECT_TRUE(IsInnerLink("sys/bus/pci/devices/0000:00:1f.2", "../../../devices/pci0000:00/x"));
@@ -81,7 +81,7 @@ TEST(InnerLink, ADriversLinkIsOne) {
   EXPECT_TRUE(IsInnerLink("sys/a/b", ".."));
 }
 
-TEST(InnerLink, ALinkThatLeavesSysIsNone) {
+TEST(InnerLink, ALinkThatLeavesSysIsNotAnInnerLink) {
   EXPECT_FALSE(IsInnerLink("sys/bus/pci/devices/0000:00:1f.2/driver", "../../../../../etc/passwd"));
   EXPECT_FALSE(IsInnerLink("sys/a/b", "../.."));
   EXPECT_FALSE(IsInnerLink("sys/a", ".."));
@@ -90,12 +90,12 @@ TEST(InnerLink, ALinkThatLeavesSysIsNone) {
   EXPECT_FALSE(IsInnerLink("sys", "x"));
 }
 
-TEST(InnerLink, OneThatGoesUpLaterIsNoneSinceAnotherLinkMayStandThere) {
+TEST(InnerLink, ALinkWithDotDotAfterANameIsNotAnInnerLink) {
   EXPECT_FALSE(IsInnerLink("sys/a/b/c", "up/../x"));
   EXPECT_FALSE(IsInnerLink("sys/a/b/c", "../up/.."));
 }
 
-TEST(InnerLink, LinksElsewhereAreNone) {
+TEST(InnerLink, LinksOutsideSysAreNotInnerLinks) {
   EXPECT_FALSE(IsInnerLink("proc/bus/pci/00/00.0", "00.1"));
   EXPECT_FALSE(IsInnerLink("commands/lspci", "other"));
   EXPECT_FALSE(IsInnerLink("system/a", "b"));

@@ -29,7 +29,7 @@ std::string ContentOf(ArchiveReader& reader) {
   return content;
 }
 
-/// All files of a capture by path, entering every folder.
+/// Returns all files of a capture by path; enters every directory.
 std::map<std::string, std::string> FilesOf(const std::string& capture) {
   std::map<std::string, std::string> files;
   const auto opened = OpenArchive(capture);
@@ -67,7 +67,7 @@ TEST_F(ArchiveReaderTest, EveryCompressionIsRead) {
   }
 }
 
-TEST_F(ArchiveReaderTest, EntriesAreToldApart) {
+TEST_F(ArchiveReaderTest, KindsOfEntriesAreDistinguished) {
   MakeArchive(Path("a"), {{"f", "1234"},
                           {"d", "", 'd'},
                           {"l", "", 'l', "../x"},
@@ -88,7 +88,7 @@ TEST_F(ArchiveReaderTest, EntriesAreToldApart) {
   EXPECT_FALSE(reader.Next().has_value());
 }
 
-TEST_F(ArchiveReaderTest, ASparseFileSaysItsWholeSize) {
+TEST_F(ArchiveReaderTest, ASparseFileHasItsFullSize) {
   MakeSparseArchive(Path("a"), "hole", "5000000");
   EXPECT_LT(fs::file_size(Path("a")), 100'000U);
   const auto opened = OpenArchive(Path("a"));
@@ -108,7 +108,7 @@ TEST_F(ArchiveReaderTest, ADirectoryIsReadLikeAnArchive) {
   EXPECT_THAT(FilesOf(Path("link")), ElementsAre(Key("one"), Key("sub/deep/two")));
 }
 
-TEST_F(ArchiveReaderTest, AFolderOfADirectoryIsGoneIntoOnDemandOnly) {
+TEST_F(ArchiveReaderTest, DirectoriesAreEnteredOnlyOnDemand) {
   fs::create_directories(Path("d/sub"));
   directory_.Write("d/sub/two", "2");
   const auto opened = OpenArchive(Path("d"));
@@ -126,12 +126,12 @@ TEST_F(ArchiveReaderTest, SpecialFilesOfADirectoryAreNotOpened) {
   EXPECT_THAT(FilesOf(Path("d")), ElementsAre());
 }
 
-TEST_F(ArchiveReaderTest, WhatIsNoArchiveIsRefused) {
+TEST_F(ArchiveReaderTest, AFileThatIsNotAnArchiveIsRefused) {
   EXPECT_EQ(FailureOf(Path("nothing")), "No such file or directory");
   EXPECT_THAT(FailureOf(directory_.Write("text", std::string(5000, 'x'))),
               HasSubstr("Unrecognized archive format"));
   EXPECT_NE(FailureOf(directory_.Write("zip", "PK\x03\x04" + std::string(5000, '\0'))), "none");
-  EXPECT_THAT(FailureOf("/"), HasSubstr("this machine itself"));
+  EXPECT_THAT(FailureOf("/"), HasSubstr("root directory of this machine"));
 }
 
 TEST_F(ArchiveReaderTest, ADamagedArchiveIsRefused) {

@@ -1,4 +1,4 @@
-// Each test in a child process of its own: there is no way back out of the namespaces.
+// Each test runs in a child process, because a process cannot leave the namespaces again.
 
 #include "host/replay/root_namespace.h"
 
@@ -30,7 +30,8 @@ bool InNamespaces(const std::function<bool()>& holds) {
   return status == 0;
 }
 
-/// What the framework makes of the host name; the framework itself reads it once in a process.
+/// Returns the name that the framework finds for the host name. The framework itself reads it only
+/// once per process.
 std::string SystemName() {
   std::array<char, 256> host{};
   gethostname(host.data(), host.size());
@@ -56,7 +57,7 @@ TEST_F(RootNamespace, MountsAreSeenInsideOnly) {
   EXPECT_FALSE(std::filesystem::exists(directory_.GetPath() + "/inside"));
 }
 
-TEST_F(RootNamespace, AThingIsShownAtAnotherPlace) {
+TEST_F(RootNamespace, ADirectoryCanBeBindMounted) {
   EXPECT_TRUE(InNamespaces([this] {
     const std::string one = directory_.Write("one", "1");
     const std::string two = directory_.Write("two", "2");
@@ -66,7 +67,7 @@ TEST_F(RootNamespace, AThingIsShownAtAnotherPlace) {
   EXPECT_EQ(std::ifstream(directory_.GetPath() + "/two").get(), '2');
 }
 
-TEST_F(RootNamespace, TheUserStaysWhoItIs) {
+TEST_F(RootNamespace, TheUserStaysTheSame) {
   const uid_t user = getuid();
   EXPECT_TRUE(InNamespaces([user] { return getuid() == user && geteuid() == user; }));
 }
@@ -91,7 +92,7 @@ TEST_F(RootNamespace, ThisMachinesHostsAreNotSeen) {
   }));
 }
 
-TEST_F(RootNamespace, WithoutPermissionTheReasonAndTheWayOutAreOneLine) {
+TEST_F(RootNamespace, WithoutPermissionOneLineSaysWhyAndWhatToDo) {
   const RunResult result = RunShell(
       "unshare --user --map-root-user bash -c 'echo 0 >/proc/sys/user/max_user_namespaces; "
       "setpriv --bounding-set=-sys_admin --inh-caps=-sys_admin \"$PCIINFO\" --root /tmp'");

@@ -1,4 +1,4 @@
-// The program on captures, from its command line.
+// Runs the program with --root.
 
 #include "host/replay/root.h"
 
@@ -114,7 +114,7 @@ TEST_F(Root, RunsWhatIsNotRecorded) {
               Contains(testing::AllOf(HasSubstr("8086:1234"), HasSubstr("Ethernet controller"))));
 }
 
-TEST_F(Root, TakesADirectoryMadeByHand) {
+TEST_F(Root, AcceptsADirectoryMadeByHand) {
   fs::create_directories(Path("box/proc/bus/pci/00"));
   directory_.Write("box/proc/bus/pci/devices", DeviceLine());
   directory_.Write("box/proc/bus/pci/00/01.0", Header());
@@ -127,12 +127,12 @@ TEST_F(Root, TakesADirectoryMadeByHand) {
   EXPECT_THAT(result.err, HasSubstr("this capture holds no SMBIOS tables"));
 }
 
-TEST_F(Root, TakesAnArchiveFromStandardInput) {
+TEST_F(Root, ReadsAnArchiveFromStandardInput) {
   const RunResult result = RunShell("$PCIINFO --root - < " + Archive(SmallMachine()));
   EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
 }
 
-TEST_F(Root, WhatTheCaptureLacksIsNotThisMachines) {
+TEST_F(Root, PartsThatTheCaptureLacksAreNotThoseOfThisMachine) {
   const std::string capture = Archive({{"manifest.json", R"({"formatVersion": 1})"}});
   for (const char* option : {"--log-level=0", "--live-commands"}) {
     const RunResult result = RunPciinfo({"--root", capture, "instances", "--format=json", option});
@@ -157,7 +157,7 @@ TEST_F(Root, NeedsNoPciBusInThisMachinesKernel) {
   EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
 }
 
-TEST_F(Root, FilesThatTheUserNamesAreThisMachines) {
+TEST_F(Root, FilesOnTheCommandLineAreThoseOfThisMachine) {
   const std::string capture = Archive(SmallMachine());
   const RunResult result =
       RunShell("cd " + directory_.GetPath() +
@@ -174,7 +174,7 @@ TEST_F(Root, NothingIsLeftBehind) {
   EXPECT_EQ(RunShell("cat /proc/self/mountinfo; hostname").out, mounts);
 }
 
-TEST_F(Root, AHostileArchiveIsOneLine) {
+TEST_F(Root, AHostileArchiveIsRefusedInOneLine) {
   for (const MadeEntry& entry : std::vector<MadeEntry>{{"/etc/x"},
                                                        {"sys/../../x"},
                                                        {"sys/x", "", 'l', "/etc/shadow"},
@@ -185,8 +185,8 @@ TEST_F(Root, AHostileArchiveIsOneLine) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(LinesOf(result.err),
-                ElementsAre(testing::StartsWith("pciinfo: the capture " + Path("capture.tar.gz") +
-                                                " cannot be used: ")));
+                ElementsAre(testing::StartsWith("pciinfo: cannot use the capture " +
+                                                Path("capture.tar.gz") + ": ")));
   }
 }
 
@@ -195,7 +195,7 @@ TEST_F(Root, ABombIsRefused) {
   const RunResult result = RunPciinfo({"--root", Path("bomb.tar")});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("more than 1024 MiB"));
-  // Zeros that only the compression makes small.
+  // Many zeros, which are small only when compressed.
   const RunResult zeros = RunShell("truncate -s 1100M " + Path("zeros") + " && tar -C " +
                                    directory_.GetPath() + " -czf - zeros | $PCIINFO --root -");
   EXPECT_THAT(zeros.err, HasSubstr("more than 1024 MiB"));
@@ -211,8 +211,8 @@ TEST_F(Root, ManyEntriesAreRefused) {
   EXPECT_THAT(result.err, HasSubstr("more than 1000000 entries"));
 }
 
-/// As the user "nobody", who reads the capture from standard input, since nothing else of the
-/// test's is open to that user.
+/// Runs as the user "nobody", with the capture on standard input, because that user cannot read the
+/// test's files.
 RunResult RunAsNobody(const std::string& capture, const std::string& arguments) {
   const std::string who = "setpriv --reuid=65534 --regid=65534 --clear-groups ";
   return RunShell((geteuid() == 0 ? who : "") + "$PCIINFO --root - " + arguments + " < " + capture);
@@ -228,9 +228,9 @@ TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
   }
 }
 
-TEST_F(Root, SaysWhatIsWrongWithAName) {
+TEST_F(Root, ReportsABadCaptureName) {
   EXPECT_THAT(RunPciinfo({"--root", Path("nothing")}).err, HasSubstr("No such file or directory"));
-  EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("this machine itself"));
+  EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("root directory of this machine"));
   EXPECT_EQ(RunPciinfo({"--root", ""}).status, 2);
   EXPECT_EQ(RunPciinfo({"--live-commands"}).status, 2);
 }

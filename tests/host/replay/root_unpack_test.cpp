@@ -54,7 +54,7 @@ class UnpackCaptureTest : public testing::Test {
   vtq::TemporaryDirectory tree_;
 };
 
-TEST_F(UnpackCaptureTest, WhatIsServedGetsItsPlace) {
+TEST_F(UnpackCaptureTest, ServedPartsAreUnpacked) {
   EXPECT_EQ(Unpack({{"./proc/bus/pci/devices", "list"},
                     {"proc/pci", "old"},
                     {"sys/bus/pci/devices/x/config", "config"},
@@ -67,7 +67,7 @@ TEST_F(UnpackCaptureTest, WhatIsServedGetsItsPlace) {
   EXPECT_EQ(Content("proc/pciinfo/commands/lspci -vvv"), "output");
 }
 
-TEST_F(UnpackCaptureTest, AllElseIsLeftOut) {
+TEST_F(UnpackCaptureTest, OtherPartsAreNotUnpacked) {
   Unpack({{"ABOUT", "x"},
           {"proc/cpuinfo", "x"},
           {"proc/pciinfo/real", "x"},
@@ -79,7 +79,7 @@ TEST_F(UnpackCaptureTest, AllElseIsLeftOut) {
   EXPECT_EQ(std::distance(fs::directory_iterator(tree_.GetPath()), {}), 1);
 }
 
-TEST_F(UnpackCaptureTest, ADirectoryIsTakenAsItIs) {
+TEST_F(UnpackCaptureTest, ADirectoryIsUnpackedLikeAnArchive) {
   fs::create_directories(directory_.GetPath() + "/sys/bus");
   fs::create_directories(directory_.GetPath() + "/proc/bus/pci");
   fs::create_directories(directory_.GetPath() + "/elsewhere");
@@ -109,7 +109,7 @@ TEST_F(UnpackCaptureTest, ADriversFolderIsMadeForItsLink) {
             fs::canonical(Place("sys/bus/pci/drivers/ahci")));
 }
 
-TEST_F(UnpackCaptureTest, ALinkMayLeadNowhereOrToWhatIsThere) {
+TEST_F(UnpackCaptureTest, ALinkMayBeBrokenOrPointToAnExistingFile) {
   Unpack({{"sys/file", "1"},
           {"sys/a/one", "", 'l', "../file"},
           {"sys/a/two", "", 'l', "../file/x"},
@@ -118,14 +118,15 @@ TEST_F(UnpackCaptureTest, ALinkMayLeadNowhereOrToWhatIsThere) {
   EXPECT_FALSE(fs::exists(Place("sys/a/two")));
 }
 
-TEST_F(UnpackCaptureTest, HostileEntriesAreRefusedWhereverTheyStand) {
+TEST_F(UnpackCaptureTest, HostileEntriesAreRefusedEverywhere) {
   EXPECT_THAT(RefusalOf({{"sys/x"}, {"/tmp/x"}}), HasSubstr("absolute path"));
-  EXPECT_THAT(RefusalOf({{"sys/x"}, {"sys/../../x"}}), HasSubstr("leads out"));
-  EXPECT_THAT(RefusalOf({{"sys/x"}, {"other/../../x"}}), HasSubstr("leads out"));
-  EXPECT_THAT(RefusalOf({{"sys/x", "", 'l', "/etc/passwd"}}), HasSubstr("link to \"/etc/passwd\""));
-  EXPECT_THAT(RefusalOf({{"sys/x", "", 'l', "../etc/passwd"}}), HasSubstr("link to"));
-  EXPECT_THAT(RefusalOf({{"commands/lspci", "", 'l', "x"}}), HasSubstr("link to"));
-  EXPECT_THAT(RefusalOf({{"manifest.json", "", 'l', "/etc/passwd"}}), HasSubstr("link to"));
+  EXPECT_THAT(RefusalOf({{"sys/x"}, {"sys/../../x"}}), HasSubstr("points outside"));
+  EXPECT_THAT(RefusalOf({{"sys/x"}, {"other/../../x"}}), HasSubstr("points outside"));
+  EXPECT_THAT(RefusalOf({{"sys/x", "", 'l', "/etc/passwd"}}),
+              HasSubstr("links to \"/etc/passwd\""));
+  EXPECT_THAT(RefusalOf({{"sys/x", "", 'l', "../etc/passwd"}}), HasSubstr("links to"));
+  EXPECT_THAT(RefusalOf({{"commands/lspci", "", 'l', "x"}}), HasSubstr("links to"));
+  EXPECT_THAT(RefusalOf({{"manifest.json", "", 'l', "/etc/passwd"}}), HasSubstr("links to"));
   EXPECT_THAT(RefusalOf({{"sys/x", "", 'h', "/etc/passwd"}}), HasSubstr("hard link"));
   EXPECT_THAT(RefusalOf({{"sys/x", "", 'c'}}), HasSubstr("neither a file"));
   EXPECT_THAT(RefusalOf({{"dev/null", "", 'c'}}), HasSubstr("neither a file"));
@@ -156,12 +157,13 @@ TEST_F(UnpackCaptureTest, AManifestOfManyBytesIsRefused) {
               HasSubstr("too large"));
 }
 
-TEST_F(UnpackCaptureTest, ACaptureOfNothingIsNone) {
-  EXPECT_THAT(RefusalOf({{"box/proc/bus/pci/devices", "x"}}), HasSubstr("holds no proc/bus/pci"));
+TEST_F(UnpackCaptureTest, AnEmptyCaptureIsRefused) {
+  EXPECT_THAT(RefusalOf({{"box/proc/bus/pci/devices", "x"}}),
+              HasSubstr("contains no proc/bus/pci"));
   EXPECT_EQ(Unpack({{"manifest.json", "{}"}}), "{}");
 }
 
-TEST_F(UnpackCaptureTest, AFileInTheWayOfAFolderIsRefused) {
+TEST_F(UnpackCaptureTest, AFileInPlaceOfADirectoryIsRefused) {
   EXPECT_THAT(RefusalOf({{"sys", "x"}, {"sys/x", "y"}}), HasSubstr("sys/x"));
 }
 

@@ -1,4 +1,4 @@
-// A plug-in that keeps to the contract. It writes every call that it gets to the core log.
+// A plug-in that fulfils the contract. It writes every call to the core log.
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-// A plug-in that does what the environment variable RUNTIME_TEST_MISDEED names.
+// A plug-in that misbehaves as the environment variable RUNTIME_TEST_MISDEED says.
 
 #include <cstdlib>
 #include <memory>
@@ -22,7 +22,7 @@ bool IsAskedTo(const std::string& misdeed) {
   return asked != nullptr && asked == misdeed;
 }
 
-// An exception whose code goes away with the library.
+// An exception whose code is unloaded with the library.
 struct OwnException {
   virtual ~OwnException() = default;
 };

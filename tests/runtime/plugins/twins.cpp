@@ -1,4 +1,4 @@
-// A library that registers two objects, neither of which answers queries.
+// A library that registers two objects that do not implement queries.
 
 #include <string>
 
