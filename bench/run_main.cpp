@@ -150,7 +150,8 @@ CLI::Option* AddOptions(CLI::App& app, Settings& settings) {
          "--slow-tools-up-to", settings.slowToolsUpTo,
          "Run lshw and hwinfo (once, at most a minute) on machines with up to this many functions")
       ->capture_default_str();
-  app.add_flag("!--no-instructions", settings.withInstructions, "Do not count instructions (valgrind)");
+  app.add_flag("!--no-instructions", settings.withInstructions,
+               "Do not count instructions (valgrind)");
   app.add_option("--against", settings.against,
                  "Only compare with this other build of pciinfo, 200 times each in turn")
       ->check(CLI::ExistingFile);

@@ -15,8 +15,8 @@ class JsonInputError : public std::runtime_error {
 
 /// Reads what `instances` printed as JSON or as JSON Lines back into `repository`, which declares
 /// the classes. The text is untrusted: every name, type, range and path is checked. Keys that
-/// docs/formats.md does not describe are ignored. Throws JsonInputError; the repository then keeps the
-/// instances before the fault.
+/// docs/formats.md does not describe are ignored. Throws JsonInputError; the repository then keeps
+/// the instances before the fault.
 void ReadInstances(std::string_view text, vtq::Namespace& repository);
 
 }  // namespace pciinfo
