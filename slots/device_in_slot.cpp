@@ -1,6 +1,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "framework/exception.h"
@@ -93,36 +94,70 @@ TPropertyMap MakeAssociation(const ICIMInstance& slot, const ICIMInstance& funct
   return association;
 }
 
+// The join of the functions and the slots that the framework holds: devices first, then bridges.
+class SlotJoin {
+ public:
+  explicit SlotJoin(ICIMNamespace& nameSpace) {
+    AppendHeldInstances(nameSpace, kSystemSlotClass, &slots_);
+    AppendHeldInstances(nameSpace, kPciDeviceClass, &functions_);
+    deviceCount_ = functions_.size();
+    AppendHeldInstances(nameSpace, kPciBridgeClass, &functions_);
+  }
+  SlotJoin(const SlotJoin&) = delete;  // the finder refers to the slots
+  SlotJoin& operator=(const SlotJoin&) = delete;
+  ~SlotJoin() = default;
+
+  bool IsDone() const { return next_ == functions_.size(); }
+
+  // Appends the association of the next function if it is in a slot. Returns the number of its slot
+  // if there is no such slot, else 0.
+  std::uint8_t AssociateNext(std::vector<TPropertyMap>* associations) {
+    const ICIMInstance& function = *functions_[next_];
+    const std::uint8_t number = SlotNumberOf(function, next_ < deviceCount_);
+    ++next_;
+    if (number == 0) return 0;
+    const ICIMInstance* const slot = finder_.Find(number);
+    if (slot == nullptr) return number;
+    associations->push_back(MakeAssociation(*slot, function));
+    return 0;
+  }
+
+ private:
+  HeldInstances slots_;
+  HeldInstances functions_;
+  std::size_t deviceCount_ = 0;
+  std::size_t next_ = 0;
+  SlotFinder finder_{slots_};
+};
+
 }  // namespace
 
 std::vector<TPropertyMap> TPciDevInfo::MakeDeviceSlotAssociation() {
   std::vector<TPropertyMap> associations;
-  try {
-    const std::shared_ptr<ICIMNamespace> nameSpace = GetCIMClass()->GetNamespace({});
-    HeldInstances slots;
-    HeldInstances functions;
-    AppendHeldInstances(*nameSpace, kSystemSlotClass, &slots);
-    AppendHeldInstances(*nameSpace, kPciDeviceClass, &functions);
-    const std::size_t deviceCount = functions.size();
-    AppendHeldInstances(*nameSpace, kPciBridgeClass, &functions);
-
-    SlotFinder finder(slots);
-    for (std::size_t i = 0; i < functions.size(); ++i) {
-      const std::uint8_t number = SlotNumberOf(*functions[i], i < deviceCount);
-      if (number == 0) continue;
-      if (const ICIMInstance* slot = finder.Find(number)) {
-        associations.push_back(MakeAssociation(*slot, *functions[i]));
-      } else {
-        WriteStatus("PCI Slot ID " + dataToString<unsigned short>(number) + " not found");
-      }
+  const auto succeeds = [this](const auto& step) {
+    try {
+      step();
+      return true;
+    } catch (const TVTQException& failure) {
+      // Log readers match the whole line, including the seven tabs.
+      WriteStatus(
+          "PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
+          "enumerating CIM instances for " +
+          std::string(kPciDeviceClass) + " OR " + kSystemSlotClass +
+          " Error Code: " + dataToString<const char*>(failure.what()));
+      return false;
     }
-  } catch (const TVTQException& failure) {
-    // Log readers match the whole line, including the seven tabs.
-    WriteStatus(
-        "PCI Device-slot association encountered an error\t\t\t\t\t\t\t"
-        "enumerating CIM instances for " +
-        std::string(kPciDeviceClass) + " OR " + kSystemSlotClass +
-        " Error Code: " + dataToString<const char*>(failure.what()));
+  };
+
+  std::optional<SlotJoin> join;
+  if (!succeeds([&] { join.emplace(*GetCIMClass()->GetNamespace({})); })) return associations;
+  while (!join->IsDone()) {
+    std::uint8_t missing = 0;
+    if (!succeeds([&] { missing = join->AssociateNext(&associations); })) break;
+    // A logger that fails here is not a failure to enumerate: its exception goes to the caller.
+    if (missing != 0) {
+      WriteStatus("PCI Slot ID " + dataToString<unsigned short>(missing) + " not found");
+    }
   }
   return associations;
 }

@@ -69,6 +69,7 @@ Status Deliver(Walk* walk, void* buffer, const int* size, bool anyType) {
 }  // namespace
 
 std::shared_ptr<ILogger> TRootObject::GetCoreLogger() {
+  Fake().onGetCoreLogger();
   static const auto logger = std::make_shared<FakeLogger>();
   return logger;
 }

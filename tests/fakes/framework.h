@@ -32,6 +32,8 @@ struct FakeFramework {
   /// All commands that were run, with their time limits.
   std::vector<std::pair<std::string, int>> spawned;
 
+  std::function<void()> onGetCoreLogger = [] {};  ///< called first; what it throws is the failure
+
   std::string biosId;
   std::function<void()> onGetBiosId = [] {};  ///< called first; if it throws, GetBiosID fails
   std::string systemCreationClassName = "CIM_ComputerSystem";

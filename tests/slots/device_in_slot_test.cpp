@@ -298,6 +298,13 @@ TEST_F(WatchedAssociationTest, FirmwareThatCannotBeReadEndsTheAssociation) {
   EXPECT_EQ(Fake().log, LogOfFailure("unreadable tables"));
 }
 
+TEST_F(WatchedAssociationTest, LoggerThatFailsAtASlotThatIsNotFoundIsNoFailureToEnumerate) {
+  PutDevice("lost", 9);
+  Fake().onGetCoreLogger = [] { throw TVTQException("no logger"); };
+  EXPECT_THROW(CountAssociations(), TVTQException);
+  EXPECT_TRUE(Fake().log.empty());
+}
+
 TEST_F(WatchedAssociationTest, ExceptionThatIsNoneOfTheFrameworkPassesThrough) {
   Fake().onGetBiosId = [] { throw 1; };
   EXPECT_THROW(CountAssociations(), int);
