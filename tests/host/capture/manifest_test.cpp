@@ -73,8 +73,8 @@ TEST(Manifest, AVersionIsAnInteger) {
                 HasSubstr("its formatVersion is not an integer"))
         << version;
   }
-  EXPECT_THAT(FailureOf(R"({"formatVersion": 4294967297})"), HasSubstr("version 4294967297"));
-  EXPECT_THAT(FailureOf(R"({"formatVersion": -1})"), HasSubstr("version -1"));
+  EXPECT_THAT(FailureOf(R"({"formatVersion": 4294967297})"), HasSubstr("version is 4294967297"));
+  EXPECT_THAT(FailureOf(R"({"formatVersion": -1})"), HasSubstr("version is -1"));
 }
 
 TEST(Manifest, DeepNestingIsRefused) {
