@@ -110,9 +110,10 @@ TEST(WallsTest, TheRoomsOfTheHostFormNoCircle) {
   std::vector<std::string> built;
   while (built.size() < kRoomMayInclude.size()) {
     const std::size_t before = built.size();
-    for (const auto& [room, allowed] : kRoomMayInclude) {
+    for (const auto& entry : kRoomMayInclude) {
+      const std::string& room = entry.first;
       const bool stands = std::all_of(
-          allowed.begin(), allowed.end(),
+          entry.second.begin(), entry.second.end(),
           [&](const std::string& other) { return other == room || Contains(built, other); });
       if (stands && !Contains(built, room)) built.push_back(room);
     }
