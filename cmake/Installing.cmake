@@ -1,8 +1,11 @@
 # Where plug-ins are installed, and what is installed beside programs and libraries. Each part of the
 # installation is a component: library, plugin, tool, development.
 
-# A folder of its own: a plug-in is no library that anybody links.
+# A folder of its own for libraries that nobody links: the program's extras, and plug-ins in plugins/
+# with their class files. The build folder has the same below lib/.
 set(PCIINFO_PLUGIN_FOLDER ${CMAKE_INSTALL_LIBDIR}/pciinfo)
+set(PCIINFO_BUILT_PLUGINS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/pciinfo/plugins)
+file(MAKE_DIRECTORY ${PCIINFO_BUILT_PLUGINS})
 
 # Below /usr the system's own search path finds the libraries.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

@@ -8,7 +8,6 @@
 #include "host/cli/options.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
-#include "host/schema/pci_schema.h"
 
 namespace pciinfo {
 
@@ -18,15 +17,19 @@ struct Job {
   std::function<void(const Session& session, Output& output)> print;
   /// The list of functions shows nothing of slots: that they are unknown is no news for its reader.
   bool showsSlots = true;
-  std::vector<vtq::ClassSchema> classes = PciSchema();
   /// What the program answers when all was collected and printed; none: kAllCollected.
   std::function<ExitStatus()> answer = nullptr;
   /// What could not be read is part of what the user sees and is not told again.
   bool showsTroubles = false;
 };
 
-/// The job of a command that prints what was collected. Reads class files. Throws UsageError for a
-/// class that is not served, and what DeclaredClasses throws.
-Job MakeJob(const Options& options, const Terminal& terminal);
+/// The job of a command that prints what was collected. Throws UsageError for a class that is not
+/// declared, and std::runtime_error when classes that the command needs are not. `plugins` must
+/// outlive the job.
+Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal);
+
+/// Throws std::runtime_error unless the classes of functions, slots and the board are declared,
+/// which all views are made of; it says what to do.
+void RequireViewClasses(const PluginSet& plugins);
 
 }  // namespace pciinfo

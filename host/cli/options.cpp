@@ -82,9 +82,12 @@ void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
-  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be given more than once");
-  AddFiles(app, "--class-file", options.classFiles,
-           "Declare the classes in this file as well, for plug-ins that serve them");
+  AddFiles(app, "--plugin", options.plugins.added,
+           "Load this plug-in as well; may be given more than once");
+  AddFiles(app, "--only-plugin", options.plugins.only,
+           "Load this plug-in instead of the installed ones; may be given more than once");
+  AddFiles(app, "--class-file", options.plugins.classFiles,
+           "Declare the classes in this file as well; every plug-in is asked for them");
   app.add_option("--log-file", options.logFile, "Write every log record to this file")
       ->type_name("FILE");
   app.add_option("--log-level", options.logLevel,

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/collect/plugin_files.h"
 #include "host/console/terminal.h"
 #include "host/model/filter.h"
 
@@ -46,14 +47,13 @@ inline std::optional<std::uint64_t> BytesOfLimit(std::uint64_t mebibytes) {
 /// What the command line asks for.
 struct Options {
   Command command = Command::kOverview;
-  std::vector<std::string> classes;     ///< of `instances`; empty: all
-  std::string format = "table";         ///< of `instances` and the views
-  std::string schemaFormat = "mof";     ///< of `schema`
-  std::vector<std::string> plugins;     ///< files; empty: the one that belongs to the program
-  std::vector<std::string> classFiles;  ///< files that declare further classes
-  std::string logFile;                  ///< empty: none
-  std::optional<int> logLevel;          ///< 0 to 4; not set: errors and warnings
-  double timeout = 600;                 ///< seconds for all that plug-ins and tools do
+  std::vector<std::string> classes;  ///< of `instances`; empty: all
+  std::string format = "table";      ///< of `instances` and the views
+  std::string schemaFormat = "mof";  ///< of `schema`
+  PluginOptions plugins;
+  std::string logFile;                              ///< empty: none
+  std::optional<int> logLevel;                      ///< 0 to 4; not set: errors and warnings
+  double timeout = 600;                             ///< seconds for all that plug-ins and tools do
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
   bool inProcess = false;                           ///< no worker: for debuggers
   std::string root;           ///< a capture to show in the place of this machine
