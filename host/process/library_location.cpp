@@ -22,7 +22,10 @@ std::vector<std::string> LibraryPlaces(const std::string& programFolder, const s
 
 std::vector<std::string> PluginDirectories(const std::string& programFolder) {
   const std::filesystem::path folder = programFolder;
-  return {folder.parent_path() / "lib/pciinfo/plugins", InstalledFolder(folder) / "plugins"};
+  const std::string besideProgram = folder.parent_path() / "lib/pciinfo/plugins";
+  const std::string installed = InstalledFolder(folder) / "plugins";
+  if (installed == besideProgram) return {besideProgram};
+  return {besideProgram, installed};
 }
 
 std::string FirstExisting(const std::vector<std::string>& places, const std::string& advice) {

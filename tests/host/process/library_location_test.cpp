@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 
 namespace pciinfo {
@@ -25,9 +26,10 @@ TEST(LibraryLocation, LooksBesideTheProgramThenInTheLibFolderThenWhereItIsInstal
 
 TEST(LibraryLocation, PluginsAreInTheLibFolderOrWhereTheyAreInstalled) {
   const std::vector<std::string> places = PluginDirectories("/opt/x/bin");
-  ASSERT_EQ(places.size(), 2U);
+  ASSERT_FALSE(places.empty());
   EXPECT_EQ(places[0], "/opt/x/lib/pciinfo/plugins");
-  EXPECT_THAT(places[1], AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/plugins")));
+  EXPECT_EQ(std::set<std::string>(places.begin(), places.end()).size(), places.size());
+  EXPECT_THAT(places.back(), AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/plugins")));
 }
 
 TEST(LibraryLocation, TakesTheFirstPlaceThatExists) {

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 using Schemas = std::vector<vtq::ClassSchema>;
 
-constexpr const char* kExample = EXAMPLES "/network_ports/network_ports.json";
+constexpr const char* kExample = EXAMPLES "/network_ports/network_ports.classes.json";
 
 /// A file that declares one class with the given members.
 std::string WithClass(const std::string& members) { return R"({"classes":[{)" + members + "}]}"; }
@@ -182,7 +182,7 @@ TEST(ClassFile, ProgramNamesAnInvalidFile) {
     EXPECT_THAT(missing.err, HasSubstr("/nowhere/a.json: No such file or directory"));
     const RunResult twice =
         RunFake("fixed", {command, "--class-file", kExample, "--class-file", kExample});
-    EXPECT_THAT(twice.err, HasSubstr("network_ports.json: classes[0].name: class"));
+    EXPECT_THAT(twice.err, HasSubstr("network_ports.classes.json: classes[0].name: class"));
     EXPECT_EQ(twice.out, "");
   }
   EXPECT_THAT(RunFake("fixed", {"classes", "--class-file", "/etc"}).err,
