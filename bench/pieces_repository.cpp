@@ -4,12 +4,13 @@
 #include <fcntl.h>
 
 #include "framework/add_to_vector_callback.h"
+#include "host/base/namespace_name.h"
 #include "host/formats/instance_writer.h"
-#include "host/schema/pci_schema.h"
 #include "plugin/array_value.h"
 #include "plugin/property_map.h"
 #include "runtime/file_descriptor.h"
 #include "runtime/repository.h"
+#include "tests/fakes/pci_schema.h"
 
 namespace {
 

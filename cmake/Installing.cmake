@@ -1,8 +1,11 @@
 # Where plug-ins are installed, and which files are installed besides programs and libraries. Each
 # part of the installation is a component: library, plugin, tool, development.
 
-# A separate directory, because plug-ins are loaded by path and never linked.
+# A separate directory for libraries that are loaded by path and never linked: the program's extras,
+# and plug-ins in plugins/ with their class files. The build directory has the same below lib/.
 set(PCIINFO_PLUGIN_FOLDER ${CMAKE_INSTALL_LIBDIR}/pciinfo)
+set(PCIINFO_BUILT_PLUGINS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/pciinfo/plugins)
+file(MAKE_DIRECTORY ${PCIINFO_BUILT_PLUGINS})
 
 # Below /usr the system's search path finds the libraries.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

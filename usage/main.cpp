@@ -1,5 +1,5 @@
 // Writes the manual page and the completions of the shells into a folder:
-//   write_usage FOLDER VERSION DATE SECTIONS-FILE
+//   write_usage FOLDER VERSION DATE SECTIONS-FILE CLASS-FILE
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "host/cli/options.h"
-#include "host/schema/pci_schema.h"
+#include "host/schema/class_file.h"
 #include "usage/writers.h"
 
 namespace {
@@ -31,15 +31,14 @@ void WriteFile(const std::filesystem::path& name, const std::string& text) {
   if (!file) throw std::runtime_error(name.string() + ": cannot be written");
 }
 
-Usage UsageOfProgram() {
+Usage UsageOfProgram(const std::string& classFile) {
   std::vector<std::string> classes;
-  for (const vtq::ClassSchema& schema : PciSchema()) classes.push_back(schema.name);
+  for (const vtq::ClassSchema& schema : LoadClasses(classFile)) classes.push_back(schema.name);
   Options options;
   return UsageOf(*BuildApp(options), classes);
 }
 
-void WriteAll(const std::filesystem::path& folder, const ManualText& manual) {
-  const Usage usage = UsageOfProgram();
+void WriteAll(const std::filesystem::path& folder, const Usage& usage, const ManualText& manual) {
   WriteFile(folder / "pciinfo.1", ManualPage(usage, manual));
   WriteFile(folder / "pciinfo", BashCompletion(usage));
   WriteFile(folder / "pciinfo.fish", FishCompletion(usage));
@@ -50,8 +49,8 @@ void WriteAll(const std::filesystem::path& folder, const ManualText& manual) {
 
 int main(int argc, char** argv) {
   try {
-    if (argc != 5) throw std::runtime_error("needs FOLDER VERSION DATE SECTIONS-FILE");
-    WriteAll(argv[1], {argv[2], argv[3], ContentOf(argv[4])});
+    if (argc != 6) throw std::runtime_error("needs FOLDER VERSION DATE SECTIONS-FILE CLASS-FILE");
+    WriteAll(argv[1], UsageOfProgram(argv[5]), {argv[2], argv[3], ContentOf(argv[4])});
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "write_usage: %s\n", error.what());

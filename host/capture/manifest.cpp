@@ -9,8 +9,8 @@
 #include "framework/exception.h"
 #include "framework/os_specific.h"
 #include "framework/schema_helper.h"
+#include "host/base/namespace_name.h"
 #include "host/console/utf8.h"
-#include "host/schema/pci_schema.h"
 #include "runtime/repository.h"
 
 namespace pciinfo {

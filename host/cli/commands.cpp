@@ -18,24 +18,24 @@
 #include "host/console/standard_input.h"
 #include "host/console/text.h"
 #include "host/process/guarded_run.h"
-#include "host/process/library_location.h"
 #include "host/process/supervisor.h"
 #include "host/replay/archive_entry.h"
 #include "host/replay/root.h"
-#include "host/schema/class_file.h"
 #include "host/schema/schema_writer.h"
 
 namespace pciinfo {
 namespace {
 
-constexpr const char* kPluginFile = "libpciinfo.pi.so";
-
-void LoadPlugins(Session& session, const std::vector<std::string>& files) {
-  if (files.empty()) {
-    session.Load(FirstExisting(LibraryPlaces(ProgramFolder(), kPluginFile),
-                               "install the plug-in or name one with --plugin"));
+/// Warns of plug-ins that are loaded and asked for nothing.
+void TellIdlePlugins(const PluginOptions& options, const PluginSet& plugins) {
+  if (!options.classFiles.empty()) return;  // every plug-in is asked for their classes
+  for (const PluginFile& plugin : plugins.plugins) {
+    if (!plugin.classes.empty()) continue;
+    WriteMessage(
+        fmt::format("warning: nothing is asked of the plug-in {}: its classes are not "
+                    "declared (see --class-file)",
+                    Printable(plugin.file)));
   }
-  for (const std::string& file : files) session.Load(file);
 }
 
 ExitStatus Print(const std::function<void(Output& output)>& print) {
@@ -114,13 +114,13 @@ class Machine final {
 };
 
 /// The work of a view: collects what the job needs and prints it.
-[[noreturn]] void Show(const Options& options, const Job& job, const LogSettings& log,
-                       Worker& worker) {
+[[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
+                       const LogSettings& log, Worker& worker) {
   TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
                        !options.root.empty());
-  Session session(report, log, job.classes);
+  Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
-  LoadPlugins(session, options.plugins);
+  for (const PluginFile& plugin : plugins.plugins) session.Load(plugin);
   worker.EndStep();
   CollectClasses(session, report, job, worker);
   worker.BeginOutput();
@@ -137,7 +137,6 @@ void MakeAbsolute(std::string& file) {
 
 /// With --root the working directory changes before these files are opened.
 void MakeFilesAbsolute(Options& options) {
-  for (std::string& plugin : options.plugins) MakeAbsolute(plugin);
   MakeAbsolute(options.logFile);
   MakeAbsolute(options.captureFile);
 }
@@ -167,14 +166,16 @@ class Runner final {
 };
 
 ExitStatus RunView(Options options, const Terminal& terminal) {
-  const Job job = MakeJob(options, terminal);  // reads files of the user's
+  const PluginSet plugins = FindPlugins(options.plugins);  // reads files of the user's
+  const Job job = MakeJob(options, plugins, terminal);
+  TellIdlePlugins(options.plugins, plugins);
   MakeFilesAbsolute(options);
   const LogSettings log = OpenLog(options);  // one file for all workers
   const Machine machine(options);
   return Runner(options).Run(
       [&](Worker& worker) -> ExitStatus {
         machine.Enter(worker);
-        Show(options, job, log, worker);
+        Show(options, plugins, job, log, worker);
       },
       terminal.pager);
 }
@@ -192,11 +193,13 @@ ExitStatus RunCapture(Options options) {
 }
 
 ExitStatus RunSchema(const Options& options, const Terminal& terminal) {
-  const auto classes = DeclaredClasses(options.classFiles);
+  const PluginSet plugins = FindPlugins(options.plugins);
   return Runner(options).Run(
       [&](Worker& worker) {
         worker.BeginOutput();
-        return Print([&](Output& output) { WriteSchema(output, options.schemaFormat, classes); });
+        return Print([&](Output& output) {
+          WriteSchema(output, options.schemaFormat, plugins.declared.classes);
+        });
       },
       terminal.pager);
 }

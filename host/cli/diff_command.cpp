@@ -11,15 +11,18 @@
 #include <tuple>
 
 #include "host/base/errors.h"
+#include "host/base/namespace_name.h"
+#include "host/cli/jobs.h"
 #include "host/console/output.h"
 #include "host/diff/diff.h"
 #include "host/diff/diff_view.h"
 #include "host/formats/json_reader.h"
 #include "host/process/guarded_run.h"
-#include "host/schema/pci_schema.h"
 
 namespace pciinfo {
 namespace {
+
+using Classes = std::vector<vtq::ClassSchema>;
 
 /// Exit statuses of the process that compares. They differ from those of failures, so that the
 /// waiting process can distinguish a difference from a failure.
@@ -43,9 +46,9 @@ void CheckSides(const Options& options) {
   }
 }
 
-void CheckIgnored(const std::vector<std::string>& ignored) {
+void CheckIgnored(const std::vector<std::string>& ignored, const Classes& declared) {
   std::set<std::string> known(DerivedProperties().begin(), DerivedProperties().end());
-  for (const vtq::ClassSchema& schema : PciSchema()) {
+  for (const vtq::ClassSchema& schema : declared) {
     for (const vtq::PropertySchema& property : schema.properties) known.insert(property.name);
   }
   for (const std::string& name : ignored) {
@@ -55,9 +58,9 @@ void CheckIgnored(const std::vector<std::string>& ignored) {
   }
 }
 
-std::shared_ptr<vtq::Namespace> ReadSide(const DiffSide& side) {
+std::shared_ptr<vtq::Namespace> ReadSide(const DiffSide& side, const Classes& declared) {
   std::shared_ptr<vtq::Namespace> repository = vtq::Namespace::Create(kNamespaceName);
-  for (vtq::ClassSchema& schema : PciSchema()) repository->Declare(std::move(schema));
+  for (const vtq::ClassSchema& schema : declared) repository->Declare(schema);
   try {
     ReadInstances(side.json, *repository);
   } catch (const JsonInputError& error) {
@@ -72,12 +75,12 @@ void TellLeftOut(const DiffSide& side, const std::vector<std::string>& classes) 
                            fmt::join(classes, ", ")));
 }
 
-ExitStatus CompareAndPrint(const Options& options, const DiffSide& before, const DiffSide& after,
-                           Worker& worker) {
+ExitStatus CompareAndPrint(const Options& options, const Classes& declared, const DiffSide& before,
+                           const DiffSide& after, Worker& worker) {
   worker.Confine();
   worker.Begin({"comparing", true, true});
-  const auto oldRepository = ReadSide(before);
-  const auto newRepository = ReadSide(after);
+  const auto oldRepository = ReadSide(before, declared);
+  const auto newRepository = ReadSide(after, declared);
   const std::set<std::string> ignored(options.ignored.begin(), options.ignored.end());
   const DiffResult result = Compare({oldRepository.get(), before.isCollected},
                                     {newRepository.get(), after.isCollected}, ignored);
@@ -103,11 +106,14 @@ ExitStatus AnswerOf(int verdict, bool hasTroubles) {
 ExitStatus CompareSides(const Options& options, const WorkRunner& compare,
                         const CommandRunner& view) {
   CheckSides(options);
-  CheckIgnored(options.ignored);
+  const PluginSet plugins = FindPlugins(options.plugins);
+  RequireViewClasses(plugins);
+  const Classes& declared = plugins.declared.classes;
+  CheckIgnored(options.ignored, declared);
   const DiffSide before = ReadDiffSide(options.diffBefore, options, view);
   const DiffSide after = ReadDiffSide(options.diffAfter, options, view);
-  const ExitStatus verdict =
-      compare([&](Worker& worker) { return CompareAndPrint(options, before, after, worker); });
+  const ExitStatus verdict = compare(
+      [&](Worker& worker) { return CompareAndPrint(options, declared, before, after, worker); });
   return AnswerOf(verdict, before.hasTroubles || after.hasTroubles);
 }
 

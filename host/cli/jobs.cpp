@@ -1,6 +1,11 @@
 #include "host/cli/jobs.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 
 #include "host/check/check_reader.h"
@@ -10,8 +15,6 @@
 #include "host/model/bridge_buses.h"
 #include "host/model/bus_tree.h"
 #include "host/model/machine_identity.h"
-#include "host/schema/class_file.h"
-#include "host/schema/pci_schema.h"
 #include "host/views/classes_view.h"
 #include "host/views/devices_view.h"
 #include "host/views/overview.h"
@@ -22,9 +25,11 @@
 namespace pciinfo {
 namespace {
 
-std::vector<std::string> ClassesFor(const std::vector<std::string>& asked) {
-  return PlanQuery(PciSchema(), asked).collect;
-}
+using Classes = std::vector<vtq::ClassSchema>;
+
+constexpr const char* kViewClasses[] = {"QZMSG_PCIDevice",    "QZMSG_PCIBridge",
+                                        "QZMSG_SystemSlot",   "QZMSG_SystemBoard",
+                                        "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
 
 Job MakeView(std::vector<std::string> collect,
              std::function<void(const Session& session, Output& output)> print) {
@@ -36,33 +41,31 @@ Job MakeView(std::vector<std::string> collect,
 
 /// Makes the job of a view that shows what the filter keeps. A filter by slot needs the slot
 /// classes too.
-Job ViewJob(const Options& options, std::vector<std::string> classes,
-            const std::function<void(const vtq::Namespace& kept, Output& output)>& write,
-            std::vector<vtq::ClassSchema> declared = PciSchema()) {
+Job ViewJob(const Options& options, const Classes& declared, std::vector<std::string> classes,
+            const std::function<void(const vtq::Namespace& kept, Output& output)>& write) {
   if (options.filter.NeedsSlots()) classes.emplace_back("QZMSG_DeviceInSlot");
-  Job job = MakeView(PlanQuery(declared, classes).collect,
-                     [write, filter = options.filter](const Session& session, Output& output) {
-                       if (filter.IsEmpty()) return write(session.GetRepository(), output);
-                       write(*KeptOf(session.GetRepository(), filter), output);
-                     });
-  job.classes = std::move(declared);
-  return job;
+  return MakeView(PlanQuery(declared, classes).collect,
+                  [write, filter = options.filter](const Session& session, Output& output) {
+                    if (filter.IsEmpty()) return write(session.GetRepository(), output);
+                    write(*KeptOf(session.GetRepository(), filter), output);
+                  });
 }
 
-Job OverviewJob(const Options& options, const Terminal& terminal) {
+Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [terminal, filter = options.filter](const Session& session, Output& output) {
     const auto kept = KeptOf(session.GetRepository(), filter);
     WriteOverview(output, MakeOverview(*kept, ReadIdentity(), session.GetReport().GetLines()),
                   terminal);
   };
-  Job job = MakeView(ClassesFor({"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}), print);
+  Job job =
+      MakeView(PlanQuery(declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}).collect, print);
   job.showsTroubles = terminal.width.has_value();
   return job;
 }
 
-Job DevicesJob(const Options& options, const Terminal& terminal) {
+Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const bool asJson = options.format == "json";
-  Job job = ViewJob(options, {"QZMSG_PCIDevice", "QZMSG_PCIBridge"},
+  Job job = ViewJob(options, declared, {"QZMSG_PCIDevice", "QZMSG_PCIBridge"},
                     [asJson, terminal](const vtq::Namespace& kept, Output& output) {
                       if (asJson) return WriteDevicesJson(output, kept);
                       WriteDevicesTable(output, kept, terminal);
@@ -71,33 +74,28 @@ Job DevicesJob(const Options& options, const Terminal& terminal) {
   return job;
 }
 
-Job InstancesJob(const Options& options) {
-  std::vector<vtq::ClassSchema> declared = DeclaredClasses(options.classFiles);
+Job InstancesJob(const Options& options, const Classes& declared) {
   std::vector<std::string> print = PlanQuery(declared, options.classes).print;
   std::vector<std::string> collect = print;
   // The filter keeps a slot if it keeps a function in it.
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
-  return ViewJob(
-      options, std::move(collect),
-      [print, format = options.format](const vtq::Namespace& kept, Output& output) {
-        WriteInstances(kept, print, *MakeInstanceWriter(format, output));
-      },
-      std::move(declared));
+  return ViewJob(options, declared, std::move(collect),
+                 [print, format = options.format](const vtq::Namespace& kept, Output& output) {
+                   WriteInstances(kept, print, *MakeInstanceWriter(format, output));
+                 });
 }
 
-Job ClassesJob(const Options& options) {
-  Job job = MakeView({}, [](const Session& session, Output& output) {
-    WriteClasses(output, session.GetPlugins(), session.GetRepository());
+Job ClassesJob(const PluginSet& plugins) {
+  return MakeView({}, [&plugins](const Session& session, Output& output) {
+    WriteClasses(output, session.GetPlugins(), plugins);
   });
-  job.classes = DeclaredClasses(options.classFiles);
-  return job;
 }
 
-Job CheckJob(const Options& options) {
+Job CheckJob(const Options& options, const Classes& declared) {
   auto isDoubtful = std::make_shared<bool>(false);
   const auto write = options.format == "json" ? &WriteFindingsJson : &WriteFindings;
   Job job = MakeView(
-      ClassesFor({"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}),
+      PlanQuery(declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}).collect,
       [=, isCapture = !options.root.empty()](const Session& session, Output& output) {
         const auto findings = RunChecks(ReadCheckFacts(session.GetRepository(), isCapture));
         *isDoubtful = AreDoubtful(findings);
@@ -107,9 +105,9 @@ Job CheckJob(const Options& options) {
   return job;
 }
 
-Job SlotsJob(const Options& options, const Terminal& terminal) {
+Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const bool asJson = options.format == "json";
-  return ViewJob(options, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"},
+  return ViewJob(options, declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"},
                  [asJson, terminal](const vtq::Namespace& kept, Output& output) {
                    const SlotsModel model = ReadSlots(kept);
                    if (asJson) return WriteSlotsJson(output, model);
@@ -131,7 +129,7 @@ std::vector<RootBus> ReadTree(const vtq::Namespace& repository, const Filter& fi
   return tree;
 }
 
-Job TreeJob(const Options& options, const Terminal& terminal) {
+Job TreeJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [filter = options.filter, terminal, asJson = options.format == "json",
                       all = options.showAll](const Session& session, Output& output) {
     std::vector<RootBus> tree = ReadTree(session.GetRepository(), filter);
@@ -139,44 +137,68 @@ Job TreeJob(const Options& options, const Terminal& terminal) {
     if (!all) FoldAlike(tree);
     WriteTree(output, tree, terminal);
   };
-  return MakeView(ClassesFor({"QZMSG_DeviceInSlot"}), print);
+  return MakeView(PlanQuery(declared, {"QZMSG_DeviceInSlot"}).collect, print);
 }
 
-Job ShowJob(const Options& options, const Terminal& terminal) {
+Job ShowJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [name = options.target, terminal, asJson = options.format == "json"](
                          const vtq::Namespace& kept, Output& output) {
     const Shown shown = FindNamed(kept, name);
     if (asJson) return WriteShownJson(output, shown);
     WriteShown(output, shown, terminal);
   };
-  return ViewJob(options, ClassesToFind(options.target), print);
+  return ViewJob(options, declared, ClassesToFind(declared, options.target), print);
+}
+
+bool NeedsViewClasses(const Options& options) {
+  if (options.command == Command::kClasses) return false;
+  return options.command != Command::kInstances || !options.filter.IsEmpty();
 }
 
 }  // namespace
 
-Job MakeJob(const Options& options, const Terminal& terminal) {
+void RequireViewClasses(const PluginSet& plugins) {
+  std::vector<std::string> missing;
+  for (const char* name : kViewClasses) {
+    const auto& classes = plugins.declared.classes;
+    const bool isDeclared =
+        std::any_of(classes.begin(), classes.end(),
+                    [name](const vtq::ClassSchema& schema) { return schema.name == name; });
+    if (!isDeclared) missing.emplace_back(name);
+  }
+  if (missing.empty()) return;
+  throw std::runtime_error(
+      fmt::format("this command needs classes that no loaded plug-in serves: {}; add the plug-in "
+                  "that serves them with --plugin (\"pciinfo classes\" shows which one does), or "
+                  "leave out --only-plugin",
+                  fmt::join(missing, ", ")));
+}
+
+Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal) {
+  if (NeedsViewClasses(options)) RequireViewClasses(plugins);
+  const Classes& declared = plugins.declared.classes;
   switch (options.command) {
     case Command::kDevices:
-      return DevicesJob(options, terminal);
+      return DevicesJob(options, declared, terminal);
     case Command::kInstances:
-      return InstancesJob(options);
+      return InstancesJob(options, declared);
     case Command::kClasses:
-      return ClassesJob(options);
+      return ClassesJob(plugins);
     case Command::kSlots:
-      return SlotsJob(options, terminal);
+      return SlotsJob(options, declared, terminal);
     case Command::kTree:
-      return TreeJob(options, terminal);
+      return TreeJob(options, declared, terminal);
     case Command::kShow:
-      return ShowJob(options, terminal);
+      return ShowJob(options, declared, terminal);
     case Command::kCheck:
-      return CheckJob(options);
+      return CheckJob(options, declared);
     case Command::kDiff:  // not run as jobs
     case Command::kCapture:
     case Command::kSchema:
     case Command::kOverview:
       break;
   }
-  return OverviewJob(options, terminal);
+  return OverviewJob(options, declared, terminal);
 }
 
 }  // namespace pciinfo

@@ -8,7 +8,6 @@
 #include "host/cli/options.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
-#include "host/schema/pci_schema.h"
 
 namespace pciinfo {
 
@@ -18,15 +17,19 @@ struct Job {
   std::function<void(const Session& session, Output& output)> print;
   /// Whether the output shows slots. If not, troubles about slots are not reported.
   bool showsSlots = true;
-  std::vector<vtq::ClassSchema> classes = PciSchema();
   /// The exit status when everything was collected and printed; empty: kAllCollected.
   std::function<ExitStatus()> answer = nullptr;
   /// Whether the output itself shows the troubles, so that they are not repeated as messages.
   bool showsTroubles = false;
 };
 
-/// Makes the job of a command that prints collected instances. Reads class files. Throws UsageError
-/// for a class that is not declared, and what DeclaredClasses throws.
-Job MakeJob(const Options& options, const Terminal& terminal);
+/// Makes the job of a command that prints collected instances. Throws UsageError for a class that
+/// is not declared, and std::runtime_error when classes that the command needs are not. `plugins`
+/// must outlive the job.
+Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal);
+
+/// Throws std::runtime_error unless the classes of functions, slots and the board are declared,
+/// which all views are made of; it says what to do.
+void RequireViewClasses(const PluginSet& plugins);
 
 }  // namespace pciinfo

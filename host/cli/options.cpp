@@ -80,10 +80,12 @@ void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
-  AddFiles(app, "--plugin", options.plugins, "Load this plug-in; may be repeated");
+  AddFiles(app, "--plugin", options.plugins.added, "Also load this plug-in; may be repeated");
+  AddFiles(app, "--only-plugin", options.plugins.only,
+           "Load this plug-in instead of the installed ones; may be repeated");
   AddFiles(
-      app, "--class-file", options.classFiles,
-      "Also declare the classes in this file, for plug-ins that provide them; may be repeated");
+      app, "--class-file", options.plugins.classFiles,
+      "Also declare the classes in this file, which every plug-in is asked for; may be repeated");
   app.add_option("--log-file", options.logFile, "Write every log record to this file")
       ->type_name("FILE");
   app.add_option("--log-level", options.logLevel,

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/collect/plugin_files.h"
 #include "host/console/terminal.h"
 #include "host/model/filter.h"
 
@@ -46,11 +47,10 @@ inline std::optional<std::uint64_t> BytesOfLimit(std::uint64_t mebibytes) {
 /// The parsed command line.
 struct Options {
   Command command = Command::kOverview;
-  std::vector<std::string> classes;                 ///< of `instances`; empty: all
-  std::string format = "table";                     ///< of `instances` and the views
-  std::string schemaFormat = "mof";                 ///< of `schema`
-  std::vector<std::string> plugins;                 ///< files; empty: the plug-in of this project
-  std::vector<std::string> classFiles;              ///< files that declare more classes
+  std::vector<std::string> classes;  ///< of `instances`; empty: all
+  std::string format = "table";      ///< of `instances` and the views
+  std::string schemaFormat = "mof";  ///< of `schema`
+  PluginOptions plugins;
   std::string logFile;                              ///< empty: none
   std::optional<int> logLevel;                      ///< 0 to 4; not set: errors and warnings
   double timeout = 600;                             ///< seconds for all collecting

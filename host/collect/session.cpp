@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "framework/exception.h"
+#include "host/base/namespace_name.h"
 #include "host/collect/stderr_log.h"
 #include "runtime/root.h"
 #include "runtime/service_failures.h"
@@ -65,20 +66,28 @@ Session::~Session() {
   vtq::SetCoreLogger(nullptr);
 }
 
-void Session::Load(const std::string& pluginFile) {
-  vtq::Plugin& plugin = manager_->Load(pluginFile);
-  if (const auto failure = FailureOf([&plugin] { plugin.Init(); })) {
-    manager_->Unload(plugin);
-    throw NQZMVTQ20::TVTQException(pluginFile + ": " + *failure);
+void Session::Load(const PluginFile& plugin) {
+  vtq::Plugin& loaded = manager_->Load(plugin.file);
+  if (const auto failure = FailureOf([&loaded] { loaded.Init(); })) {
+    manager_->Unload(loaded);
+    throw NQZMVTQ20::TVTQException(plugin.file + ": " + *failure);
   }
+  for (const std::string& className : plugin.classes) servers_[className] = plugin.file;
 }
 
 void Session::Collect(const std::vector<std::string>& classes) {
   for (const std::string& className : classes) {
     report_.BeginClass(className);
-    for (const auto& plugin : manager_->GetPlugins()) Ask(*plugin, className);
+    for (const auto& plugin : manager_->GetPlugins()) {
+      if (IsAsked(*plugin, className)) Ask(*plugin, className);
+    }
     report_.EndClass();
   }
+}
+
+bool Session::IsAsked(const vtq::Plugin& plugin, const std::string& className) const {
+  const auto server = servers_.find(className);
+  return server == servers_.end() || server->second == plugin.GetFile();
 }
 
 void Session::Ask(vtq::Plugin& plugin, const std::string& className) {

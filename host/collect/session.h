@@ -1,12 +1,13 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "host/collect/plugin_files.h"
 #include "host/collect/trouble_report.h"
-#include "host/schema/pci_schema.h"
 #include "runtime/logger.h"
 #include "runtime/plugin_manager.h"
 #include "runtime/repository.h"
@@ -24,18 +25,18 @@ struct LogSettings {
 class Session final {
  public:
   /// `report` must outlive the session. Throws TVTQException when two of `classes` have one name.
-  Session(TroubleReport& report, const LogSettings& log,
-          std::vector<vtq::ClassSchema> classes = PciSchema());
+  Session(TroubleReport& report, const LogSettings& log, std::vector<vtq::ClassSchema> classes);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   /// Calls EndPlugins and unloads the plug-ins.
   ~Session();
 
   /// Loads a plug-in and initialises it. Throws TVTQException when either fails.
-  void Load(const std::string& pluginFile);
+  void Load(const PluginFile& plugin);
 
-  /// Asks every plug-in for every class, class by class in the given order. Failures go to the
-  /// report and do not stop the other classes. The classes must be declared.
+  /// Collects class by class in the given order: asks the plug-in whose class file declares the
+  /// class, or every plug-in if none does. Failures go to the report and do not stop the other
+  /// classes. The classes must be declared.
   void Collect(const std::vector<std::string>& classes);
 
   /// De-initialises and destroys the plug-in objects; their libraries and the repository stay as
@@ -47,12 +48,14 @@ class Session final {
   const vtq::PluginManager& GetPlugins() const noexcept { return *manager_; }
 
  private:
+  bool IsAsked(const vtq::Plugin& plugin, const std::string& className) const;
   void Ask(vtq::Plugin& plugin, const std::string& className);
 
   TroubleReport& report_;
   std::shared_ptr<vtq::Logger> logger_;
   std::shared_ptr<vtq::PluginManager> manager_;
   std::shared_ptr<vtq::Namespace> repository_;
+  std::map<std::string, std::string> servers_;  ///< the file of the plug-in, by class
 };
 
 }  // namespace pciinfo

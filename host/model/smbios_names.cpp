@@ -142,14 +142,6 @@ std::string TextOf(const CodeText (&table)[size], unsigned code) {
   return row == std::end(table) ? std::to_string(code) : row->text;
 }
 
-template <std::size_t size>
-std::vector<vtq::NamedValue> ValuesOf(const CodeText (&table)[size]) {
-  std::vector<vtq::NamedValue> values;
-  values.reserve(size);
-  for (const CodeText& row : table) values.push_back({row.code, row.text});
-  return values;
-}
-
 }  // namespace
 
 std::string ConnectorTypeText(unsigned code) { return TextOf(kConnectorTypes, code); }
@@ -158,12 +150,6 @@ std::string SlotWidthText(unsigned code) { return TextOf(kWidths, code); }
 
 std::string SlotUsageText(unsigned code) { return TextOf(kUsages, code); }
 
-std::vector<vtq::NamedValue> ConnectorTypes() { return ValuesOf(kConnectorTypes); }
-
-std::vector<vtq::NamedValue> SlotWidths() { return ValuesOf(kWidths); }
-
-std::vector<vtq::NamedValue> SlotUsages() { return ValuesOf(kUsages); }
-
-std::vector<vtq::NamedValue> SlotLengths() { return ValuesOf(kLengths); }
+std::string SlotLengthText(unsigned code) { return TextOf(kLengths, code); }
 
 }  // namespace pciinfo

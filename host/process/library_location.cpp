@@ -7,11 +7,25 @@
 #include <stdexcept>
 
 namespace pciinfo {
+namespace {
+
+std::filesystem::path InstalledFolder(const std::filesystem::path& programFolder) {
+  return (programFolder / PCIINFO_PLUGIN_FOLDER).lexically_normal();
+}
+
+}  // namespace
 
 std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file) {
   const std::filesystem::path folder = programFolder;
-  const std::filesystem::path installed = (folder / PCIINFO_PLUGIN_FOLDER).lexically_normal();
-  return {folder / file, folder.parent_path() / "lib" / file, installed / file};
+  return {folder / file, folder.parent_path() / "lib" / file, InstalledFolder(folder) / file};
+}
+
+std::vector<std::string> PluginDirectories(const std::string& programFolder) {
+  const std::filesystem::path folder = programFolder;
+  const std::string besideProgram = folder.parent_path() / "lib/pciinfo/plugins";
+  const std::string installed = InstalledFolder(folder) / "plugins";
+  if (installed == besideProgram) return {besideProgram};
+  return {besideProgram, installed};
 }
 
 std::string FirstExisting(const std::vector<std::string>& places, const std::string& advice) {

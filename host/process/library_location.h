@@ -9,6 +9,10 @@ namespace pciinfo {
 /// beside the program, in the lib folder beside the program's, where it is installed with it.
 std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file);
 
+/// The directories that may hold the plug-ins of a program in `programFolder`, best place first: in
+/// the lib folder beside the program's, where it is installed with it. Each once.
+std::vector<std::string> PluginDirectories(const std::string& programFolder);
+
 /// The first of `places` that exists. Throws std::runtime_error when none does: it lists them and
 /// gives `advice`.
 std::string FirstExisting(const std::vector<std::string>& places, const std::string& advice);

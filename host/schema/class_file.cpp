@@ -5,15 +5,16 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
+#include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
 
 #include "host/console/text.h"
-#include "host/schema/pci_schema.h"
 
 namespace pciinfo {
 namespace {
@@ -52,10 +53,34 @@ std::optional<TCIMValue::TCIMType> TypeNamed(const std::string& name) {
   return std::nullopt;
 }
 
+/// Returns the largest value of an unsigned type whose values can have names; nothing for others.
+std::optional<unsigned> LargestNamedValue(const TCIMValue::TCIMType& type) {
+  using enum TCIMValue::TCIMType::ECIMType;
+  switch (type.GetCode()) {
+    case kUint8:
+      return std::numeric_limits<std::uint8_t>::max();
+    case kUint16:
+      return std::numeric_limits<std::uint16_t>::max();
+    case kUint32:
+      return std::numeric_limits<std::uint32_t>::max();
+    default:
+      return std::nullopt;
+  }
+}
+
+/// Reads a decimal number as it is usually written ("7", not "07").
+std::optional<unsigned> NumberOf(const std::string& text) {
+  unsigned number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, failure] = std::from_chars(text.data(), end, number);
+  if (failure != std::errc() || rest != end || std::to_string(number) != text) return std::nullopt;
+  return number;
+}
+
 /// A JSON object of the file with typed access to its members.
 class Object {
  public:
-  Object(const json& value, std::string place, const Names& members)
+  Object(const json& value, std::string place, std::initializer_list<std::string_view> members)
       : value_(value), place_(std::move(place)) {
     if (!value.is_object()) Fail(place_, fmt::format("expected an object, found {}", ShownType()));
     for (const auto& [name, ignored] : value.items()) {
@@ -88,9 +113,20 @@ class Object {
   }
 
   /// Empty if missing.
-  json Array(const char* name) const {
+  std::string OptionalName(const char* name) const { return Text(name).empty() ? "" : Name(name); }
+
+  /// Empty if missing.
+  const json& Members(const char* name) const {
+    static const json kNone = json::object();
+    const json* member = Find(name, json::value_t::object, "an object");
+    return member == nullptr ? kNone : *member;
+  }
+
+  /// Empty if missing.
+  const json& Array(const char* name) const {
+    static const json kNone = json::array();
     const json* member = Find(name, json::value_t::array, "an array");
-    return member == nullptr ? json::array() : *member;
+    return member == nullptr ? kNone : *member;
   }
 
  private:
@@ -111,12 +147,12 @@ class Object {
 
 class Reader {
  public:
-  explicit Reader(const std::vector<vtq::ClassSchema>& declared) {
-    for (const vtq::ClassSchema& schema : declared) known_.push_back(schema.name);
+  explicit Reader(const Declarations& declared) : files_(declared.files) {
+    for (const vtq::ClassSchema& schema : declared.classes) known_.push_back(schema.name);
   }
 
   std::vector<vtq::ClassSchema> Read(const json& document) {
-    const json classes = Object(document, "top level", {"classes"}).Array("classes");
+    const json& classes = Object(document, "top level", {"classes"}).Array("classes");
     if (classes.empty()) Fail("classes", "no class is declared");
     std::vector<vtq::ClassSchema> schemas;
     for (const json& element : classes) {
@@ -129,11 +165,8 @@ class Reader {
   vtq::ClassSchema ReadClass(const json& value, const std::string& place) {
     const Object object(value, place, {"name", "superclass", "description", "properties"});
     vtq::ClassSchema schema{
-        object.Name("name"), object.Text("superclass"), object.Text("description"), {}};
-    if (Known(schema.name) != nullptr) {
-      Fail(place + ".name", fmt::format("class \"{}\" is already declared", schema.name));
-    }
-    if (!schema.superclass.empty()) object.Name("superclass");
+        object.Name("name"), object.OptionalName("superclass"), object.Text("description"), {}};
+    RequireNew(schema.name, place + ".name");
     known_.push_back(schema.name);  // references of the class may name it
     for (const json& property : object.Array("properties")) {
       AddProperty(schema, property,
@@ -143,11 +176,25 @@ class Reader {
     return schema;
   }
 
+  void RequireNew(const std::string& name, const std::string& place) const {
+    const std::string* known = Known(name);
+    if (known == nullptr) return;
+    const auto file = files_.find(*known);
+    const std::string advice = file == files_.end()
+                                   ? "in this file: remove one of the two declarations"
+                                   : "by " + file->second + ": leave out one of the two files";
+    Fail(place, fmt::format("class \"{}\" is already declared {}", name, advice));
+  }
+
   void AddProperty(vtq::ClassSchema& schema, const json& value, const std::string& place) const {
-    const Object object(value, place, {"name", "type", "array", "key", "description", "targets"});
-    vtq::PropertySchema property{object.Name("name"),  TypeOf(object),
-                                 object.Flag("array"), object.Flag("key"),
-                                 TargetsOf(object),    object.Text("description")};
+    const Object object(value, place,
+                        {"name", "type", "array", "key", "description", "values", "override",
+                         "targets", "commonTarget"});
+    vtq::PropertySchema property{object.Name("name"),   TypeOf(object),
+                                 object.Flag("array"),  object.Flag("key"),
+                                 TargetsOf(object),     object.Text("description"),
+                                 ValuesOf(object),      object.OptionalName("override"),
+                                 CommonTargetOf(object)};
     for (const vtq::PropertySchema& other : schema.properties) {
       if (IsSameName(other.name, property.name)) {
         Fail(place + ".name", fmt::format("property \"{}\" is already declared", other.name));
@@ -162,6 +209,42 @@ class Reader {
     Fail(object.Place() + ".type",
          "expected a type: boolean, uint8 to uint64, sint8 to sint64, real32, real64, string, "
          "datetime or reference");
+  }
+
+  /// JSON has the values in the order of their texts ("10" before "9").
+  static std::vector<vtq::NamedValue> ValuesOf(const Object& object) {
+    std::vector<vtq::NamedValue> values;
+    if (object.Members("values").empty()) return values;
+    const std::string place = object.Place() + ".values";
+    const auto largest = LargestNamedValue(TypeOf(object));
+    if (!largest) Fail(place, "only properties of type uint8, uint16 or uint32 have \"values\"");
+    for (const auto& [number, meaning] : object.Members("values").items()) {
+      values.push_back(ValueOf(place, *largest, number, meaning));
+    }
+    std::sort(values.begin(), values.end(),
+              [](const auto& left, const auto& right) { return left.value < right.value; });
+    return values;
+  }
+
+  static vtq::NamedValue ValueOf(const std::string& place, unsigned largest,
+                                 const std::string& number, const json& meaning) {
+    const auto value = NumberOf(number);
+    if (!value || *value > largest) {
+      Fail(place,
+           fmt::format("expected a number from 0 to {}, found \"{}\"", largest, Printable(number)));
+    }
+    if (!meaning.is_string()) {
+      Fail(place + "." + number, fmt::format("expected a string, found {}", meaning.type_name()));
+    }
+    return {*value, meaning.get<std::string>()};
+  }
+
+  static std::string CommonTargetOf(const Object& object) {
+    const std::string name = object.OptionalName("commonTarget");
+    if (!name.empty() && object.Array("targets").size() < 2) {
+      Fail(object.Place(), "only references with several \"targets\" have a \"commonTarget\"");
+    }
+    return name;
   }
 
   Names TargetsOf(const Object& object) const {
@@ -196,6 +279,7 @@ class Reader {
   }
 
   Names known_;
+  const std::map<std::string, std::string>& files_;
 };
 
 std::string ContentOf(const std::string& file) {
@@ -213,8 +297,7 @@ std::string ContentOf(const std::string& file) {
 
 }  // namespace
 
-std::vector<vtq::ClassSchema> ParseClasses(std::string_view text,
-                                           const std::vector<vtq::ClassSchema>& declared) {
+std::vector<vtq::ClassSchema> ParseClasses(std::string_view text, const Declarations& declared) {
   json document;
   try {
     document = json::parse(text);
@@ -225,17 +308,25 @@ std::vector<vtq::ClassSchema> ParseClasses(std::string_view text,
   return Reader(declared).Read(document);
 }
 
-std::vector<vtq::ClassSchema> DeclaredClasses(const std::vector<std::string>& classFiles) {
-  std::vector<vtq::ClassSchema> declared = PciSchema();
-  for (const std::string& file : classFiles) {
-    const std::string content = ContentOf(file);
-    try {
-      for (auto& schema : ParseClasses(content, declared)) declared.push_back(std::move(schema));
-    } catch (const ClassFileError& error) {
-      Fail(file, error.what());
+Names ReadClassFile(const std::string& file, Declarations& declared) {
+  const std::string content = ContentOf(file);
+  Names names;
+  try {
+    for (vtq::ClassSchema& schema : ParseClasses(content, declared)) {
+      names.push_back(schema.name);
+      declared.files[schema.name] = file;
+      declared.classes.push_back(std::move(schema));
     }
+  } catch (const ClassFileError& error) {
+    Fail(file, error.what());
   }
-  return declared;
+  return names;
+}
+
+std::vector<vtq::ClassSchema> LoadClasses(const std::string& file) {
+  Declarations declared;
+  ReadClassFile(file, declared);
+  return std::move(declared.classes);
 }
 
 }  // namespace pciinfo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,12 +16,20 @@ class ClassFileError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The classes that were read from class files.
+struct Declarations {
+  std::vector<vtq::ClassSchema> classes;     ///< in the order of declaration
+  std::map<std::string, std::string> files;  ///< the file that declares a class, by class name
+};
+
 /// Reads the classes that the JSON `text` declares, in its order; docs/class-files.md describes the
 /// format. `declared` are the classes declared before. Throws ClassFileError without the file name.
-std::vector<vtq::ClassSchema> ParseClasses(std::string_view text,
-                                           const std::vector<vtq::ClassSchema>& declared);
+std::vector<vtq::ClassSchema> ParseClasses(std::string_view text, const Declarations& declared);
 
-/// Returns the classes of PciSchema, then those of the files. Throws ClassFileError.
-std::vector<vtq::ClassSchema> DeclaredClasses(const std::vector<std::string>& classFiles);
+/// Adds the classes of a file to `declared`. Returns their names. Throws ClassFileError.
+std::vector<std::string> ReadClassFile(const std::string& file, Declarations& declared);
+
+/// Returns the classes of a file that refers to no other. Throws ClassFileError.
+std::vector<vtq::ClassSchema> LoadClasses(const std::string& file);
 
 }  // namespace pciinfo

@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "host/schema/pci_schema.h"
+#include "host/base/namespace_name.h"
 #include "host/schema/slots_json_schema.h"
 #include "host/schema/views_json_schema.h"
 

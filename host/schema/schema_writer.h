@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "host/console/output.h"
-#include "host/schema/pci_schema.h"
+#include "runtime/class_schema.h"
 
 namespace pciinfo {
 
@@ -13,6 +13,6 @@ std::vector<std::string> SchemaFormats();
 
 /// Writes classes in one of SchemaFormats.
 void WriteSchema(Output& output, const std::string& format,
-                 const std::vector<vtq::ClassSchema>& classes = PciSchema());
+                 const std::vector<vtq::ClassSchema>& classes);
 
 }  // namespace pciinfo

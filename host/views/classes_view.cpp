@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+
 #include "host/console/text.h"
 
 namespace pciinfo {
@@ -32,15 +34,40 @@ std::string ClassText(const vtq::ClassSchema& schema) {
                      fmt::join(KeysOf(schema), ", "));
 }
 
+using Names = std::vector<std::string>;
+
+void WriteDeclared(Output& output, const PluginSet& plugins, const Names& classes) {
+  for (const vtq::ClassSchema& schema : plugins.declared.classes) {
+    if (std::find(classes.begin(), classes.end(), schema.name) != classes.end()) {
+      output.Write(ClassText(schema));
+    }
+  }
+}
+
+/// Returns the classes that no class file beside a plug-in declares.
+Names ClassesOfAll(const PluginSet& plugins) {
+  Names all;
+  for (const vtq::ClassSchema& schema : plugins.declared.classes) all.push_back(schema.name);
+  for (const PluginFile& plugin : plugins.plugins) {
+    for (const std::string& name : plugin.classes) std::erase(all, name);
+  }
+  return all;
+}
+
 }  // namespace
 
-void WriteClasses(Output& output, const vtq::PluginManager& manager,
-                  const vtq::Namespace& repository) {
-  for (const auto& plugin : manager.GetPlugins()) output.Write(PluginText(*plugin));
-  output.Write("Classes:\n");
-  for (const auto& cimClass : repository.GetClasses()) {
-    output.Write(ClassText(cimClass->GetSchema()));
+void WriteClasses(Output& output, const vtq::PluginManager& manager, const PluginSet& plugins) {
+  for (const PluginFile& file : plugins.plugins) {
+    for (const auto& plugin : manager.GetPlugins()) {
+      if (plugin->GetFile() == file.file) output.Write(PluginText(*plugin));
+    }
+    output.Write(file.classes.empty() ? "Classes: none of its own\n" : "Classes:\n");
+    WriteDeclared(output, plugins, file.classes);
+    if (&file != &plugins.plugins.back()) output.Write("\n");
   }
+  const Names shared = ClassesOfAll(plugins);
+  if (!shared.empty()) output.Write("\nClasses that every plug-in is asked for (--class-file):\n");
+  WriteDeclared(output, plugins, shared);
 }
 
 }  // namespace pciinfo

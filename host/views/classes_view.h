@@ -1,13 +1,13 @@
 #pragma once
 
+#include "host/collect/plugin_files.h"
 #include "host/console/output.h"
 #include "runtime/plugin_manager.h"
-#include "runtime/repository.h"
 
 namespace pciinfo {
 
-/// Writes the loaded plug-ins and the classes that can be queried.
-void WriteClasses(Output& output, const vtq::PluginManager& manager,
-                  const vtq::Namespace& repository);
+/// Writes the loaded plug-ins, each with the classes that it serves, then the classes that every
+/// plug-in is asked for.
+void WriteClasses(Output& output, const vtq::PluginManager& manager, const PluginSet& plugins);
 
 }  // namespace pciinfo

@@ -9,7 +9,6 @@
 #include "host/collect/query_order.h"
 #include "host/formats/path_reader.h"
 #include "host/model/slot_name.h"
-#include "host/schema/pci_schema.h"
 
 namespace pciinfo {
 namespace {
@@ -104,10 +103,11 @@ Shown FindSlot(const vtq::Namespace& repository, const std::string& name) {
 
 }  // namespace
 
-std::vector<std::string> ClassesToFind(const std::string& name) {
+std::vector<std::string> ClassesToFind(const std::vector<vtq::ClassSchema>& declared,
+                                       const std::string& name) {
   std::vector<std::string> classes = {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
   if (IsPath(name)) classes.push_back(ClassOfPath(name));
-  return PlanQuery(PciSchema(), classes).collect;
+  return PlanQuery(declared, classes).collect;
 }
 
 Shown FindNamed(const vtq::Namespace& repository, const std::string& name) {

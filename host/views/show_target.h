@@ -27,8 +27,9 @@ struct Shown {
 };
 
 /// Returns the classes to collect before FindNamed(name). Throws UsageError for an object path of
-/// an unknown class.
-std::vector<std::string> ClassesToFind(const std::string& name);
+/// a class that is not declared.
+std::vector<std::string> ClassesToFind(const std::vector<vtq::ClassSchema>& declared,
+                                       const std::string& name);
 
 /// Finds a function by address, a slot by ID, designation or tag, or an instance by object path.
 /// Throws NotFound, or UsageError if several slots have the name.

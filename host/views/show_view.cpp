@@ -126,13 +126,6 @@ std::string Texts(const vtq::Instance& instance, const char* property) {
   return fmt::format("{}", fmt::join(texts, ", "));
 }
 
-std::string LengthText(unsigned code) {
-  for (const vtq::NamedValue& length : SlotLengths()) {
-    if (length.value == code) return length.meaning;
-  }
-  return std::to_string(code);
-}
-
 Facts SlotFacts(const Shown& shown) {
   const Slot& slot = *shown.slot;
   const vtq::Instance& instance = *shown.instance;
@@ -142,7 +135,7 @@ Facts SlotFacts(const Shown& shown) {
           {"Type", InWords(slot.type, ConnectorTypeText)},
           {"Usage", InWords(slot.usage, SlotUsageText)},
           {"Width", InWords(slot.width, SlotWidthText)},
-          {"Length", InWords(NumberOf(instance, "SlotLength"), LengthText)},
+          {"Length", InWords(NumberOf(instance, "SlotLength"), SlotLengthText)},
           {"Status", Texts(instance, "StatusDescriptions")},
           {"Hot-plug", YesOrNo(slot.hotPlug)},
           {"Shared", YesOrNo(BooleanOf(instance, "Shared"))},

@@ -1,7 +1,7 @@
 #include "tests/fakes/plugin_fixture.h"
 
-#include "host/schema/pci_schema.h"
 #include "pci/process_state.h"
+#include "tests/fakes/pci_schema.h"
 
 using NQZMVTQ20::ICIMInstance;
 using NQZMVTQ20::ICIMNamespace;

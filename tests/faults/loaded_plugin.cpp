@@ -1,11 +1,12 @@
 #include "tests/faults/loaded_plugin.h"
 
+#include "host/base/namespace_name.h"
 #include "host/collect/query_order.h"
 #include "host/formats/instance_writer.h"
-#include "host/schema/pci_schema.h"
 #include "runtime/logger.h"
 #include "runtime/root.h"
 #include "tests/fakes/captured_output.h"
+#include "tests/fakes/pci_schema.h"
 #include "tests/faults/fault_plan.h"
 #include "tests/faults/faulty_repository.h"
 

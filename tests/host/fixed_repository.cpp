@@ -4,7 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "host/schema/pci_schema.h"
+#include "host/base/namespace_name.h"
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/plugins/fixed_machine.h"
 
 std::shared_ptr<vtq::Namespace> MakeEmptyRepository() {

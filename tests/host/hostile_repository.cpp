@@ -4,7 +4,8 @@
 #include <limits>
 #include <utility>
 
-#include "host/schema/pci_schema.h"
+#include "host/base/namespace_name.h"
+#include "tests/fakes/pci_schema.h"
 
 namespace {
 

@@ -66,7 +66,7 @@ RunResult RunPciinfo(const std::vector<std::string>& arguments) {
 }
 
 RunResult RunFake(const std::string& plugin, std::vector<std::string> arguments) {
-  arguments.insert(arguments.end(), {"--plugin", FakePluginFile(plugin)});
+  arguments.insert(arguments.end(), {"--only-plugin", FakePluginFile(plugin)});
   return RunPciinfo(arguments);
 }
 

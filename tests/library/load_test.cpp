@@ -11,13 +11,13 @@
 #include "framework/plugin_basic_query_callbacks.h"
 #include "framework/plugin_callbacks.h"
 #include "framework/plugin_manager_namespace.h"
-#include "host/schema/pci_schema.h"
 #include "pci/records.h"
 #include "runtime/logger.h"
 #include "runtime/plugin_manager.h"
 #include "runtime/repository.h"
 #include "runtime/root.h"
 #include "tests/fakes/host_locale.h"
+#include "tests/fakes/pci_schema.h"
 
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ILogger;

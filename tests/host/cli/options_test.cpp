@@ -34,7 +34,8 @@ TEST(Options, WithoutArgumentsTheOverviewIsShown) {
   const Options options = Parsed({});
   EXPECT_EQ(options.command, Command::kOverview);
   EXPECT_EQ(options.format, "table");
-  EXPECT_THAT(options.plugins, IsEmpty());
+  EXPECT_THAT(options.plugins.added, IsEmpty());
+  EXPECT_THAT(options.plugins.only, IsEmpty());
   EXPECT_EQ(options.logFile, "");
   EXPECT_FALSE(options.logLevel.has_value());
 }
@@ -117,7 +118,7 @@ TEST(Options, ARootGoesWithEveryCommand) {
 TEST(Options, GlobalOptionsStandBeforeTheCommand) {
   const Options options = Parsed(
       {"--plugin", "x", "--log-file", "f", "--log-level", "4", "--plugin", "y", "instances", "A"});
-  EXPECT_THAT(options.plugins, ElementsAre("x", "y"));
+  EXPECT_THAT(options.plugins.added, ElementsAre("x", "y"));
   EXPECT_EQ(options.logFile, "f");
   EXPECT_EQ(options.logLevel, 4);
   EXPECT_THAT(options.classes, ElementsAre("A"));
@@ -126,13 +127,22 @@ TEST(Options, GlobalOptionsStandBeforeTheCommand) {
 TEST(Options, GlobalOptionsStandBehindTheCommand) {
   const Options options =
       Parsed({"instances", "--plugin", "x", "A", "--log-level=0", "--plugin=y", "B"});
-  EXPECT_THAT(options.plugins, ElementsAre("x", "y"));
+  EXPECT_THAT(options.plugins.added, ElementsAre("x", "y"));
   EXPECT_EQ(options.logLevel, 0);
   EXPECT_THAT(options.classes, ElementsAre("A", "B"));
 }
 
 TEST(Options, GlobalOptionsStandOnBothSides) {
-  EXPECT_THAT(Parsed({"--plugin", "x", "slots", "--plugin", "y"}).plugins, ElementsAre("x", "y"));
+  EXPECT_THAT(Parsed({"--plugin", "x", "slots", "--plugin", "y"}).plugins.added,
+              ElementsAre("x", "y"));
+}
+
+TEST(Options, OnlyPluginAndClassFileMayBeGivenMoreThanOnce) {
+  const Options options = Parsed({"--only-plugin", "x", "slots", "--only-plugin", "y",
+                                  "--class-file", "a", "--class-file", "b"});
+  EXPECT_THAT(options.plugins.only, ElementsAre("x", "y"));
+  EXPECT_THAT(options.plugins.added, IsEmpty());
+  EXPECT_THAT(options.plugins.classFiles, ElementsAre("a", "b"));
 }
 
 TEST(Options, AnUnknownFormatIsAnErrorThatListsTheKnownOnes) {

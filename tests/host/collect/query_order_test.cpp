@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/base/errors.h"
-#include "host/schema/pci_schema.h"
+#include "tests/fakes/pci_schema.h"
 
 namespace pciinfo {
 namespace {

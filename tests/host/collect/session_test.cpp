@@ -8,6 +8,7 @@
 
 #include "framework/exception.h"
 #include "framework/root_object.h"
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/run_program.h"
 
 namespace pciinfo {
@@ -28,8 +29,8 @@ class SessionTest : public testing::Test {
 };
 
 TEST_F(SessionTest, CollectsOnlyTheRequestedClasses) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("fixed"));
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("fixed"), {}});
   session.Collect({"QZMSG_PCIDevice", "QZMSG_SystemSlot"});
   EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
   EXPECT_EQ(Count(session, "QZMSG_SystemSlot"), 3U);
@@ -39,8 +40,8 @@ TEST_F(SessionTest, CollectsOnlyTheRequestedClasses) {
 }
 
 TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("fixed"));
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("fixed"), {}});
   session.Collect({"QZMSG_PCIRawData"});
   session.EndPlugins();
   EXPECT_THAT(session.GetPlugins().GetPlugins(), IsEmpty());
@@ -51,8 +52,8 @@ TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
 TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
   const std::string logFile = testing::TempDir() + "session_test.log";
   {
-    Session session(report_, {vtq::MakeFileSink(logFile), {}});
-    session.Load(FakePluginFile("fixed"));
+    Session session(report_, {vtq::MakeFileSink(logFile), {}}, PciSchema());
+    session.Load({FakePluginFile("fixed"), {}});
     session.Collect({"QZMSG_SystemBoard", "QZMSG_PCIBridge"});
   }
   std::ifstream stream(logFile);
@@ -64,8 +65,8 @@ TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
 }
 
 TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("throwing"));
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("throwing"), {}});
   session.Collect({"QZMSG_PCIBridge", "QZMSG_SystemBoard", "QZMSG_PCIDevice"});
   EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
   EXPECT_THAT(session.EndPlugins(), IsEmpty());
@@ -74,39 +75,48 @@ TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {
                           "QZMSG_SystemBoard: the plug-in failed and did not say why"));
 }
 
-TEST_F(SessionTest, EveryLoadedPluginIsAsked) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("throwing"));
-  session.Load(FakePluginFile("fixed"));
+TEST_F(SessionTest, OnlyThePluginThatDeclaresAClassIsAskedForIt) {
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("throwing"), {"QZMSG_SystemSlot"}});
+  session.Load({FakePluginFile("fixed"), {"QZMSG_PCIBridge"}});
+  session.Collect({"QZMSG_PCIBridge"});
+  EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 2U);
+  EXPECT_FALSE(report_.HasTroubles());
+}
+
+TEST_F(SessionTest, EveryLoadedPluginIsAskedForAClassThatNoneDeclares) {
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("throwing"), {}});
+  session.Load({FakePluginFile("fixed"), {}});
   session.Collect({"QZMSG_PCIBridge"});
   EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 2U);
   EXPECT_TRUE(report_.HasTroubles());
 }
 
 TEST_F(SessionTest, AFailedCommandExplainsALostClass) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("grumbling"));
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("grumbling"), {}});
   session.Collect({"QZMSG_PCIRawData"});
   EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("no-such-listing-tool")));
 }
 
 TEST_F(SessionTest, ContractViolationsAreReturned) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("untidy"));
+  Session session(report_, {}, PciSchema());
+  session.Load({FakePluginFile("untidy"), {}});
   session.Collect({"QZMSG_SystemBoard"});
   EXPECT_THAT(session.EndPlugins(), testing::Not(IsEmpty()));
 }
 
 TEST_F(SessionTest, AFileThatCannotBeLoadedIsAnError) {
-  Session session(report_, {});
-  EXPECT_THROW(session.Load("/nowhere/x.pi.so"), NQZMVTQ20::TVTQException);
-  EXPECT_THROW(session.Load(FakePluginFile("no_plugin")), NQZMVTQ20::TVTQException);
+  Session session(report_, {}, PciSchema());
+  EXPECT_THROW(session.Load({"/nowhere/x.pi.so", {}}), NQZMVTQ20::TVTQException);
+  EXPECT_THROW(session.Load({FakePluginFile("no_plugin"), {}}), NQZMVTQ20::TVTQException);
 }
 
 TEST_F(SessionTest, APluginThatCannotBeInitialisedIsAnErrorAndUnloaded) {
-  Session session(report_, {});
+  Session session(report_, {}, PciSchema());
   try {
-    session.Load(FakePluginFile("uninitialisable"));
+    session.Load({FakePluginFile("uninitialisable"), {}});
     FAIL() << "no error";
   } catch (const NQZMVTQ20::TVTQException& error) {
     EXPECT_THAT(error.what(), HasSubstr("no fuel"));
@@ -115,7 +125,7 @@ TEST_F(SessionTest, APluginThatCannotBeInitialisedIsAnErrorAndUnloaded) {
 }
 
 TEST_F(SessionTest, LeavesNoSingletonBehind) {
-  { Session session(report_, {}); }
+  { Session session(report_, {}, PciSchema()); }
   EXPECT_EQ(NQZMVTQ20::TRootObject::GetPluginManager(), nullptr);
 }
 

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
+#include "tests/fakes/pci_schema.h"
+
 namespace pciinfo {
 namespace {
 
@@ -34,21 +38,32 @@ TEST(SmbiosNames, Usages) {
   EXPECT_EQ(SlotUsageText(5), "Unavailable");
 }
 
-TEST(SmbiosNames, TheListsHaveTheSameNames) {
-  for (const vtq::NamedValue& type : ConnectorTypes()) {
-    EXPECT_EQ(ConnectorTypeText(type.value), type.meaning);
+TEST(SmbiosNames, Lengths) {
+  EXPECT_EQ(SlotLengthText(3), "Short length");
+  EXPECT_EQ(SlotLengthText(6), "3.5\" drive form factor");
+}
+
+TEST(SmbiosNames, TheClassFileHasTheSameNames) {
+  const std::map<std::string, std::string (*)(unsigned)> texts = {
+      {"ConnectorType", &ConnectorTypeText},
+      {"MaxDataWidth", &SlotWidthText},
+      {"CurrentUsage", &SlotUsageText},
+      {"SlotLength", &SlotLengthText}};
+  std::map<std::string, std::size_t> counts;
+  for (const vtq::ClassSchema& schema : PciSchema()) {
+    for (const vtq::PropertySchema& property : schema.properties) {
+      const auto text = texts.find(property.name);
+      if (text == texts.end()) continue;
+      for (const vtq::NamedValue& value : property.values) {
+        if (value.meaning == "Reserved") continue;  // of the DMTF schema, not of SMBIOS
+        EXPECT_EQ(text->second(value.value), value.meaning) << property.name;
+        ++counts[property.name];
+      }
+    }
   }
-  for (const vtq::NamedValue& width : SlotWidths()) {
-    EXPECT_EQ(SlotWidthText(width.value), width.meaning);
-  }
-  for (const vtq::NamedValue& usage : SlotUsages()) {
-    EXPECT_EQ(SlotUsageText(usage.value), usage.meaning);
-  }
-  EXPECT_EQ(ConnectorTypes().size(), 79U);
-  EXPECT_EQ(SlotWidths().size(), 14U);
-  EXPECT_EQ(SlotUsages().size(), 5U);
-  ASSERT_EQ(SlotLengths().size(), 6U);
-  EXPECT_EQ(SlotLengths()[5].meaning, "3.5\" drive form factor");
+  const std::map<std::string, std::size_t> expected = {
+      {"ConnectorType", 79}, {"MaxDataWidth", 14}, {"CurrentUsage", 5}, {"SlotLength", 6}};
+  EXPECT_EQ(counts, expected);
 }
 
 TEST(SmbiosNames, CodesThatTheStandardDoesNotNameAreNumbers) {

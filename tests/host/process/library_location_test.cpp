@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 
 namespace pciinfo {
@@ -15,11 +16,20 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 TEST(LibraryLocation, LooksBesideTheProgramThenInTheLibFolderThenWhereItIsInstalled) {
-  const std::vector<std::string> places = LibraryPlaces("/opt/x/bin", "libpciinfo.pi.so");
+  const std::vector<std::string> places = LibraryPlaces("/opt/x/bin", "libpciinfo-extras.so");
   ASSERT_EQ(places.size(), 3U);
-  EXPECT_EQ(places[0], "/opt/x/bin/libpciinfo.pi.so");
-  EXPECT_EQ(places[1], "/opt/x/lib/libpciinfo.pi.so");
-  EXPECT_THAT(places[2], AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/libpciinfo.pi.so")));
+  EXPECT_EQ(places[0], "/opt/x/bin/libpciinfo-extras.so");
+  EXPECT_EQ(places[1], "/opt/x/lib/libpciinfo-extras.so");
+  EXPECT_THAT(places[2],
+              AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/libpciinfo-extras.so")));
+}
+
+TEST(LibraryLocation, PluginsAreInTheLibFolderOrWhereTheyAreInstalled) {
+  const std::vector<std::string> places = PluginDirectories("/opt/x/bin");
+  ASSERT_FALSE(places.empty());
+  EXPECT_EQ(places[0], "/opt/x/lib/pciinfo/plugins");
+  EXPECT_EQ(std::set<std::string>(places.begin(), places.end()).size(), places.size());
+  EXPECT_THAT(places.back(), AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/plugins")));
 }
 
 TEST(LibraryLocation, TakesTheFirstPlaceThatExists) {

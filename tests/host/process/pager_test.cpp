@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 TerminalRun Devices(const std::string& pager) {
-  return {{"devices", "--plugin", FakePluginFile("fixed")}, {{"PAGER", pager}}};
+  return {{"devices", "--only-plugin", FakePluginFile("fixed")}, {{"PAGER", pager}}};
 }
 
 TEST(Pager, ShowsTheOutput) {
@@ -42,8 +42,9 @@ TEST(Pager, IsToldHowToShowColours) {
 }
 
 TEST(Pager, MayBeLeftEarly) {
-  TerminalRun run = {{"instances", "QZMSG_PCIRawData", "--plugin", FakePluginFile("long_listing")},
-                     {{"PAGER", "head -n 1"}}};
+  TerminalRun run = {
+      {"instances", "QZMSG_PCIRawData", "--only-plugin", FakePluginFile("long_listing")},
+      {{"PAGER", "head -n 1"}}};
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 0);
   // On a slow machine, progress stands before it.
@@ -69,7 +70,7 @@ TEST(Pager, AMissingDefaultPagerIsNotMissed) {
 }
 
 TEST(Pager, MessagesComeWhenItHasEnded) {
-  TerminalRun run = {{"slots", "--plugin", FakePluginFile("slotless")},
+  TerminalRun run = {{"slots", "--only-plugin", FakePluginFile("slotless")},
                      {{"PAGER", "cat; sleep 0.3; echo end of the pager"}, {"NO_COLOR", "1"}}};
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 0);
@@ -79,13 +80,13 @@ TEST(Pager, MessagesComeWhenItHasEnded) {
 
 TEST(Pager, IsNotStartedForNothing) {
   const RunResult result = RunOnTerminal(
-      {{"show", "nothing", "--plugin", FakePluginFile("fixed")}, {{"PAGER", "echo pager"}}});
+      {{"show", "nothing", "--only-plugin", FakePluginFile("fixed")}, {{"PAGER", "echo pager"}}});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.out, Not(HasSubstr("pager\r")));
 }
 
 TEST(Pager, TheExitStatusIsThatOfTheProgram) {
-  EXPECT_EQ(RunOnTerminal({{"instances", "--plugin", FakePluginFile("throwing")},
+  EXPECT_EQ(RunOnTerminal({{"instances", "--only-plugin", FakePluginFile("throwing")},
                            {{"PAGER", "cat >/dev/null; exit 3"}}})
                 .status,
             1);
@@ -99,7 +100,7 @@ TEST(Pager, AnInterruptIsTheirsWhoReadAndEndsTheProgramThen) {
 }
 
 TEST(Pager, AnInterruptBeforeAnyOutputEndsTheProgram) {
-  TerminalRun run = {{"instances", "QZMSG_SystemSlot", "--plugin",
+  TerminalRun run = {{"instances", "QZMSG_SystemSlot", "--only-plugin",
                       FakePluginFile("hostile_Hang_QZMSG_SystemSlot"), "--timeout", "60"},
                      {{"PAGER", "echo pager"}}};
   run.keys = "\x03";

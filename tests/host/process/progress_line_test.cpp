@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 TEST(ProgressLine, TellsWhatTakesLongAndIsErased) {
-  const RunResult result = RunOnTerminal({{"slots", "--no-pager", "--timeout", "6", "--plugin",
+  const RunResult result = RunOnTerminal({{"slots", "--no-pager", "--timeout", "6", "--only-plugin",
                                            FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
                                           {}});
   const std::string line = "pciinfo: collecting QZMSG_SystemSlot (";
@@ -31,7 +31,8 @@ TEST(ProgressLine, IsNotShownForAMoment) {
   // A busy machine may take longer than a moment for it.
   for (int round = 0; round < 20 && taken >= std::chrono::seconds(1); ++round) {
     const Clock::time_point start = Clock::now();
-    result = RunOnTerminal({{"devices", "--no-pager", "--plugin", FakePluginFile("fixed")}, {}});
+    result =
+        RunOnTerminal({{"devices", "--no-pager", "--only-plugin", FakePluginFile("fixed")}, {}});
     taken = Clock::now() - start;
   }
   EXPECT_THAT(result.out, Not(HasSubstr("collecting")));
@@ -44,7 +45,7 @@ TEST(ProgressLine, IsNotShownWhereNobodyLooks) {
 
 TEST(ProgressLine, GivesWayToTheLog) {
   const RunResult result =
-      RunOnTerminal({{"slots", "--no-pager", "--timeout", "4", "--log-level", "3", "--plugin",
+      RunOnTerminal({{"slots", "--no-pager", "--timeout", "4", "--log-level", "3", "--only-plugin",
                       FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
                      {}});
   EXPECT_THAT(result.out, Not(HasSubstr("pciinfo: collecting")));
@@ -58,7 +59,7 @@ TEST(ProgressLine, IsNeverDueWhenItIsNotWanted) {
 
 TEST(ProgressLine, SaysWhichSideADiffCollects) {
   const RunResult result =
-      RunOnTerminal({{"diff", "live", "/dev/null", "--no-pager", "--timeout", "4", "--plugin",
+      RunOnTerminal({{"diff", "live", "/dev/null", "--no-pager", "--timeout", "4", "--only-plugin",
                       FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
                      {}});
   EXPECT_THAT(result.out, HasSubstr("pciinfo: live: collecting QZMSG_SystemSlot ("));

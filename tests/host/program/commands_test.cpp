@@ -173,7 +173,7 @@ TEST(Program, InstancesComeInEveryFormat) {
 }
 
 TEST(Program, TheSchemaNeedsNoPluginAndCollectsNothing) {
-  const RunResult mof = RunPciinfo({"schema", "--plugin", "/nowhere/none.pi.so"});
+  const RunResult mof = RunPciinfo({"schema", "--plugin", "/dev/null"});
   EXPECT_EQ(mof.status, 0);
   EXPECT_EQ(mof.err, "");
   EXPECT_THAT(mof.out, HasSubstr("class QZMSG_PCIDevice : CIM_PCIDevice {"));
@@ -212,6 +212,62 @@ TEST(Program, AMissingPluginIsReported) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.out, "");
   EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: "), HasSubstr("/nowhere/none.pi.so")));
+}
+
+TEST(Program, APluginIsAddedToTheInstalledOnes) {
+  const TemporaryFile fan("added_fan.pi.so");
+  const TemporaryFile classes("added_fan.classes.json");
+  std::filesystem::create_symlink(FakePluginFile("fixed"), fan.Path());
+  std::ofstream(classes.Path())
+      << R"({"classes":[{"name":"A_Fan","properties":[{"name":"Id","type":"string","key":true}]}]})";
+  const RunResult added = RunPciinfo({"classes", "--plugin", fan.Path()});
+  EXPECT_EQ(added.status, 0) << added.err;
+  EXPECT_THAT(added.out, HasSubstr("PCI Information Collector"));
+  EXPECT_THAT(added.out, HasSubstr(fan.Path() + "\nName:              Fake Collector\n"));
+  EXPECT_THAT(added.out, HasSubstr("\nClasses:\nA_Fan\n"));
+  const RunResult devices = RunPciinfo({"devices", "--plugin", fan.Path()});
+  EXPECT_EQ(devices.out, RunPciinfo({"devices"}).out);
+  const RunResult all = RunPciinfo({"instances", "--plugin", fan.Path()});
+  EXPECT_THAT(all.out, AllOf(HasSubstr("QZMSG_PCIDevice: "), HasSubstr("A_Fan: 0 instances")));
+  EXPECT_EQ(RunPciinfo({"instances", "--only-plugin", fan.Path()}).out, "A_Fan: 0 instances\n");
+}
+
+TEST(Program, CommandsSayWhichClassesNoPluginServes) {
+  const TemporaryFile fan("lonely_fan.pi.so");
+  const TemporaryFile classes("lonely_fan.classes.json");
+  std::filesystem::create_symlink(FakePluginFile("fixed"), fan.Path());
+  std::ofstream(classes.Path())
+      << R"({"classes":[{"name":"A_Fan","properties":[{"name":"Id","type":"string","key":true}]}]})";
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{},
+                                             {"devices"},
+                                             {"slots"},
+                                             {"tree"},
+                                             {"check"},
+                                             {"show", "00:00.0"},
+                                             {"instances", "--filter", "class=02"}}) {
+    std::vector<std::string> arguments = command;
+    arguments.insert(arguments.end(), {"--only-plugin", fan.Path()});
+    const RunResult result = RunPciinfo(arguments);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, AllOf(HasSubstr("no loaded plug-in serves: QZMSG_PCIDevice, "),
+                                  HasSubstr("leave out --only-plugin")));
+  }
+  EXPECT_EQ(RunPciinfo({"diff", "live", "/dev/null", "--only-plugin", fan.Path()}).status, 2);
+}
+
+TEST(Program, APluginWithoutDeclaredClassesIsWarnedOf) {
+  const TemporaryFile bare("undeclared.pi.so");
+  std::filesystem::create_symlink(FakePluginFile("fixed"), bare.Path());
+  const RunResult added = RunPciinfo({"classes", "--plugin", bare.Path()});
+  EXPECT_EQ(added.status, 0);
+  EXPECT_THAT(added.err, StartsWith("pciinfo: warning: nothing is asked of the plug-in " +
+                                    bare.Path() + ": its classes are not declared"));
+  const RunResult only = RunPciinfo({"devices", "--only-plugin", bare.Path()});
+  EXPECT_EQ(only.status, 1);
+  EXPECT_THAT(only.err,
+              HasSubstr("no class is declared: put undeclared.classes.json beside the plug-in"));
 }
 
 TEST(Program, AFileThatIsNotAPluginIsRefused) {
@@ -310,8 +366,8 @@ TEST(Program, AFullDiskIsReported) {
   for (const char* command :
        {"", "devices", "slots", "tree", "show 01:00.0", "instances --format json",
         "instances --format cim-xml", "classes", "schema"}) {
-    const RunResult result =
-        RunShell(std::string("$PCIINFO --plugin ${PLUGINS}fixed.pi.so ") + command + " >/dev/full");
+    const RunResult result = RunShell(std::string("$PCIINFO --only-plugin ${PLUGINS}fixed.pi.so ") +
+                                      command + " >/dev/full");
     EXPECT_EQ(result.status, 1) << command;
     EXPECT_EQ(result.err, "pciinfo: cannot write the output: No space left on device\n");
   }
@@ -319,7 +375,7 @@ TEST(Program, AFullDiskIsReported) {
 }
 
 TEST(Program, AClosedStandardOutputIsReported) {
-  const RunResult result = RunShell("$PCIINFO --plugin ${PLUGINS}fixed.pi.so >&-");
+  const RunResult result = RunShell("$PCIINFO --only-plugin ${PLUGINS}fixed.pi.so >&-");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, StartsWith("pciinfo: cannot write the output: "));
 }
@@ -327,8 +383,9 @@ TEST(Program, AClosedStandardOutputIsReported) {
 TEST(Program, AClosedPipeEndsItQuietly) {
   for (const char* format : {"table", "json", "jsonl", "csv", "yaml", "mof", "cim-xml"}) {
     const RunResult result = RunShell(
-        std::string("$PCIINFO --plugin ${PLUGINS}long_listing.pi.so instances QZMSG_PCIRawData "
-                    "--format ") +
+        std::string(
+            "$PCIINFO --only-plugin ${PLUGINS}long_listing.pi.so instances QZMSG_PCIRawData "
+            "--format ") +
         format + " | head -c 10 >/dev/null; exit ${PIPESTATUS[0]}");
     EXPECT_EQ(result.status, 141) << format;
     EXPECT_EQ(result.err, "");
@@ -344,9 +401,15 @@ TEST(Program, ALongListingArrivesInFull) {
 }
 
 TEST(Program, SeveralPluginsFillOneRepository) {
+  // Links in a directory without class files: both plug-ins are asked for the classes of the
+  // option.
+  const TemporaryFile throwing("throwing_link.pi.so");
+  const TemporaryFile fixed("fixed_link.pi.so");
+  std::filesystem::create_symlink(FakePluginFile("throwing"), throwing.Path());
+  std::filesystem::create_symlink(FakePluginFile("fixed"), fixed.Path());
   const RunResult result =
-      RunPciinfo({"instances", "QZMSG_PCIBridge", "--format", "json", "--plugin",
-                  FakePluginFile("throwing"), "--plugin", FakePluginFile("fixed")});
+      RunPciinfo({"instances", "QZMSG_PCIBridge", "--format", "json", "--only-plugin",
+                  throwing.Path(), "--plugin", fixed.Path(), "--class-file", PCI_CLASS_FILE});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(json::parse(result.out)["instances"].size(), 2U);
 }

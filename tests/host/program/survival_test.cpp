@@ -241,7 +241,7 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
     if (program != 0) return program;
     HearSignals();
     const std::string plugin = FakePluginFile("hostile_Hang_QZMSG_SystemSlot");
-    execl(PCIINFO_PROGRAM, "pciinfo", "instances", "--log-file", LogFile().c_str(), "--plugin",
+    execl(PCIINFO_PROGRAM, "pciinfo", "instances", "--log-file", LogFile().c_str(), "--only-plugin",
           plugin.c_str(), nullptr);
     _exit(127);
   }
@@ -293,7 +293,7 @@ TEST_F(SignalledSurvival, NothingGoesOnWhenTheProgramIsKilled) {
 TEST_F(Survival, ProcessesOfOthersAreLeftAlone) {
   const std::string plugin = FakePluginFile("hostile_Abort_QZMSG_SystemSlot");
   const RunResult result =
-      RunShell("bash -c 'sleep 987650 & exec $PCIINFO slots --plugin " + plugin +
+      RunShell("bash -c 'sleep 987650 & exec $PCIINFO slots --only-plugin " + plugin +
                "' >/dev/null 2>&1; echo $?; pkill -fx 'sleep 987650' && echo it slept");
   EXPECT_EQ(result.out, "1\nit slept\n");
 }

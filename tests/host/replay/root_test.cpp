@@ -161,7 +161,7 @@ TEST_F(Root, FilesOnTheCommandLineAreThoseOfThisMachine) {
   const std::string capture = Archive(SmallMachine());
   const RunResult result =
       RunShell("cd " + directory_.GetPath() +
-               " && $PCIINFO --root capture.tar.gz --log-file here.log --plugin " +
+               " && $PCIINFO --root capture.tar.gz --log-file here.log --only-plugin " +
                FakePluginFile("fixed") + " && test -s here.log");
   EXPECT_EQ(result.status, 0) << result.err;
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/run_program.h"
 
 namespace pciinfo {
@@ -13,7 +14,7 @@ using testing::HasSubstr;
 
 using Schemas = std::vector<vtq::ClassSchema>;
 
-constexpr const char* kExample = EXAMPLES "/network_ports/network_ports.json";
+constexpr const char* kExample = EXAMPLES "/network_ports/network_ports.classes.json";
 
 /// A file that declares one class with the given members.
 std::string WithClass(const std::string& members) { return R"({"classes":[{)" + members + "}]}"; }
@@ -24,9 +25,11 @@ std::string WithProperty(const std::string& members) {
                    members + "}]");
 }
 
+const Declarations kKnown = {{{"A_Known", "", "", {}}}, {{"A_Known", "known.json"}}};
+
 std::string ErrorOf(const std::string& text) {
   try {
-    ParseClasses(text, {{"A_Known", "", "", {}}});
+    ParseClasses(text, kKnown);
     return "no error";
   } catch (const ClassFileError& error) {
     return error.what();
@@ -66,9 +69,8 @@ TEST(ClassFile, ReadsEveryType) {
 }
 
 TEST(ClassFile, ReferencesNameDeclaredClassesAndTakeTheirSpelling) {
-  const Schemas classes =
-      ParseClasses(WithProperty(R"("name":"P","type":"reference","targets":["a_known","A_B"])"),
-                   {{"A_Known", "", "", {}}});
+  const Schemas classes = ParseClasses(
+      WithProperty(R"("name":"P","type":"reference","targets":["a_known","A_B"])"), kKnown);
   EXPECT_THAT(classes.at(0).properties.at(1).targets, ElementsAre("A_Known", "A_B"));
 }
 
@@ -84,8 +86,14 @@ TEST(ClassFile, ErrorsNameThePlace) {
               HasSubstr("classes[0]: unknown member \"super\"; the members are name, superclass"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"A_B","superclass":"x y")")),
               HasSubstr("classes[0].superclass: expected a name"));
-  EXPECT_THAT(ErrorOf(WithClass(R"("name":"a_known")")),
-              HasSubstr("classes[0].name: class \"a_known\" is already declared"));
+  EXPECT_THAT(
+      ErrorOf(WithClass(R"("name":"a_known")")),
+      HasSubstr("classes[0].name: class \"a_known\" is already declared by known.json: leave "
+                "out one of the two files"));
+  EXPECT_THAT(
+      ErrorOf(R"({"classes":[{"name":"A","properties":[{"name":"P","type":"uint8","key":true}]},
+                                     {"name":"A"}]})"),
+      HasSubstr("classes[1].name: class \"A\" is already declared in this file: remove one"));
   EXPECT_THAT(ErrorOf(WithClass(R"("name":"A_B")")), HasSubstr("classes[0]: no property is a key"));
 }
 
@@ -111,11 +119,60 @@ TEST(ClassFile, DeeplyNestedTextIsAnError) {
   EXPECT_THAT(ErrorOf(std::string(500000, '[')), HasSubstr("line 1"));
 }
 
-TEST(ClassFile, AddsTheClassesOfFilesAfterTheBuiltInOnes) {
-  const Schemas classes = DeclaredClasses({kExample});
-  ASSERT_EQ(classes.size(), 8U);
-  EXPECT_EQ(classes.back().name, "ACME_NetworkPort");
-  EXPECT_EQ(DeclaredClasses({}).size(), 7U);
+TEST(ClassFile, ReadsNamesOfValuesInTheOrderOfTheValues) {
+  const Schemas classes = ParseClasses(
+      WithProperty(R"("name":"P","type":"uint8","values":{"10":"ten","0":"none","9":"nine"})"), {});
+  const auto& values = classes.at(0).properties.at(1).values;
+  ASSERT_EQ(values.size(), 3U);
+  EXPECT_EQ(values[0].value, 0U);
+  EXPECT_EQ(values[0].meaning, "none");
+  EXPECT_EQ(values[1].value, 9U);
+  EXPECT_EQ(values[2].value, 10U);
+  EXPECT_EQ(values[2].meaning, "ten");
+}
+
+TEST(ClassFile, SaysWhatIsWrongWithNamesOfValues) {
+  const auto errorOf = [](const std::string& type, const std::string& values) {
+    return ErrorOf(WithProperty(R"("name":"P","type":")" + type + R"(","values":)" + values));
+  };
+  const std::string place = "classes[0].properties[1].values";
+  EXPECT_THAT(errorOf("uint8", "3"), HasSubstr(place + ": expected an object, found number"));
+  EXPECT_THAT(errorOf("string", R"({"1":"one"})"), HasSubstr(place + ": only properties of type"));
+  for (const std::string number : {"256", "-1", "01", "", "0x1", "1 ", "99999999999"}) {
+    EXPECT_THAT(errorOf("uint8", "{\"" + number + "\":\"x\"}"),
+                HasSubstr(place + ": expected a number from 0 to 255, found \"" + number + "\""));
+  }
+  EXPECT_EQ(errorOf("uint8", R"({"255":"x"})"), "no error");
+  EXPECT_EQ(errorOf("uint16", R"({"65535":"x"})"), "no error");
+  EXPECT_THAT(errorOf("uint16", R"({"65536":"x"})"), HasSubstr("from 0 to 65535"));
+  EXPECT_EQ(errorOf("uint32", R"({"4294967295":"x"})"), "no error");
+  EXPECT_THAT(errorOf("uint32", R"({"4294967296":"x"})"), HasSubstr("from 0 to 4294967295"));
+  EXPECT_THAT(errorOf("uint8", R"({"1":2})"),
+              HasSubstr(place + ".1: expected a string, found number"));
+}
+
+TEST(ClassFile, ReadsOverridesAndTheCommonTarget) {
+  const Schemas classes =
+      ParseClasses(WithProperty(R"("name":"P","type":"reference","override":"Part",
+                                   "targets":["A_Known","A_B"],"commonTarget":"CIM_Part")"),
+                   kKnown);
+  EXPECT_EQ(classes.at(0).properties.at(1).overrides, "Part");
+  EXPECT_EQ(classes.at(0).properties.at(1).commonTarget, "CIM_Part");
+  EXPECT_EQ(classes.at(0).properties.at(0).overrides, "");
+  EXPECT_THAT(ErrorOf(WithProperty(R"("name":"P","type":"uint8","override":"a b")")),
+              HasSubstr("classes[0].properties[1].override: expected a name"));
+  EXPECT_THAT(ErrorOf(WithProperty(
+                  R"("name":"P","type":"reference","targets":["A_Known"],"commonTarget":"C")")),
+              HasSubstr("only references with several \"targets\" have a \"commonTarget\""));
+}
+
+TEST(ClassFile, AddsTheClassesOfAFileToThoseDeclaredBefore) {
+  Declarations declared{PciSchema(), {}};
+  EXPECT_THAT(ReadClassFile(kExample, declared), ElementsAre("ACME_NetworkPort"));
+  ASSERT_EQ(declared.classes.size(), 8U);
+  EXPECT_EQ(declared.classes.back().name, "ACME_NetworkPort");
+  EXPECT_EQ(declared.files.at("ACME_NetworkPort"), kExample);
+  EXPECT_EQ(LoadClasses(kExample).size(), 1U);
 }
 
 TEST(ClassFile, ProgramNamesAnInvalidFile) {
@@ -125,7 +182,7 @@ TEST(ClassFile, ProgramNamesAnInvalidFile) {
     EXPECT_THAT(missing.err, HasSubstr("/nowhere/a.json: No such file or directory"));
     const RunResult twice =
         RunFake("fixed", {command, "--class-file", kExample, "--class-file", kExample});
-    EXPECT_THAT(twice.err, HasSubstr("network_ports.json: classes[0].name: class"));
+    EXPECT_THAT(twice.err, HasSubstr("network_ports.classes.json: classes[0].name: class"));
     EXPECT_EQ(twice.out, "");
   }
   EXPECT_THAT(RunFake("fixed", {"classes", "--class-file", "/etc"}).err,

@@ -7,11 +7,11 @@
 #include <nlohmann/json.hpp>
 
 #include "host/model/slots_model.h"
-#include "host/schema/pci_schema.h"
 #include "host/views/devices_view.h"
 #include "host/views/show_view.h"
 #include "host/views/slots_view.h"
 #include "host/views/tree_view.h"
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 #include "tests/host/written.h"

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/schema/pci_schema.h"
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 

@@ -1,4 +1,4 @@
-#include "host/schema/pci_schema.h"
+#include "tests/fakes/pci_schema.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

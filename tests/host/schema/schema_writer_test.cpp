@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/fixed_repository.h"
 
 namespace pciinfo {
@@ -10,7 +11,7 @@ namespace {
 
 std::string Schema(const std::string& format) {
   OutputToText output;
-  WriteSchema(output.Get(), format);
+  WriteSchema(output.Get(), format, PciSchema());
   return output.Text();
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/base/errors.h"
+#include "tests/fakes/pci_schema.h"
 #include "tests/host/fixed_repository.h"
 
 namespace pciinfo {
@@ -84,12 +85,12 @@ TEST(ShowTarget, RefusesTextsThatAreNotPaths) {
 }
 
 TEST(ShowTarget, CollectsTheClassOfAPath) {
-  EXPECT_THAT(ClassesToFind("01:00.0"),
+  EXPECT_THAT(ClassesToFind(PciSchema(), "01:00.0"),
               AllOf(Contains("QZMSG_DeviceInSlot"), testing::Not(Contains("QZMSG_PCIRawData"))));
-  EXPECT_THAT(ClassesToFind("/root/cimv2:QZMSG_PCIRawData.Command=\"x\""),
+  EXPECT_THAT(ClassesToFind(PciSchema(), "/root/cimv2:QZMSG_PCIRawData.Command=\"x\""),
               Contains("QZMSG_PCIRawData"));
-  EXPECT_THROW(ClassesToFind("/root/cimv2:Other.x=1"), UsageError);
-  EXPECT_THROW(ClassesToFind("/"), UsageError);
+  EXPECT_THROW(ClassesToFind(PciSchema(), "/root/cimv2:Other.x=1"), UsageError);
+  EXPECT_THROW(ClassesToFind(PciSchema(), "/"), UsageError);
 }
 
 }  // namespace
