@@ -10,18 +10,19 @@
 #include <fstream>
 #include <initializer_list>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
 
 #include "host/console/text.h"
+#include "host/schema/json_value.h"
 
 namespace pciinfo {
 namespace {
 
-using nlohmann::json;
+using Kind = JsonValue::Kind;
 using NQZMVTQ20::TCIMValue;
 using Names = std::vector<std::string>;
+using Members = std::vector<std::pair<std::string, JsonValue>>;
 
 [[noreturn]] void Fail(const std::string& place, const std::string& what) {
   throw ClassFileError(place + ": " + what);
@@ -80,10 +81,11 @@ std::optional<unsigned> NumberOf(const std::string& text) {
 /// A JSON object of the file with typed access to its members.
 class Object {
  public:
-  Object(const json& value, std::string place, std::initializer_list<std::string_view> members)
+  Object(const JsonValue& value, std::string place, std::initializer_list<std::string_view> members)
       : value_(value), place_(std::move(place)) {
-    if (!value.is_object()) Fail(place_, fmt::format("expected an object, found {}", ShownType()));
-    for (const auto& [name, ignored] : value.items()) {
+    if (value.kind != Kind::kObject)
+      Fail(place_, fmt::format("expected an object, found {}", ShownType()));
+    for (const auto& [name, ignored] : value.members) {
       if (std::find(members.begin(), members.end(), name) != members.end()) continue;
       Fail(place_, fmt::format("unknown member \"{}\"; the members are {}", Printable(name),
                                fmt::join(members, ", ")));
@@ -94,14 +96,14 @@ class Object {
 
   /// Empty if missing.
   std::string Text(const char* name) const {
-    const json* member = Find(name, json::value_t::string, "a string");
-    return member == nullptr ? "" : member->get<std::string>();
+    const JsonValue* member = Find(name, Kind::kString, "a string");
+    return member == nullptr ? "" : member->text;
   }
 
   /// False if missing.
   bool Flag(const char* name) const {
-    const json* member = Find(name, json::value_t::boolean, "true or false");
-    return member != nullptr && member->get<bool>();
+    const JsonValue* member = Find(name, Kind::kBoolean, "true or false");
+    return member != nullptr && member->flag;
   }
 
   std::string Name(const char* name) const {
@@ -116,32 +118,34 @@ class Object {
   std::string OptionalName(const char* name) const { return Text(name).empty() ? "" : Name(name); }
 
   /// Empty if missing.
-  const json& Members(const char* name) const {
-    static const json kNone = json::object();
-    const json* member = Find(name, json::value_t::object, "an object");
-    return member == nullptr ? kNone : *member;
+  const Members& MembersOf(const char* name) const {
+    static const Members kNone;
+    const JsonValue* member = Find(name, Kind::kObject, "an object");
+    return member == nullptr ? kNone : member->members;
   }
 
   /// Empty if missing.
-  const json& Array(const char* name) const {
-    static const json kNone = json::array();
-    const json* member = Find(name, json::value_t::array, "an array");
-    return member == nullptr ? kNone : *member;
+  const Members& Array(const char* name) const {
+    static const Members kNone;
+    const JsonValue* member = Find(name, Kind::kArray, "an array");
+    return member == nullptr ? kNone : member->members;
   }
 
  private:
-  std::string ShownType() const { return value_.type_name(); }
+  std::string ShownType() const { return value_.KindName(); }
 
-  const json* Find(const char* name, json::value_t type, const char* needed) const {
-    const auto member = value_.find(name);
-    if (member == value_.end()) return nullptr;
-    if (member->type() != type) {
-      Fail(place_ + "." + name, fmt::format("expected {}, found {}", needed, member->type_name()));
+  const JsonValue* Find(const char* name, Kind kind, const char* needed) const {
+    for (const auto& [key, member] : value_.members) {
+      if (key != name) continue;
+      if (member.kind != kind) {
+        Fail(place_ + "." + name, fmt::format("expected {}, found {}", needed, member.KindName()));
+      }
+      return &member;
     }
-    return &*member;
+    return nullptr;
   }
 
-  const json& value_;
+  const JsonValue& value_;
   std::string place_;
 };
 
@@ -151,24 +155,24 @@ class Reader {
     for (const vtq::ClassSchema& schema : declared.classes) known_.push_back(schema.name);
   }
 
-  std::vector<vtq::ClassSchema> Read(const json& document) {
-    const json& classes = Object(document, "top level", {"classes"}).Array("classes");
+  std::vector<vtq::ClassSchema> Read(const JsonValue& document) {
+    const Members& classes = Object(document, "top level", {"classes"}).Array("classes");
     if (classes.empty()) Fail("classes", "no class is declared");
     std::vector<vtq::ClassSchema> schemas;
-    for (const json& element : classes) {
+    for (const auto& [unnamed, element] : classes) {
       schemas.push_back(ReadClass(element, fmt::format("classes[{}]", schemas.size())));
     }
     return schemas;
   }
 
  private:
-  vtq::ClassSchema ReadClass(const json& value, const std::string& place) {
+  vtq::ClassSchema ReadClass(const JsonValue& value, const std::string& place) {
     const Object object(value, place, {"name", "superclass", "description", "properties"});
     vtq::ClassSchema schema{
         object.Name("name"), object.OptionalName("superclass"), object.Text("description"), {}};
     RequireNew(schema.name, place + ".name");
     known_.push_back(schema.name);  // references of the class may name it
-    for (const json& property : object.Array("properties")) {
+    for (const auto& [unnamed, property] : object.Array("properties")) {
       AddProperty(schema, property,
                   fmt::format("{}.properties[{}]", place, schema.properties.size()));
     }
@@ -186,7 +190,8 @@ class Reader {
     Fail(place, fmt::format("class \"{}\" is already declared {}", name, advice));
   }
 
-  void AddProperty(vtq::ClassSchema& schema, const json& value, const std::string& place) const {
+  void AddProperty(vtq::ClassSchema& schema, const JsonValue& value,
+                   const std::string& place) const {
     const Object object(value, place,
                         {"name", "type", "array", "key", "description", "values", "override",
                          "targets", "commonTarget"});
@@ -211,14 +216,13 @@ class Reader {
          "datetime or reference");
   }
 
-  /// JSON has the values in the order of their texts ("10" before "9").
   static std::vector<vtq::NamedValue> ValuesOf(const Object& object) {
     std::vector<vtq::NamedValue> values;
-    if (object.Members("values").empty()) return values;
+    if (object.MembersOf("values").empty()) return values;
     const std::string place = object.Place() + ".values";
     const auto largest = LargestNamedValue(TypeOf(object));
     if (!largest) Fail(place, "only properties of type uint8, uint16 or uint32 have \"values\"");
-    for (const auto& [number, meaning] : object.Members("values").items()) {
+    for (const auto& [number, meaning] : object.MembersOf("values")) {
       values.push_back(ValueOf(place, *largest, number, meaning));
     }
     std::sort(values.begin(), values.end(),
@@ -227,16 +231,16 @@ class Reader {
   }
 
   static vtq::NamedValue ValueOf(const std::string& place, unsigned largest,
-                                 const std::string& number, const json& meaning) {
+                                 const std::string& number, const JsonValue& meaning) {
     const auto value = NumberOf(number);
     if (!value || *value > largest) {
       Fail(place,
            fmt::format("expected a number from 0 to {}, found \"{}\"", largest, Printable(number)));
     }
-    if (!meaning.is_string()) {
-      Fail(place + "." + number, fmt::format("expected a string, found {}", meaning.type_name()));
+    if (meaning.kind != Kind::kString) {
+      Fail(place + "." + number, fmt::format("expected a string, found {}", meaning.KindName()));
     }
-    return {*value, meaning.get<std::string>()};
+    return {*value, meaning.text};
   }
 
   static std::string CommonTargetOf(const Object& object) {
@@ -249,10 +253,9 @@ class Reader {
 
   Names TargetsOf(const Object& object) const {
     Names targets;
-    for (const json& target : object.Array("targets")) {
+    for (const auto& [unnamed, target] : object.Array("targets")) {
       const std::string place = fmt::format("{}.targets[{}]", object.Place(), targets.size());
-      const std::string* known =
-          target.is_string() ? Known(target.get_ref<const std::string&>()) : nullptr;
+      const std::string* known = target.kind == Kind::kString ? Known(target.text) : nullptr;
       if (known == nullptr) {
         Fail(place, fmt::format("no class of that name is declared before; the classes are {}",
                                 fmt::join(known_, ", ")));
@@ -298,14 +301,7 @@ std::string ContentOf(const std::string& file) {
 }  // namespace
 
 std::vector<vtq::ClassSchema> ParseClasses(std::string_view text, const Declarations& declared) {
-  json document;
-  try {
-    document = json::parse(text);
-  } catch (const json::parse_error& error) {
-    const std::string reason = error.what();
-    throw ClassFileError(reason.substr(reason.find("] ") + 2));
-  }
-  return Reader(declared).Read(document);
+  return Reader(declared).Read(ParseJson(text));
 }
 
 Names ReadClassFile(const std::string& file, Declarations& declared) {

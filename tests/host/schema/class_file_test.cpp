@@ -116,7 +116,12 @@ TEST(ClassFile, SaysWhatIsWrongWithAProperty) {
 }
 
 TEST(ClassFile, DeeplyNestedTextIsAnError) {
-  EXPECT_THAT(ErrorOf(std::string(500000, '[')), HasSubstr("line 1"));
+  EXPECT_THAT(ErrorOf(std::string(500000, '[')), HasSubstr("nested too deeply"));
+}
+
+TEST(ClassFile, AMemberThatIsThereTwiceIsAnError) {
+  EXPECT_THAT(ErrorOf(WithClass(R"("name":"A_B","name":"A_C")")),
+              HasSubstr("member \"name\" is there twice"));
 }
 
 TEST(ClassFile, ReadsNamesOfValuesInTheOrderOfTheValues) {
