@@ -27,7 +27,7 @@ class Machine {
   explicit Machine(const std::string& capture)
       : findings_(json::parse(
             RunPciinfo({"check", "--format", "json", "--root", capture}).out)["findings"]) {
-    RunProgram("/bin/tar", {"-xzf", capture, "-C", folder_.GetPath()});
+    RunProcess({"/bin/tar", "-xzf", capture, "-C", folder_.GetPath()});
   }
 
   /// The objects of a finding, sorted.

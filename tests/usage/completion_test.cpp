@@ -32,18 +32,18 @@ class Completion : public testing::Test {
     return RunShell("cd " + folder_ + "/files && exec bash --norc -c '. ../bash; COMP_WORDS=(" +
                     words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _water; " +
                     "printf \"%s|\" \"${COMPREPLY[@]}\"'")
-        .text;
+        .out;
   }
 
   /// The completions that fish proposes for a command line, one line each.
   std::string Fish(const std::string& line) const {
     return RunShell("cd " + folder_ + "/files && HOME=" + folder_ +
                     " fish --no-config -c '. ../fish; complete -C \"" + line + "\"'")
-        .text;
+        .out;
   }
 
   std::string Syntax(const std::string& shell) const {
-    return RunShell(shell + " -n " + folder_ + "/" + shell).text;
+    return RunShell(shell + " -n " + folder_ + "/" + shell).out;
   }
 
  private:
@@ -105,24 +105,24 @@ TEST_F(OtherShells, ZshAcceptsItsFile) {
 TEST_F(OtherShells, AcceptTheInstalledFiles) {
   NEEDS("fish");
   NEEDS("zsh");
-  EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").text, "");
-  EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").text, "");
+  EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").out, "");
+  EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").out, "");
 }
 
 TEST_F(OtherShells, FishProposesTheProgramsOwnCommands) {
   NEEDS("fish");
   EXPECT_EQ(RunShell("fish --no-config -c '. " WRITTEN_FOLDER
                      "/pciinfo.fish; complete -C \"pciinfo inst\"'")
-                .text,
+                .out,
             "instances\tPrint the instances of CIM classes\n");
 }
 
 TEST_F(Completion, BashProposesTheProgramsOwnCommands) {
-  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").text, "");
+  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").out, "");
   EXPECT_EQ(RunShell("bash --norc -c '. " WRITTEN_FOLDER
                      "/pciinfo; COMP_WORDS=(pciinfo instances QZMSG_PCIB); COMP_CWORD=2; "
                      "_pciinfo; echo \"${COMPREPLY[@]}\"'")
-                .text,
+                .out,
             "QZMSG_PCIBridge\n");
 }
 

@@ -239,11 +239,8 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
   pid_t StartHanging() const {
     const pid_t program = fork();
     if (program != 0) return program;
-    HearSignals();
-    const std::string plugin = FakePluginFile("hostile_Hang_QZMSG_SystemSlot");
-    execl(PCIINFO_PROGRAM, "pciinfo", "instances", "--log-file", LogFile().c_str(), "--plugin",
-          plugin.c_str(), nullptr);
-    _exit(127);
+    _exit(Execute({PCIINFO_PROGRAM, "instances", "--log-file", LogFile(), "--plugin",
+                   FakePluginFile("hostile_Hang_QZMSG_SystemSlot")}));
   }
 
   void WaitUntilItHangs() const {
