@@ -54,10 +54,7 @@ class Machine {
     std::sort(paths.begin(), paths.end());
     return paths;
   }
-  std::string Text(const std::string& file) const {
-    std::ifstream stream(folder_.GetPath() + "/" + file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
+  std::string Text(const std::string& file) const { return folder_.Read(file); }
 
  private:
   vtq::TemporaryDirectory folder_;

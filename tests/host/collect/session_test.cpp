@@ -3,12 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "framework/exception.h"
 #include "framework/root_object.h"
 #include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace pciinfo {
 namespace {
@@ -49,18 +47,16 @@ TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
 }
 
 TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
-  const std::string logFile = testing::TempDir() + "session_test.log";
+  const vtq::TemporaryDirectory directory;
   {
-    Session session(report_, {vtq::MakeFileSink(logFile), {}});
+    Session session(report_, {vtq::MakeFileSink(directory / "log"), {}});
     session.Load(FakePluginFile("fixed"));
     session.Collect({"QZMSG_SystemBoard", "QZMSG_PCIBridge"});
   }
-  std::ifstream stream(logFile);
-  const std::string log{std::istreambuf_iterator<char>(stream), {}};
-  EXPECT_THAT(LinesOf(log), ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_SystemBoard",
-                                        "3 fake: GetData QZMSG_PCIBridge", "3 fake: DeInit",
-                                        "3 fake: PrepareForUnload"));
-  std::filesystem::remove(logFile);
+  EXPECT_THAT(
+      LinesOf(directory.Read("log")),
+      ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_SystemBoard",
+                  "3 fake: GetData QZMSG_PCIBridge", "3 fake: DeInit", "3 fake: PrepareForUnload"));
 }
 
 TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {

@@ -3,11 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace {
 
@@ -29,24 +28,6 @@ std::vector<std::string> ClassesIn(const std::string& text) {
   }
   return classes;
 }
-
-/// A file name in the directory for temporary files; the destructor removes the file.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::string& name) : path_(testing::TempDir() + name) {}
-  ~TemporaryFile() { std::filesystem::remove(path_); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  const std::string& Path() const { return path_; }
-  std::string Text() const {
-    std::ifstream stream(path_);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-
- private:
-  std::string path_;
-};
 
 TEST(Program, DevicesListsThePciFunctions) {
   const RunResult result = RunFake("fixed", {"devices"});
@@ -215,11 +196,11 @@ TEST(Program, AMissingPluginIsReported) {
 }
 
 TEST(Program, AFileThatIsNotAPluginIsRefused) {
-  const TemporaryFile broken("broken.pi.so");
-  std::ofstream(broken.Path()) << "this is no library\n";
-  const RunResult result = RunPciinfo({"--plugin", broken.Path()});
+  const vtq::TemporaryDirectory directory;
+  const std::string broken = directory.Write("broken.pi.so", "this is no library\n");
+  const RunResult result = RunPciinfo({"--plugin", broken});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, HasSubstr(broken.Path()));
+  EXPECT_THAT(result.err, HasSubstr(broken));
   EXPECT_EQ(RunFake("no_plugin", {}).status, 1);
   EXPECT_THAT(RunFake("no_plugin", {}).err, HasSubstr("no_plugin.pi.so"));
 }
@@ -279,10 +260,10 @@ TEST(Program, ALogLevelShowsTheRecordsThemselves) {
 }
 
 TEST(Program, TheLogFileHasEveryRecord) {
-  const TemporaryFile log("commands_test.log");
-  RunFake("grumbling", {"devices", "--log-file", log.Path()});
+  const vtq::TemporaryDirectory directory;
+  RunFake("grumbling", {"devices", "--log-file", directory / "log"});
   EXPECT_THAT(
-      LinesOf(log.Text()),
+      LinesOf(directory.Read("log")),
       ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_PCIDevice",
                   "0 Unable to open SMBIOS library error: 4", "0 Exiting correlateDeviceAndSlot",
                   "0 Exiting correlateDeviceAndSlot", "2 Could not open PCI description file.",

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -51,28 +52,23 @@ class Survival : public testing::Test {
     return RunFake("hostile_" + harm, options);
   }
 
-  std::string LogFile() const { return directory_.GetPath() + "/log"; }
+  std::string LogFile() const { return directory_ / "log"; }
 
   bool Logs(const std::string& text) const {
-    std::ifstream stream(LogFile());
-    const std::string log{std::istreambuf_iterator<char>(stream), {}};
-    return log.find(text) != std::string::npos;
+    return directory_.Read("log").find(text) != std::string::npos;
   }
 
   /// Returns how often the plug-in was asked for a class.
-  int CountQueries(const std::string& className) const {
-    std::ifstream stream(LogFile());
-    int count = 0;
-    for (std::string line; std::getline(stream, line);) {
-      if (line.ends_with("GetData " + className)) ++count;
-    }
-    return count;
+  long CountQueries(const std::string& className) const {
+    const std::vector<std::string> lines = LinesOf(directory_.Read("log"));
+    return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+      return line.ends_with("GetData " + className);
+    });
   }
 
   /// Returns the text after `beginning` in the log.
   std::string Logged(const std::string& beginning) const {
-    std::ifstream stream(LogFile());
-    for (std::string line; std::getline(stream, line);) {
+    for (const std::string& line : LinesOf(directory_.Read("log"))) {
       const std::size_t start = line.find(beginning);
       if (start != std::string::npos) return line.substr(start + beginning.size());
     }

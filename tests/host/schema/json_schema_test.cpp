@@ -83,8 +83,8 @@ class JsonSchema : public testing::Test {
   }
 
  private:
-  std::string SchemaFile() const { return directory_.GetPath() + "/schema.json"; }
-  std::string DocumentsFile() const { return directory_.GetPath() + "/documents.json"; }
+  std::string SchemaFile() const { return directory_ / "schema.json"; }
+  std::string DocumentsFile() const { return directory_ / "documents.json"; }
 
   vtq::TemporaryDirectory directory_;
 };
