@@ -30,6 +30,10 @@ RunResult RunFake(const std::string& plugin, std::vector<std::string> arguments,
   return RunPciinfo(arguments, environment);
 }
 
+RunResult RunHostile(const std::string& harm, const std::vector<std::string>& arguments) {
+  return RunFake("hostile", arguments, {{"HOSTILE", harm}});
+}
+
 RunResult RunShell(const std::string& commandLine) {
   return Run({"/bin/bash", "-c", commandLine},
              {{"PCIINFO", PCIINFO_PROGRAM}, {"PLUGINS", FAKE_PLUGINS}});

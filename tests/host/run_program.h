@@ -14,6 +14,9 @@ RunResult RunPciinfo(const std::vector<std::string>& arguments,
 RunResult RunFake(const std::string& plugin, std::vector<std::string> arguments,
                   const std::map<std::string, std::string>& environment = {});
 
+/// Runs pciinfo with the hostile plug-in: `harm` is what it does and where ("Hang Init").
+RunResult RunHostile(const std::string& harm, const std::vector<std::string>& arguments);
+
 /// Runs a shell command, in which $PCIINFO is the program and $PLUGINS the directory of the test
 /// plug-ins, with a trailing slash.
 RunResult RunShell(const std::string& commandLine);
