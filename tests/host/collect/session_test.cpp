@@ -59,46 +59,6 @@ TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
                   "3 fake: GetData QZMSG_PCIBridge", "3 fake: DeInit", "3 fake: PrepareForUnload"));
 }
 
-TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("throwing"));
-  session.Collect({"QZMSG_PCIBridge", "QZMSG_SystemBoard", "QZMSG_PCIDevice"});
-  EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
-  EXPECT_THAT(session.EndPlugins(), IsEmpty());
-  EXPECT_THAT(report_.GetLines(),
-              ElementsAre("QZMSG_PCIBridge: the plug-in failed: bridge out",
-                          "QZMSG_SystemBoard: the plug-in failed and did not say why"));
-}
-
-TEST_F(SessionTest, EveryLoadedPluginIsAsked) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("throwing"));
-  session.Load(FakePluginFile("fixed"));
-  session.Collect({"QZMSG_PCIBridge"});
-  EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 2U);
-  EXPECT_TRUE(report_.HasTroubles());
-}
-
-TEST_F(SessionTest, AFailedCommandExplainsALostClass) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("grumbling"));
-  session.Collect({"QZMSG_PCIRawData"});
-  EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("no-such-listing-tool")));
-}
-
-TEST_F(SessionTest, ContractViolationsAreReturned) {
-  Session session(report_, {});
-  session.Load(FakePluginFile("untidy"));
-  session.Collect({"QZMSG_SystemBoard"});
-  EXPECT_THAT(session.EndPlugins(), testing::Not(IsEmpty()));
-}
-
-TEST_F(SessionTest, AFileThatCannotBeLoadedIsAnError) {
-  Session session(report_, {});
-  EXPECT_THROW(session.Load("/nowhere/x.pi.so"), NQZMVTQ20::TVTQException);
-  EXPECT_THROW(session.Load(FakePluginFile("no_plugin")), NQZMVTQ20::TVTQException);
-}
-
 TEST_F(SessionTest, APluginThatCannotBeInitialisedIsAnErrorAndUnloaded) {
   Session session(report_, {});
   try {
