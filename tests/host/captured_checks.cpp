@@ -27,7 +27,7 @@ class Machine {
   explicit Machine(const std::string& capture)
       : findings_(json::parse(
             RunPciinfo({"check", "--format", "json", "--root", capture}).out)["findings"]) {
-    RunProgram("/bin/tar", {"-xzf", capture, "-C", folder_.GetPath()});
+    RunProcess({"/bin/tar", "-xzf", capture, "-C", folder_.GetPath()});
   }
 
   /// The objects of a finding, sorted.
@@ -54,10 +54,7 @@ class Machine {
     std::sort(paths.begin(), paths.end());
     return paths;
   }
-  std::string Text(const std::string& file) const {
-    std::ifstream stream(folder_.GetPath() + "/" + file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
+  std::string Text(const std::string& file) const { return folder_.Read(file); }
 
  private:
   vtq::TemporaryDirectory folder_;

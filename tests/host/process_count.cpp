@@ -12,7 +12,7 @@
 #include <stdexcept>
 
 #include "runtime/file_descriptor.h"
-#include "tests/host/run_program.h"
+#include "tests/fakes/run_process.h"
 
 namespace {
 
@@ -30,15 +30,10 @@ vtq::FileDescriptor OpenTerminal() {
   dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
   dup2(stream, STDOUT_FILENO);
   dup2(stream, STDERR_FILENO);
-  HearSignals();
   if (!pager.empty()) setenv("PCIINFO_PAGER", pager.c_str(), 1);
-  std::vector<char*> arguments;
-  for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
-  arguments.push_back(nullptr);
   ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
   raise(SIGSTOP);  // until the other process has said what it wants to hear of
-  execv(arguments.front(), arguments.data());
-  _exit(127);
+  _exit(Execute(words));
 }
 
 std::string ProgramOf(pid_t process) {

@@ -11,19 +11,14 @@
 namespace {
 
 [[noreturn]] void Become(const TerminalRun& run) {
-  HearSignals();
   clearenv();
   setenv("PATH", "/usr/bin:/bin", 1);
   setenv("TERM", "xterm", 1);
   setenv("LANG", "C.UTF-8", 1);
   for (const auto& [name, value] : run.environment) setenv(name.c_str(), value.c_str(), 1);
-  std::vector<char*> arguments = {const_cast<char*>(PCIINFO_PROGRAM)};
-  for (const std::string& word : run.arguments) {
-    arguments.push_back(const_cast<char*>(word.c_str()));
-  }
-  arguments.push_back(nullptr);
-  execv(arguments.front(), arguments.data());
-  _exit(127);
+  std::vector<std::string> words = {PCIINFO_PROGRAM};
+  words.insert(words.end(), run.arguments.begin(), run.arguments.end());
+  _exit(Execute(words));
 }
 
 /// Reads until the terminal is closed, or for half a minute without output.

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -11,18 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include "tests/fakes/run_process.h"
+
 namespace {
 
-std::vector<std::string> LinesOf(const std::string& command) {
-  std::vector<std::string> lines;
-  std::FILE* pipe = popen(command.c_str(), "r");
-  char line[4096];
-  while (std::fgets(line, sizeof line, pipe) != nullptr) {
-    lines.emplace_back(line);
-    lines.back().pop_back();
-  }
-  EXPECT_EQ(pclose(pipe), 0) << command;
-  return lines;
+/// The lines that a program prints.
+std::vector<std::string> LinesFrom(const std::vector<std::string>& words) {
+  const RunResult result = RunProcess(words);
+  EXPECT_EQ(result.status, 0) << words.front() << ": " << result.err;
+  return LinesOf(result.out);
 }
 
 // A demangled symbol with short names of library types, so that overloads can be told apart at a
@@ -47,7 +43,7 @@ std::string ReadableName(std::string symbol) {
 
 std::set<std::string> ExportedSymbols() {
   std::set<std::string> symbols;
-  for (const std::string& line : LinesOf("nm -DC --defined-only " PLUGIN_FILE)) {
+  for (const std::string& line : LinesFrom({"nm", "-DC", "--defined-only", PLUGIN_FILE})) {
     constexpr std::size_t kAddressAndKind = 19;
     symbols.insert(ReadableName(line.substr(kAddressAndKind)));
   }
@@ -84,7 +80,7 @@ TEST(ExportsTest, ShowsItsClassesTablesAndLoadersAndNothingElse) {
 
 TEST(ExportsTest, NeedsTheFrameworkAndTheLanguageRuntimeOnly) {
   std::set<std::string> needed;
-  for (const std::string& line : LinesOf("readelf -d " PLUGIN_FILE)) {
+  for (const std::string& line : LinesFrom({"readelf", "-d", PLUGIN_FILE})) {
     if (line.find("(NEEDED)") == std::string::npos) continue;
     const std::string file = line.substr(line.find('[') + 1);
     needed.insert(file.substr(0, file.find(".so")));

@@ -36,7 +36,7 @@ Collection Collect(const std::vector<std::string>& classes) {
   std::vector<std::string> words = {PCIINFO_PROGRAM, "instances"};
   words.insert(words.end(), classes.begin(), classes.end());
   words.insert(words.end(), {"--format", "json", "--log-file", logFile});
-  const Finished run = RunToEnd(words);
+  const RunResult run = RunToEnd(words);
   std::ifstream log(logFile);
   const std::string records(std::istreambuf_iterator<char>(log), {});
   return {run.status, run.err, json::parse(run.out).at("instances"), LinesOf(records)};

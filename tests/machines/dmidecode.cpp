@@ -14,7 +14,7 @@ using Blocks = std::vector<std::vector<std::string>>;
 Blocks RunDmidecode(const std::vector<std::string>& options) {
   std::vector<std::string> words = {"dmidecode", "-t", "9"};
   words.insert(words.end(), options.begin(), options.end());
-  const Finished run = RunToEnd(words);
+  const RunResult run = RunToEnd(words);
   if (run.status != 0) throw std::runtime_error("dmidecode failed: " + run.out + run.err);
   Blocks blocks;
   for (const std::string& line : LinesOf(run.out)) {

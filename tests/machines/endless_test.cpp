@@ -12,14 +12,14 @@ using testing::StartsWith;
 
 class EndlessTest : public MachineTest {
  protected:
-  Finished Collect() const {
+  RunResult Collect() const {
     return RunToEnd({PCIINFO_PROGRAM, "instances", "--format", "jsonl", "--timeout", "8"});
   }
 };
 INSTANTIATE_TEST_SUITE_P(Machines, EndlessTest, testing::ValuesIn(EndlessMachines()), TestNameOf);
 
 TEST_P(EndlessTest, ACollectionThatDoesNotEndIsStoppedAndNamed) {
-  const Finished result = Collect();
+  const RunResult result = Collect();
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(
       LinesOf(result.err),

@@ -48,7 +48,7 @@ std::vector<Machine> Captures() {
 }
 
 void Unpack(const fs::path& archive, const fs::path& folder) {
-  const Finished tar = RunToEnd({"tar", "--no-same-owner", "-xf", archive, "-C", folder});
+  const RunResult tar = RunToEnd({"tar", "--no-same-owner", "-xf", archive, "-C", folder});
   if (tar.status != 0) throw std::runtime_error(archive.string() + ": " + tar.err);
 }
 

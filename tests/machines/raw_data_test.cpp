@@ -10,7 +10,7 @@ class RawDataTest : public MachineTest {};
 INSTANTIATE_TEST_SUITE_P(Machines, RawDataTest, testing::ValuesIn(AllMachines()), TestNameOf);
 
 // The instance of a command that ran: without "RawResult" if it printed nothing.
-json Expected(const std::string& command, const Finished& run) {
+json Expected(const std::string& command, const RunResult& run) {
   json properties = {{"Command", command}};
   const std::vector<std::string> lines = LinesOf(run.out);
   if (!lines.empty()) properties["RawResult"] = lines;
@@ -20,7 +20,7 @@ json Expected(const std::string& command, const Finished& run) {
 TEST_P(RawDataTest, IsTheOutputOfBothListingsLineForLine) {
   std::vector<json> expected;
   for (const char* option : {"-xxxx", "-vvv"}) {
-    const Finished run = RunToEnd({"lspci", option});
+    const RunResult run = RunToEnd({"lspci", option});
     // If a listing fails without output, the class ends.
     if (run.status != 0 && run.out.empty()) break;
     expected.push_back(Expected(std::string("lspci ") + option, run));

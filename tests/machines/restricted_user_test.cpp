@@ -31,7 +31,7 @@ class RestrictedUserTest : public testing::Test {
   }
 
   /// Runs the program without the capability to ignore file permissions.
-  static Finished Run(std::vector<std::string> arguments) {
+  static RunResult Run(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(),
                      {"setpriv", "--bounding-set=-dac_override,-dac_read_search",
                       "--inh-caps=-dac_override,-dac_read_search", PCIINFO_PROGRAM});
@@ -44,10 +44,10 @@ TEST_F(RestrictedUserTest, UnreadableSmbiosTablesAreNamedOnceAndTheFunctionsAreT
       LinesOf(Run({"instances", "QZMSG_PCIDevice", "--format", "jsonl"}).out).size();
   Lock("/sys/firmware/dmi/tables/DMI");
   Lock("/sys/firmware/dmi/tables/smbios_entry_point");
-  const Finished devices = Run({"instances", "QZMSG_PCIDevice", "--format", "jsonl"});
+  const RunResult devices = Run({"instances", "QZMSG_PCIDevice", "--format", "jsonl"});
   EXPECT_EQ(LinesOf(devices.out).size(), functions);
   EXPECT_GT(functions, 0U);
-  const Finished all = Run({"instances", "--format", "jsonl"});
+  const RunResult all = Run({"instances", "--format", "jsonl"});
   EXPECT_EQ(all.status, 1);
   EXPECT_THAT(LinesOf(all.err),
               ElementsAre(HasSubstr("this user may not read the SMBIOS tables, so no slots are "
@@ -55,10 +55,10 @@ TEST_F(RestrictedUserTest, UnreadableSmbiosTablesAreNamedOnceAndTheFunctionsAreT
 }
 
 TEST_F(RestrictedUserTest, AFunctionThatMayNotBeReadIsNamedOnce) {
-  const Finished whole = Run({"devices"});
+  const RunResult whole = Run({"devices"});
   const std::string first = LinesOf(whole.out).at(1).substr(0, 7);  // "00:00.0"
   Lock("/proc/bus/pci/" + first.substr(0, 2) + "/" + first.substr(3));
-  const Finished result = Run({"devices"});
+  const RunResult result = Run({"devices"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(LinesOf(result.out).size() + 1, LinesOf(whole.out).size());
   EXPECT_THAT(LinesOf(result.err), ElementsAre(HasSubstr(first.substr(3) + " could not be ")));

@@ -88,8 +88,7 @@ TEST_F(ProbeBelowBridgeTest, FunctionBelowTheBridgeGetsTheBridgesNumber) {
   ASSERT_EQ(slots.size(), 1U);
   EXPECT_EQ(slots.at("PCIBus2device0function0"), TCIMValue(static_cast<unsigned char>(5)));
   EXPECT_EQ(hwinfo.Runs(), "--pci\n");
-  EXPECT_EQ(ReadFile(hwinfo.ProbeFile()),
-            "  SysFS ID: /devices/pci0000:00/0000:00:1c.0/0000:02:00.0\n");
+  EXPECT_EQ(hwinfo.Probes(), "  SysFS ID: /devices/pci0000:00/0000:00:1c.0/0000:02:00.0\n");
 }
 
 TEST_F(ProbeBelowBridgeTest, ErrorOutputIsSearchedAsWell) {
@@ -133,7 +132,7 @@ TEST_F(ProbeBelowBridgeTest, ProbeFileIsOverwrittenByTheNextProbeAndLeftBehind) 
       "/devices/0000:00:1d.0/0000:03:00.0\n");
   Probe(kBridge, 5);
   Probe("0000:00:1d.0", 6);
-  EXPECT_EQ(ReadFile(hwinfo.ProbeFile()), "/devices/0000:00:1d.0/0000:03:00.0\n");
+  EXPECT_EQ(hwinfo.Probes(), "/devices/0000:00:1d.0/0000:03:00.0\n");
   ASSERT_EQ(slots.size(), 2U);
   EXPECT_EQ(static_cast<unsigned>(slots.at("PCIBus2device0function0")), 5U);
   EXPECT_EQ(static_cast<unsigned>(slots.at("PCIBus3device0function0")), 6U);

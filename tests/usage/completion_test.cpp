@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
+#include "tests/runtime/temporary_directory.h"
 #include "tests/usage/made_usage.h"
 #include "tests/usage/shell.h"
 #include "usage/writers.h"
@@ -16,42 +16,36 @@ using testing::HasSubstr;
 class Completion : public testing::Test {
  protected:
   Completion() {
-    folder_ = testing::TempDir() + "completion_test_XXXXXX";
-    if (mkdtemp(folder_.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
-    Write("bash", BashCompletion(MadeUsage()));
-    Write("fish", FishCompletion(MadeUsage()));
-    Write("zsh", ZshCompletion(MadeUsage()));
-    std::filesystem::create_directory(folder_ + "/files");
-    std::ofstream(folder_ + "/files/big can").put('\n');
-    std::ofstream(folder_ + "/files/tap").put('\n');
+    directory_.Write("bash", BashCompletion(MadeUsage()));
+    directory_.Write("fish", FishCompletion(MadeUsage()));
+    directory_.Write("zsh", ZshCompletion(MadeUsage()));
+    std::filesystem::create_directory(directory_ / "files");
+    directory_.Write("files/big can", "\n");
+    directory_.Write("files/tap", "\n");
   }
-  ~Completion() override { std::filesystem::remove_all(folder_); }
 
   /// The completions that bash proposes for the last of `words`: "A|B|".
   std::string Bash(const std::string& words) const {
-    return RunShell("cd " + folder_ + "/files && exec bash --norc -c '. ../bash; COMP_WORDS=(" +
-                    words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _water; " +
+    return RunShell("cd " + directory_.GetPath() +
+                    "/files && exec bash --norc -c '. ../bash; COMP_WORDS=(" + words +
+                    "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _water; " +
                     "printf \"%s|\" \"${COMPREPLY[@]}\"'")
-        .text;
+        .out;
   }
 
   /// The completions that fish proposes for a command line, one line each.
   std::string Fish(const std::string& line) const {
-    return RunShell("cd " + folder_ + "/files && HOME=" + folder_ +
+    return RunShell("cd " + directory_.GetPath() + "/files && HOME=" + directory_.GetPath() +
                     " fish --no-config -c '. ../fish; complete -C \"" + line + "\"'")
-        .text;
+        .out;
   }
 
   std::string Syntax(const std::string& shell) const {
-    return RunShell(shell + " -n " + folder_ + "/" + shell).text;
+    return RunShell(shell + " -n " + (directory_ / shell)).out;
   }
 
  private:
-  void Write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ + "/" + name) << text;
-  }
-
-  std::string folder_;
+  vtq::TemporaryDirectory directory_;
 };
 
 TEST_F(Completion, BashProposesCommandsAndOptions) {
@@ -105,24 +99,24 @@ TEST_F(OtherShells, ZshAcceptsItsFile) {
 TEST_F(OtherShells, AcceptTheInstalledFiles) {
   NEEDS("fish");
   NEEDS("zsh");
-  EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").text, "");
-  EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").text, "");
+  EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").out, "");
+  EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").out, "");
 }
 
 TEST_F(OtherShells, FishProposesTheProgramsOwnCommands) {
   NEEDS("fish");
   EXPECT_EQ(RunShell("fish --no-config -c '. " WRITTEN_FOLDER
                      "/pciinfo.fish; complete -C \"pciinfo inst\"'")
-                .text,
+                .out,
             "instances\tPrint the instances of CIM classes\n");
 }
 
 TEST_F(Completion, BashProposesTheProgramsOwnCommands) {
-  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").text, "");
+  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").out, "");
   EXPECT_EQ(RunShell("bash --norc -c '. " WRITTEN_FOLDER
                      "/pciinfo; COMP_WORDS=(pciinfo instances QZMSG_PCIB); COMP_CWORD=2; "
                      "_pciinfo; echo \"${COMPREPLY[@]}\"'")
-                .text,
+                .out,
             "QZMSG_PCIBridge\n");
 }
 

@@ -54,12 +54,12 @@ TEST(ManualPage, OfTheProgramPassesTheToolsWithoutAWarning) {
   NEEDS("mandoc");
   NEEDS("groff");
   const std::string page = kPage;
-  const ShellResult man =
+  const RunResult man =
       RunShell("MANROFFSEQ= man --warnings -E UTF-8 -l " + page + " 2>&1 >/dev/null");
   EXPECT_EQ(man.status, 0);
-  EXPECT_EQ(man.text, "");
-  EXPECT_EQ(RunShell("mandoc -T lint " + page).text, "");
-  EXPECT_EQ(RunShell("groff -ww -z -man -Tutf8 " + page).text, "");
+  EXPECT_EQ(man.out, "");
+  EXPECT_EQ(RunShell("mandoc -T lint " + page).out, "");
+  EXPECT_EQ(RunShell("groff -ww -z -man -Tutf8 " + page).out, "");
 }
 
 std::set<std::string> WordsLike(const std::string& text, const char* pattern) {
@@ -72,22 +72,22 @@ std::set<std::string> WordsLike(const std::string& text, const char* pattern) {
 
 TEST(ManualPage, OfTheProgramHasEveryCommandAndOptionOfTheHelp) {
   NEEDS("man");
-  const ShellResult page = RunShell(std::string("MANWIDTH=200 man -E ASCII -l ") + kPage);
+  const RunResult page = RunShell(std::string("MANWIDTH=200 man -E ASCII -l ") + kPage);
   ASSERT_EQ(page.status, 0);
-  const std::string help = RunShell(PCIINFO_PROGRAM " --help").text;
+  const std::string help = RunShell(PCIINFO_PROGRAM " --help").out;
   const std::size_t list = help.find("Subcommands:");
   const std::set<std::string> commands =
       WordsLike(help.substr(list, help.find("\n\n", list) - list), "\n  ([a-z]+) ");
   EXPECT_GE(commands.size(), 5U);
   std::set<std::string> options = WordsLike(help, "(--[a-z-]+)");
   for (const std::string& command : commands) {
-    EXPECT_THAT(page.text, HasSubstr("\n   " + command + "\n"));
-    const ShellResult own = RunShell(std::string(PCIINFO_PROGRAM " ") + command + " --help");
-    for (const std::string& option : WordsLike(own.text, "(--[a-z-]+)")) options.insert(option);
+    EXPECT_THAT(page.out, HasSubstr("\n   " + command + "\n"));
+    const RunResult own = RunShell(std::string(PCIINFO_PROGRAM " ") + command + " --help");
+    for (const std::string& option : WordsLike(own.out, "(--[a-z-]+)")) options.insert(option);
   }
   EXPECT_GE(options.size(), 10U);
   for (const std::string& option : options) {
-    EXPECT_THAT(WordsLike(page.text, "\n +(?:-., )?(--[a-z-]+)"), testing::Contains(option));
+    EXPECT_THAT(WordsLike(page.out, "\n +(?:-., )?(--[a-z-]+)"), testing::Contains(option));
   }
 }
 

@@ -2,25 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
 
-/// The exit status and the output of a shell command.
-struct ShellResult {
-  int status = -1;
-  std::string text;
-};
+#include "tests/fakes/run_process.h"
 
-inline ShellResult RunShell(const std::string& commandLine) {
-  ShellResult result;
-  std::FILE* pipe = popen(("{ " + commandLine + "\n} 2>&1").c_str(), "r");
-  std::array<char, 4096> part;
-  while (std::fgets(part.data(), static_cast<int>(part.size()), pipe) != nullptr) {
-    result.text += part.data();
-  }
-  result.status = pclose(pipe);
-  return result;
+/// Runs a shell command. Both outputs are in `out`, in the order in which they were written.
+inline RunResult RunShell(const std::string& commandLine) {
+  return RunProcess({"/bin/sh", "-c", "{ " + commandLine + "\n} 2>&1"});
 }
 
 /// Skips a test that needs a program which is not installed; ./check installs all of them.

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <system_error>
 
@@ -42,16 +41,7 @@ TEST(TargetForm, OtherArchivesAreRefused) {
 
 class CaptureTargetTest : public testing::Test {
  protected:
-  std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
-
-  /// The names of the entries in the test's directory.
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {
-      names.push_back(entry.path().filename());
-    }
-    return names;
-  }
+  std::string Path(const std::string& name) const { return directory_ / name; }
 
   std::string Refusal(const std::string& name) const {
     try {
@@ -69,9 +59,9 @@ TEST_F(CaptureTargetTest, TheNameExistsOnlyAfterCommit) {
   for (const std::string name : {"a.tar.gz", "d"}) {
     CaptureTarget target(Path(name));
     target.GetWriter().Write({"x", "1", ""});
-    EXPECT_THAT(Names(), ElementsAre(StartsWith(name + ".part-")));
+    EXPECT_THAT(directory_.Names(), ElementsAre(StartsWith(name + ".part-")));
     target.Commit();
-    EXPECT_THAT(Names(), ElementsAre(name));
+    EXPECT_THAT(directory_.Names(), ElementsAre(name));
     fs::remove_all(Path(name));
   }
 }
@@ -82,7 +72,7 @@ TEST_F(CaptureTargetTest, AnUncommittedCaptureIsRemoved) {
       CaptureTarget target(Path(name));
       target.GetWriter().Write({"x/y", "1", ""});
     }
-    EXPECT_THAT(Names(), IsEmpty());
+    EXPECT_THAT(directory_.Names(), IsEmpty());
   }
 }
 
@@ -119,7 +109,7 @@ TEST_F(CaptureTargetTest, OtherExistingFilesAreNotChanged) {
   EXPECT_THAT(Refusal("pipe.tar"), HasSubstr("is not a regular file"));
   EXPECT_THAT(Refusal("file"), HasSubstr("is not a directory"));
   EXPECT_THAT(Refusal("b.tar.xz"), HasSubstr(".tar.zst"));
-  EXPECT_EQ(Names().size(), 4U);
+  EXPECT_EQ(directory_.Names().size(), 4U);
 }
 
 TEST_F(CaptureTargetTest, AnUnwritableDestinationIsNamed) {

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 
@@ -36,20 +35,7 @@ std::string AllInstances(const std::vector<std::string>& options) {
 
 class CaptureTest : public testing::Test {
  protected:
-  std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
-
-  std::string Content(const std::string& name) const {
-    std::ifstream file(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {
-      names.push_back(entry.path().filename());
-    }
-    return names;
-  }
+  std::string Path(const std::string& name) const { return directory_ / name; }
 
   vtq::TemporaryDirectory directory_;
 };
@@ -70,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Forms, CaptureOfThisMachine,
 
 TEST_F(CaptureTest, GoesToStandardOutputAsATarArchive) {
   EXPECT_EQ(RunShell("$PCIINFO capture - > " + Path("box")).status, 0);
-  EXPECT_EQ(Content("box").substr(257, 5), "ustar");
+  EXPECT_EQ(directory_.Read("box").substr(257, 5), "ustar");
   EXPECT_EQ(AllInstances({"--root", Path("box")}), AllInstances({}));
 }
 
@@ -102,7 +88,7 @@ TEST_F(CaptureTest, ANonEmptyDirectoryIsNotChanged) {
   const RunResult result = RunPciinfo({"capture", Path("box")});
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.err, HasSubstr("is not empty"));
-  EXPECT_THAT(Names(), ElementsAre("box"));
+  EXPECT_THAT(directory_.Names(), ElementsAre("box"));
 }
 
 TEST_F(CaptureTest, AFailureLeavesNothing) {
@@ -110,7 +96,7 @@ TEST_F(CaptureTest, AFailureLeavesNothing) {
       RunShell("ulimit -f 1; trap '' XFSZ; $PCIINFO capture " + Path("box.tar"));
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("cannot write"));
-  EXPECT_THAT(Names(), IsEmpty());
+  EXPECT_THAT(directory_.Names(), IsEmpty());
 }
 
 TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
@@ -126,7 +112,7 @@ TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
         " | grep -q part- && break; sleep 0.05; done; kill -TERM $capture; wait $capture'");
     EXPECT_EQ(result.status, 143) << result.err;
     fs::remove(tool);
-    EXPECT_THAT(Names(), IsEmpty());
+    EXPECT_THAT(directory_.Names(), IsEmpty());
   }
 }
 
@@ -138,7 +124,7 @@ TEST_F(CaptureTest, UnreadablePartsAreReportedAndListed) {
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.err),
               testing::Contains(HasSubstr("not in the capture: commands/lspci -vvv: ")));
-  const auto manifest = nlohmann::json::parse(Content("box/manifest.json"));
+  const auto manifest = nlohmann::json::parse(directory_.Read("box/manifest.json"));
   EXPECT_EQ(manifest["unread"].size(), 3U);
   EXPECT_EQ(manifest["unread"][0]["path"], "commands/lspci");
 }
@@ -177,8 +163,8 @@ TEST_F(CaptureTest, ARedactedCaptureHasSlotsAndNoSerialNumber) {
   MakeArchive(Path("box.tar"), TellingMachine());
   ASSERT_EQ(RunPciinfo({"--root", Path("box.tar"), "capture", "--redact", Path("safe.tar")}).status,
             0);
-  EXPECT_THAT(Content("box.tar"), HasSubstr("SECRET"));
-  EXPECT_THAT(Content("safe.tar"), Not(HasSubstr("SECRET")));
+  EXPECT_THAT(directory_.Read("box.tar"), HasSubstr("SECRET"));
+  EXPECT_THAT(directory_.Read("safe.tar"), Not(HasSubstr("SECRET")));
   const RunResult slots = RunPciinfo({"--root", Path("box.tar"), "slots", "--format", "json"});
   EXPECT_THAT(slots.out, HasSubstr("RIGHT SLOT"));
   EXPECT_EQ(RunPciinfo({"--root", Path("safe.tar"), "slots", "--format", "json"}).out, slots.out);
@@ -192,7 +178,7 @@ TEST_F(CaptureTest, TablesThatCannotBeRedactedAreLeftOut) {
       RunPciinfo({"--root", Path("box.tar"), "capture", "--redact", Path("safe.tar")});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("cannot be redacted"));
-  EXPECT_THAT(Content("safe.tar"), Not(HasSubstr("SECRET")));
+  EXPECT_THAT(directory_.Read("safe.tar"), Not(HasSubstr("SECRET")));
 }
 
 }  // namespace

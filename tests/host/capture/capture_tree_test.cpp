@@ -18,11 +18,6 @@ class CaptureTreeTest : public testing::Test {
  protected:
   fs::path Path(const std::string& name) const { return fs::path(directory_.GetPath()) / name; }
 
-  std::string Content(const std::string& name) const {
-    std::ifstream file(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
   vtq::TemporaryDirectory directory_;
   CaptureTree tree_{directory_.GetPath()};
 };
@@ -30,21 +25,21 @@ class CaptureTreeTest : public testing::Test {
 TEST_F(CaptureTreeTest, FilesGetTheirDirectories) {
   WriteBytes(tree_.MakeFile("a/b/c"), std::string("1\0002", 3));
   tree_.MakeFile("top");
-  EXPECT_EQ(Content("a/b/c"), std::string("1\0002", 3));
+  EXPECT_EQ(directory_.Read("a/b/c"), std::string("1\0002", 3));
   EXPECT_EQ(fs::file_size(Path("top")), 0U);
 }
 
 TEST_F(CaptureTreeTest, AFileIsReplaced) {
   WriteBytes(tree_.MakeFile("a"), "long text");
   WriteBytes(tree_.MakeFile("a"), "new");
-  EXPECT_EQ(Content("a"), "new");
+  EXPECT_EQ(directory_.Read("a"), "new");
 }
 
 TEST_F(CaptureTreeTest, AnExistingDirectoryStays) {
   WriteBytes(tree_.MakeFile("a/b"), "1");
   tree_.MakeFolder("a");
   tree_.MakeFolder("c/d");
-  EXPECT_EQ(Content("a/b"), "1");
+  EXPECT_EQ(directory_.Read("a/b"), "1");
   EXPECT_TRUE(fs::is_directory(Path("c/d")));
 }
 

@@ -177,11 +177,10 @@ TEST_F(DiffCommand, WrongUsageSaysWhatToDo) {
 
 TEST_F(DiffCommand, ACrashOfAPluginIsContained) {
   const std::string machine = MachineFile("a.json");
-  const RunResult result = RunFake("hostile_Abort_QZMSG_SystemSlot", {"diff", machine, "live"});
+  const RunResult result = RunHostile("Abort QZMSG_SystemSlot", {"diff", machine, "live"});
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.err, HasSubstr("pciinfo: live: QZMSG_SystemSlot: the plug-in died by signal"));
-  const RunResult hung =
-      RunFake("hostile_Hang_Init", {"diff", machine, "live", "--timeout", "0.5"});
+  const RunResult hung = RunHostile("Hang Init", {"diff", machine, "live", "--timeout", "0.5"});
   EXPECT_EQ(hung.status, 2);
   EXPECT_THAT(hung.err, HasSubstr("pciinfo: live: could not be collected"));
 }

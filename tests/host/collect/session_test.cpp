@@ -3,13 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "framework/exception.h"
 #include "framework/root_object.h"
 #include "tests/fakes/pci_schema.h"
 #include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace pciinfo {
 namespace {
@@ -50,29 +48,16 @@ TEST_F(SessionTest, TheRepositoryOutlivesThePlugins) {
 }
 
 TEST_F(SessionTest, InitComesOnceAndDeInitBeforeUnloading) {
-  const std::string logFile = testing::TempDir() + "session_test.log";
+  const vtq::TemporaryDirectory directory;
   {
-    Session session(report_, {vtq::MakeFileSink(logFile), {}}, PciSchema());
+    Session session(report_, {vtq::MakeFileSink(directory / "log"), {}}, PciSchema());
     session.Load({FakePluginFile("fixed"), {}});
     session.Collect({"QZMSG_SystemBoard", "QZMSG_PCIBridge"});
   }
-  std::ifstream stream(logFile);
-  const std::string log{std::istreambuf_iterator<char>(stream), {}};
-  EXPECT_THAT(LinesOf(log), ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_SystemBoard",
-                                        "3 fake: GetData QZMSG_PCIBridge", "3 fake: DeInit",
-                                        "3 fake: PrepareForUnload"));
-  std::filesystem::remove(logFile);
-}
-
-TEST_F(SessionTest, AnExceptionLosesOneClassAndNotTheNext) {
-  Session session(report_, {}, PciSchema());
-  session.Load({FakePluginFile("throwing"), {}});
-  session.Collect({"QZMSG_PCIBridge", "QZMSG_SystemBoard", "QZMSG_PCIDevice"});
-  EXPECT_EQ(Count(session, "QZMSG_PCIDevice"), 3U);
-  EXPECT_THAT(session.EndPlugins(), IsEmpty());
-  EXPECT_THAT(report_.GetLines(),
-              ElementsAre("QZMSG_PCIBridge: the plug-in failed: bridge out",
-                          "QZMSG_SystemBoard: the plug-in failed and did not say why"));
+  EXPECT_THAT(
+      LinesOf(directory.Read("log")),
+      ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_SystemBoard",
+                  "3 fake: GetData QZMSG_PCIBridge", "3 fake: DeInit", "3 fake: PrepareForUnload"));
 }
 
 TEST_F(SessionTest, OnlyThePluginThatDeclaresAClassIsAskedForIt) {
@@ -91,26 +76,6 @@ TEST_F(SessionTest, EveryLoadedPluginIsAskedForAClassThatNoneDeclares) {
   session.Collect({"QZMSG_PCIBridge"});
   EXPECT_EQ(Count(session, "QZMSG_PCIBridge"), 2U);
   EXPECT_TRUE(report_.HasTroubles());
-}
-
-TEST_F(SessionTest, AFailedCommandExplainsALostClass) {
-  Session session(report_, {}, PciSchema());
-  session.Load({FakePluginFile("grumbling"), {}});
-  session.Collect({"QZMSG_PCIRawData"});
-  EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("no-such-listing-tool")));
-}
-
-TEST_F(SessionTest, ContractViolationsAreReturned) {
-  Session session(report_, {}, PciSchema());
-  session.Load({FakePluginFile("untidy"), {}});
-  session.Collect({"QZMSG_SystemBoard"});
-  EXPECT_THAT(session.EndPlugins(), testing::Not(IsEmpty()));
-}
-
-TEST_F(SessionTest, AFileThatCannotBeLoadedIsAnError) {
-  Session session(report_, {}, PciSchema());
-  EXPECT_THROW(session.Load({"/nowhere/x.pi.so", {}}), NQZMVTQ20::TVTQException);
-  EXPECT_THROW(session.Load({FakePluginFile("no_plugin"), {}}), NQZMVTQ20::TVTQException);
 }
 
 TEST_F(SessionTest, APluginThatCannotBeInitialisedIsAnErrorAndUnloaded) {

@@ -1,15 +1,18 @@
-// A plug-in that provides all classes and misbehaves at one point. The build sets the act
-// (HOSTILE_ACT) and the point (HOSTILE_PLACE: Init, DeInit, or a class).
+// A plug-in that provides all classes and misbehaves as the environment variable HOSTILE says:
+// first what it does, then where (Init, DeInit, or classes), as in "Abort QZMSG_SystemSlot".
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <new>
+#include <set>
+#include <sstream>
+#include <string>
 
 #include "tests/host/plugins/fake_plugin.h"
 
@@ -17,26 +20,26 @@ namespace {
 
 namespace act {
 
-[[maybe_unused]] void Abort() { std::abort(); }
+void Abort() { std::abort(); }
 
-[[maybe_unused]] void Exit() { std::exit(0); }
+void Exit() { std::exit(0); }
 
-[[maybe_unused]] void Hang() {
+void Hang() {
   std::signal(SIGTERM, SIG_IGN);
   while (true) pause();
 }
 
 // Prevents an optimizer from removing an allocation that is not used.
-[[maybe_unused]] char* volatile seen = nullptr;
+char* volatile seen = nullptr;
 
 /// Allocates until memory is exhausted and frees nothing.
-[[maybe_unused]] void Flood() {
+void Flood() {
   constexpr std::size_t kPiece = 4U << 20U;
   while (true) seen = new char[kPiece];
 }
 
 /// The same by system calls, without an exception.
-[[maybe_unused]] void Hoard() {
+void Hoard() {
   constexpr std::size_t kPiece = 4U << 20U;
   constexpr int kFlags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
   while (mmap(nullptr, kPiece, PROT_NONE, kFlags, -1, 0) != MAP_FAILED) {
@@ -44,7 +47,7 @@ namespace act {
 }
 
 /// Leaves a process behind that has left its process group and session and keeps all files open.
-[[maybe_unused]] void LeaveProcess() {
+void LeaveProcess() {
   const pid_t child = fork();
   if (child != 0) return fake::Log(3, "left behind: " + std::to_string(child));
   std::signal(SIGTERM, SIG_IGN);
@@ -52,34 +55,59 @@ namespace act {
   while (true) pause();
 }
 
-[[maybe_unused]] void LeaveProcessAndAbort() {
+void LeaveProcessAndAbort() {
   LeaveProcess();
   std::abort();
 }
 
-[[maybe_unused]] void CloseFiles() { close_range(STDERR_FILENO + 1, ~0U, 0); }
+void CloseFiles() { close_range(STDERR_FILENO + 1, ~0U, 0); }
 
-[[maybe_unused]] void WriteFile() {
+void WriteFile() {
   std::ofstream("litter.txt") << "litter\n";
   fake::Log(3, "wrote into: " + std::filesystem::current_path().string());
 }
 
 /// Text that stays in the buffer of stdout until the program exits.
-[[maybe_unused]] void PrintToStdout() { std::fputs("unasked", stdout); }
+void PrintToStdout() { std::fputs("unasked", stdout); }
 
 }  // namespace act
 
+const std::map<std::string, void (*)()> kActs = {
+    {"Abort", act::Abort},
+    {"Exit", act::Exit},
+    {"Hang", act::Hang},
+    {"Flood", act::Flood},
+    {"Hoard", act::Hoard},
+    {"LeaveProcess", act::LeaveProcess},
+    {"LeaveProcessAndAbort", act::LeaveProcessAndAbort},
+    {"CloseFiles", act::CloseFiles},
+    {"WriteFile", act::WriteFile},
+    {"PrintToStdout", act::PrintToStdout},
+};
+
 class Hostile final : public fake::FakePlugin {
+ public:
+  Hostile() {
+    const char* const plan = std::getenv("HOSTILE");
+    std::istringstream words(plan == nullptr ? "" : plan);
+    words >> act_;
+    for (std::string place; words >> place;) places_.insert(place);
+  }
+
+ private:
   void Init() override { ActIn("Init"); }
   void DeInit() override { ActIn("DeInit"); }
   void Serve(NQZMVTQ20::ICIMClass& cimClass) override {
-    ActIn(cimClass.GetName({}).c_str());
+    ActIn(cimClass.GetName({}));
     FakePlugin::Serve(cimClass);
   }
 
-  static void ActIn(const char* place) {
-    if (std::strcmp(place, HOSTILE_PLACE) == 0) act::HOSTILE_ACT();
+  void ActIn(const std::string& place) const {
+    if (places_.count(place) != 0) kActs.at(act_)();
   }
+
+  std::string act_;
+  std::set<std::string> places_;
 };
 
 }  // namespace

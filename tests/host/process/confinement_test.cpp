@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <functional>
@@ -21,26 +20,22 @@ constexpr unsigned kCapSysAdmin = 21;
 
 /// Whether `holds` is true in a child.
 bool InChild(const std::function<bool()>& holds) {
-  const pid_t child = fork();
-  if (child == 0) _exit(holds() ? 0 : 1);
-  int status = -1;
-  waitpid(child, &status, 0);
-  return status == 0;
+  return RunInChild([&] { return holds() ? 0 : 1; }).status == 0;
 }
 
 /// Whether a program that is started now has the capability in any of its sets.
 bool ProgramsHave(unsigned capability) {
-  const RunResult child = RunProgram(
-      "/bin/bash", {"-c",
-                    "while read -r name value; do case $name in Cap[IPEB]*) "
-                    "(( (16#$value >> $0 & 1) == 0 )) || exit 1;; esac; done </proc/self/status",
-                    std::to_string(capability)});
+  const RunResult child =
+      RunProcess({"/bin/bash", "-c",
+                  "while read -r name value; do case $name in Cap[IPEB]*) "
+                  "(( (16#$value >> $0 & 1) == 0 )) || exit 1;; esac; done </proc/self/status",
+                  std::to_string(capability)});
   return child.status == 1;
 }
 
 /// Whether this process has it in effect.
 bool ThisProcessHas(unsigned capability) {
-  const RunResult grep = RunProgram("/bin/bash", {"-c", "exec grep CapEff /proc/$PPID/status"});
+  const RunResult grep = RunProcess({"/bin/bash", "-c", "exec grep CapEff /proc/$PPID/status"});
   const std::string mask = grep.out.substr(grep.out.find_last_of('\t') + 1);
   return (std::stoull(mask, nullptr, 16) >> capability & 1) != 0;
 }

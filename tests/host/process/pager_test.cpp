@@ -100,9 +100,9 @@ TEST(Pager, AnInterruptIsTheirsWhoReadAndEndsTheProgramThen) {
 }
 
 TEST(Pager, AnInterruptBeforeAnyOutputEndsTheProgram) {
-  TerminalRun run = {{"instances", "QZMSG_SystemSlot", "--only-plugin",
-                      FakePluginFile("hostile_Hang_QZMSG_SystemSlot"), "--timeout", "60"},
-                     {{"PAGER", "echo pager"}}};
+  TerminalRun run = {{"instances", "QZMSG_SystemSlot", "--only-plugin", FakePluginFile("hostile"),
+                      "--timeout", "60"},
+                     {{"PAGER", "echo pager"}, {"HOSTILE", "Hang QZMSG_SystemSlot"}}};
   run.keys = "\x03";
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 128 + SIGINT);

@@ -13,9 +13,9 @@ using testing::HasSubstr;
 using testing::Not;
 
 TEST(ProgressLine, TellsWhatTakesLongAndIsErased) {
-  const RunResult result = RunOnTerminal({{"slots", "--no-pager", "--timeout", "6", "--only-plugin",
-                                           FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
-                                          {}});
+  const RunResult result = RunOnTerminal(
+      {{"slots", "--no-pager", "--timeout", "6", "--only-plugin", FakePluginFile("hostile")},
+       {{"HOSTILE", "Hang QZMSG_SystemSlot"}}});
   const std::string line = "pciinfo: collecting QZMSG_SystemSlot (";
   ASSERT_THAT(result.out, HasSubstr(line));
   const std::size_t shown = result.out.find(line);
@@ -39,15 +39,14 @@ TEST(ProgressLine, IsNotShownForAMoment) {
 }
 
 TEST(ProgressLine, IsNotShownWhereNobodyLooks) {
-  const RunResult result = RunFake("hostile_Hang_QZMSG_SystemSlot", {"slots", "--timeout", "4"});
+  const RunResult result = RunHostile("Hang QZMSG_SystemSlot", {"slots", "--timeout", "4"});
   EXPECT_THAT(result.err, Not(HasSubstr("collecting")));
 }
 
 TEST(ProgressLine, GivesWayToTheLog) {
-  const RunResult result =
-      RunOnTerminal({{"slots", "--no-pager", "--timeout", "4", "--log-level", "3", "--only-plugin",
-                      FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
-                     {}});
+  const RunResult result = RunOnTerminal({{"slots", "--no-pager", "--timeout", "4", "--log-level",
+                                           "3", "--only-plugin", FakePluginFile("hostile")},
+                                          {{"HOSTILE", "Hang QZMSG_SystemSlot"}}});
   EXPECT_THAT(result.out, Not(HasSubstr("pciinfo: collecting")));
 }
 
@@ -58,10 +57,9 @@ TEST(ProgressLine, IsNeverDueWhenItIsNotWanted) {
 }
 
 TEST(ProgressLine, SaysWhichSideADiffCollects) {
-  const RunResult result =
-      RunOnTerminal({{"diff", "live", "/dev/null", "--no-pager", "--timeout", "4", "--only-plugin",
-                      FakePluginFile("hostile_Hang_QZMSG_SystemSlot")},
-                     {}});
+  const RunResult result = RunOnTerminal({{"diff", "live", "/dev/null", "--no-pager", "--timeout",
+                                           "4", "--only-plugin", FakePluginFile("hostile")},
+                                          {{"HOSTILE", "Hang QZMSG_SystemSlot"}}});
   EXPECT_THAT(result.out, HasSubstr("pciinfo: live: collecting QZMSG_SystemSlot ("));
 }
 

@@ -3,12 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/run_program.h"
-#include "tests/host/temporary_file.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace {
 
@@ -198,11 +196,11 @@ TEST(Program, AMissingPluginIsReported) {
 }
 
 TEST(Program, AFileThatIsNotAPluginIsRefused) {
-  const TemporaryFile broken("broken.pi.so");
-  std::ofstream(broken.Path()) << "this is no library\n";
-  const RunResult result = RunPciinfo({"--plugin", broken.Path()});
+  const vtq::TemporaryDirectory directory;
+  const std::string broken = directory.Write("broken.pi.so", "this is no library\n");
+  const RunResult result = RunPciinfo({"--plugin", broken});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, HasSubstr(broken.Path()));
+  EXPECT_THAT(result.err, HasSubstr(broken));
   EXPECT_EQ(RunFake("no_plugin", {}).status, 1);
   EXPECT_THAT(RunFake("no_plugin", {}).err, HasSubstr("no_plugin.pi.so"));
 }
@@ -262,10 +260,10 @@ TEST(Program, ALogLevelShowsTheRecordsThemselves) {
 }
 
 TEST(Program, TheLogFileHasEveryRecord) {
-  const TemporaryFile log("commands_test.log");
-  RunFake("grumbling", {"devices", "--log-file", log.Path()});
+  const vtq::TemporaryDirectory directory;
+  RunFake("grumbling", {"devices", "--log-file", directory / "log"});
   EXPECT_THAT(
-      LinesOf(log.Text()),
+      LinesOf(directory.Read("log")),
       ElementsAre("3 fake: Init", "3 fake: GetData QZMSG_PCIDevice",
                   "0 Unable to open SMBIOS library error: 4", "0 Exiting correlateDeviceAndSlot",
                   "0 Exiting correlateDeviceAndSlot", "2 Could not open PCI description file.",
@@ -330,13 +328,13 @@ TEST(Program, ALongListingArrivesInFull) {
 TEST(Program, SeveralPluginsFillOneRepository) {
   // Links in a directory without class files: both plug-ins are asked for the classes of the
   // option.
-  const TemporaryFile throwing("throwing_link.pi.so");
-  const TemporaryFile fixed("fixed_link.pi.so");
-  std::filesystem::create_symlink(FakePluginFile("throwing"), throwing.Path());
-  std::filesystem::create_symlink(FakePluginFile("fixed"), fixed.Path());
-  const RunResult result =
-      RunPciinfo({"instances", "QZMSG_PCIBridge", "--format", "json", "--only-plugin",
-                  throwing.Path(), "--plugin", fixed.Path(), "--class-file", PCI_CLASS_FILE});
+  const vtq::TemporaryDirectory links;
+  for (const std::string name : {"throwing", "fixed"}) {
+    std::filesystem::create_symlink(FakePluginFile(name), links / (name + ".pi.so"));
+  }
+  const RunResult result = RunPciinfo({"instances", "QZMSG_PCIBridge", "--format", "json",
+                                       "--only-plugin", links / "throwing.pi.so", "--plugin",
+                                       links / "fixed.pi.so", "--class-file", PCI_CLASS_FILE});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(json::parse(result.out)["instances"].size(), 2U);
 }

@@ -20,7 +20,7 @@ using testing::HasSubstr;
 /// "00:1f.3 8086:a170" for every function that `lspci -n` lists, sorted.
 std::vector<std::string> FunctionsOfLspci() {
   std::vector<std::string> functions;
-  for (const std::string& line : LinesOf(RunProgram("/usr/bin/lspci", {"-n"}).out)) {
+  for (const std::string& line : LinesOf(RunProcess({"/usr/bin/lspci", "-n"}).out)) {
     std::istringstream words(line);
     std::string address, baseClass, ids;
     words >> address >> baseClass >> ids;
@@ -50,7 +50,7 @@ TEST(RealPlugin, TheInventoryIsThatOfLspci) {
 
 TEST(RealPlugin, DescriptionsAreThoseOfLspci) {
   const std::string out = RunPciinfo({"devices"}).out;
-  for (const std::string& line : LinesOf(RunProgram("/usr/bin/lspci", {}).out)) {
+  for (const std::string& line : LinesOf(RunProcess({"/usr/bin/lspci"}).out)) {
     const std::string description = line.substr(line.find(' ') + 1);
     const std::string withoutRevision = description.substr(0, description.find(" (rev"));
     EXPECT_THAT(out, HasSubstr(withoutRevision));
@@ -73,7 +73,7 @@ TEST(RealPlugin, RawDataIsTheOutputOfLspci) {
   EXPECT_EQ(dump["Command"], "lspci -xxxx");
   EXPECT_EQ(document["instances"][1]["properties"]["Command"], "lspci -vvv");
   EXPECT_EQ(dump["RawResult"].get<std::vector<std::string>>().size(),
-            LinesOf(RunProgram("/usr/bin/lspci", {"-xxxx"}).out).size());
+            LinesOf(RunProcess({"/usr/bin/lspci", "-xxxx"}).out).size());
 }
 
 TEST(RealPlugin, AllFormatsHaveTheSameContent) {

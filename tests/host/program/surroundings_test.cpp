@@ -8,6 +8,7 @@
 
 #include "tests/host/process_count.h"
 #include "tests/host/run_program.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
@@ -139,14 +141,13 @@ TEST_F(Surroundings, AToolThatHangsOnceIsRunAgainForTheOtherClasses) {
 TEST_F(Surroundings, ACaptureThatASignalEndsLeavesNothingBehind) {
   for (const char* signal : {"HUP", "INT", "QUIT", "TERM", "USR1", "ALRM", "XCPU"}) {
     for (const char* name : {"box.tar.zst", "box"}) {
-      const std::string folder = testing::TempDir() + "signalled_capture";
-      std::filesystem::create_directory(folder);
+      const vtq::TemporaryDirectory directory;
       const RunResult result =
           RunHidden(WithTool("sleep 987652"), std::string("timeout -s ") + signal +
-                                                  " 0.5 $PCIINFO capture " + folder + "/" + name +
+                                                  " 0.5 $PCIINFO capture " + (directory / name) +
                                                   "; echo $?; pgrep -fx \"sleep 987652\"");
       EXPECT_EQ(result.out, "124\n") << signal;
-      EXPECT_TRUE(std::filesystem::remove(folder)) << name << " was left";
+      EXPECT_THAT(directory.Names(), IsEmpty()) << name;
     }
   }
 }

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -48,31 +49,26 @@ class Survival : public testing::Test {
   /// Collects all classes of a misbehaving plug-in; every log record goes to Log().
   RunResult Run(const std::string& harm, std::vector<std::string> options = {}) {
     options.insert(options.begin(), {"instances", "--format", "jsonl", "--log-file", LogFile()});
-    return RunFake("hostile_" + harm, options);
+    return RunHostile(harm, options);
   }
 
-  std::string LogFile() const { return directory_.GetPath() + "/log"; }
+  std::string LogFile() const { return directory_ / "log"; }
 
   bool Logs(const std::string& text) const {
-    std::ifstream stream(LogFile());
-    const std::string log{std::istreambuf_iterator<char>(stream), {}};
-    return log.find(text) != std::string::npos;
+    return directory_.Read("log").find(text) != std::string::npos;
   }
 
   /// Returns how often the plug-in was asked for a class.
-  int CountQueries(const std::string& className) const {
-    std::ifstream stream(LogFile());
-    int count = 0;
-    for (std::string line; std::getline(stream, line);) {
-      if (line.ends_with("GetData " + className)) ++count;
-    }
-    return count;
+  long CountQueries(const std::string& className) const {
+    const std::vector<std::string> lines = LinesOf(directory_.Read("log"));
+    return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+      return line.ends_with("GetData " + className);
+    });
   }
 
   /// Returns the text after `beginning` in the log.
   std::string Logged(const std::string& beginning) const {
-    std::ifstream stream(LogFile());
-    for (std::string line; std::getline(stream, line);) {
+    for (const std::string& line : LinesOf(directory_.Read("log"))) {
       const std::size_t start = line.find(beginning);
       if (start != std::string::npos) return line.substr(start + beginning.size());
     }
@@ -90,7 +86,7 @@ class Survival : public testing::Test {
 };
 
 TEST_F(Survival, ACrashLosesOnlyItsClass) {
-  const RunResult result = Run("Abort_QZMSG_SystemSlot");
+  const RunResult result = Run("Abort QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err),
@@ -98,15 +94,14 @@ TEST_F(Survival, ACrashLosesOnlyItsClass) {
 }
 
 TEST_F(Survival, EverythingIsCollectedAgainWithoutTheClassThatDied) {
-  Run("Abort_QZMSG_SystemSlot");
+  Run("Abort QZMSG_SystemSlot");
   EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 2);
   EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
   EXPECT_EQ(CountQueries("QZMSG_PCIRawData"), 1);
 }
 
 TEST_F(Survival, EachClassThatDiesCostsOneMoreAttempt) {
-  const RunResult result =
-      RunFake("dying_twice", {"instances", "--format", "jsonl", "--log-file", LogFile()});
+  const RunResult result = Run("Abort QZMSG_SystemSlot QZMSG_OnBoardDevice");
   EXPECT_EQ(CountQueries("QZMSG_PCIDevice"), 3);
   EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
   EXPECT_EQ(CountQueries("QZMSG_SystemBoard"), 2);
@@ -119,7 +114,7 @@ TEST_F(Survival, EachClassThatDiesCostsOneMoreAttempt) {
 }
 
 TEST_F(Survival, ATimeoutInTheLastClassLosesOnlyThatClass) {
-  const RunResult result = Run("Hang_QZMSG_PCIRawData", {"--timeout", "2"});
+  const RunResult result = Run("Hang QZMSG_PCIRawData", {"--timeout", "2"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out),
               ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemSlot",
@@ -129,7 +124,7 @@ TEST_F(Survival, ATimeoutInTheLastClassLosesOnlyThatClass) {
 }
 
 TEST_F(Survival, APluginThatExitsLosesOnlyItsClass) {
-  const RunResult result = Run("Exit_QZMSG_SystemSlot");
+  const RunResult result = Run("Exit QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err), ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in ended the "
@@ -138,7 +133,7 @@ TEST_F(Survival, APluginThatExitsLosesOnlyItsClass) {
 
 TEST_F(Survival, AClassThatHangsIsStopped) {
   const auto start = steady_clock::now();
-  const RunResult result = Run("Hang_QZMSG_SystemSlot", {"--timeout", "4"});
+  const RunResult result = Run("Hang QZMSG_SystemSlot", {"--timeout", "4"});
   EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(60));
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
@@ -149,11 +144,11 @@ TEST_F(Survival, AClassThatHangsIsStopped) {
 }
 
 TEST_F(Survival, APluginThatCrashesWhileLoadingIsAnError) {
-  const RunResult died = Run("Abort_Init");
+  const RunResult died = Run("Abort Init");
   EXPECT_EQ(died.status, 1);
   EXPECT_EQ(died.out, "");
   EXPECT_EQ(died.err, "pciinfo: loading the plug-ins: the process died by signal 6 (Aborted)\n");
-  const RunResult hung = Run("Hang_Init", {"--timeout", "1"});
+  const RunResult hung = Run("Hang Init", {"--timeout", "1"});
   EXPECT_EQ(hung.status, 1);
   EXPECT_EQ(hung.err,
             "pciinfo: loading the plug-ins: the process was stopped after 0.5 seconds (--timeout "
@@ -161,11 +156,11 @@ TEST_F(Survival, APluginThatCrashesWhileLoadingIsAnError) {
 }
 
 TEST_F(Survival, ACrashAtTheEndIsReportedAfterTheOutput) {
-  const RunResult died = Run("Abort_DeInit");
+  const RunResult died = Run("Abort DeInit");
   EXPECT_EQ(died.status, 1);
   EXPECT_THAT(ClassesIn(died.out), kAll);
   EXPECT_EQ(died.err, "pciinfo: ending the plug-ins: the process died by signal 6 (Aborted)\n");
-  const RunResult exited = Run("Exit_DeInit");
+  const RunResult exited = Run("Exit DeInit");
   EXPECT_EQ(exited.status, 1);
   EXPECT_THAT(ClassesIn(exited.out), kAll);
   EXPECT_EQ(exited.err,
@@ -173,7 +168,7 @@ TEST_F(Survival, ACrashAtTheEndIsReportedAfterTheOutput) {
 }
 
 TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
-  const RunResult result = Run("Hang_DeInit");
+  const RunResult result = Run("Hang DeInit");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAll);
   EXPECT_EQ(result.err, "pciinfo: ending the plug-ins: the process was stopped after 10 seconds\n");
@@ -182,7 +177,7 @@ TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
 // Sanitizers have their own allocators and limits.
 #ifndef PCIINFO_SANITIZED
 TEST_F(Survival, ExhaustedMemoryLosesOnlyItsClass) {
-  const RunResult result = Run("Flood_QZMSG_SystemSlot", {"--memory-limit", "300"});
+  const RunResult result = Run("Flood QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err),
@@ -191,7 +186,7 @@ TEST_F(Survival, ExhaustedMemoryLosesOnlyItsClass) {
 }
 
 TEST_F(Survival, SilentlyExhaustedMemoryIsReported) {
-  const RunResult result = Run("Hoard_QZMSG_SystemSlot", {"--memory-limit", "300"});
+  const RunResult result = Run("Hoard QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_SystemSlot: the plug-in "));
@@ -199,28 +194,28 @@ TEST_F(Survival, SilentlyExhaustedMemoryIsReported) {
 #endif
 
 TEST_F(Survival, AProcessThatAPluginLeavesBehindIsEnded) {
-  const RunResult result = Run("LeaveProcess_QZMSG_SystemSlot");
+  const RunResult result = Run("LeaveProcess QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(ClassesIn(result.out), kAll);
   EXPECT_FALSE(IsProcessThere());
 }
 
 TEST_F(Survival, AProcessThatADyingPluginLeavesBehindIsEnded) {
-  const RunResult result = Run("LeaveProcessAndAbort_QZMSG_SystemSlot");
+  const RunResult result = Run("LeaveProcessAndAbort QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_FALSE(IsProcessThere());
 }
 
 TEST_F(Survival, APluginThatClosesAllFilesLosesOnlyItsClass) {
-  const RunResult result = Run("CloseFiles_QZMSG_SystemSlot");
+  const RunResult result = Run("CloseFiles QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
   EXPECT_THAT(result.err, StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in "));
 }
 
 TEST_F(Survival, FilesInTheWorkingDirectoryAreRemoved) {
-  const RunResult result = Run("WriteFile_QZMSG_SystemSlot");
+  const RunResult result = Run("WriteFile QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
   const std::string folder = Logged("wrote into: ");
   EXPECT_THAT(folder, AnyOf(StartsWith("/dev/shm/pciinfo-"), StartsWith("/tmp/pciinfo-")));
@@ -228,7 +223,7 @@ TEST_F(Survival, FilesInTheWorkingDirectoryAreRemoved) {
 }
 
 TEST_F(Survival, OutputOfAPluginAppearsOnce) {
-  const RunResult result = Run("PrintToStdout_QZMSG_PCIDevice");
+  const RunResult result = Run("PrintToStdout QZMSG_PCIDevice");
   const std::size_t first = result.out.find("unasked");
   ASSERT_NE(first, std::string::npos);
   EXPECT_EQ(result.out.find("unasked", first + 1), std::string::npos);
@@ -239,11 +234,9 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
   pid_t StartHanging() const {
     const pid_t program = fork();
     if (program != 0) return program;
-    HearSignals();
-    const std::string plugin = FakePluginFile("hostile_Hang_QZMSG_SystemSlot");
-    execl(PCIINFO_PROGRAM, "pciinfo", "instances", "--log-file", LogFile().c_str(), "--only-plugin",
-          plugin.c_str(), nullptr);
-    _exit(127);
+    setenv("HOSTILE", "Hang QZMSG_SystemSlot", 1);
+    _exit(Execute({PCIINFO_PROGRAM, "instances", "--log-file", LogFile(), "--only-plugin",
+                   FakePluginFile("hostile")}));
   }
 
   void WaitUntilItHangs() const {
@@ -291,10 +284,11 @@ TEST_F(SignalledSurvival, NothingGoesOnWhenTheProgramIsKilled) {
 }
 
 TEST_F(Survival, ProcessesOfOthersAreLeftAlone) {
-  const std::string plugin = FakePluginFile("hostile_Abort_QZMSG_SystemSlot");
-  const RunResult result =
-      RunShell("bash -c 'sleep 987650 & exec $PCIINFO slots --only-plugin " + plugin +
-               "' >/dev/null 2>&1; echo $?; pkill -fx 'sleep 987650' && echo it slept");
+  const RunResult result = RunShell(
+      "HOSTILE='Abort QZMSG_SystemSlot' bash -c 'sleep 987650 & "
+      "exec $PCIINFO slots --only-plugin ${PLUGINS}hostile.pi.so' >/dev/null 2>&1; echo $?; pkill "
+      "-fx "
+      "'sleep 987650' && echo it slept");
   EXPECT_EQ(result.out, "1\nit slept\n");
 }
 

@@ -52,7 +52,7 @@ std::string FailureOf(const std::string& capture) {
 
 class ArchiveReaderTest : public testing::Test {
  protected:
-  std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
+  std::string Path(const std::string& name) const { return directory_ / name; }
 
   vtq::TemporaryDirectory directory_;
 };

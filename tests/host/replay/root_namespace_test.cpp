@@ -3,7 +3,6 @@
 #include "host/replay/root_namespace.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -20,14 +19,11 @@ namespace {
 
 /// Whether `holds` is true in a child that has entered namespaces.
 bool InNamespaces(const std::function<bool()>& holds) {
-  const pid_t child = fork();
-  if (child == 0) {
+  const RunResult child = RunInChild([&] {
     EnterNamespaces();
-    _exit(holds() ? 0 : 1);
-  }
-  int status = -1;
-  waitpid(child, &status, 0);
-  return status == 0;
+    return holds() ? 0 : 1;
+  });
+  return child.status == 0;
 }
 
 /// Returns the name that the framework finds for the host name. The framework itself reads it only

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/made_archive.h"
@@ -58,19 +57,11 @@ std::vector<MadeEntry> SmallMachine() {
 
 class Root : public testing::Test {
  protected:
-  std::string Path(const std::string& name) const { return directory_.GetPath() + "/" + name; }
+  std::string Path(const std::string& name) const { return directory_ / name; }
 
   std::string Archive(const std::vector<MadeEntry>& entries) const {
     MakeArchive(Path("capture.tar.gz"), entries, "gzip");
     return Path("capture.tar.gz");
-  }
-
-  std::vector<std::string> FilesInDirectory() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory_.GetPath())) {
-      names.push_back(entry.path().filename());
-    }
-    return names;
   }
 
   vtq::TemporaryDirectory directory_;
@@ -170,7 +161,7 @@ TEST_F(Root, NothingIsLeftBehind) {
   const std::string capture = Archive(SmallMachine());
   const std::string mounts = RunShell("cat /proc/self/mountinfo; hostname").out;
   EXPECT_EQ(RunShell("cd " + directory_.GetPath() + " && $PCIINFO --root " + capture).status, 0);
-  EXPECT_THAT(FilesInDirectory(), ElementsAre("capture.tar.gz"));
+  EXPECT_THAT(directory_.Names(), ElementsAre("capture.tar.gz"));
   EXPECT_EQ(RunShell("cat /proc/self/mountinfo; hostname").out, mounts);
 }
 

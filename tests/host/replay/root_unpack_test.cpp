@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <system_error>
 
@@ -45,11 +44,6 @@ class UnpackCaptureTest : public testing::Test {
 
   fs::path Place(const std::string& path) const { return fs::path(tree_.GetPath()) / path; }
 
-  std::string Content(const std::string& path) const {
-    std::ifstream file(Place(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
   vtq::TemporaryDirectory directory_;
   vtq::TemporaryDirectory tree_;
 };
@@ -61,10 +55,10 @@ TEST_F(UnpackCaptureTest, ServedPartsAreUnpacked) {
                     {"commands/lspci -vvv", "output"},
                     {"manifest.json", "{}"}}),
             "{}");
-  EXPECT_EQ(Content("proc/bus/pci/devices"), "list");
-  EXPECT_EQ(Content("proc/pci"), "old");
-  EXPECT_EQ(Content("sys/bus/pci/devices/x/config"), "config");
-  EXPECT_EQ(Content("proc/pciinfo/commands/lspci -vvv"), "output");
+  EXPECT_EQ(tree_.Read("proc/bus/pci/devices"), "list");
+  EXPECT_EQ(tree_.Read("proc/pci"), "old");
+  EXPECT_EQ(tree_.Read("sys/bus/pci/devices/x/config"), "config");
+  EXPECT_EQ(tree_.Read("proc/pciinfo/commands/lspci -vvv"), "output");
 }
 
 TEST_F(UnpackCaptureTest, OtherPartsAreNotUnpacked) {
@@ -89,8 +83,8 @@ TEST_F(UnpackCaptureTest, ADirectoryIsUnpackedLikeAnArchive) {
   directory_.Write("proc/bus/pci/devices", "2");
   directory_.Write("manifest.json", "{}");
   EXPECT_EQ(Unpack(directory_.GetPath()), "{}");
-  EXPECT_EQ(Content("sys/bus/x"), "1");
-  EXPECT_EQ(Content("proc/bus/pci/devices"), "2");
+  EXPECT_EQ(tree_.Read("sys/bus/x"), "1");
+  EXPECT_EQ(tree_.Read("proc/bus/pci/devices"), "2");
 }
 
 TEST_F(UnpackCaptureTest, LinksInADirectoryObeyTheSameRules) {
@@ -114,7 +108,7 @@ TEST_F(UnpackCaptureTest, ALinkMayBeBrokenOrPointToAnExistingFile) {
           {"sys/a/one", "", 'l', "../file"},
           {"sys/a/two", "", 'l', "../file/x"},
           {"sys/a/self", "", 'l', "self"}});
-  EXPECT_EQ(Content("sys/a/one"), "1");
+  EXPECT_EQ(tree_.Read("sys/a/one"), "1");
   EXPECT_FALSE(fs::exists(Place("sys/a/two")));
 }
 
@@ -137,10 +131,10 @@ TEST_F(UnpackCaptureTest, NothingIsWrittenThroughALinkOfTheCapture) {
   const std::vector<MadeEntry> entries = {
       {"sys/real/file", "untouched"}, {"sys/link", "", 'l', "real"}, {"sys/link/file", "changed"}};
   EXPECT_THAT(RefusalOf(entries), HasSubstr("sys/link/file"));
-  EXPECT_EQ(Content("sys/real/file"), "untouched");
+  EXPECT_EQ(tree_.Read("sys/real/file"), "untouched");
   EXPECT_THAT(RefusalOf({{"sys/other", "", 'l', "real/file"}, {"sys/other", "changed"}}),
               HasSubstr("sys/other"));
-  EXPECT_EQ(Content("sys/real/file"), "untouched");
+  EXPECT_EQ(tree_.Read("sys/real/file"), "untouched");
 }
 
 TEST_F(UnpackCaptureTest, ABombIsRefusedBeforeItIsUnpacked) {

@@ -68,7 +68,7 @@ for document in json.load(open(sys.argv[2])):
 class JsonSchema : public testing::Test {
  protected:
   void SetUp() override {
-    if (RunProgram("/usr/bin/python3", {"-c", "import jsonschema"}).status != 0) {
+    if (RunProcess({"/usr/bin/python3", "-c", "import jsonschema"}).status != 0) {
       GTEST_SKIP() << "python3-jsonschema is not installed";
     }
   }
@@ -78,13 +78,13 @@ class JsonSchema : public testing::Test {
     std::ofstream(SchemaFile()) << SchemaText();
     std::ofstream(DocumentsFile()) << documents;
     const RunResult result =
-        RunProgram("/usr/bin/python3", {"-c", kValidate, SchemaFile(), DocumentsFile()});
+        RunProcess({"/usr/bin/python3", "-c", kValidate, SchemaFile(), DocumentsFile()});
     return result.status == 0 ? LinesOf(result.out) : std::vector<std::string>{result.err};
   }
 
  private:
-  std::string SchemaFile() const { return directory_.GetPath() + "/schema.json"; }
-  std::string DocumentsFile() const { return directory_.GetPath() + "/documents.json"; }
+  std::string SchemaFile() const { return directory_ / "schema.json"; }
+  std::string DocumentsFile() const { return directory_ / "documents.json"; }
 
   vtq::TemporaryDirectory directory_;
 };
