@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Replaces lspci: runs the real one and records the CPU time of both.
 
 #include <fcntl.h>

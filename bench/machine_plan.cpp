@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bench/machine_plan.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // bench_machine N FOLDER: writes the capture of a machine with N PCI functions. bench_machine
 // RECIPE.json FOLDER: that of the machine of a recipe (machine_recipe.h).
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The texts that the plug-in reads: the kernel's list, the listing of lspci, raw listings.
 
 #include <benchmark/benchmark.h>

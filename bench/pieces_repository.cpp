@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The repository, and JSON from it.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Slots: from the firmware's structures to the slot of a function.
 
 #include <benchmark/benchmark.h>

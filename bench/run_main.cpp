@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // bench_run: measures pciinfo and other tools, and writes the results to docs/.
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "board/system_board.h"
 
 #include <utility>

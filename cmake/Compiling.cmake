@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # What shortens the build. Most of its time goes into library templates, which every source file
 # would make anew.
 

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Where plug-ins are installed, and which files are installed besides programs and libraries. Each
 # part of the installation is a component: library, plugin, tool, development.
 

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Debian packages: cpack -G DEB. Configure with -DCMAKE_INSTALL_PREFIX=/usr.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The pciinfo authors <pciinfo@example.org>")

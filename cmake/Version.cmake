@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # The project's version stands in one place, the call of project(). The changelog must have an entry
 # for it, which tells the date.
 set(changelog ${PROJECT_SOURCE_DIR}/CHANGELOG.md)

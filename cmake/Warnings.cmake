@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Compiler options of every target: warnings, sanitizers, coverage, symbol binding.
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(PCIINFO_WERROR)

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # The framework, for authors of plug-ins: vtq::framework (headers), vtq::base and vtq::core.
 include(${CMAKE_CURRENT_LIST_DIR}/vtqTargets.cmake)
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 // Exports a symbol from a library. Everything is compiled with hidden visibility, so a class that

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Hexadecimal numbers, and a function's address in the formats of different sources.
 #include <algorithm>
 #include <cctype>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Captures as untrusted archives. An input is an archive, so that a finding can be passed to the
 // program unchanged.
 #include <sys/mman.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Captures as untrusted directories. An input has a line for each entry of the directory: its kind,
 // its path, and after a tab its content or target.
 #include <fcntl.h>

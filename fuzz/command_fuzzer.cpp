@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Commands: their words, their programs, and their recordings.
 #include <filesystem>
 #include <map>

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Functions for the scripts of this directory; source this file.
 source "$here/tools/packages.sh"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Lines of the kernel's device list, and the tokenizer that splits them.
 #include "fuzz/fuzz.h"
 #include "fuzz/models.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "fuzz/fuzz.h"
 
 // The name by which the fuzzer finds a target.

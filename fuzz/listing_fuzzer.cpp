@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Compares the lookup of descriptions in a listing with a search without an index. An input is a
 // key, a line end, and a listing.
 #include "fuzz/fuzz.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // make_seeds OUTPUT FOLDER...: writes the seeds OUTPUT/TARGET/* from machines. FOLDER contains
 // machines: directories with a machine.json (tests/fakes/machine_recipe.h), and captures as
 // directories or tar archives.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The manifest of an untrusted capture: a manifest that was read can be written and read again.
 #include <algorithm>
 #include <nlohmann/json.hpp>

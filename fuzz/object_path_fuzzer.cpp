@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Object paths: made from any namespace, class and keys, then parsed again.
 #include <utility>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The raw listings, line by line.
 #include "fuzz/fuzz.h"
 #include "pci/dev_info.h"

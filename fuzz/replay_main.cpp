@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A main for targets without libFuzzer: runs the target on the files on the command line and on the
 // files in directories there, or without arguments on standard input. For other fuzzers, debuggers
 // and the tests.

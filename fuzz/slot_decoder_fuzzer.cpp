@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Compares the slot collector with a model of every byte that it may read, for any structures. An
 // input is flags and an SMBIOS table.
 #include "fuzz/fuzz.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Locations of slots, from System Slots structures or from OEM strings. An input is a version (two
 // bytes), a source, and an SMBIOS table.
 #include "fuzz/fuzz.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // SMBIOS entry points and the walk over the table, by the parsing functions and by files like the
 // kernel's. An input is flags, a type, a capacity, the length of an entry point, the entry point,
 // and the table.

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # cpack runs this when the files of all packages are in place. Adds the files that Debian requires
 # to each.
 cmake_minimum_required(VERSION 3.25)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pci/hardware_probe.h"
 
 #include <array>

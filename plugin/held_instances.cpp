@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "plugin/held_instances.h"
 
 #include "framework/add_to_vector_callback.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "runtime/logger.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "runtime/service_failures.h"
 
 #include <cerrno>

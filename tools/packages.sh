@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Functions for the scripts in the top directory; source this file.
 
 fail() {

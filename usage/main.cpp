@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes the manual page and the completions of the shells into a folder:
 //   write_usage FOLDER VERSION DATE SECTIONS-FILE CLASS-FILE
 

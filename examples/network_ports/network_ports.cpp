@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that publishes the machine's network interfaces as instances of ACME_NetworkPort, which
 // network_ports.json declares.
 

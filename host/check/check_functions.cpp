@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The checks of published PCI functions, except their regions.
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/check/check_reader.h"
 
 #include <fcntl.h>

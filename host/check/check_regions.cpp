@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The checks of regions that do not fit into the published properties: 32 bits for memory, 16 for
 // I/O. The plug-in replaces a base address that is too large by the largest 32-bit number,
 // whose lowest bit marks the region as I/O.

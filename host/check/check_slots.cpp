@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The checks of published slots and of the functions in them.
 
 #include <fmt/format.h>

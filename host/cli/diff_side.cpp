@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/cli/diff_side.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/collect/stderr_log.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/diff/diff.h"
 
 #include "host/diff/change_list.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/extras/extras.h"
 
 pciinfo::ArchiveReader* PciinfoOpenArchive(const std::string& name) {

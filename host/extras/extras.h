@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 // Code that needs libraries which most runs do not use (archives, XML, YAML) is in a separate

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/formats/json_writer.h"
 
 #include "host/formats/json_text.h"

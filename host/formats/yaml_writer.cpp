@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/formats/yaml_writer.h"
 
 #include <yaml-cpp/emitter.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/model/pci_class_names.h"
 
 #include <fmt/format.h>

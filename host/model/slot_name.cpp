@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/model/slot_name.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/replay/archive_reader.h"
 
 #include <archive.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/views/classes_view.h"
 
 #include <fmt/format.h>

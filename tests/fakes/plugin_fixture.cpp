@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/fakes/plugin_fixture.h"
 
 #include "pci/process_state.h"

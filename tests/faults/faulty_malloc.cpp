@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Allocations that can fail: all of them, because operator new calls malloc.
 #include <atomic>
 #include <cerrno>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Allocations by operator new that can fail; for sanitizers, which replace malloc.
 #include <atomic>
 #include <cstdlib>

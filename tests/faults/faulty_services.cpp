@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The framework's services, which can fail and otherwise call the real ones. The loader finds these
 // before the real ones.
 #include <dlfcn.h>

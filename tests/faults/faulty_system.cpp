@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // System calls that can fail. The loader finds a program's symbols before those of its libraries,
 // so these replace the C library's functions in the whole process. Calls inside the C library
 // (fopen calls open, fread calls read) cannot be replaced, so fopen and fread are replaced too.

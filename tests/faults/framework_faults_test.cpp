@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every operation of the framework that a collection calls fails once, one after the other.
 #include <gtest/gtest.h>
 

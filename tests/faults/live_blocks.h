@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 /// Number of blocks of memory that are allocated. With sanitizers, which replace malloc, only

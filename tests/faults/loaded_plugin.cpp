@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/faults/loaded_plugin.h"
 
 #include "host/base/namespace_name.h"

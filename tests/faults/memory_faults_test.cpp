@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every allocation of a collection fails, one after the other, alone or with all that come after.
 #include <gtest/gtest.h>
 

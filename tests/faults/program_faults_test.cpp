@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The whole program, with faults in all functions that it calls: it reports what is missing and
 // prints the rest.
 #include <gtest/gtest.h>

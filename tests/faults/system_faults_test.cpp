@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every system call that a collection makes fails once, one after the other.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs `check` on the captures in the directory PCIINFO_MACHINES and compares it with other
 // readings of their files.
 

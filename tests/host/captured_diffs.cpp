@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs `diff` on the captures in the directory PCIINFO_MACHINES.
 
 #include <gmock/gmock.h>

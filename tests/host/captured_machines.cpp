@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs the program on every capture in the directory that PCIINFO_MACHINES named when the tests
 // were built.
 

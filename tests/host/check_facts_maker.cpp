@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/host/check_facts_maker.h"
 
 using namespace pciinfo;

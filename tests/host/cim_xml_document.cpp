@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/host/cim_xml_document.h"
 
 #include <libxml/parser.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/host/fixed_repository.h"
 
 #include <sys/mman.h>

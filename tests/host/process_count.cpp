@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/host/process_count.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/fakes/machine_recipe.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program, run by a user who may not read everything: it reports the missing parts once and
 // prints the rest.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/fakes/slot_record.h"
 #include "tests/pci/pci_fixture.h"
 

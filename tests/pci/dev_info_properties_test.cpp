@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/pci/properties_fixture.h"
 
 using NQZMVTQ20::TCIMValue;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 /// During its lifetime, `new (std::nothrow) T[n]` returns null.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pci/listing_index.h"
 
 #include <gtest/gtest.h>

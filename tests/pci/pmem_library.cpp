@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A physical-memory access library for the tests of its loader. Each entry point returns a
 // different number. With PMEM_WITHOUT_READ_AND_SEARCH, two of them are missing.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pci/slot_location.h"
 
 #include <gtest/gtest.h>

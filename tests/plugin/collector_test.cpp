@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "plugin/collector.h"
 
 #include "framework/cim_instance.h"

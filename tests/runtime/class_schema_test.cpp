@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "runtime/class_schema.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "framework/schema_helper.h"
 
 #include <gtest/gtest.h>

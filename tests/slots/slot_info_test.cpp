@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "slots/slot_info.h"
 
 #include <new>

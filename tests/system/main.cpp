@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Boots one machine and runs the tests on its output, or starts a shell in it.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/capture/capture_target.h"
 
 #include <gmock/gmock.h>

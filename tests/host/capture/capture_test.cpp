@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program captures this machine and shows the capture.
 
 #include "host/capture/capture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // `pciinfo diff` from outside.
 
 #include <gmock/gmock.h>

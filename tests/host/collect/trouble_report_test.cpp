@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/collect/trouble_report.h"
 
 #include <gmock/gmock.h>

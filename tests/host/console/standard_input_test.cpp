@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/console/standard_input.h"
 
 #include <gtest/gtest.h>

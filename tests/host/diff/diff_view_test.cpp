@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/diff/diff_view.h"
 
 #include <gmock/gmock.h>

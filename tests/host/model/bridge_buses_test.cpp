@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/model/bridge_buses.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/host/plugins/fake_plugin.h"
 
 #include "framework/plugin_manager_namespace.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/host/plugins/fixed_machine.h"
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that provides all classes and logs the records of a machine with many troubles.
 #include "framework/exception.h"
 #include "framework/os_specific.h"

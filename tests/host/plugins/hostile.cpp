@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that provides all classes and misbehaves as the environment variable HOSTILE says:
 // first what it does, then where (Init, DeInit, or classes), as in "Abort QZMSG_SystemSlot".
 #include <sys/mman.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in whose raw listing has a quarter of a million lines.
 #include "tests/host/plugins/fake_plugin.h"
 

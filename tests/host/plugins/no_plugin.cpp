@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A library that can be loaded and registers nothing.
 #include "framework/export.h"
 

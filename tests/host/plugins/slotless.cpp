@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in on a machine without SMBIOS tables: no slots, which is not an error.
 #include "tests/host/plugins/fake_plugin.h"
 

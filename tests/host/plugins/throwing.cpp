@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that throws for two classes; one of the exceptions has its own type.
 #include <stdexcept>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in whose Init throws an exception of its own type.
 #include <exception>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that keeps an instance without committing it.
 #include "tests/host/plugins/fake_plugin.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Each test in a child process of its own: there is no way back.
 
 #include "host/process/confinement.h"

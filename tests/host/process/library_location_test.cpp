@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/process/library_location.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is different on a terminal: the pager.
 
 #include "host/process/pager.h"

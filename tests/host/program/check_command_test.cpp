@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs `pciinfo check` with the real plug-in on machines that the tests make.
 
 #include <gmock/gmock.h>

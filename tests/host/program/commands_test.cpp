@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs the program on plug-ins with known instances.
 
 #include <gmock/gmock.h>

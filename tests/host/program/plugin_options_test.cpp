@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // --plugin and --only-plugin, as the program takes them.
 
 #include <gmock/gmock.h>

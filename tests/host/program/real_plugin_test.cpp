@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program with its own plug-in on the machine that the tests run on.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program with its own plug-in on this machine, while a mount namespace hides parts of the
 // machine.
 

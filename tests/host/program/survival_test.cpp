@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program survives plug-ins that crash, hang, flood or exit, and leaves no processes or files
 // behind.
 

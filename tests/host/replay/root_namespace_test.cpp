@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Each test runs in a child process, because a process cannot leave the namespaces again.
 
 #include "host/replay/root_namespace.h"

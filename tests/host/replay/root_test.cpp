@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs the program with --root.
 
 #include "host/replay/root.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that fulfils the contract. It writes every call to the core log.
 
 #include <memory>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that misbehaves as the environment variable RUNTIME_TEST_MISDEED says.
 
 #include <cstdlib>

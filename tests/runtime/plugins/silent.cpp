@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A library that finds the plug-in manager and registers nothing.
 
 #include "framework/plugin_manager_namespace.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A library that registers two objects that do not implement queries.
 
 #include <string>
