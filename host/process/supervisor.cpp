@@ -302,7 +302,7 @@ std::string Supervisor::Reason() const {
     return "left no memory to go on with (--memory-limit)";
   }
   if (!worker_.isOutOfTime) return HowItEnded(worker_.status);
-  const std::string stopped = fmt::format("was stopped after {:g} seconds", Seconds(worker_.limit));
+  std::string stopped = fmt::format("was stopped after {:g} seconds", Seconds(worker_.limit));
   if (worker_.last.kind != Kind::kStep) return stopped;
   return stopped +
          fmt::format(" (--timeout bounds the whole run to {:g})", Seconds(budget_.GetTotal()));
