@@ -71,18 +71,6 @@ std::string Describe(TPciDevInfo& collector, const sPciDevices& record) {
          dataToString<unsigned short>(record.deviceId);
 }
 
-void InsertRegions(TPciDevInfo& collector, const sPciDevices& record, TPropertyMap* properties) {
-  Regions regions = SortRegions(record);
-  const auto insert = [&](const char* name, auto& numbers, auto makeValue) {
-    if (numbers.empty()) return;
-    InsertProperty(properties, name, (collector.*makeValue)(std::move(numbers)));
-  };
-  insert("MEMAddress", regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue);
-  insert("MEMLength", regions.memoryLengths, &TPciDevInfo::GetDwordCimValue);
-  insert("IOAddress", regions.ioAddresses, &TPciDevInfo::GetWordCimValue);
-  insert("IOLength", regions.ioLengths, &TPciDevInfo::GetWordCimValue);
-}
-
 }  // namespace
 
 int TPciDevInfo::PopulateKeyProperties(TPropertyMap* properties) {
@@ -148,7 +136,14 @@ TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
   InsertProperty(&properties, "SubsystemVendorID",
                  ConfigWordValue(*record, kConfigSubsystemVendorId));
   InsertProperty(&properties, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
-  InsertRegions(*this, *record, &properties);
+  const Regions regions = SortRegions(*record);
+  const auto insert = [&](const char* name, const auto& numbers, auto makeValue) {
+    if (!numbers.empty()) InsertProperty(&properties, name, (this->*makeValue)(numbers));
+  };
+  insert("MEMAddress", regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue);
+  insert("MEMLength", regions.memoryLengths, &TPciDevInfo::GetDwordCimValue);
+  insert("IOAddress", regions.ioAddresses, &TPciDevInfo::GetWordCimValue);
+  insert("IOLength", regions.ioLengths, &TPciDevInfo::GetWordCimValue);
   if (record->irq != 0) InsertProperty(&properties, "IRQ", TCIMValue(record->irq));
   WriteDebug("Exiting TPciDevInfo::PopulatePciDeviceProperties routine");
   return properties;

@@ -101,7 +101,8 @@ class KeptOutput final {
   std::string Read() const {
     std::string text;
     lseek(file_.Get(), 0, SEEK_SET);
-    while (vtq::AppendFrom(file_.Get(), text) > 0) continue;
+    while (vtq::AppendFrom(file_.Get(), text) > 0) {
+    }
     return text;
   }
 

@@ -56,7 +56,10 @@ class ValueMaker final : public nlohmann::json_sax<json> {
   }
 
   JsonValue& Place(JsonValue value) {
-    if (open_.empty()) return root_ = std::move(value);
+    if (open_.empty()) {
+      root_ = std::move(value);
+      return root_;
+    }
     return open_.back()->members.emplace_back(std::move(key_), std::move(value)).second;
   }
 
