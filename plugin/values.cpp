@@ -36,22 +36,6 @@ class HexReader {
   mutable std::ios format_;
 };
 
-// Fast path for nearly all numbers: a few lower-case digits and nothing else. Returns false for any
-// other text.
-template <class T>
-bool ReadDigits(std::string_view text, T* value) {
-  if (text.size() > 2 * sizeof(T)) return false;
-  T number = 0;
-  for (const char c : text) {
-    const bool isDecimal = c >= '0' && c <= '9';
-    if (!isDecimal && (c < 'a' || c > 'f')) return false;
-    const auto digit = static_cast<unsigned>(isDecimal ? c - '0' : c - 'a' + 10);
-    number = static_cast<T>(unsigned{number} << 4U | digit);
-  }
-  *value = number;
-  return true;
-}
-
 }  // namespace
 
 template <class T>
@@ -70,7 +54,6 @@ std::string dataToString(T value) {
 template <class T>
 T ReadHex(std::string_view text) {
   T value = 0;
-  if (ReadDigits(text, &value)) return value;
   static const HexReader reader;
   reader.Read(text, &value);
   return value;
