@@ -245,7 +245,7 @@ class Reader {
   }
 
   static std::string CommonTargetOf(const Object& object) {
-    const std::string name = object.OptionalName("commonTarget");
+    std::string name = object.OptionalName("commonTarget");
     if (!name.empty() && object.Array("targets").size() < 2) {
       Fail(object.Place(), "only references with several \"targets\" have a \"commonTarget\"");
     }
