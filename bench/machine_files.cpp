@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "bench/machine_plan.h"
-#include "tests/fakes/machine_recipe.h"
-#include "tests/machines/recipe_files.h"
+#include "tests/recipes/machine_recipe.h"
+#include "tests/recipes/recipe_files.h"
 
 namespace fs = std::filesystem;
 

@@ -16,7 +16,7 @@ struct PlannedSlot {
 };
 
 struct MachinePlan {
-  nlohmann::json recipe;           ///< as BuildMachine of tests/fakes/machine_recipe.h takes it
+  nlohmann::json recipe;           ///< as BuildMachine of tests/recipes/machine_recipe.h takes it
   std::vector<PlannedSlot> slots;  ///< in the firmware's order: the first one has tag 1
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // make_seeds OUTPUT FOLDER...: writes the seeds OUTPUT/TARGET/* from machines. FOLDER contains
-// machines: directories with a machine.json (tests/fakes/machine_recipe.h), and captures as
+// machines: directories with a machine.json (tests/recipes/machine_recipe.h), and captures as
 // directories or tar archives.
 #include <fmt/format.h>
 
@@ -11,8 +11,8 @@
 
 #include "fuzz/seed_archive.h"
 #include "fuzz/smbios_model.h"
-#include "tests/fakes/machine_recipe.h"
-#include "tests/machines/recipe_files.h"
+#include "tests/recipes/machine_recipe.h"
+#include "tests/recipes/recipe_files.h"
 #include "tests/runtime/temporary_directory.h"
 
 namespace {

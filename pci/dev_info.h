@@ -78,7 +78,7 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
   /// Appends the bus numbers behind each slot that is in use. Always returns 0.
   int readPCIConfigForSlots(std::vector<SlotLocation>* locations,
                             std::vector<SlotBusCollection>* collections);
-  /// Returns the tag of the first slot that `bus` leads to; 0xFFFFFFFF if there is none.
+  /// Returns the tag of the first slot that `bus` leads to; kNoSlot if there is none.
   unsigned correlateDeviceAndSlot(int bus, std::vector<SlotBusCollection>* collections);
   /// Returns a map for each function that is in a slot, if the framework holds instances of both.
   std::vector<TPropertyMap> MakeDeviceSlotAssociation();
@@ -110,6 +110,9 @@ class VTQ_EXPORT TPciDevInfo : public TPci {
 extern VTQ_EXPORT std::vector<SlotLocation> slotLocationVect;
 extern VTQ_EXPORT std::vector<SlotBusCollection> slotBusCollectionVect;
 extern VTQ_EXPORT std::uint16_t tagCounter;
+
+/// What correlateDeviceAndSlot returns for a bus that no slot leads to.
+inline constexpr unsigned kNoSlot = 0xFFFFFFFF;
 
 /// Size of the buffer for formatted log lines of the slot routines.
 inline constexpr unsigned kDbgBuffSize = 256;

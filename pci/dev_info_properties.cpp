@@ -13,8 +13,6 @@ using NQZMVTQ20::TCIMValue;
 
 namespace {
 
-constexpr unsigned kNoSlot = 0xFFFFFFFF;
-
 // Flag bits in the low end of a base address (PCI Local Bus 3.0, 6.2.5.1).
 constexpr std::uint32_t kIoFlag = 0x1;
 constexpr std::uint32_t kIoMask = 0xFFFFFFFC;

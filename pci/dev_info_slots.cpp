@@ -30,7 +30,6 @@ namespace {
 enum RetrievalType : int { kNoBusInformation = 0, kFromOemStrings = 1, kFromSlots = 2 };
 
 constexpr std::uint16_t kNoSegmentGroup = 0xFF;
-constexpr unsigned kNoSlot = 0xFFFFFFFF;
 constexpr std::uint8_t kBridgeHeader = 1;
 
 using ConfigHeader = std::array<unsigned char, kConfigHeaderSize>;

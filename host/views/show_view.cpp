@@ -4,13 +4,18 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <nlohmann/json.hpp>
+
 #include "host/console/columns.h"
 #include "host/console/text.h"
+#include "host/formats/json_writer.h"
 #include "host/formats/table_writer.h"
 #include "host/formats/value_text.h"
 #include "host/model/pci_class_names.h"
 #include "host/model/slot_name.h"
 #include "host/model/smbios_names.h"
+#include "host/views/function_json.h"
+#include "host/views/slot_json.h"
 
 namespace pciinfo {
 namespace {
@@ -184,6 +189,19 @@ void WriteShown(Output& output, const Shown& shown, const Terminal& terminal) {
   WriteTitle(output, "\n" + shown.cimClass->GetSchema().name, terminal);
   output.Write("  " + Printable(shown.instance->GetPath()) + "\n");
   TableWriter(output).Write(*shown.cimClass, *shown.instance);
+}
+
+void WriteShownJson(Output& output, const Shown& shown) {
+  output.Write("{");
+  if (shown.function) {
+    output.Write("\"function\":" + FunctionJson(*shown.function).dump() + ",\n");
+  }
+  if (shown.slot) output.Write("\"slot\":" + SlotJson(*shown.slot).dump() + ",\n");
+  output.Write("\"instance\":");
+  JsonObjects objects(output);
+  objects.BeginClass(*shown.cimClass);
+  objects.Write(*shown.cimClass, *shown.instance);
+  output.Write("}\n");
 }
 
 }  // namespace pciinfo

@@ -10,7 +10,7 @@
 
 #include "framework/os_specific.h"
 #include "runtime/command_replay.h"
-#include "tests/fakes/machine_recipe.h"
+#include "tests/recipes/machine_recipe.h"
 #include "tests/fakes/machine_tree.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "tests/fakes/machine_recipe.h"
+#include "tests/recipes/machine_recipe.h"
 #include "tests/machines/collection.h"
 #include "tests/machines/machine.h"
 

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "tests/fakes/machine_recipe.h"
+#include "tests/recipes/machine_recipe.h"
 #include "tests/fakes/machine_tree.h"
 #include "tests/machines/process.h"
 

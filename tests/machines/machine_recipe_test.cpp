@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/fakes/machine_recipe.h"
+#include "tests/recipes/machine_recipe.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

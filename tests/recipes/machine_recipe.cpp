@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/fakes/machine_recipe.h"
+#include "tests/recipes/machine_recipe.h"
 
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "tests/machines/recipe_pci.h"
-#include "tests/machines/recipe_smbios.h"
+#include "tests/recipes/recipe_pci.h"
+#include "tests/recipes/recipe_smbios.h"
 
 using nlohmann::json;
 

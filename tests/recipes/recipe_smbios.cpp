@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/machines/recipe_smbios.h"
+#include "tests/recipes/recipe_smbios.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
 
-#include "tests/machines/recipe_files.h"
+#include "tests/recipes/recipe_files.h"
 
 namespace fs = std::filesystem;
 

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "tests/machines/recipe_entry.h"
+#include "tests/recipes/recipe_entry.h"
 
 namespace recipe {
 

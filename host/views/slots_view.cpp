@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/views/slots_view.h"
+
+#include <nlohmann/json.hpp>
+
 #include "host/console/columns.h"
 #include "host/console/text.h"
 #include "host/model/smbios_names.h"
-#include "host/views/slots_view.h"
+#include "host/views/function_json.h"
+#include "host/views/slot_json.h"
 
 namespace pciinfo {
 namespace {
@@ -44,6 +49,20 @@ void WriteFunctions(Output& output, const std::vector<PciFunction>& functions,
   }
 }
 
+using Json = nlohmann::ordered_json;
+
+template <class Item>
+void WriteArray(Output& output, const std::vector<Item>& items, Json (*toJson)(const Item&)) {
+  output.Write("[");
+  bool first = true;
+  for (const Item& item : items) {
+    output.Write(first ? "\n" : ",\n");
+    first = false;
+    output.Write(toJson(item).dump());
+  }
+  output.Write(first ? "]" : "\n]");
+}
+
 }  // namespace
 
 void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal) {
@@ -59,6 +78,14 @@ void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& te
   if (!model.slots.empty()) output.Write("\n");
   output.Write(Coloured("On board:", Colour::kBold, terminal) + "\n");
   WriteFunctions(output, model.onBoard, "  ", terminal);
+}
+
+void WriteSlotsJson(Output& output, const SlotsModel& model) {
+  output.Write("{\"slots\":");
+  WriteArray(output, model.slots, &SlotJson);
+  output.Write(",\"onBoard\":");
+  WriteArray(output, model.onBoard, &FunctionJson);
+  output.Write("}\n");
 }
 
 }  // namespace pciinfo

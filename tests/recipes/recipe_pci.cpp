@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/machines/recipe_pci.h"
+#include "tests/recipes/recipe_pci.h"
 
 #include <algorithm>
 #include <cstdio>
 
-#include "tests/machines/recipe_files.h"
+#include "tests/recipes/recipe_files.h"
 
 namespace fs = std::filesystem;
 
