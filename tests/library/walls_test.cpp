@@ -21,6 +21,7 @@ const std::map<std::string, std::vector<std::string>> kMayInclude{
     {"pci", {"framework", "plugin", "pci"}},
     {"slots", {"framework", "plugin", "slots"}},
     {"board", {"framework", "plugin", "board"}},
+    {"topology", {"framework", "topology"}},
     {"runtime", {"framework", "runtime"}},
     {"host", {"framework", "runtime", "host"}},
 };

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "topology/config_facts.h"
+
+#include <linux/pci_regs.h>
+
+#include <array>
+#include <utility>
+
+namespace topology {
+namespace {
+
+// Not in older versions of pci_regs.h.
+constexpr std::uint16_t kPciePortTypeShift = 4;
+
+Link DecodeLink(std::uint32_t bits) {
+  return {static_cast<std::uint8_t>(bits & PCI_EXP_LNKCAP_SLS),
+          static_cast<std::uint8_t>((bits & PCI_EXP_LNKCAP_MLW) >> 4)};
+}
+
+PortSlot DecodePortSlot(const ConfigSpace& config, std::size_t at) {
+  const std::uint32_t capabilities = config.Dword(at + PCI_EXP_SLTCAP).value_or(0);
+  const std::uint16_t status = config.Word(at + PCI_EXP_SLTSTA).value_or(0);
+  PortSlot slot;
+  slot.physicalNumber = static_cast<std::uint16_t>((capabilities & PCI_EXP_SLTCAP_PSN) >> 19);
+  slot.hotPlug = (capabilities & PCI_EXP_SLTCAP_HPC) != 0;
+  slot.surprise = (capabilities & PCI_EXP_SLTCAP_HPS) != 0;
+  slot.cardPresent = (status & PCI_EXP_SLTSTA_PDS) != 0;
+  return slot;
+}
+
+std::optional<Express> DecodeExpress(const ConfigSpace& config, std::size_t at) {
+  const auto flags = config.Word(at + PCI_EXP_FLAGS);
+  if (!flags) return std::nullopt;
+  Express express;
+  express.portType = static_cast<std::uint8_t>((*flags & PCI_EXP_FLAGS_TYPE) >> kPciePortTypeShift);
+  express.most = DecodeLink(config.Dword(at + PCI_EXP_LNKCAP).value_or(0));
+  const std::uint16_t status = config.Word(at + PCI_EXP_LNKSTA).value_or(0);
+  express.now = DecodeLink(status);
+  express.linkActive = (status & PCI_EXP_LNKSTA_DLLLA) != 0;
+  if (express.LeadsToLink() && (*flags & PCI_EXP_FLAGS_SLOT) != 0) {
+    express.slot = DecodePortSlot(config, at);
+  }
+  return express;
+}
+
+void DecodeBridge(const ConfigSpace& config, ConfigFacts& facts) {
+  const auto primary = config.Byte(PCI_PRIMARY_BUS);
+  const auto secondary = config.Byte(PCI_SECONDARY_BUS);
+  const auto subordinate = config.Byte(PCI_SUBORDINATE_BUS);
+  if (primary && secondary && subordinate) facts.bridge = {*primary, *secondary, *subordinate};
+}
+
+/// Normal functions hold the subsystem in the header, bridges in a capability (PCI-to-PCI Bridge
+/// 1.2, 3.2.5.13), CardBus bridges at places of their own.
+void DecodeSubsystem(const ConfigSpace& config, const std::vector<Capability>& capabilities,
+                     ConfigFacts& facts) {
+  std::optional<std::size_t> at;
+  if (facts.headerType == PCI_HEADER_TYPE_NORMAL) at = PCI_SUBSYSTEM_VENDOR_ID;
+  if (facts.headerType == PCI_HEADER_TYPE_CARDBUS) {
+    facts.subsystemDevice = config.Word(PCI_CB_SUBSYSTEM_ID);
+    facts.subsystemVendor = config.Word(PCI_CB_SUBSYSTEM_VENDOR_ID);
+  } else if (const auto capability = FindCapability(capabilities, PCI_CAP_ID_SSVID)) {
+    at = *capability + PCI_SSVID_VENDOR_ID;
+  }
+  if (!at) return;
+  facts.subsystemVendor = config.Word(*at);
+  facts.subsystemDevice = config.Word(*at + 2);
+}
+
+bool IsEnabled(const ConfigSpace& config, const std::vector<Capability>& capabilities,
+               std::uint16_t id, std::uint16_t flag) {
+  const auto at = FindCapability(capabilities, id);
+  return at && (config.Word(*at + 2U).value_or(0) & flag) != 0;
+}
+
+void DecodeExtended(const ConfigSpace& config, ConfigFacts& facts) {
+  const std::vector<Capability> list = config.GetExtendedCapabilities();
+  facts.hasErrorReporting = FindCapability(list, PCI_EXT_CAP_ID_ERR).has_value();
+  facts.hasAlternativeRouting = FindCapability(list, PCI_EXT_CAP_ID_ARI).has_value();
+  facts.hasResizableBar = FindCapability(list, PCI_EXT_CAP_ID_REBAR).has_value();
+  if (const auto at = FindCapability(list, PCI_EXT_CAP_ID_DSN)) {
+    const auto low = config.Dword(*at + 4U);
+    const auto high = config.Dword(*at + 8U);
+    if (low && high) facts.serialNumber = std::uint64_t{*high} << 32 | *low;
+  }
+  if (const auto at = FindCapability(list, PCI_EXT_CAP_ID_SRIOV)) {
+    const auto total = config.Word(*at + std::size_t{PCI_SRIOV_TOTAL_VF});
+    const auto enabled = config.Word(*at + std::size_t{PCI_SRIOV_NUM_VF});
+    if (total && enabled) facts.virtualFunctions = {*total, *enabled};
+  }
+}
+
+}  // namespace
+
+ConfigFacts DecodeConfig(const ConfigSpace& config) {
+  ConfigFacts facts;
+  facts.vendor = config.Word(PCI_VENDOR_ID).value_or(0xFFFF);
+  facts.device = config.Word(PCI_DEVICE_ID).value_or(0xFFFF);
+  facts.revision = config.Byte(PCI_REVISION_ID).value_or(0);
+  facts.classCode = config.Dword(PCI_CLASS_REVISION).value_or(0) >> 8;
+  const std::uint8_t header = config.Byte(PCI_HEADER_TYPE).value_or(0);
+  facts.headerType = header & PCI_HEADER_TYPE_MASK;
+  facts.multiFunction = (header & ~PCI_HEADER_TYPE_MASK) != 0;
+  if (facts.headerType == PCI_HEADER_TYPE_BRIDGE || facts.headerType == PCI_HEADER_TYPE_CARDBUS) {
+    DecodeBridge(config, facts);
+  }
+  const std::vector<Capability> capabilities = config.GetCapabilities();
+  DecodeSubsystem(config, capabilities, facts);
+  facts.capabilitiesKnown = config.HoldsCapabilities();
+  if (!facts.capabilitiesKnown) return facts;
+  if (const auto at = FindCapability(capabilities, PCI_CAP_ID_EXP)) {
+    facts.express = DecodeExpress(config, *at);
+  }
+  facts.msiEnabled = IsEnabled(config, capabilities, PCI_CAP_ID_MSI, PCI_MSI_FLAGS_ENABLE);
+  facts.msixEnabled = IsEnabled(config, capabilities, PCI_CAP_ID_MSIX, PCI_MSIX_FLAGS_ENABLE);
+  facts.extendedKnown = config.GetSize() > kConventionalSize;
+  if (facts.extendedKnown) DecodeExtended(config, facts);
+  return facts;
+}
+
+std::string SpeedText(std::uint8_t speed) {
+  constexpr std::array<const char*, 7> kTexts{"",          "2.5 GT/s",  "5.0 GT/s", "8.0 GT/s",
+                                              "16.0 GT/s", "32.0 GT/s", "64.0 GT/s"};
+  return speed < kTexts.size() ? kTexts[speed] : "";
+}
+
+std::string PortTypeText(std::uint8_t portType) {
+  switch (static_cast<PortType>(portType)) {
+    case PortType::kEndpoint:
+      return "endpoint";
+    case PortType::kLegacyEndpoint:
+      return "legacy endpoint";
+    case PortType::kRootPort:
+      return "root port";
+    case PortType::kUpstreamPort:
+      return "switch upstream port";
+    case PortType::kDownstreamPort:
+      return "switch downstream port";
+    case PortType::kExpressToPciBridge:
+      return "PCI Express to PCI bridge";
+    case PortType::kPciToExpressBridge:
+      return "PCI to PCI Express bridge";
+    case PortType::kIntegratedEndpoint:
+      return "root complex integrated endpoint";
+    case PortType::kEventCollector:
+      return "root complex event collector";
+  }
+  return "";
+}
+
+}  // namespace topology

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <array>
+#include <cstdio>
+
+#include "topology/instances.h"
+#include "topology/properties.h"
+
+namespace topology {
+namespace {
+
+using NQZMVTQ20::TCIMValue;
+using Type = TCIMValue::TCIMType;
+
+// Bits of the flags in a `resource` file (the kernel's IORESOURCE_*).
+constexpr std::uint64_t kIo = 0x100;
+constexpr std::uint64_t kPrefetchable = 0x2000;
+constexpr std::uint64_t kWide = 0x100000;
+constexpr unsigned kRomNumber = 6;
+
+std::string KindText(const Region& region) {
+  if ((region.flags & kIo) != 0) return "I/O";
+  return region.number == kRomNumber ? "expansion ROM" : "memory";
+}
+
+/// "00-00-00-00-00-00-00-00", as lspci writes a device serial number.
+std::string SerialText(std::uint64_t number) {
+  std::string text;
+  for (int shift = 56; shift >= 0; shift -= 8) {
+    std::array<char, 4> digits{};
+    std::snprintf(digits.data(), digits.size(), "%02x",
+                  static_cast<unsigned>(number >> shift & 0xFF));
+    text += (text.empty() ? "" : "-") + std::string(digits.data());
+  }
+  return text;
+}
+
+std::string InterruptText(const ConfigFacts& config) {
+  if (!config.capabilitiesKnown) return "";
+  if (config.msixEnabled) return "MSI-X";
+  return config.msiEnabled ? "MSI" : "INTx or none";
+}
+
+std::string PlaceText(Place place) {
+  switch (place) {
+    case Place::kSlot:
+      return "slot";
+    case Place::kShared:
+      return "one of several slots";
+    case Place::kUnnamedSlot:
+      return "slot without a name";
+    case Place::kOnBoard:
+      return "on board";
+    case Place::kUnknown:
+      return "unknown";
+  }
+  return "";
+}
+
+void SetIdentity(const ConfigFacts& config, PropertyWriter& writer) {
+  writer.Set("VendorID", config.vendor);
+  writer.Set("DeviceID", config.device);
+  writer.Set("SubsystemVendorID", config.subsystemVendor);
+  writer.Set("SubsystemID", config.subsystemDevice);
+  writer.Set("BaseClass", config.BaseClass());
+  writer.Set("Subclass", static_cast<std::uint8_t>(config.classCode >> 8));
+  writer.Set("ProgrammingInterface", static_cast<std::uint8_t>(config.classCode));
+  writer.Set("Revision", config.revision);
+  writer.Set("HeaderType", config.headerType);
+  writer.Set("MultiFunction", config.multiFunction);
+}
+
+/// A width of 0 means that there is no link.
+void SetLink(const Express& express, PropertyWriter& writer) {
+  writer.Set("PortType", PortTypeText(express.portType));
+  if (express.most.width != 0) {
+    writer.Set("MaxLinkSpeed", SpeedText(express.most.speed));
+    writer.Set("MaxLinkWidth", express.most.width);
+  }
+  if (express.now.width != 0) {
+    writer.Set("LinkSpeed", SpeedText(express.now.speed));
+    writer.Set("LinkWidth", express.now.width);
+  }
+}
+
+void SetRegions(const std::vector<Region>& regions, PropertyWriter& writer) {
+  writer.SetArray("RegionNumber", Type::kUint8, regions,
+                  [](const Region& region) { return static_cast<std::uint8_t>(region.number); });
+  writer.SetArray("RegionStart", Type::kUint64, regions,
+                  [](const Region& region) { return region.start; });
+  writer.SetArray("RegionSize", Type::kUint64, regions,
+                  [](const Region& region) { return region.size; });
+  writer.SetArray("RegionKind", Type::kString, regions, KindText);
+  writer.SetArray("RegionPrefetchable", Type::kBoolean, regions,
+                  [](const Region& region) { return (region.flags & kPrefetchable) != 0; });
+  writer.SetArray("Region64Bit", Type::kBoolean, regions,
+                  [](const Region& region) { return (region.flags & kWide) != 0; });
+}
+
+void SetCapabilities(const ConfigFacts& config, PropertyWriter& writer) {
+  writer.Set("InterruptMode", InterruptText(config));
+  if (config.serialNumber) writer.Set("SerialNumber", SerialText(*config.serialNumber));
+  if (!config.extendedKnown) return;
+  writer.Set("ErrorReporting", config.hasErrorReporting);
+  writer.Set("AlternativeRoutingID", config.hasAlternativeRouting);
+  writer.Set("ResizableRegions", config.hasResizableBar);
+  if (!config.virtualFunctions) return;
+  writer.Set("TotalVirtualFunctions", config.virtualFunctions->total);
+  writer.Set("EnabledVirtualFunctions", config.virtualFunctions->enabled);
+}
+
+void SetKernelFacts(const Function& function, PropertyWriter& writer) {
+  writer.Set("Driver", function.driver);
+  writer.Set("NumaNode", function.numaNode);
+  writer.Set("IommuGroup", function.iommuGroup);
+  writer.Set("PowerState", function.powerState);
+  writer.Set("EnableCount", function.enableCount);
+  writer.Set("FirmwareLabel", function.label);
+  writer.Set("FirmwareIndex", function.index);
+  writer.Set("FirmwarePath", function.firmwarePath);
+  writer.Set("SlotUserNumber", function.slotUserNumber);
+  if (function.physicalFunction) {
+    writer.Set("PhysicalFunction", ToText(*function.physicalFunction));
+  }
+  writer.SetTexts("NetworkInterfaces", function.networkInterfaces);
+  writer.SetTexts("BlockDevices", function.blockDevices);
+}
+
+Properties InstanceOf(const Snapshot& snapshot, std::size_t place) {
+  const Function& function = snapshot.GetMachine().functions[place];
+  PropertyWriter writer;
+  writer.Set("Address", ToText(function.address));
+  SetIdentity(function.config, writer);
+  if (const auto parent = snapshot.GetTree().GetParent(place)) {
+    writer.Set("ParentPort", ToText(snapshot.GetTree().At(*parent).address));
+  }
+  if (function.config.bridge) {
+    writer.Set("SecondaryBus", function.config.bridge->secondary);
+    writer.Set("SubordinateBus", function.config.bridge->subordinate);
+  }
+  if (function.config.express) SetLink(*function.config.express, writer);
+  SetCapabilities(function.config, writer);
+  SetRegions(function.regions, writer);
+  SetKernelFacts(function, writer);
+  const FunctionPlace& where = snapshot.GetResolution().places[place];
+  writer.Set("Place", PlaceText(where.place));
+  writer.Set("PlaceReason", where.reason);
+  return writer.Take();
+}
+
+}  // namespace
+
+std::vector<Properties> FunctionInstances(const Snapshot& snapshot) {
+  std::vector<Properties> instances;
+  for (std::size_t i = 0; i < snapshot.GetMachine().functions.size(); ++i) {
+    instances.push_back(InstanceOf(snapshot, i));
+  }
+  return instances;
+}
+
+}  // namespace topology

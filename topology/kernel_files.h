@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "topology/machine.h"
+
+namespace topology {
+
+// Reads the kernel's files about PCI. A file that is missing or cannot be read leaves its fact
+// unknown.
+
+/// The functions in /sys/bus/pci/devices, or where that is missing those of /proc/bus/pci, sorted
+/// by address. /proc tells less: no drivers, no NUMA nodes, no domains.
+std::vector<Function> ReadFunctions();
+
+/// Whether the functions come from /proc, because sysfs has no PCI devices.
+bool IsWithoutSysfs();
+
+/// The slots in /sys/bus/pci/slots.
+std::vector<KernelSlot> ReadKernelSlots();
+
+/// The regions that a `resource` file lists: one line each with first byte, last byte and flags.
+/// Lines of zeros are regions that do not exist.
+std::vector<Region> ParseResources(const std::string& text);
+
+}  // namespace topology

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "topology/address.h"
+#include "topology/config_facts.h"
+
+namespace topology {
+
+/// A region of a function's base addresses, or its expansion ROM, as the kernel lists it.
+struct Region {
+  unsigned number = 0;  ///< of the base address; 6 is the expansion ROM
+  std::uint64_t start = 0;
+  std::uint64_t size = 0;
+  std::uint64_t flags = 0;  ///< IORESOURCE_* bits of the kernel
+};
+
+/// One PCI function, from the kernel's files.
+struct Function {
+  Address address;
+  ConfigFacts config;
+  std::vector<Region> regions;
+  std::string driver;           ///< empty: none
+  std::optional<int> numaNode;  ///< unknown on machines without NUMA
+  std::optional<std::uint64_t> iommuGroup;
+  std::string powerState;  ///< as the kernel names it ("D0"); empty: unknown
+  std::optional<std::uint64_t> enableCount;
+  std::string label;                            ///< that the firmware gives it; empty: none
+  std::optional<std::uint64_t> index;           ///< of the onboard device that the firmware names
+  std::optional<std::uint64_t> slotUserNumber;  ///< ACPI _SUN of its own node
+  std::string firmwarePath;                     ///< of its ACPI node; empty: none
+  std::optional<Address> physicalFunction;      ///< of a virtual function
+  std::vector<std::string> networkInterfaces;
+  std::vector<std::string> blockDevices;
+};
+
+/// A slot that the kernel knows, a directory of /sys/bus/pci/slots.
+struct KernelSlot {
+  std::string name;
+  Address device;  ///< the device in the slot, or the port's own; its function number is 0
+};
+
+/// A slot record of the firmware: SMBIOS type 9 (DSP0134, 7.10).
+struct SlotRecord {
+  std::uint16_t handle = 0;
+  std::string designation;         ///< without blanks around it
+  std::uint8_t type = 0;           ///< 7.10.1
+  std::uint8_t width = 0;          ///< 7.10.2
+  std::uint8_t usage = 0;          ///< 7.10.3
+  std::uint8_t length = 0;         ///< 7.10.4
+  std::uint16_t id = 0;            ///< 7.10.5
+  bool hotPlug = false;            ///< 7.10.7
+  std::optional<Address> address;  ///< 7.10.8; older records have none
+  std::vector<Address> peers;      ///< 7.10.9
+};
+
+/// An onboard device of the firmware: SMBIOS type 41 (7.42).
+struct OnBoardRecord {
+  std::uint16_t handle = 0;
+  std::string designation;
+  bool enabled = false;
+  Address address;
+};
+
+/// Everything that the resolver needs to know of a machine.
+struct Machine {
+  std::vector<Function> functions;  ///< sorted by address
+  std::vector<KernelSlot> kernelSlots;
+  std::vector<SlotRecord> slotRecords;
+  std::vector<OnBoardRecord> onBoardRecords;
+  /// Why the slot records could not be read; empty when they could.
+  std::string noRecordsBecause;
+};
+
+}  // namespace topology

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "topology/slot_conflicts.h"
+
+#include <algorithm>
+
+namespace topology {
+namespace {
+
+// Usage of a slot record (DSP0134, 7.10.3).
+constexpr std::uint8_t kAvailable = 3;
+constexpr std::uint8_t kInUse = 4;
+
+/// What is known of one slot before it is judged.
+struct Found {
+  std::optional<std::size_t> firstFunction;
+  bool isShared = false;
+};
+
+const PortSlot* PortSlotOf(const BusTree& tree, const Slot& slot) {
+  if (slot.targets.size() != 1 || slot.targets.front().kind != Target::Kind::kPort) return nullptr;
+  const auto& express = tree.At(slot.targets.front().port).config.express;
+  return express && express->slot ? &*express->slot : nullptr;
+}
+
+std::string UsageConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
+                          const Found& found) {
+  if (!slot.record || slot.targets.empty() || found.isShared) return "";
+  const std::uint8_t usage = machine.slotRecords[*slot.record].usage;
+  if (usage == kInUse && !found.firstFunction) {
+    return "the firmware says in use, and no function answers: the card may have failed, or is not "
+           "seated well";
+  }
+  if (usage == kAvailable && found.firstFunction) {
+    return "the firmware says available, and " + ToText(tree.At(*found.firstFunction).address) +
+           " answers";
+  }
+  return "";
+}
+
+/// Ports without hot-plug may report a card where there is none, so only the others count.
+std::string PresenceConflict(const BusTree& tree, const Slot& slot, const Found& found) {
+  const PortSlot* port = PortSlotOf(tree, slot);
+  if (port == nullptr || found.isShared || !port->hotPlug) return "";
+  const std::string name = "port " + ToText(tree.At(slot.targets.front().port).address);
+  if (port->cardPresent && !found.firstFunction) {
+    return name + " reports a card, and no function answers";
+  }
+  if (!port->cardPresent && found.firstFunction) {
+    return name + " reports no card, and " + ToText(tree.At(*found.firstFunction).address) +
+           " answers";
+  }
+  return "";
+}
+
+SlotState StateOf(const Slot& slot, const Found& found) {
+  if (found.firstFunction) return SlotState::kOccupied;
+  if (slot.targets.empty() || found.isShared || !slot.conflicts.empty()) return SlotState::kUnknown;
+  return SlotState::kEmpty;
+}
+
+std::vector<Found> WhatIsFound(const Resolution& resolution) {
+  std::vector<Found> found(resolution.slots.size());
+  for (const Occupant& occupant : resolution.occupants) {
+    auto& first = found[occupant.slot].firstFunction;
+    if (!first) first = occupant.function;
+  }
+  for (const SharedPlace& shared : resolution.shared) {
+    // Where nothing answers behind the shared place, all its slots are empty.
+    if (shared.functions.empty()) continue;
+    for (const std::size_t slot : shared.slots) found[slot].isShared = true;
+  }
+  // A card in an inner slot, as on a riser, shows that the outer one holds something.
+  for (std::size_t i = resolution.slots.size(); i-- > 0;) {
+    for (auto outer = resolution.slots[i].outer; outer && found[i].firstFunction;
+         outer = resolution.slots[*outer].outer) {
+      if (found[*outer].firstFunction) break;
+      found[*outer].firstFunction = found[i].firstFunction;
+    }
+  }
+  return found;
+}
+
+}  // namespace
+
+void JudgeSlots(const Machine& machine, const BusTree& tree, Resolution& resolution) {
+  const std::vector<Found> found = WhatIsFound(resolution);
+  for (std::size_t i = 0; i < resolution.slots.size(); ++i) {
+    Slot& slot = resolution.slots[i];
+    for (const std::string& conflict :
+         {UsageConflict(machine, tree, slot, found[i]), PresenceConflict(tree, slot, found[i])}) {
+      if (!conflict.empty()) slot.conflicts.push_back(conflict);
+    }
+    slot.state = StateOf(slot, found[i]);
+  }
+}
+
+}  // namespace topology

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "topology/instances.h"
+#include "topology/properties.h"
+
+namespace topology {
+namespace {
+
+using NQZMVTQ20::TCIMReference;
+using NQZMVTQ20::TCIMValue;
+
+std::string SourceText(SlotSource source) {
+  switch (source) {
+    case SlotSource::kFirmwareRecord:
+      return "SMBIOS record";
+    case SlotSource::kKernelSlot:
+      return "kernel slot";
+    case SlotSource::kPort:
+      return "port";
+  }
+  return "";
+}
+
+std::string StateText(SlotState state) {
+  switch (state) {
+    case SlotState::kUnknown:
+      return "unknown";
+    case SlotState::kEmpty:
+      return "empty";
+    case SlotState::kOccupied:
+      return "occupied";
+  }
+  return "";
+}
+
+std::string CertaintyText(Certainty certainty) {
+  return certainty == Certainty::kCertain ? "certain" : "likely";
+}
+
+std::string TargetText(const BusTree& tree, const Target& target) {
+  return ToText(target.kind == Target::Kind::kPort ? tree.At(target.port).address : target.device);
+}
+
+void SetRecord(const SlotRecord& record, PropertyWriter& writer) {
+  writer.Set("RecordHandle", record.handle);
+  writer.Set("SlotID", record.id);
+  writer.Set("SlotType", record.type);
+  writer.Set("SlotDataBusWidth", record.width);
+  writer.Set("SlotLength", record.length);
+  writer.Set("FirmwareUsage", record.usage);
+  writer.Set("SupportsHotPlug", record.hotPlug);
+  if (record.address) writer.Set("FirmwareAddress", ToText(*record.address));
+  std::vector<std::string> peers;
+  for (const Address& peer : record.peers) peers.push_back(ToText(peer));
+  writer.SetTexts("PeerAddresses", peers);
+}
+
+/// What the port of a slot says; nothing for slots with several ports or none.
+void SetPort(const BusTree& tree, const Slot& slot, PropertyWriter& writer) {
+  if (slot.targets.size() != 1 || slot.targets.front().kind != Target::Kind::kPort) return;
+  const Function& port = tree.At(slot.targets.front().port);
+  writer.Set("NumaNode", port.numaNode);
+  if (!port.config.express) return;
+  const Express& express = *port.config.express;
+  if (express.most.width != 0) {
+    writer.Set("MaxLinkSpeed", SpeedText(express.most.speed));
+    writer.Set("MaxLinkWidth", express.most.width);
+  }
+  if (express.now.width != 0) {
+    writer.Set("LinkSpeed", SpeedText(express.now.speed));
+    writer.Set("LinkWidth", express.now.width);
+  }
+  if (!express.slot) return;
+  if (express.slot->physicalNumber != 0) {
+    writer.Set("PhysicalSlotNumber", express.slot->physicalNumber);
+  }
+  writer.Set("PortHotPlug", express.slot->hotPlug);
+  writer.Set("PortSurpriseRemoval", express.slot->surprise);
+  writer.Set("PortCardPresent", express.slot->cardPresent);
+}
+
+Properties InstanceOf(const Snapshot& snapshot, const Slot& slot) {
+  const Machine& machine = snapshot.GetMachine();
+  PropertyWriter writer;
+  writer.Set("Name", slot.name);
+  writer.Set("Source", SourceText(slot.source));
+  writer.Set("State", StateText(slot.state));
+  if (slot.record) SetRecord(machine.slotRecords[*slot.record], writer);
+  if (slot.kernelSlot) writer.Set("KernelSlot", machine.kernelSlots[*slot.kernelSlot].name);
+  std::vector<std::string> ports;
+  for (const Target& target : slot.targets) ports.push_back(TargetText(snapshot.GetTree(), target));
+  writer.SetTexts("Leads", ports);
+  writer.Set("LeadsNowhereBecause", slot.noTargetBecause);
+  SetPort(snapshot.GetTree(), slot, writer);
+  if (slot.outer) writer.Set("OuterSlot", snapshot.GetResolution().slots[*slot.outer].name);
+  writer.SetTexts("Conflicts", slot.conflicts);
+  return writer.Take();
+}
+
+Properties InstanceOf(const Snapshot& snapshot, const SharedPlace& shared) {
+  const Resolution& resolution = snapshot.GetResolution();
+  PropertyWriter writer;
+  writer.Set("Port", TargetText(snapshot.GetTree(), shared.target));
+  std::vector<std::string> slots;
+  for (const std::size_t slot : shared.slots) slots.push_back(resolution.slots[slot].name);
+  writer.SetTexts("Slots", slots);
+  std::vector<std::string> functions;
+  for (const std::size_t function : shared.functions) {
+    functions.push_back(ToText(snapshot.GetMachine().functions[function].address));
+  }
+  writer.SetTexts("Functions", functions);
+  writer.Set("Evidence", shared.evidence);
+  return writer.Take();
+}
+
+TCIMValue ReferenceTo(const std::string& nameSpace, const char* className, const char* key,
+                      const std::string& value) {
+  return TCIMValue(TCIMReference(nameSpace, className, {{key, TCIMValue(value)}}));
+}
+
+}  // namespace
+
+std::vector<Properties> SlotInstances(const Snapshot& snapshot) {
+  std::vector<Properties> instances;
+  for (const Slot& slot : snapshot.GetResolution().slots) {
+    instances.push_back(InstanceOf(snapshot, slot));
+  }
+  return instances;
+}
+
+std::vector<Properties> SharedPortInstances(const Snapshot& snapshot) {
+  std::vector<Properties> instances;
+  for (const SharedPlace& shared : snapshot.GetResolution().shared) {
+    instances.push_back(InstanceOf(snapshot, shared));
+  }
+  return instances;
+}
+
+std::vector<Properties> FunctionInSlotInstances(const Snapshot& snapshot,
+                                                const std::string& nameSpace) {
+  std::vector<Properties> instances;
+  for (const Occupant& occupant : snapshot.GetResolution().occupants) {
+    PropertyWriter writer;
+    writer.Set("Certainty", CertaintyText(occupant.certainty));
+    writer.Set("Evidence", occupant.evidence);
+    Properties properties = writer.Take();
+    properties["Antecedent"] = ReferenceTo(nameSpace, kSlotClass, "Name",
+                                           snapshot.GetResolution().slots[occupant.slot].name);
+    properties["Dependent"] =
+        ReferenceTo(nameSpace, kFunctionClass, "Address",
+                    ToText(snapshot.GetMachine().functions[occupant.function].address));
+    instances.push_back(std::move(properties));
+  }
+  return instances;
+}
+
+}  // namespace topology
