@@ -125,11 +125,50 @@ void SetKernelFacts(const Function& function, PropertyWriter& writer) {
   writer.SetTexts("BlockDevices", function.blockDevices);
 }
 
-Properties InstanceOf(const Snapshot& snapshot, std::size_t place) {
+/// Looks the names of each kind of function up once, because a lookup reads many lines.
+class KindNames {
+ public:
+  explicit KindNames(const PciNames& names) : names_(names) {}
+
+  void Set(const ConfigFacts& config, PropertyWriter& writer) {
+    const Kind kind{config.vendor, config.device, config.subsystemVendor.value_or(0),
+                    config.subsystemDevice.value_or(0), config.classCode};
+    auto known = known_.find(kind);
+    if (known == known_.end()) known = known_.emplace(kind, LookUp(config)).first;
+    constexpr std::array<const char*, 6> kProperties{
+        "VendorName",    "DeviceName", "SubsystemVendorName",
+        "SubsystemName", "ClassName",  "ProgrammingInterfaceName"};
+    for (std::size_t i = 0; i < kProperties.size(); ++i) {
+      writer.Set(kProperties[i], std::string(known->second[i]));
+    }
+  }
+
+ private:
+  using Kind = std::array<std::uint32_t, 5>;
+  using Texts = std::array<std::string_view, 6>;
+
+  Texts LookUp(const ConfigFacts& config) const {
+    Texts texts{names_.Vendor(config.vendor), names_.Device(config.vendor, config.device)};
+    if (config.subsystemVendor && config.subsystemDevice) {
+      texts[2] = names_.Vendor(*config.subsystemVendor);
+      texts[3] = names_.Subsystem(config.vendor, config.device, *config.subsystemVendor,
+                                  *config.subsystemDevice);
+    }
+    texts[4] = names_.Class(config.classCode);
+    texts[5] = names_.ProgrammingInterface(config.classCode);
+    return texts;
+  }
+
+  const PciNames& names_;
+  std::map<Kind, Texts> known_;
+};
+
+Properties InstanceOf(const Snapshot& snapshot, std::size_t place, KindNames& names) {
   const Function& function = snapshot.GetMachine().functions[place];
   PropertyWriter writer;
   writer.Set("Address", ToText(function.address));
   SetIdentity(function.config, writer);
+  names.Set(function.config, writer);
   if (const auto parent = snapshot.GetTree().GetParent(place)) {
     writer.Set("ParentPort", ToText(snapshot.GetTree().At(*parent).address));
   }
@@ -150,9 +189,10 @@ Properties InstanceOf(const Snapshot& snapshot, std::size_t place) {
 }  // namespace
 
 std::vector<Properties> FunctionInstances(const Snapshot& snapshot) {
+  KindNames names(snapshot.GetNames());
   std::vector<Properties> instances;
   for (std::size_t i = 0; i < snapshot.GetMachine().functions.size(); ++i) {
-    instances.push_back(InstanceOf(snapshot, i));
+    instances.push_back(InstanceOf(snapshot, i, names));
   }
   return instances;
 }

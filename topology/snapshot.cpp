@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/os_specific.h"
 #include "framework/smbios.h"
 #include "topology/firmware_records.h"
 #include "topology/kernel_files.h"
@@ -12,6 +13,7 @@
 namespace topology {
 namespace {
 
+using NQZMVTQ20::TOSSpecific;
 using NQZMVTQ20::TVTQStatusCode;
 using Status = TVTQStatusCode::EVTQStatusCode;
 
@@ -72,19 +74,28 @@ void ReadFirmware(const NQZMVTQ20::TPluginManagerProvider* provider, Machine& ma
   });
 }
 
+/// Distributions keep the file of names in one of these places.
+PciNames ReadNames() {
+  for (const char* path : {"/usr/share/misc/pci.ids", "/usr/share/hwdata/pci.ids"}) {
+    if (TOSSpecific::FileExists(path)) return PciNames(TOSSpecific::CaptureFile(path));
+  }
+  return {};
+}
+
 }  // namespace
 
-Snapshot::Snapshot(Machine machine)
+Snapshot::Snapshot(Machine machine, PciNames names)
     : machine_(std::move(machine)),
       tree_(machine_.functions),
-      resolution_(ResolveSlots(machine_, tree_)) {}
+      resolution_(ResolveSlots(machine_, tree_)),
+      names_(std::move(names)) {}
 
 std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider* provider) {
   Machine machine;
   machine.functions = ReadFunctions();
   machine.kernelSlots = ReadKernelSlots();
   ReadFirmware(provider, machine);
-  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine)));
+  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), ReadNames()));
 }
 
 }  // namespace topology

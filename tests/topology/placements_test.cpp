@@ -10,6 +10,7 @@
 #include <set>
 
 #include "tests/fakes/run_process.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace {
 
@@ -76,20 +77,20 @@ TEST(Placements, OfRealBoardsAreFoundAndNothingElseIsClaimed) {
 class GeneratedServerTest : public testing::TestWithParam<int> {};
 
 TEST_P(GeneratedServerTest, HasEveryFunctionInItsTrueSlot) {
-  const std::string folder = testing::TempDir() + "topology-" + std::to_string(GetParam());
-  ASSERT_EQ(RunProcess({BENCH_MACHINE, std::to_string(GetParam()), folder}).status, 0);
+  const vtq::TemporaryDirectory directory;
+  const std::string root = directory / "machine";
+  ASSERT_EQ(RunProcess({BENCH_MACHINE, std::to_string(GetParam()), root}).status, 0);
   // Lines of a slot's tag, which counts the records, and a function.
   std::map<unsigned, Functions> truth;
-  std::ifstream file(folder + "/truth.txt");
+  std::ifstream file(root + "/truth.txt");
   unsigned tag = 0;
   for (std::string function; file >> tag >> function;) truth[tag].insert(function);
   ASSERT_FALSE(truth.empty());
   std::set<Functions> expected;
   for (const auto& [slot, functions] : truth) expected.insert(functions);
   std::set<Functions> found;
-  for (const auto& [slot, functions] : AskPlugin(folder).slots) found.insert(functions);
+  for (const auto& [slot, functions] : AskPlugin(root).slots) found.insert(functions);
   EXPECT_EQ(found, expected);
-  RunProcess({"rm", "-rf", folder});
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, GeneratedServerTest, testing::Values(64, 512, 4096));

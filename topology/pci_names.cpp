@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "topology/pci_names.h"
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+
+namespace topology {
+namespace {
+
+/// The front line of `text`, which is removed with its line end.
+std::string_view TakeLine(std::string_view& text) {
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  const std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return line;
+}
+
+/// What follows an ID: the name, without the blanks before it.
+std::string_view NameIn(std::string_view line, std::size_t idSize) {
+  line.remove_prefix(std::min(idSize, line.size()));
+  line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+  return line;
+}
+
+std::optional<unsigned> Id(std::string_view line, std::size_t digits) {
+  unsigned id = 0;
+  if (line.size() < digits) return std::nullopt;
+  const auto [stop, error] = std::from_chars(line.data(), line.data() + digits, id, 16);
+  if (error != std::errc() || stop != line.data() + digits) return std::nullopt;
+  return id;
+}
+
+std::string Hex(const char* format, unsigned first, unsigned second = 0) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), format, first, second);
+  return text.data();
+}
+
+/// Whether the front line of `text` belongs to an entry that is indented by `depth` tabs. Comments
+/// stand anywhere.
+bool IsBelow(std::string_view text, std::size_t depth) {
+  return text.starts_with('#') || (text.starts_with('\t') && text.find_first_not_of('\t') > depth);
+}
+
+}  // namespace
+
+PciNames::PciNames(std::string text) : text_(std::move(text)) {
+  std::string_view rest = text_;
+  while (!rest.empty()) {
+    const std::string_view line = TakeLine(rest);
+    const bool isClass = line.starts_with("C ");
+    const auto id = isClass ? Id(line.substr(2), 2) : Id(line, 4);
+    if (!id) continue;
+    // The indented lines up to the next that is not.
+    const std::string_view lines = rest;
+    while (IsBelow(rest, 0)) TakeLine(rest);
+    const Block block{NameIn(line, 4), lines.substr(0, lines.size() - rest.size())};
+    (isClass ? classes_ : vendors_).emplace(*id, block);
+  }
+}
+
+/// Finds the line that begins with `indented`, which holds the tabs and the ID.
+std::optional<PciNames::Block> PciNames::FindIn(std::string_view lines, std::string_view indented) {
+  const std::size_t depth = indented.find_first_not_of('\t');
+  while (!lines.empty()) {
+    const std::string_view line = TakeLine(lines);
+    if (!line.starts_with(indented)) continue;
+    const std::string_view below = lines;
+    while (IsBelow(lines, depth)) TakeLine(lines);
+    return Block{NameIn(line, indented.size()), below.substr(0, below.size() - lines.size())};
+  }
+  return std::nullopt;
+}
+
+const PciNames::Block* PciNames::FindVendor(std::uint16_t vendor) const {
+  const auto found = vendors_.find(vendor);
+  return found == vendors_.end() ? nullptr : &found->second;
+}
+
+std::string_view PciNames::Vendor(std::uint16_t vendor) const {
+  const Block* const block = FindVendor(vendor);
+  return block == nullptr ? std::string_view() : block->name;
+}
+
+std::string_view PciNames::Device(std::uint16_t vendor, std::uint16_t device) const {
+  const Block* const block = FindVendor(vendor);
+  if (block == nullptr) return {};
+  return FindIn(block->lines, Hex("\t%04x ", device)).value_or(Block()).name;
+}
+
+std::string_view PciNames::Subsystem(std::uint16_t vendor, std::uint16_t device,
+                                     std::uint16_t subsystemVendor, std::uint16_t subsystem) const {
+  const Block* const block = FindVendor(vendor);
+  if (block == nullptr) return {};
+  const Block found = FindIn(block->lines, Hex("\t%04x ", device)).value_or(Block());
+  const auto exact = FindIn(found.lines, Hex("\t\t%04x %04x ", subsystemVendor, subsystem));
+  if (exact) return exact->name;
+  const bool isSame = vendor == subsystemVendor && device == subsystem;
+  return isSame ? found.name : std::string_view();
+}
+
+std::string_view PciNames::Class(std::uint32_t classCode) const {
+  const auto base = classes_.find(classCode >> 16 & 0xFF);
+  if (base == classes_.end()) return {};
+  const auto subclass = FindIn(base->second.lines, Hex("\t%02x ", classCode >> 8 & 0xFF));
+  return subclass ? subclass->name : base->second.name;
+}
+
+std::string_view PciNames::ProgrammingInterface(std::uint32_t classCode) const {
+  const auto base = classes_.find(classCode >> 16 & 0xFF);
+  if (base == classes_.end()) return {};
+  const auto subclass = FindIn(base->second.lines, Hex("\t%02x ", classCode >> 8 & 0xFF));
+  if (!subclass) return {};
+  return FindIn(subclass->lines, Hex("\t\t%02x ", classCode & 0xFF)).value_or(Block()).name;
+}
+
+}  // namespace topology
