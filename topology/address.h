@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace topology {
 
@@ -16,7 +16,11 @@ struct Address {
   std::uint8_t device = 0;    ///< 0 to 31
   std::uint8_t function = 0;  ///< 0 to 7
 
-  auto operator<=>(const Address&) const = default;
+  bool operator==(const Address&) const = default;
+  bool operator<(const Address& other) const {
+    return std::tie(domain, bus, device, function) <
+           std::tie(other.domain, other.bus, other.device, other.function);
+  }
 };
 
 /// The domain and the bus as one number, in the order of addresses.

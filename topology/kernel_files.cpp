@@ -9,7 +9,7 @@
 #include <array>
 #include <charconv>
 #include <climits>
-#include <cstdio>
+#include <string_view>
 
 namespace topology {
 namespace {
@@ -100,7 +100,7 @@ std::string ReadLinkName(const Directory& in, const char* name) {
 }
 
 std::string ReadConfig(const Directory& in, const char* name) {
-  const std::string front = ReadFile(in, name, kConventionalSize).value_or("");
+  std::string front = ReadFile(in, name, kConventionalSize).value_or("");
   // Only PCI Express has more, and reading it costs a bus access for every four bytes.
   if (front.size() < kConventionalSize || !DecodeConfig(ConfigSpace(front)).express) return front;
   return ReadFile(in, name, kExtendedSize).value_or(front);
@@ -121,6 +121,17 @@ void ReadSystemNames(const Directory& device, Function& function) {
   for (const std::string& name : Directory(device, "nvme").Names()) {
     function.blockDevices.push_back(name);
   }
+}
+
+/// Reads a number such as "0x00000000fc000000" from the front of `text` and removes it.
+std::optional<std::uint64_t> TakeNumber(std::string_view& text) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  if (text.starts_with("0x")) text.remove_prefix(2);
+  std::uint64_t number = 0;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  if (error != std::errc()) return std::nullopt;
+  text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
+  return number;
 }
 
 Function ReadFunction(const Directory& device, const Address& address) {
@@ -211,14 +222,13 @@ std::vector<Region> ParseResources(const std::string& text) {
   unsigned number = 0;
   for (std::size_t at = 0; at < text.size(); ++number) {
     const std::size_t end = std::min(text.find('\n', at), text.size());
-    const std::string line = text.substr(at, end - at);
+    std::string_view line = std::string_view(text).substr(at, end - at);
     at = end + 1;
-    unsigned long long first = 0;
-    unsigned long long last = 0;
-    unsigned long long flags = 0;
-    if (std::sscanf(line.c_str(), "%llx %llx %llx", &first, &last, &flags) != 3) continue;
-    if (first == 0 && last == 0 && flags == 0) continue;
-    regions.push_back({number, first, last < first ? 0 : last - first + 1, flags});
+    const auto first = TakeNumber(line);
+    const auto last = TakeNumber(line);
+    const auto flags = TakeNumber(line);
+    if (!first || !last || !flags || (*first == 0 && *last == 0 && *flags == 0)) continue;
+    regions.push_back({number, *first, *last < *first ? 0 : *last - *first + 1, *flags});
   }
   return regions;
 }

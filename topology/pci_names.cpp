@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <initializer_list>
 
 namespace topology {
 namespace {
@@ -31,10 +32,15 @@ std::optional<unsigned> Id(std::string_view line, std::size_t digits) {
   return id;
 }
 
-std::string Hex(const char* format, unsigned first, unsigned second = 0) {
-  std::array<char, 16> text{};
-  std::snprintf(text.data(), text.size(), format, first, second);
-  return text.data();
+/// The front of a line: the tabs, then each ID with its digits and a blank.
+std::string Front(std::size_t tabs, int digits, std::initializer_list<unsigned> ids) {
+  std::string front(tabs, '\t');
+  for (const unsigned id : ids) {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "%0*x ", digits, id);
+    front += text.data();
+  }
+  return front;
 }
 
 /// Whether the front line of `text` belongs to an entry that is indented by `depth` tabs. Comments
@@ -86,15 +92,15 @@ std::string_view PciNames::Vendor(std::uint16_t vendor) const {
 std::string_view PciNames::Device(std::uint16_t vendor, std::uint16_t device) const {
   const Block* const block = FindVendor(vendor);
   if (block == nullptr) return {};
-  return FindIn(block->lines, Hex("\t%04x ", device)).value_or(Block()).name;
+  return FindIn(block->lines, Front(1, 4, {device})).value_or(Block()).name;
 }
 
 std::string_view PciNames::Subsystem(std::uint16_t vendor, std::uint16_t device,
                                      std::uint16_t subsystemVendor, std::uint16_t subsystem) const {
   const Block* const block = FindVendor(vendor);
   if (block == nullptr) return {};
-  const Block found = FindIn(block->lines, Hex("\t%04x ", device)).value_or(Block());
-  const auto exact = FindIn(found.lines, Hex("\t\t%04x %04x ", subsystemVendor, subsystem));
+  const Block found = FindIn(block->lines, Front(1, 4, {device})).value_or(Block());
+  const auto exact = FindIn(found.lines, Front(2, 4, {subsystemVendor, subsystem}));
   if (exact) return exact->name;
   const bool isSame = vendor == subsystemVendor && device == subsystem;
   return isSame ? found.name : std::string_view();
@@ -103,16 +109,16 @@ std::string_view PciNames::Subsystem(std::uint16_t vendor, std::uint16_t device,
 std::string_view PciNames::Class(std::uint32_t classCode) const {
   const auto base = classes_.find(classCode >> 16 & 0xFF);
   if (base == classes_.end()) return {};
-  const auto subclass = FindIn(base->second.lines, Hex("\t%02x ", classCode >> 8 & 0xFF));
+  const auto subclass = FindIn(base->second.lines, Front(1, 2, {classCode >> 8 & 0xFF}));
   return subclass ? subclass->name : base->second.name;
 }
 
 std::string_view PciNames::ProgrammingInterface(std::uint32_t classCode) const {
   const auto base = classes_.find(classCode >> 16 & 0xFF);
   if (base == classes_.end()) return {};
-  const auto subclass = FindIn(base->second.lines, Hex("\t%02x ", classCode >> 8 & 0xFF));
+  const auto subclass = FindIn(base->second.lines, Front(1, 2, {classCode >> 8 & 0xFF}));
   if (!subclass) return {};
-  return FindIn(subclass->lines, Hex("\t\t%02x ", classCode & 0xFF)).value_or(Block()).name;
+  return FindIn(subclass->lines, Front(2, 2, {classCode & 0xFF})).value_or(Block()).name;
 }
 
 }  // namespace topology
