@@ -14,8 +14,10 @@ namespace pciinfo {
 /// is, after a message unless it is the default pager.
 class Pager final {
  public:
-  /// `command` is a command of the shell. Throws std::system_error.
-  explicit Pager(std::string command);
+  /// `command` is a command of the shell. A restricted pager is the default pager whatever the
+  /// command, in its secure mode, where it starts no programs and writes no files: it is for users
+  /// who have fewer rights than this process. Throws std::system_error.
+  Pager(std::string command, bool isRestricted);
 
   /// In a worker: the standard output goes to the pager from here on.
   void ReceiveOutput() noexcept;
@@ -48,6 +50,7 @@ class Pager final {
   void Start();
 
   std::string command_;
+  bool isRestricted_;
   vtq::FileDescriptor reading_;
   vtq::FileDescriptor writing_;
   vtq::FileDescriptor lateMessages_;

@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "host/console/output.h"
+#include "host/process/caller_rights.h"
 #include "host/process/childless_run.h"
 #include "host/process/confinement.h"
 #include "host/process/guarded_run.h"
@@ -102,7 +103,10 @@ class Supervisor final {
         work_(work),
         budget_(limits_.time),
         line_(supervision.showsProgress) {
-    if (supervision.pager) pager_.emplace(*supervision.pager);
+    const CallerRights caller = RightsOfCaller();
+    if (supervision.pager && caller != CallerRights::kFewerAndOwnEnvironment) {
+      pager_.emplace(*supervision.pager, caller != CallerRights::kSame);
+    }
   }
   Supervisor(const Supervisor&) = delete;
   Supervisor& operator=(const Supervisor&) = delete;
