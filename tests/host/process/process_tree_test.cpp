@@ -10,7 +10,9 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <functional>
+#include <string>
 #include <thread>
 
 #include "runtime/file_descriptor.h"
@@ -58,7 +60,12 @@ void LeaveProcess(const Note& note) {
   SleepForEver();
 }
 
-bool HasGone(pid_t process) { return kill(process, 0) != 0 && errno == ESRCH; }
+/// Whether the process is gone, or only waits for its new parent to take note of its end.
+bool HasGone(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string status;
+  return !std::getline(file, status) || status.substr(status.rfind(')'), 3) == ") Z";
+}
 
 bool BecomesGone(pid_t process) {
   for (int look = 0; look < 2000 && !HasGone(process); ++look) {
