@@ -104,6 +104,8 @@ void Pager::HandleOutput(bool isReadable) {
 }
 
 void Pager::Start() {
+  termios settings{};
+  if (tcgetattr(STDOUT_FILENO, &settings) == 0) terminal_ = settings;
   const pid_t parent = getpid();
   const pid_t child = fork();
   if (child == 0) {
@@ -120,8 +122,15 @@ void Pager::Start() {
   }
 }
 
+// A terminal that shows another program by now is that program's.
+void Pager::RestoreTerminal() const noexcept {
+  if (!terminal_ || tcgetpgrp(STDOUT_FILENO) != getpgrp()) return;
+  tcsetattr(STDOUT_FILENO, TCSADRAIN, &*terminal_);
+}
+
 void Pager::HandleEnd(int status) {
   process_ = 0;
+  if (WIFSIGNALED(status)) RestoreTerminal();
   isMissing_ = WIFEXITED(status) && WEXITSTATUS(status) == kNotStarted;
   if (!isMissing_) return reading_.Close();
   if (command_ == kDefaultPager) return;

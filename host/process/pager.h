@@ -2,7 +2,9 @@
 #pragma once
 
 #include <sys/types.h>
+#include <termios.h>
 
+#include <optional>
 #include <string>
 
 #include "runtime/file_descriptor.h"
@@ -34,7 +36,8 @@ class Pager final {
 
   /// The process of the pager; 0 when it does not run.
   pid_t GetProcess() const noexcept { return process_; }
-  /// The process of the pager has ended, with a status as of waitpid.
+  /// The process of the pager has ended, with a status as of waitpid. After one that a signal ended
+  /// the terminal gets its settings back.
   void HandleEnd(int status);
 
   /// No worker writes any more.
@@ -48,6 +51,7 @@ class Pager final {
 
  private:
   void Start();
+  void RestoreTerminal() const noexcept;
 
   std::string command_;
   bool isRestricted_;
@@ -55,7 +59,8 @@ class Pager final {
   vtq::FileDescriptor writing_;
   vtq::FileDescriptor lateMessages_;
   pid_t process_ = 0;
-  bool isMissing_ = false;  ///< it could not be started
+  std::optional<termios> terminal_;  ///< as it was before the pager, if the output is one
+  bool isMissing_ = false;           ///< it could not be started
 };
 
 }  // namespace pciinfo

@@ -41,7 +41,8 @@ constexpr const char* kScratchPlace = "/dev/shm";
   setenv("TERM", "xterm", 1);
   unsetenv("PAGER");
   unsetenv("PCIINFO_PAGER");
-  setenv("LESS", "R", 1);  // does not end where everything fits on the screen
+  setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // a leak checker that is killed leaves a process
+  setenv("LESS", "R", 1);                       // does not end where everything fits on the screen
   for (const int signal : {SIGQUIT, SIGUSR1, SIGALRM, SIGXCPU}) std::signal(signal, SIG_DFL);
   _exit(Execute(words));
 }
@@ -157,7 +158,12 @@ class Storm {
     for (const std::string& word : run.arguments) what_ += " " + word;
     RunningProgram program(run);
     program.Wait(delay);
-    kill(DescendantOf(program.GetProcess(), generation), signal);
+    const bool strikesPager = run.isOnTerminal && !storm_.strikesAll && Below(2) == 0;
+    if (strikesPager) {
+      kill(-program.GetProcess(), signal);  // the group that the terminal started
+    } else {
+      kill(DescendantOf(program.GetProcess(), generation), signal);
+    }
     if (!program.AwaitEnd()) Leave("the program did not end");
     AwaitOthers();
     // Where the program is killed, the pager is asked to end. Then it restores the terminal, but

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-/// Runs of the program, each of which is disturbed by a signal at a random moment.
+/// Runs of the program, each of which is disturbed by a signal at a random moment. On a terminal
+/// the signal strikes the pager as well in half of the runs.
 struct SignalStorm {
   struct Run {
     std::vector<std::string> arguments;

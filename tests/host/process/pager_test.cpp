@@ -82,6 +82,16 @@ TEST(Pager, MessagesComeWhenItHasEnded) {
   EXPECT_LT(result.out.find("end of the pager"), result.out.find("pciinfo: this machine has no"));
 }
 
+TEST(Pager, TheTerminalIsRestoredAfterOneThatASignalEnded) {
+  TerminalRun run = {
+      {"slots", "--only-plugin", FakePluginFile("slotless")},
+      {{"PAGER", "cat >/dev/null; stty raw </dev/tty; kill -USR1 $$"}, {"NO_COLOR", "1"}}};
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("pciinfo: this machine has no"));
+  EXPECT_THAT(result.out, EndsWith("\r\n"));  // a raw terminal would add no carriage return
+}
+
 TEST(Pager, IsNotStartedForNothing) {
   const RunResult result = RunOnTerminal(
       {{"show", "nothing", "--only-plugin", FakePluginFile("fixed")}, {{"PAGER", "echo pager"}}});
