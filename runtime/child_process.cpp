@@ -2,7 +2,8 @@
 #include "runtime/child_process.h"
 
 #include <fcntl.h>
-#include <spawn.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,55 +18,26 @@ namespace vtq {
 
 namespace {
 
+constexpr int kNotStarted = 127;  // what a shell answers for a program that it cannot start
+
 void Check(int error) {
   if (error != 0) throw std::system_error(error, std::generic_category());
 }
 
-class FileActions final {
+/// No handler of this process runs in the new one, which shares its memory for a moment.
+class AllSignalsBlocked final {
  public:
-  FileActions(int output, int errors) {
-    Check(::posix_spawn_file_actions_init(&actions_));
-    try {
-      Check(::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
-      Check(::posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO));
-      Check(::posix_spawn_file_actions_adddup2(&actions_, errors, STDERR_FILENO));
-      Check(::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1));
-    } catch (...) {
-      ::posix_spawn_file_actions_destroy(&actions_);
-      throw;
-    }
+  AllSignalsBlocked() noexcept {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
   }
-  FileActions(const FileActions&) = delete;
-  FileActions& operator=(const FileActions&) = delete;
-  ~FileActions() { ::posix_spawn_file_actions_destroy(&actions_); }
-
-  const posix_spawn_file_actions_t* Get() const noexcept { return &actions_; }
+  AllSignalsBlocked(const AllSignalsBlocked&) = delete;
+  AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
+  ~AllSignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
  private:
-  posix_spawn_file_actions_t actions_{};
-};
-
-class Attributes final {
- public:
-  Attributes() {
-    Check(::posix_spawnattr_init(&attributes_));
-    sigset_t signals;
-    ::sigemptyset(&signals);
-    ::posix_spawnattr_setsigmask(&attributes_, &signals);
-    ::sigfillset(&signals);
-    ::posix_spawnattr_setsigdefault(&attributes_, &signals);
-    ::posix_spawnattr_setpgroup(&attributes_, 0);
-    ::posix_spawnattr_setflags(
-        &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  }
-  Attributes(const Attributes&) = delete;
-  Attributes& operator=(const Attributes&) = delete;
-  ~Attributes() { ::posix_spawnattr_destroy(&attributes_); }
-
-  const posix_spawnattr_t* Get() const noexcept { return &attributes_; }
-
- private:
-  posix_spawnattr_t attributes_{};
+  sigset_t before_{};
 };
 
 std::vector<char*> PointersTo(std::vector<std::string>& texts) {
@@ -76,14 +48,81 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
-pid_t Spawn(const std::string& file, std::vector<std::string>& arguments, int output, int errors) {
-  const FileActions actions(output, errors);
-  const Attributes attributes;
-  std::vector<std::string> environment = {std::string("PATH=") + kProgramSearchPath, "LC_ALL=C"};
-  pid_t leader = -1;
-  Check(::posix_spawn(&leader, file.c_str(), actions.Get(), attributes.Get(),
-                      PointersTo(arguments).data(), PointersTo(environment).data()));
+struct Program {
+  const char* file = nullptr;
+  char* const* arguments = nullptr;
+  char* const* environment = nullptr;
+  int output = -1;
+  int errors = -1;
+  pid_t parent = 0;
+  rlim_t descriptors = 0;  ///< all of this process have lower numbers
+  volatile int error = 0;  ///< why the program could not be started
+};
+
+bool SetStreams(const Program& program) noexcept {
+  const int input = ::open("/dev/null", O_RDONLY);
+  if (input < 0 || ::dup2(input, STDIN_FILENO) < 0) return false;
+  return ::dup2(program.output, STDOUT_FILENO) >= 0 && ::dup2(program.errors, STDERR_FILENO) >= 0;
+}
+
+void CloseOtherDescriptors(const Program& program) noexcept {
+  if (::close_range(STDERR_FILENO + 1, ~0U, 0) == 0) return;
+  // Linux before 5.9 does not have that call.
+  for (rlim_t other = STDERR_FILENO + 1; other < program.descriptors; ++other) {
+    ::close(static_cast<int>(other));
+  }
+}
+
+/// Each signal at its default, and none blocked.
+void ResetSignals() noexcept {
+  struct sigaction usual {};
+  usual.sa_handler = SIG_DFL;
+  for (int signal = 1; signal < NSIG; ++signal) ::sigaction(signal, &usual, nullptr);
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+/// In the new process, which shares the memory of its parent: it makes system calls only.
+[[noreturn]] void Become(Program& program) noexcept {
+  // The program ends when the thread that started it does, however that ends.
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (::getppid() != program.parent) ::_exit(kNotStarted);  // it ended before the call above
+  ::setpgid(0, 0);
+  if (SetStreams(program)) {
+    CloseOtherDescriptors(program);
+    ResetSignals();
+    ::execve(program.file, program.arguments, program.environment);
+  }
+  program.error = errno;
+  ::_exit(kNotStarted);
+}
+
+rlim_t DescriptorLimit() noexcept {
+  rlimit limit{};
+  return ::getrlimit(RLIMIT_NOFILE, &limit) == 0 ? limit.rlim_cur : 0;
+}
+
+/// vfork takes no longer for a process with much memory, which fork does. posix_spawn uses it as
+/// well, but cannot bind the life of the program to this process.
+pid_t Start(Program& program) {
+  const AllSignalsBlocked blocked;
+  const pid_t leader = ::vfork();    // NOLINT(clang-analyzer-security.insecureAPI.vfork)
+  if (leader == 0) Become(program);  // NOLINT(clang-analyzer-unix.Vfork)
+  if (leader < 0) Check(errno);
   return leader;
+}
+
+pid_t Spawn(const std::string& file, std::vector<std::string>& arguments, int output, int errors) {
+  std::vector<std::string> environment = {std::string("PATH=") + kProgramSearchPath, "LC_ALL=C"};
+  const std::vector<char*> words = PointersTo(arguments);
+  const std::vector<char*> variables = PointersTo(environment);
+  Program program{file.c_str(), words.data(), variables.data(), output,
+                  errors,       ::getpid(),   DescriptorLimit()};
+  const pid_t leader = Start(program);
+  if (program.error == 0) return leader;
+  ::waitpid(leader, nullptr, 0);
+  throw std::system_error(program.error, std::generic_category());
 }
 
 }  // namespace

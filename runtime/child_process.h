@@ -10,7 +10,8 @@ namespace vtq {
 
 /// A program that runs as the leader of its own process group, with an empty standard input, the
 /// default signal dispositions, and an environment of PATH and LC_ALL only. Neither the group nor
-/// the leader's process entry outlives this object.
+/// the leader's process entry outlives this object. The kernel kills the leader when the thread
+/// that made this object ends.
 class ChildProcess final {
  public:
   /// Starts the program in `file` with `arguments` (the program's name first); its standard output

@@ -17,8 +17,8 @@ namespace vtq {
 VTQ_EXPORT void ObserveServiceFailures(
     std::function<void(const std::string& description)> observer);
 
-/// For the services themselves: calls the observer.
-void ReportServiceFailure(std::string_view description) noexcept;
+/// For the services themselves, and for a host that knows of a failure: calls the observer.
+VTQ_EXPORT void ReportServiceFailure(std::string_view description) noexcept;
 
 /// For the services themselves: calls the observer, then throws a TVTQException with that
 /// description.

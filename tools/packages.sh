@@ -11,8 +11,8 @@ fail() {
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
   libxml2-dev libyaml-cpp-dev pciutils)
 # What the tests need beside these.
-test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch python3-jsonschema man-db
-  groff mandoc)
+test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less python3-jsonschema
+  man-db groff mandoc)
 # What the slow tests need beside these: valgrind, emulated machines, other shells.
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish)
 # What packing, and checking the packages, needs beside these.

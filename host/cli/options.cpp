@@ -52,6 +52,15 @@ std::string IsNoLimitOrEnough(const std::string& text) {
              : "must be 0 or at least 128 (MiB)";
 }
 
+/// The same for --timeout.
+std::string IsTime(const std::string& text) {
+  char* end = nullptr;
+  const double seconds = std::strtod(text.c_str(), &end);
+  const bool isNumber = end != text.c_str() && *end == '\0';
+  // False for a value that is not a number ("nan").
+  return isNumber && seconds >= 0.1 && seconds <= 1e6 ? "" : "must be 0.1 to 1000000 (seconds)";
+}
+
 void AddViewOptions(CLI::App& app, Options& options) {
   app.add_option_function<std::vector<std::string>>(
          "--filter",
@@ -96,7 +105,7 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--timeout", options.timeout,
                  "Stop collecting after this many seconds and print what was collected")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.1, 1e6).description(""))
+      ->check(CLI::Validator(IsTime, ""))
       ->capture_default_str();
   app.add_option("--memory-limit", options.memoryLimit,
                  "Limit the memory of each collecting process to this many MiB; 0: no limit")

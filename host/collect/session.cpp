@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/collect/session.h"
 
+#include <new>
 #include <utility>
 
 #include "framework/exception.h"
@@ -39,11 +40,22 @@ std::optional<std::string> FailureOf(const Step& step) {
   try {
     step();
     return std::nullopt;
+  } catch (const std::bad_alloc&) {
+    return "the plug-in failed: there is not enough memory (see --memory-limit)";
   } catch (const std::exception& failure) {
     return std::string("the plug-in failed: ") + failure.what();
   } catch (...) {
     return "the plug-in failed and did not say why";
   }
+}
+
+/// Plug-ins may drop the reason of what went wrong. This one the host can learn before they do.
+[[noreturn]] void ReportLackOfMemory() {
+  static bool isReporting = false;
+  if (std::exchange(isReporting, true)) throw std::bad_alloc();  // the report needs memory too
+  vtq::ReportServiceFailure("there is not enough memory (see --memory-limit)");
+  isReporting = false;
+  throw std::bad_alloc();
 }
 
 }  // namespace
@@ -56,6 +68,7 @@ Session::Session(TroubleReport& report, const LogSettings& log,
       repository_(MakeRepository(std::move(classes))) {
   vtq::SetCoreLogger(logger_);
   vtq::SetPluginManager(manager_);
+  std::set_new_handler(&ReportLackOfMemory);
   vtq::ObserveServiceFailures(
       [&report](const std::string& description) { report.AddServiceFailure(description); });
 }
@@ -63,6 +76,7 @@ Session::Session(TroubleReport& report, const LogSettings& log,
 Session::~Session() {
   EndPlugins();
   vtq::ObserveServiceFailures(nullptr);
+  std::set_new_handler(nullptr);
   vtq::SetPluginManager(nullptr);
   vtq::SetCoreLogger(nullptr);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
+#include <sys/mman.h>
 
+#include <new>
 #include <stdexcept>
 
 #include "host/extras/extras.h"
@@ -9,12 +11,20 @@
 namespace pciinfo {
 namespace {
 
+/// The loader does not say whether memory was what it lacked.
+bool HasRoomForExtras() noexcept {
+  constexpr std::size_t kRoom = 64U << 20U;
+  void* const room = mmap(nullptr, kRoom, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return room != MAP_FAILED && munmap(room, kRoom) == 0;
+}
+
 // Never unloaded, because the objects that it makes need its code.
 void* LoadExtras() {
   const std::string file = FirstExisting(LibraryPlaces(ProgramFolder(), kExtrasFile),
                                          "a part of this program is missing: install it again");
   void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_NODELETE);
   if (library != nullptr) return library;
+  if (!HasRoomForExtras()) throw std::bad_alloc();
   throw std::runtime_error(std::string("cannot load a part of this program (") + dlerror() +
                            "): install it again");
 }

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <sys/auxv.h>
 
 #include <filesystem>
 #include <stdexcept>
@@ -38,7 +39,13 @@ std::string FirstExisting(const std::vector<std::string>& places, const std::str
 }
 
 std::string ProgramFolder() {
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  std::error_code isMissing;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", isMissing);
+  if (!isMissing) return program.parent_path();
+  // Without /proc the kernel tells the name by which the program was started, as a number.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  const auto* const name = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+  return std::filesystem::canonical(name == nullptr ? "" : name).parent_path();
 }
 
 }  // namespace pciinfo

@@ -11,11 +11,14 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <map>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "host/console/output.h"
+#include "runtime/command_line.h"
 
 namespace pciinfo {
 namespace {
@@ -31,10 +34,25 @@ void ResetSignals() noexcept {
   sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-[[noreturn]] void BecomePager(const std::string& command, int input) noexcept {
+/// Leaves those variables only that say how the terminal is, and switches off what a pager could do
+/// for the user beside showing text.
+void RestrictEnvironment() {
+  constexpr std::array kKept = {"TERM", "LANG", "LC_ALL", "LC_CTYPE"};
+  std::map<const char*, std::string> kept;
+  for (const char* const name : kKept) {
+    if (const char* const value = std::getenv(name)) kept[name] = value;
+  }
+  clearenv();
+  for (const auto& [name, value] : kept) setenv(name, value.c_str(), 1);
+  setenv("PATH", vtq::kProgramSearchPath, 1);
+  setenv("LESSSECURE", "1", 1);
+  setenv("LESSHISTFILE", "-", 1);
+}
+
+[[noreturn]] void BecomePager(const std::string& command, bool isRestricted, int input) {
   dup2(input, STDIN_FILENO);
   ResetSignals();
-  prctl(PR_SET_PDEATHSIG, SIGTERM);  // it must not read the terminal beside the next program
+  if (isRestricted) RestrictEnvironment();
   setenv("LESS", "FRX", 0);
   setenv("LV", "-c", 0);
   // A command without anything for the shell needs none, which would say that it finds nothing.
@@ -57,9 +75,12 @@ bool CopyPiece(int from, int to) noexcept {
 
 }  // namespace
 
-Pager::Pager(std::string command) : command_(std::move(command)) {
+Pager::Pager(std::string command, bool isRestricted)
+    : command_(isRestricted ? kDefaultPager : std::move(command)), isRestricted_(isRestricted) {
   int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category());
+  if (pipe2(ends, O_CLOEXEC) != 0) {
+    throw std::system_error(errno, std::generic_category(), "cannot start the pager");
+  }
   reading_ = vtq::FileDescriptor(ends[0]);
   writing_ = vtq::FileDescriptor(ends[1]);
   if (isatty(STDERR_FILENO) == 0) return;
@@ -83,8 +104,17 @@ void Pager::HandleOutput(bool isReadable) {
 }
 
 void Pager::Start() {
+  termios settings{};
+  if (tcgetattr(STDOUT_FILENO, &settings) == 0) terminal_ = settings;
+  const pid_t parent = getpid();
   const pid_t child = fork();
-  if (child == 0) BecomePager(command_, reading_.Get());
+  if (child == 0) {
+    // The pager must not read the terminal beside the next program, and leaves the terminal as it
+    // found it only when it is asked to end.
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() != parent) _exit(kNotStarted);  // it ended before the call above
+    BecomePager(command_, isRestricted_, reading_.Get());
+  }
   if (child > 0) {
     process_ = child;
   } else {
@@ -92,8 +122,15 @@ void Pager::Start() {
   }
 }
 
+// A terminal that shows another program by now is that program's.
+void Pager::RestoreTerminal() const noexcept {
+  if (!terminal_ || tcgetpgrp(STDOUT_FILENO) != getpgrp()) return;
+  tcsetattr(STDOUT_FILENO, TCSADRAIN, &*terminal_);
+}
+
 void Pager::HandleEnd(int status) {
   process_ = 0;
+  if (WIFSIGNALED(status)) RestoreTerminal();
   isMissing_ = WIFEXITED(status) && WEXITSTATUS(status) == kNotStarted;
   if (!isMissing_) return reading_.Close();
   if (command_ == kDefaultPager) return;

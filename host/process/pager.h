@@ -2,7 +2,9 @@
 #pragma once
 
 #include <sys/types.h>
+#include <termios.h>
 
+#include <optional>
 #include <string>
 
 #include "runtime/file_descriptor.h"
@@ -14,8 +16,10 @@ namespace pciinfo {
 /// is, after a message unless it is the default pager.
 class Pager final {
  public:
-  /// `command` is a command of the shell. Throws std::system_error.
-  explicit Pager(std::string command);
+  /// `command` is a command of the shell. A restricted pager is the default pager whatever the
+  /// command, in its secure mode, where it starts no programs and writes no files: it is for users
+  /// who have fewer rights than this process. Throws std::system_error.
+  Pager(std::string command, bool isRestricted);
 
   /// In a worker: the standard output goes to the pager from here on.
   void ReceiveOutput() noexcept;
@@ -32,7 +36,8 @@ class Pager final {
 
   /// The process of the pager; 0 when it does not run.
   pid_t GetProcess() const noexcept { return process_; }
-  /// The process of the pager has ended, with a status as of waitpid.
+  /// The process of the pager has ended, with a status as of waitpid. After one that a signal ended
+  /// the terminal gets its settings back.
   void HandleEnd(int status);
 
   /// No worker writes any more.
@@ -46,13 +51,16 @@ class Pager final {
 
  private:
   void Start();
+  void RestoreTerminal() const noexcept;
 
   std::string command_;
+  bool isRestricted_;
   vtq::FileDescriptor reading_;
   vtq::FileDescriptor writing_;
   vtq::FileDescriptor lateMessages_;
   pid_t process_ = 0;
-  bool isMissing_ = false;  ///< it could not be started
+  std::optional<termios> terminal_;  ///< as it was before the pager, if the output is one
+  bool isMissing_ = false;           ///< it could not be started
 };
 
 }  // namespace pciinfo

@@ -22,11 +22,6 @@ namespace {
 // Linux: CONFIG_PROC_CHILDREN. The process has one thread, so its main thread's children are all.
 constexpr const char* kChildren = "/proc/thread-self/children";
 
-bool HasChildren() noexcept {
-  siginfo_t end{};
-  return waitid(P_ALL, 0, &end, WEXITED | WNOHANG | WNOWAIT) == 0;
-}
-
 std::vector<pid_t> ChildrenBut(pid_t kept) {
   std::vector<pid_t> children;
   std::ifstream list(kChildren);
@@ -46,28 +41,29 @@ bool HasGone(pid_t child, int& status) noexcept {
   return false;
 }
 
+/// Kills the process group that a child leads. As long as the child has not been waited for, its
+/// number can be no other group's.
+void KillGroup(pid_t leader) noexcept { kill(-leader, SIGKILL); }
+
 bool KillAndWait(pid_t child, int& status) noexcept {
-  kill(-child, SIGKILL);
+  KillGroup(child);
   kill(child, SIGKILL);  // it may have left its own group
   return HasGone(child, status);
 }
 
 }  // namespace
 
-ProcessTree::ProcessTree() noexcept : adoptsOrphans_(!HasChildren()) {
-  if (adoptsOrphans_) prctl(PR_SET_CHILD_SUBREAPER, 1);
+bool HasChildren() noexcept {
+  siginfo_t end{};
+  return waitid(P_ALL, 0, &end, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
 }
 
-pid_t ProcessTree::Start(const std::function<void()>& run) {
+pid_t StartProcess(const std::function<void()>& run) {
   std::fflush(nullptr);  // or both processes print what the buffers hold
   const pid_t parent = getpid();
   const pid_t child = fork();
-  if (child < 0) throw std::system_error(errno, std::generic_category());
+  if (child < 0) throw std::system_error(errno, std::generic_category(), "cannot start a process");
   if (child > 0) return child;
-  // Its own group, so that it can be killed with what it starts.
-  setpgid(0, 0);
-  // That group is not the terminal's foreground group, and may be stopped when it prints.
-  std::signal(SIGTTOU, SIG_IGN);
   DieWithParent(parent);
   try {
     run();
@@ -77,14 +73,39 @@ pid_t ProcessTree::Start(const std::function<void()>& run) {
   _exit(kFailed);
 }
 
+void DieWithParent(pid_t parent) noexcept {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(kFailed);  // it ended before the call above
+}
+
+ProcessTree::ProcessTree() noexcept { prctl(PR_SET_CHILD_SUBREAPER, 1); }
+
+pid_t ProcessTree::Start(const std::function<void()>& run) {
+  return StartProcess([&run] {
+    setpgid(0, 0);
+    // That group is not the terminal's foreground group, and may be stopped when it prints.
+    std::signal(SIGTTOU, SIG_IGN);
+    run();
+  });
+}
+
+std::optional<ProcessTree::Ended> ProcessTree::TakeEnded() noexcept {
+  siginfo_t end{};
+  if (waitid(P_ALL, 0, &end, WEXITED | WNOHANG | WNOWAIT) != 0 || end.si_pid == 0) return {};
+  KillGroup(end.si_pid);
+  int status = 0;
+  waitpid(end.si_pid, &status, 0);
+  return Ended{end.si_pid, status};
+}
+
 int ProcessTree::Kill(pid_t child) noexcept {
   int status = SIGKILL;
   KillAndWait(child, status);
   return status;
 }
 
-void ProcessTree::KillOrphans(pid_t kept) const noexcept {
-  if (!adoptsOrphans_ || !HasChildren()) return;
+void ProcessTree::KillOrphans(pid_t kept) noexcept {
+  if (!HasChildren()) return;  // nearly always; it saves looking into /proc
   try {
     // Every round brings up the children of the round before.
     for (auto children = ChildrenBut(kept); !children.empty(); children = ChildrenBut(kept)) {
@@ -96,11 +117,6 @@ void ProcessTree::KillOrphans(pid_t kept) const noexcept {
   } catch (const std::exception&) {
     return;  // no memory for a list of them
   }
-}
-
-void DieWithParent(pid_t parent) noexcept {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(kFailed);  // it ended before the call above
 }
 
 }  // namespace pciinfo

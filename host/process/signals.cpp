@@ -12,8 +12,8 @@ namespace pciinfo {
 namespace {
 
 /// Signals from outside that end a program which does nothing about them.
-constexpr std::array kEndingSignals = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM,
-                                       SIGUSR1, SIGUSR2, SIGALRM, SIGXCPU};
+constexpr std::array kEndingSignals = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1, SIGUSR2,
+                                       SIGALRM, SIGXCPU, SIGVTALRM, SIGPROF, SIGIO,   SIGPWR};
 
 bool IsIgnored(int signal) noexcept {
   struct sigaction action {};
@@ -36,7 +36,9 @@ HeldSignals::HeldSignals() : held_(SignalsToHold()) {
   // Where SIGCHLD is ignored, the kernel drops the status of a child that ends.
   std::signal(SIGCHLD, SIG_DFL);
   file_ = vtq::FileDescriptor(signalfd(-1, &held_, SFD_CLOEXEC | SFD_NONBLOCK));
-  if (!file_.IsOpen()) throw std::system_error(errno, std::generic_category());
+  if (!file_.IsOpen()) {
+    throw std::system_error(errno, std::generic_category(), "cannot watch for signals");
+  }
   sigprocmask(SIG_BLOCK, &held_, &before_);
 }
 

@@ -32,6 +32,12 @@ class HeldSignals final {
   vtq::FileDescriptor file_;
 };
 
+/// A signal came in that ends the program. It is thrown so that everything half made is removed on
+/// the way to the main function, which ends by it.
+struct EndedBySignal {
+  int signal;
+};
+
 /// Ends this process the way `signal` does for a program that does not handle it.
 void EndBySignal(int signal) noexcept;
 

@@ -18,6 +18,8 @@
 #include <utility>
 
 #include "host/console/output.h"
+#include "host/process/caller_rights.h"
+#include "host/process/childless_run.h"
 #include "host/process/confinement.h"
 #include "host/process/guarded_run.h"
 #include "host/process/pager.h"
@@ -35,7 +37,9 @@ using Kind = Report::Kind;
 
 constexpr milliseconds kEndingTime = std::chrono::seconds(10);
 
-[[noreturn]] void ThrowErrno() { throw std::system_error(errno, std::generic_category()); }
+[[noreturn]] void ThrowErrno(const char* what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
 
 /// To a tenth, for people.
 double Seconds(milliseconds time) {
@@ -58,6 +62,12 @@ int PollTime(const std::optional<Clock::time_point>& time) {
   return static_cast<int>(std::clamp(left, milliseconds{0}, kMost).count());
 }
 
+template <std::size_t kCount>
+void AwaitAny(std::array<pollfd, kCount>& watched, int mostMilliseconds) {
+  if (poll(watched.data(), kCount, mostMilliseconds) >= 0 || errno == EINTR) return;
+  ThrowErrno("cannot wait for a process");
+}
+
 struct SocketPair {
   vtq::FileDescriptor mine;
   vtq::FileDescriptor workers;
@@ -66,7 +76,9 @@ struct SocketPair {
 /// Packets, so that each report comes whole or not at all.
 SocketPair MakeSockets() {
   int ends[2];
-  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) ThrowErrno();
+  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+    ThrowErrno("cannot start a process");
+  }
   return {vtq::FileDescriptor(ends[0]), vtq::FileDescriptor(ends[1])};
 }
 
@@ -91,7 +103,10 @@ class Supervisor final {
         work_(work),
         budget_(limits_.time),
         line_(supervision.showsProgress) {
-    if (supervision.pager) pager_.emplace(*supervision.pager);
+    const CallerRights caller = RightsOfCaller();
+    if (supervision.pager && caller != CallerRights::kFewerAndOwnEnvironment) {
+      pager_.emplace(*supervision.pager, caller != CallerRights::kSame);
+    }
   }
   Supervisor(const Supervisor&) = delete;
   Supervisor& operator=(const Supervisor&) = delete;
@@ -101,7 +116,7 @@ class Supervisor final {
     do {
       StartWorker();
       while (worker_.process != 0) Wait();
-      processes_.KillOrphans(pager_ ? pager_->GetProcess() : 0);
+      ProcessTree::KillOrphans(pager_ ? pager_->GetProcess() : 0);
     } while (signal_ == 0 && IsStepLost());
     line_.End();
     AwaitPager();
@@ -130,6 +145,7 @@ class Supervisor final {
   std::string NameOfWork() const;
   ExitStatus Answer() const;
 
+  const pid_t process_ = getpid();
   Limits limits_;
   HeldSignals& signals_;
   const Work& work_;
@@ -173,7 +189,7 @@ void Supervisor::RunWorker(vtq::FileDescriptor reports) {
 void Supervisor::ConfineWorker() const {
   GiveUpPrivileges();
   // Where the worker changed its credentials on the way here, the kernel has forgotten this.
-  DieWithParent(getppid());
+  DieWithParent(process_);
   directory_.Enter();
 }
 
@@ -183,7 +199,7 @@ void Supervisor::Wait() {
                                     {pager_ ? pager_->GetOutput() : -1, POLLIN, 0}}};
   std::optional<Clock::time_point> next = line_.GetDueTime();
   if (worker_.deadline) next = std::min(next.value_or(*worker_.deadline), *worker_.deadline);
-  if (poll(watched.data(), watched.size(), PollTime(next)) < 0 && errno != EINTR) ThrowErrno();
+  AwaitAny(watched, PollTime(next));
   if (watched[1].revents != 0) TakeReports();
   if (watched[2].revents != 0) pager_->HandleOutput((watched[2].revents & POLLIN) != 0);
   if (watched[0].revents != 0) TakeSignals();
@@ -207,15 +223,13 @@ void Supervisor::TakeSignals() {
 
 // One SIGCHLD may stand for several children.
 void Supervisor::TakeEndedChildren() {
-  int status = 0;
-  for (pid_t child = 1; child > 0;) {
-    child = waitpid(-1, &status, WNOHANG);
-    if (child > 0 && child == worker_.process) {
+  while (const std::optional<ProcessTree::Ended> child = ProcessTree::TakeEnded()) {
+    if (child->process == worker_.process) {
       worker_.process = 0;
-      worker_.status = status;
+      worker_.status = child->status;
       TakeReports();  // what it told last
     }
-    if (child > 0 && pager_ && child == pager_->GetProcess()) pager_->HandleEnd(status);
+    if (pager_ && child->process == pager_->GetProcess()) pager_->HandleEnd(child->status);
   }
 }
 
@@ -278,7 +292,7 @@ void Supervisor::AwaitPager() {
   while (pager_->IsBusy()) {
     std::array<pollfd, 2> watched = {
         {{signals_.GetDescriptor(), POLLIN, 0}, {pager_->GetOutput(), POLLIN, 0}}};
-    if (poll(watched.data(), watched.size(), -1) < 0 && errno != EINTR) ThrowErrno();
+    AwaitAny(watched, -1);
     if (watched[1].revents != 0) pager_->HandleOutput((watched[1].revents & POLLIN) != 0);
     if (watched[0].revents != 0) TakeSignals();
   }
@@ -335,7 +349,7 @@ ExitStatus Supervisor::Answer() const {
 }  // namespace
 
 ExitStatus Supervise(const Supervision& supervision, HeldSignals& signals, const Work& work) {
-  return Supervisor(supervision, signals, work).Run();
+  return RunChildless(signals, [&] { return Supervisor(supervision, signals, work).Run(); });
 }
 
 }  // namespace pciinfo

@@ -28,12 +28,6 @@ struct Supervision {
 /// What a worker does. It calls the steps in the same order in every worker.
 using Work = std::function<ExitStatus(Worker&)>;
 
-/// A signal came in that ends the program. It is thrown so that everything half made is removed on
-/// the way to the main function, which ends by it.
-struct EndedBySignal {
-  int signal;
-};
-
 /// Runs `work` in a child process, the worker, so that a crash or hang costs one step, not the
 /// run. When a step fails that is not a needed one, another worker does the whole work again
 /// without it. The worker ends within this function: only this process returns. Answers what

@@ -11,7 +11,7 @@ enum class Call {
   kShortRead,  ///< succeeds with one byte
   kClose,      ///< closes and returns an error
   kPipe,
-  kStart,  ///< fork and posix_spawn: no process is created
+  kStart,  ///< fork and execve: no process is created, or no program started in it
   kDie,    ///< the program that is started prints a part of a line and is killed
   kQuit,   ///< the program that is started prints nothing and exits with status 1
   kAllocate,

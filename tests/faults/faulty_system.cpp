@@ -5,7 +5,6 @@
 // (fopen calls open, fread calls read) cannot be replaced, so fopen and fread are replaced too.
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <spawn.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,11 +31,10 @@ mode_t ModeIn(int flags, va_list arguments) {
   return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
 }
 
-int StartInstead(pid_t* child, const posix_spawn_file_actions_t* actions,
-                 const posix_spawnattr_t* attributes, const char* script) {
-  static const auto next = Next(&posix_spawn, "posix_spawn");
+int StartInstead(const char* script) {
+  static const auto next = Next(&execve, "execve");
   const char* arguments[] = {"sh", "-c", script, nullptr};
-  return next(child, "/bin/sh", actions, attributes, const_cast<char**>(arguments), nullptr);
+  return next("/bin/sh", const_cast<char**>(arguments), nullptr);
 }
 
 }  // namespace
@@ -116,15 +114,12 @@ CALLED_FROM_OUTSIDE pid_t fork() noexcept {
   return MustFail(Call::kStart) ? Fail<pid_t>(EAGAIN, -1) : next();
 }
 
-CALLED_FROM_OUTSIDE int posix_spawn(pid_t* child, const char* file,
-                                    const posix_spawn_file_actions_t* actions,
-                                    const posix_spawnattr_t* attributes, char* const arguments[],
-                                    char* const environment[]) {
-  static const auto next = Next(&posix_spawn, "posix_spawn");
-  if (MustFail(Call::kStart)) return EAGAIN;
-  if (MustFail(Call::kDie)) {
-    return StartInstead(child, actions, attributes, "echo 00:00.0 Host br; kill -KILL $$");
-  }
-  if (MustFail(Call::kQuit)) return StartInstead(child, actions, attributes, "exit 1");
-  return next(child, file, actions, attributes, arguments, environment);
+// vfork cannot be replaced, as it returns twice. The program that it is for starts here.
+CALLED_FROM_OUTSIDE int execve(const char* file, char* const arguments[],
+                               char* const environment[]) noexcept {
+  static const auto next = Next(&execve, "execve");
+  if (MustFail(Call::kStart)) return Fail(EAGAIN, -1);
+  if (MustFail(Call::kDie)) return StartInstead("echo 00:00.0 Host br; kill -KILL $$");
+  if (MustFail(Call::kQuit)) return StartInstead("exit 1");
+  return next(file, arguments, environment);
 }

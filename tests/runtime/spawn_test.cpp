@@ -197,6 +197,26 @@ TEST_F(SpawnTest, TheProgramLeadsItsOwnProcessGroup) {
   EXPECT_NE(group, std::to_string(::getpgrp()));
 }
 
+TEST_F(SpawnTest, TheProgramEndsWhenItsHostIsKilled) {
+  const std::string note = directory_.GetPath() + "/pid";
+  const pid_t host = ::fork();
+  if (host == 0) {
+    try {
+      (void)Run("echo $$ > " + note + ".new; mv " + note + ".new " + note + "; exec sleep 300");
+    } catch (const TVTQException&) {
+      ::_exit(1);
+    }
+    ::_exit(0);
+  }
+  while (!TOSSpecific::FileExists(note)) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  ::kill(host, SIGKILL);
+  ::waitpid(host, nullptr, 0);
+  std::istringstream words(TOSSpecific::CaptureFile(note));
+  std::string processId;
+  words >> processId;
+  EXPECT_TRUE(BecomesGone(processId));
+}
+
 TEST_F(SpawnTest, BothStreamsMayBeFlooded) {
   const std::string output =
       Run("head -c 3000000 /dev/zero >&2\n"

@@ -201,8 +201,9 @@ TEST(Options, LimitsAreTenMinutesUnlessGiven) {
 }
 
 TEST(Options, InvalidLimitsAreRefused) {
-  for (const char* time : {"0", "-1", "soon", "1e9"}) {
-    EXPECT_THAT(Error({"--timeout", time}), HasSubstr("--timeout")) << time;
+  for (const char* time : {"0", "-1", "0.05", "soon", "2s", "1e9", "nan", "-nan", "inf", "-inf"}) {
+    const std::string error = Error({"--timeout", time});
+    EXPECT_THAT(error, HasSubstr("--timeout: must be 0.1 to 1000000 (seconds)")) << time;
   }
   for (const char* memory : {"1", "-128", "2G", "99999999999999"}) {
     EXPECT_THAT(Error({"--memory-limit", memory}), HasSubstr("at least 128 (MiB)")) << memory;

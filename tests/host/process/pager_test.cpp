@@ -6,10 +6,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 
 #include "tests/host/run_on_terminal.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace {
 
@@ -80,6 +82,16 @@ TEST(Pager, MessagesComeWhenItHasEnded) {
   EXPECT_LT(result.out.find("end of the pager"), result.out.find("pciinfo: this machine has no"));
 }
 
+TEST(Pager, TheTerminalIsRestoredAfterOneThatASignalEnded) {
+  TerminalRun run = {
+      {"slots", "--only-plugin", FakePluginFile("slotless")},
+      {{"PAGER", "cat >/dev/null; stty raw </dev/tty; kill -USR1 $$"}, {"NO_COLOR", "1"}}};
+  const RunResult result = RunOnTerminal(run);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("pciinfo: this machine has no"));
+  EXPECT_THAT(result.out, EndsWith("\r\n"));  // a raw terminal would add no carriage return
+}
+
 TEST(Pager, IsNotStartedForNothing) {
   const RunResult result = RunOnTerminal(
       {{"show", "nothing", "--only-plugin", FakePluginFile("fixed")}, {{"PAGER", "echo pager"}}});
@@ -109,6 +121,43 @@ TEST(Pager, AnInterruptBeforeAnyOutputEndsTheProgram) {
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 128 + SIGINT);
   EXPECT_THAT(result.out, Not(HasSubstr("pager\r")));
+}
+
+// The pager runs with the rights of the program, so that whoever called it with fewer rights must
+// not be able to start programs from it.
+class RestrictedPager : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (access("/usr/bin/less", X_OK) != 0) GTEST_SKIP() << "less is not installed";
+    directory_.WriteScript("less", "echo a less of the user\\'s own");
+    run_.environment["SUDO_UID"] = "4242";
+    run_.environment["PATH"] = directory_.GetPath() + ":/usr/bin:/bin";
+    run_.environment["LESS"] = "R";  // does not end where everything fits on the screen
+  }
+
+  vtq::TemporaryDirectory directory_;
+  TerminalRun run_ = Devices("sh -c 'echo a shell'");
+};
+
+TEST_F(RestrictedPager, StartsNoProgram) {
+  run_.environment["LESSSECURE"] = "0";
+  run_.keys = "!echo escaped$((40 + 2))\rq";
+  const RunResult result = RunOnTerminal(run_);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("VGA compatible controller"));
+  EXPECT_THAT(result.out, Not(HasSubstr("escaped42")));
+}
+
+TEST_F(RestrictedPager, IsNotThatOfTheUser) {
+  run_.keys = "q";
+  const RunResult result = RunOnTerminal(run_);
+  EXPECT_THAT(result.out, Not(HasSubstr("a shell")));
+  EXPECT_THAT(result.out, Not(HasSubstr("of the user's own")));
+}
+
+TEST_F(RestrictedPager, IsNotForAUserWithTheSameRights) {
+  run_.environment.erase("SUDO_UID");
+  EXPECT_THAT(RunOnTerminal(run_).out, HasSubstr("a shell"));
 }
 
 }  // namespace

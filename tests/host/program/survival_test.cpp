@@ -84,6 +84,26 @@ class Survival : public testing::Test {
     return kill(std::stoi(number), 0) == 0;
   }
 
+  /// Returns the number of processes with the log file on their command line, which all processes
+  /// of the program have.
+  int CountProcesses() const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      std::ostringstream words;
+      words << std::ifstream(entry.path() / "cmdline")
+                   .rdbuf();  // fails for a process that has just ended
+      if (words.str().find(LogFile()) != std::string::npos) ++count;
+    }
+    return count;
+  }
+
+  bool BecomesGone() const {
+    for (int look = 0; look < 200 && CountProcesses() > 0; ++look) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return CountProcesses() == 0;
+  }
+
   vtq::TemporaryDirectory directory_;
 };
 
@@ -246,19 +266,6 @@ class SignalledSurvival : public Survival, public testing::WithParamInterface<in
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }
-
-  /// Returns the number of processes with the log file on their command line, which all processes
-  /// of the program have.
-  int CountProcesses() const {
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-      std::ostringstream words;
-      words << std::ifstream(entry.path() / "cmdline")
-                   .rdbuf();  // fails for a process that has just ended
-      if (words.str().find(LogFile()) != std::string::npos) ++count;
-    }
-    return count;
-  }
 };
 INSTANTIATE_TEST_SUITE_P(Signals, SignalledSurvival, testing::Values(SIGHUP, SIGINT, SIGTERM));
 
@@ -279,19 +286,64 @@ TEST_F(SignalledSurvival, NothingGoesOnWhenTheProgramIsKilled) {
   WaitUntilItHangs();
   kill(program, SIGKILL);
   waitpid(program, nullptr, 0);
-  for (int look = 0; look < 200 && CountProcesses() > 0; ++look) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_EQ(CountProcesses(), 0);
+  EXPECT_TRUE(BecomesGone());
 }
 
-TEST_F(Survival, ProcessesOfOthersAreLeftAlone) {
-  const RunResult result = RunShell(
-      "HOSTILE='Abort QZMSG_SystemSlot' bash -c 'sleep 987650 & "
-      "exec $PCIINFO slots --only-plugin ${PLUGINS}hostile.pi.so' >/dev/null 2>&1; echo $?; pkill "
-      "-fx "
-      "'sleep 987650' && echo it slept");
+/// The same where the program has a child that it did not start: a shell that had started another
+/// program became this one.
+class InheritedChildren : public Survival {
+ protected:
+  /// Runs `pciinfo slots` with a misbehaving plug-in after `before`, a shell command that leaves a
+  /// child, and then reports the exit status. What `after` prints follows.
+  RunResult RunAfter(const std::string& before, const std::string& harm,
+                     const std::string& after) const {
+    return RunShell("HOSTILE='" + harm + "' bash -c '" + before +
+                    " exec $PCIINFO slots --log-file " + LogFile() +
+                    " --only-plugin ${PLUGINS}hostile.pi.so" + "' >/dev/null 2>&1; " + "echo $?; " +
+                    after);
+  }
+};
+
+TEST_F(InheritedChildren, AreLeftAlone) {
+  const std::string note = directory_ / "note";
+  const RunResult result = RunAfter("sleep 60 & echo $! >" + note + ";", "Abort QZMSG_SystemSlot",
+                                    "kill $(cat " + note + ") && echo it slept");
   EXPECT_EQ(result.out, "1\nit slept\n");
+}
+
+TEST_F(InheritedChildren, MayHaveChildrenOfTheirOwn) {
+  const std::string note = directory_ / "note";
+  const RunResult result = RunAfter("(setsid sleep 60 & echo $! >" + note + "; sleep 0.01) & ",
+                                    "LeaveProcessAndAbort QZMSG_SystemSlot",
+                                    "kill $(cat " + note + ") && echo it slept");
+  EXPECT_EQ(result.out, "1\nit slept\n");
+}
+
+TEST_F(InheritedChildren, DoNotKeepTheProgramFromEndingItsOwnProcesses) {
+  RunAfter("sleep 1 &", "LeaveProcessAndAbort QZMSG_SystemSlot", "");
+  EXPECT_FALSE(IsProcessThere());
+}
+
+TEST_F(InheritedChildren, MayReadTheOutput) {
+  const std::string file = directory_ / "kept";
+  RunShell("bash -c 'exec $PCIINFO slots --only-plugin ${PLUGINS}fixed.pi.so > >(sleep 0.3; cat >" +
+           file + ")'; sleep 0.6; :");
+  EXPECT_THAT(directory_.Read("kept"), HasSubstr("\n"));
+}
+
+TEST_F(InheritedChildren, ASignalEndsTheProgramAndItsProcesses) {
+  for (const std::string signal : {"TERM", "KILL"}) {
+    const std::string note = directory_ / "note";
+    const RunResult result =
+        RunShell("export HOSTILE='Hang QZMSG_SystemSlot'; bash -c 'sleep 60 & echo $! >" + note +
+                 "; exec $PCIINFO slots --log-file " + LogFile() +
+                 " --only-plugin ${PLUGINS}hostile.pi.so' & until grep -qs SystemSlot " +
+                 LogFile() + "; do sleep 0.01; done; kill -" + signal +
+                 " $!; wait $!; echo $?; kill $(cat " + note + ") && echo it slept");
+    EXPECT_EQ(result.out, (signal == "TERM" ? "143" : "137") + std::string("\nit slept\n"));
+    EXPECT_TRUE(BecomesGone()) << signal;
+    std::filesystem::remove(LogFile());
+  }
 }
 
 }  // namespace
