@@ -59,7 +59,8 @@ TEST(CaptureWriter, ArchivesHoldWhatWasWritten) {
 
 TEST(CaptureWriter, FoldersHoldWhatWasWritten) {
   const vtq::TemporaryDirectory directory;
-  WriteParts(*MakeFolderWriter(directory.GetPath()));
+  WriteParts(*MakeFolderWriter(
+      vtq::FileDescriptor(open(directory.GetPath().c_str(), O_RDONLY | O_DIRECTORY))));
   EXPECT_EQ(PartsOf(directory.GetPath()), kParts);
 }
 
