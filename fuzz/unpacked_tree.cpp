@@ -29,8 +29,8 @@ class Tree final {
 
   void Unpack(const std::string& name) const {
     try {
-      const auto opened = pciinfo::OpenArchive(name);
-      pciinfo::ArchiveReader& reader = *opened;
+      const auto opened = pciinfo::OpenCapture(name);
+      pciinfo::CaptureReader& reader = *opened;
       pciinfo::CaptureTree tree(root_.string());
       const auto manifest = pciinfo::UnpackCapture(reader, tree, kLimits);
       if (manifest) pciinfo::ParseManifest(*manifest);

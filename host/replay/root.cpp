@@ -12,7 +12,7 @@
 
 #include "host/capture/capture_tree.h"
 #include "host/process/confinement.h"
-#include "host/replay/archive_reader.h"
+#include "host/replay/capture_reader.h"
 #include "host/replay/root_namespace.h"
 #include "host/replay/root_unpack.h"
 #include "runtime/command_replay.h"
@@ -52,7 +52,7 @@ void MoveToEmptyFolder() {
   fs::current_path(folder);
 }
 
-Manifest Serve(ArchiveReader& reader) {
+Manifest Serve(CaptureReader& reader) {
   EnterNamespaces();
   MountMemory(kTree);
   CaptureTree tree(kTree);
@@ -72,7 +72,7 @@ Manifest Serve(ArchiveReader& reader) {
 
 Manifest ServeRoot(const std::string& capture, CommandSource commands) {
   try {
-    Manifest manifest = Serve(*OpenArchive(capture));
+    Manifest manifest = Serve(*OpenCapture(capture));
     const bool replay = commands == CommandSource::kRecorded;
     vtq::ReplayCommandsFrom(replay ? fs::path("/") / kCommandsFolder : "");
     return manifest;

@@ -35,13 +35,13 @@ bool LeadsToServed(std::string_view folder) {
   return folder.empty() || folder == "proc" || folder == "proc/bus" || IsServed(folder);
 }
 
-void UnpackFile(ArchiveReader& capture, const vtq::FileDescriptor& file) {
+void UnpackFile(CaptureReader& capture, const vtq::FileDescriptor& file) {
   for (std::string_view block = capture.Read(); !block.empty(); block = capture.Read()) {
     WriteBytes(file, block);
   }
 }
 
-std::string ReadManifest(ArchiveReader& capture) {
+std::string ReadManifest(CaptureReader& capture) {
   std::string text;
   for (std::string_view block = capture.Read(); !block.empty(); block = capture.Read()) {
     text += block;
@@ -55,7 +55,7 @@ bool IsOfCapture(std::string_view path) { return LeadsToServed(path) || path == 
 /// Unpacks the entries of one capture.
 class Unpacking final {
  public:
-  Unpacking(ArchiveReader& capture, CaptureTree& tree) : capture_(capture), tree_(tree) {}
+  Unpacking(CaptureReader& capture, CaptureTree& tree) : capture_(capture), tree_(tree) {}
 
   void Unpack(const ArchiveEntry& entry, const std::string& place) {
     if (entry.kind == EntryKind::kFile) UnpackFile(capture_, tree_.MakeFile(place));
@@ -83,7 +83,7 @@ class Unpacking final {
   bool IsEmpty() const noexcept { return isEmpty_; }
 
  private:
-  ArchiveReader& capture_;
+  CaptureReader& capture_;
   CaptureTree& tree_;
   std::vector<fs::path> links_;
   bool isEmpty_ = true;
@@ -96,7 +96,7 @@ std::optional<std::string> ServedPlace(const std::string& path) {
   return IsWithin(path, "commands") ? "proc/pciinfo/" + path : path;
 }
 
-std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
+std::optional<std::string> UnpackCapture(CaptureReader& capture, CaptureTree& tree,
                                          const CaptureLimits& limits) {
   EntryGate gate(limits);
   Unpacking unpacking(capture, tree);

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/capture/capture_tree.h"
-#include "host/replay/archive_reader.h"
+#include "host/replay/capture_reader.h"
 
 namespace pciinfo {
 
@@ -21,7 +21,7 @@ std::optional<std::string> ServedPlace(const std::string& path);
 /// Unpacks a capture to `tree`. Returns its manifest.json, if it has one. Throws BadCapture for a
 /// capture that is damaged, exceeds the limits, has a refused entry (see EntryGate), or contains
 /// none of the parts that are unpacked; std::system_error when the tree cannot be written.
-std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
+std::optional<std::string> UnpackCapture(CaptureReader& capture, CaptureTree& tree,
                                          const CaptureLimits& limits = {});
 
 }  // namespace pciinfo

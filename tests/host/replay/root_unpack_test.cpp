@@ -22,8 +22,8 @@ using testing::HasSubstr;
 class UnpackCaptureTest : public testing::Test {
  protected:
   std::string Unpack(const std::string& capture) {
-    const auto opened = OpenArchive(capture);
-    ArchiveReader& reader = *opened;
+    const auto opened = OpenCapture(capture);
+    CaptureReader& reader = *opened;
     CaptureTree tree(tree_.GetPath());
     return UnpackCapture(reader, tree).value_or("no manifest");
   }
