@@ -25,7 +25,7 @@ class UnpackCaptureTest : public testing::Test {
     const auto opened = OpenCapture(capture);
     CaptureReader& reader = *opened;
     CaptureTree tree(tree_.GetPath());
-    return UnpackCapture(reader, tree).value_or("no manifest");
+    return UnpackCapture(reader, tree).manifest.value_or("no manifest");
   }
 
   std::string Unpack(const std::vector<MadeEntry>& entries) {
