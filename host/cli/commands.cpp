@@ -135,7 +135,10 @@ class Machine final {
   const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
   worker.BeginEnding();
   Tell(report, seen, session.EndPlugins());
-  worker.End(StatusOf(job, report, printed));
+  const std::optional<std::string> logFailure = session.GetLogFailure();
+  if (logFailure) WriteMessage(*logFailure);
+  const ExitStatus status = StatusOf(job, report, printed);
+  worker.End(logFailure && status == kAllCollected ? kFailed : status);
 }
 
 void MakeAbsolute(std::string& file) {
