@@ -50,6 +50,7 @@ void fuzz::CheckInput(std::string_view input) {
   Require(again->capturedAt == manifest->capturedAt, "the time stays");
   Require(again->tools == manifest->tools, "the tools stay");
   Require(again->redacted == manifest->redacted, "redacted stays redacted");
+  Require(again->parts == manifest->parts, "the number of parts stays");
   Require(std::equal(again->unread.begin(), again->unread.end(), manifest->unread.begin(),
                      manifest->unread.end(), AreEqual),
           "the unread parts stay");

@@ -16,8 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Limits chains of links, which the walk follows.
-constexpr std::uintmax_t kFolderForEachLink = 1024;
+// The last entry that is unpacked may need this many directories beyond the limit.
+constexpr std::uintmax_t kFoldersOfOneEntry = 2 * 65;
 
 // The tree is alone in its parent directory, so that files written beside it are noticed.
 class Tree final {
@@ -29,10 +29,10 @@ class Tree final {
 
   void Unpack(const std::string& name) const {
     try {
-      const auto opened = pciinfo::OpenArchive(name);
-      pciinfo::ArchiveReader& reader = *opened;
+      const auto opened = pciinfo::OpenCapture(name);
+      pciinfo::CaptureReader& reader = *opened;
       pciinfo::CaptureTree tree(root_.string());
-      const auto manifest = pciinfo::UnpackCapture(reader, tree, kLimits);
+      const auto manifest = pciinfo::UnpackCapture(reader, tree, kLimits).manifest;
       if (manifest) pciinfo::ParseManifest(*manifest);
     } catch (const pciinfo::BadCapture& failure) {
       Require(*failure.what() != '\0', "a refusal has a reason");
@@ -53,7 +53,7 @@ class Tree final {
       ++entries;
     }
     Require(bytes <= kLimits.bytes, "no more bytes are written than the limit");
-    Require(entries <= kLimits.entries * kFolderForEachLink, "nor more entries");
+    Require(entries <= kLimits.entries + kFoldersOfOneEntry, "nor more entries");
   }
 
  private:

@@ -27,6 +27,8 @@ class FileDescriptor final {
 
   bool IsOpen() const noexcept { return descriptor_ >= 0; }
   int Get() const noexcept { return descriptor_; }
+  /// Leaves the descriptor open, and its number to the caller.
+  int Release() noexcept { return std::exchange(descriptor_, -1); }
   void Close() noexcept {
     if (IsOpen()) ::close(std::exchange(descriptor_, -1));
   }

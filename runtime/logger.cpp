@@ -16,14 +16,16 @@ namespace vtq {
 
 namespace {
 
-void WriteAll(int descriptor, const std::string& text) {
+/// Returns 0, or the error.
+int WriteAll(int descriptor, const std::string& text) {
   std::size_t written = 0;
   while (written < text.size()) {
     const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return;
+    if (count < 0) return errno;
     written += static_cast<std::size_t>(count);
   }
+  return 0;
 }
 
 std::string RecordLine(NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
@@ -46,15 +48,17 @@ void Logger::Write(EVTQLogSeverity severity, const std::string& text) noexcept {
     try {
       outlet.sink(severity, text);
     } catch (...) {
-      // The other sinks still get the record.
+      if (!failure_) failure_ = std::current_exception();
     }
   }
 }
 
 LogSink MakeFileSink(const std::string& path) {
-  // Somebody else may have made a link here to overwrite a file of this user.
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NOFOLLOW;
-  constexpr mode_t kMode = 0644;
+  // Somebody else may have made a link here to overwrite a file of this user, or a pipe that nobody
+  // reads, where opening would wait.
+  constexpr int kFlags =
+      O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  constexpr mode_t kMode = 0600;
   auto file = std::make_shared<FileDescriptor>(::open(path.c_str(), kFlags, kMode));
   if (!file->IsOpen()) {
     const char* const why = errno == ELOOP
@@ -62,8 +66,12 @@ LogSink MakeFileSink(const std::string& path) {
                                 : std::strerror(errno);
     throw NQZMVTQ20::TVTQException("cannot open the log file " + path + ": " + why);
   }
-  return [file](NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
-    WriteAll(file->Get(), RecordLine(severity, text));
+  ::fcntl(file->Get(), F_SETFL, O_APPEND);  // records wait for the reader of a pipe
+  return [file, path](NQZMVTQ20::ILogger::EVTQLogSeverity severity, const std::string& text) {
+    const int error = WriteAll(file->Get(), RecordLine(severity, text));
+    if (error == 0) return;
+    throw NQZMVTQ20::TVTQException("cannot write the log file " + path + ": " +
+                                   std::strerror(error));
   };
 }
 

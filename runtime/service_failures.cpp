@@ -12,7 +12,18 @@ using NQZMVTQ20::TVTQStatusCode;
 
 namespace {
 
-std::function<void(const std::string&)> failureObserver;
+using Observer = std::function<void(const std::string&)>;
+
+Observer failureObserver;
+Observer doubtObserver;
+
+void Call(const Observer& observer, std::string_view description) noexcept {
+  try {
+    if (observer) observer(std::string(description));
+  } catch (...) {
+    // The caller must get the service's result, not the observer's exception.
+  }
+}
 
 }  // namespace
 
@@ -21,11 +32,15 @@ void ObserveServiceFailures(std::function<void(const std::string& description)> 
 }
 
 void ReportServiceFailure(std::string_view description) noexcept {
-  try {
-    if (failureObserver) failureObserver(std::string(description));
-  } catch (...) {
-    // The caller must get the failure itself, not the observer's exception.
-  }
+  Call(failureObserver, description);
+}
+
+void ObserveDoubtfulOutputs(std::function<void(const std::string& description)> observer) {
+  doubtObserver = std::move(observer);
+}
+
+void ReportDoubtfulOutput(std::string_view description) noexcept {
+  Call(doubtObserver, description);
 }
 
 void FailService(const std::string& description, TVTQStatusCode::EVTQStatusCode code) {

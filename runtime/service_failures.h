@@ -17,6 +17,14 @@ namespace vtq {
 VTQ_EXPORT void ObserveServiceFailures(
     std::function<void(const std::string& description)> observer);
 
+/// Calls `observer` with a sentence about every service that succeeded and may not have given all:
+/// a command that printed something and exited with a non-zero status. As above in all else.
+VTQ_EXPORT void ObserveDoubtfulOutputs(
+    std::function<void(const std::string& description)> observer);
+
+/// For the services themselves: calls that observer.
+void ReportDoubtfulOutput(std::string_view description) noexcept;
+
 /// For the services themselves, and for a host that knows of a failure: calls the observer.
 VTQ_EXPORT void ReportServiceFailure(std::string_view description) noexcept;
 

@@ -43,6 +43,17 @@ std::unique_ptr<CommandRun> Start(const std::string& command) {
   }
 }
 
+/// Whether or not there is output decides: a listing tool exits so when it cannot read a single
+/// function, and has listed all others.
+void JudgeFailedRun(const std::string& command, int status, CommandRun& run) {
+  const std::string line = run.FirstErrorLine();
+  const std::string exited = "exited with status " + std::to_string(status);
+  const std::string why = line.empty() ? "" : ": " + line;
+  if (run.Output().empty()) Fail(command, exited + " and printed nothing" + why);
+  vtq::ReportDoubtfulOutput("the command \"" + command + "\" " + exited +
+                            ", so its output may be incomplete" + why);
+}
+
 std::string RunToEnd(const std::string& command, CommandRun& run, int seconds) {
   const bool ended = run.Drain(std::chrono::steady_clock::now() + std::chrono::seconds(seconds));
   const int status = run.Finish();
@@ -50,11 +61,7 @@ std::string RunToEnd(const std::string& command, CommandRun& run, int seconds) {
   if (WIFSIGNALED(status)) {
     Fail(command, "died by signal " + std::to_string(WTERMSIG(status)));
   }
-  if (WEXITSTATUS(status) != 0 && run.Output().empty()) {
-    const std::string line = run.FirstErrorLine();
-    Fail(command, "exited with status " + std::to_string(WEXITSTATUS(status)) +
-                      " and printed nothing" + (line.empty() ? "" : ": " + line));
-  }
+  if (WEXITSTATUS(status) != 0) JudgeFailedRun(command, WEXITSTATUS(status), run);
   return std::move(run.Output());
 }
 

@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+
 #include "host/capture/redact.h"
 #include "host/console/output.h"
 
@@ -27,6 +29,7 @@ class Recorder final : public CaptureReceiver {
       return;
     }
     writer_.Write(part);
+    ++parts_;
   }
 
   void NoteUnread(const std::string& path, const std::string& reason) override {
@@ -35,7 +38,10 @@ class Recorder final : public CaptureReceiver {
   }
 
   /// To be called last: only then all is known that the manifest says.
-  void AddManifest() { writer_.Write({kManifestFile, ManifestJson(manifest_), ""}); }
+  void AddManifest() {
+    manifest_.parts = parts_;
+    writer_.Write({kManifestFile, ManifestJson(manifest_), ""});
+  }
 
   /// The parts that this run could not read. A capture of a capture keeps the older ones in the
   /// manifest only.
@@ -48,15 +54,16 @@ class Recorder final : public CaptureReceiver {
   bool redact_;
   Redactor redactor_;
   std::vector<UnreadPart> news_;
+  std::uint64_t parts_ = 0;
 };
 
 void TellUnread(const std::vector<UnreadPart>& unread) {
   constexpr std::size_t kTold = 5;
   for (std::size_t i = 0; i < unread.size() && i < kTold; ++i) {
-    WriteMessage(fmt::format("not in the capture: {}: {}", unread[i].path, unread[i].reason));
+    WriteMessage(fmt::format("not fully in the capture: {}: {}", unread[i].path, unread[i].reason));
   }
   if (unread.size() > kTold) {
-    WriteMessage(fmt::format("not in the capture: {} more; its {} lists them",
+    WriteMessage(fmt::format("not fully in the capture: {} more; its {} lists them",
                              unread.size() - kTold, kManifestFile));
   }
 }

@@ -1,4 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
 #include "host/capture/capture_tree.h"
 #include "host/capture/capture_writer.h"
 
@@ -7,7 +13,7 @@ namespace {
 
 class FolderWriter final : public CaptureWriter {
  public:
-  explicit FolderWriter(const std::string& directory) : tree_(directory) {}
+  explicit FolderWriter(vtq::FileDescriptor directory) : tree_(std::move(directory)) {}
 
   void Write(const CapturePart& part) override {
     if (part.target.empty()) {
@@ -25,8 +31,10 @@ class FolderWriter final : public CaptureWriter {
 
 }  // namespace
 
-std::unique_ptr<CaptureWriter> MakeFolderWriter(const std::string& directory) {
-  return std::make_unique<FolderWriter>(directory);
+std::unique_ptr<CaptureWriter> MakeFolderWriter(const vtq::FileDescriptor& directory) {
+  vtq::FileDescriptor own(fcntl(directory.Get(), F_DUPFD_CLOEXEC, 0));
+  if (!own.IsOpen()) throw std::system_error(errno, std::generic_category());
+  return std::make_unique<FolderWriter>(std::move(own));
 }
 
 }  // namespace pciinfo

@@ -9,6 +9,7 @@
 
 #include "framework/exception.h"
 #include "framework/os_specific.h"
+#include "runtime/service_failures.h"
 
 namespace pciinfo {
 namespace {
@@ -137,11 +138,25 @@ void CaptureFirmware(CaptureReceiver& receiver) {
   }
 }
 
+/// Tells the receiver of outputs that may be incomplete, as long as it lives.
+class DoubtWatch final {
+ public:
+  DoubtWatch(CaptureReceiver& receiver, const std::string& path) {
+    vtq::ObserveDoubtfulOutputs([&receiver, &path](const std::string& description) {
+      receiver.NoteUnread(path, description);
+    });
+  }
+  DoubtWatch(const DoubtWatch&) = delete;
+  DoubtWatch& operator=(const DoubtWatch&) = delete;
+  ~DoubtWatch() { vtq::ObserveDoubtfulOutputs(nullptr); }
+};
+
 void CaptureCommand(CaptureReceiver& receiver, const std::string& command) {
   receiver.Begin(command);
   const std::string path = "commands/" + command;
   std::string output;
   try {
+    const DoubtWatch watch(receiver, path);
     output = TOSSpecific::SpawnProcess(command, kCommandSeconds);
   } catch (const TVTQException& failure) {
     receiver.NoteUnread(path, failure.what());

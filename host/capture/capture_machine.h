@@ -20,7 +20,7 @@ class CaptureReceiver {
   /// Says what is read next, for the progress line.
   virtual void Begin(const std::string& what) = 0;
   virtual void Add(CapturePart part) = 0;
-  /// Reports a part that exists and cannot be read.
+  /// Reports a part that exists and cannot be read, or not wholly.
   virtual void NoteUnread(const std::string& path, const std::string& reason) = 0;
 };
 

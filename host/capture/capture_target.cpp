@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/capture/capture_target.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "host/base/errors.h"
 
@@ -29,11 +25,12 @@ constexpr std::array<Suffix, 4> kSuffixes = {{{".tar", Compression::kNone},
                                               {".tgz", Compression::kGzip},
                                               {".tar.zst", Compression::kZstd}}};
 
-void Require(bool done, const std::string& what) {
-  if (!done) throw std::system_error(errno, std::generic_category(), what);
+void CheckTerminal() {
+  if (isatty(STDOUT_FILENO) != 0) throw UsageError("refusing to write an archive to a terminal");
 }
 
 void CheckPlace(const std::string& name, TargetKind kind) {
+  if (kind == TargetKind::kStandardOutput) return CheckTerminal();
   std::error_code ignored;
   const fs::file_status status = fs::status(name, ignored);
   if (!fs::exists(status)) return;
@@ -63,71 +60,31 @@ TargetForm FormOf(const std::string& name) {
   return {TargetKind::kDirectory, Compression::kNone};
 }
 
-CaptureTarget::CaptureTarget(const std::string& name) : name_(name) {
+CaptureTarget::CaptureTarget(const std::string& name) {
   // A directory may be given with a slash at its end.
-  while (name_.size() > 1 && name_.ends_with('/')) name_.pop_back();
-  if (name_.empty()) throw UsageError("the name of the capture is empty");
-  form_ = FormOf(name_);
-  if (form_.kind != TargetKind::kStandardOutput) CheckPlace(name_, form_.kind);
-  Open();
-}
-
-CaptureTarget::~CaptureTarget() {
-  writer_.reset();
-  Abandon();
-}
-
-void CaptureTarget::Open() {
-  switch (form_.kind) {
-    case TargetKind::kStandardOutput:
-      if (isatty(STDOUT_FILENO) != 0) {
-        throw UsageError("refusing to write an archive to a terminal");
-      }
-      break;
-    case TargetKind::kArchive:
-      MakeTemporaryFile();
-      break;
-    case TargetKind::kDirectory:
-      MakeTemporaryDirectory();
-      break;
-  }
+  std::string path = name;
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  if (path.empty()) throw UsageError("the name of the capture is empty");
+  form_ = FormOf(path);
+  CheckPlace(path, form_.kind);
+  if (form_.kind == TargetKind::kArchive) file_.emplace(path);
+  if (form_.kind == TargetKind::kDirectory) folder_.emplace(path);
 }
 
 CaptureWriter& CaptureTarget::GetWriter() {
   if (writer_) return *writer_;
-  if (form_.kind == TargetKind::kDirectory) {
-    writer_ = MakeFolderWriter(temporary_);
+  if (folder_) {
+    writer_ = MakeFolderWriter(folder_->GetFolder());
   } else {
-    writer_ = MakeArchiveWriter(file_.IsOpen() ? file_.Get() : STDOUT_FILENO, form_.compression);
+    writer_ = MakeArchiveWriter(file_ ? file_->GetFile().Get() : STDOUT_FILENO, form_.compression);
   }
   return *writer_;
 }
 
-void CaptureTarget::MakeTemporaryFile() {
-  std::string pattern = name_ + ".part-XXXXXX";
-  file_ = vtq::FileDescriptor(mkostemp(pattern.data(), O_CLOEXEC));
-  Require(file_.IsOpen(), "cannot write " + name_);
-  temporary_ = pattern;
-}
-
-void CaptureTarget::MakeTemporaryDirectory() {
-  std::string pattern = name_ + ".part-XXXXXX";
-  Require(mkdtemp(pattern.data()) != nullptr, "cannot write " + name_);
-  temporary_ = pattern;
-}
-
 void CaptureTarget::Commit() {
   GetWriter().Finish();
-  if (temporary_.empty()) return;
-  if (file_.IsOpen()) Require(fsync(file_.Get()) == 0, "cannot write " + name_);
-  Require(std::rename(temporary_.c_str(), name_.c_str()) == 0, "cannot write " + name_);
-  temporary_.clear();
-}
-
-void CaptureTarget::Abandon() noexcept {
-  if (temporary_.empty()) return;
-  std::error_code ignored;
-  fs::remove_all(std::exchange(temporary_, ""), ignored);
+  if (file_) file_->Commit();
+  if (folder_) folder_->Commit();
 }
 
 }  // namespace pciinfo

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/capture/capture_writer.h"
-#include "runtime/file_descriptor.h"
+#include "host/capture/new_entry.h"
 
 namespace pciinfo {
 
@@ -22,19 +23,16 @@ struct TargetForm {
 /// UsageError for names of other kinds of archives.
 TargetForm FormOf(const std::string& name);
 
-/// The place of a new capture. Until it is committed, all is written beside it under a temporary
-/// name; a target that was not committed leaves nothing behind. Only its owner may read a capture:
-/// it shows what the kernel shows to root only. A process that is forked from the one that made
-/// the target may write and commit the capture: what it leaves when it fails is removed here.
+/// The place of a new capture, which has its name only when it is committed (see NewFile and
+/// NewFolder); a target that was not committed leaves nothing behind. Only its owner may read a
+/// capture: it shows what the kernel shows to root only. A process that is forked from the one that
+/// made the target may write and commit the capture: what it leaves when it fails is removed here.
 class CaptureTarget final {
  public:
   /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a name that exists
   /// and is neither an empty directory (for a directory) nor a regular file (for an archive);
   /// std::system_error when it cannot be written.
   explicit CaptureTarget(const std::string& name);
-  CaptureTarget(const CaptureTarget&) = delete;
-  CaptureTarget& operator=(const CaptureTarget&) = delete;
-  ~CaptureTarget();
 
   /// The writer, made when it is first asked for. Throws what MakeArchiveWriter throws.
   CaptureWriter& GetWriter();
@@ -43,17 +41,10 @@ class CaptureTarget final {
   void Commit();
 
  private:
-  void Open();
-  /// Removes what was written.
-  void Abandon() noexcept;
-  void MakeTemporaryFile();
-  void MakeTemporaryDirectory();
-
-  std::string name_;
   TargetForm form_;
-  std::string temporary_;  ///< empty when there is none (any more)
-  vtq::FileDescriptor file_;
-  std::unique_ptr<CaptureWriter> writer_;
+  std::optional<NewFile> file_;
+  std::optional<NewFolder> folder_;
+  std::unique_ptr<CaptureWriter> writer_;  ///< of one of these, so destroyed before them
 };
 
 }  // namespace pciinfo

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "host/capture/beneath.h"
 #include "host/console/output.h"
 
 namespace pciinfo {
@@ -22,10 +23,6 @@ void RequireEntry(bool done, const std::string& path) {
   if (!done) throw std::system_error(errno, std::generic_category(), "cannot write " + path);
 }
 
-void MakeFolderIn(const FileDescriptor& folder, const std::string& name, const std::string& path) {
-  RequireEntry(mkdirat(folder.Get(), name.c_str(), kFolderMode) == 0 || errno == EEXIST, path);
-}
-
 std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace
@@ -36,17 +33,33 @@ CaptureTree::CaptureTree(const std::string& directory)
 }
 
 FileDescriptor CaptureTree::OpenFolderOf(const std::string& path) {
+  const std::size_t end = path.rfind('/');
+  if (end == std::string::npos) return FileDescriptor(fcntl(root_.Get(), F_DUPFD_CLOEXEC, 0));
+  FileDescriptor folder = OpenBeneath(root_, path.substr(0, end), O_PATH | O_DIRECTORY);
+  if (!folder.IsOpen() && errno == ENOENT) return MakeFolders(path);
+  RequireEntry(folder.IsOpen(), path);
+  return folder;
+}
+
+/// Makes the directories on the way to `path` and opens the last one.
+FileDescriptor CaptureTree::MakeFolders(const std::string& path) {
   FileDescriptor folder(fcntl(root_.Get(), F_DUPFD_CLOEXEC, 0));
   std::size_t start = 0;
   for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', start)) {
     const std::string name = path.substr(start, end - start);
     MakeFolderIn(folder, name, path);
-    folder = FileDescriptor(
-        openat(folder.Get(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    folder = OpenBeneath(folder, name, O_PATH | O_DIRECTORY);
     RequireEntry(folder.IsOpen(), path);
     start = end + 1;
   }
   return folder;
+}
+
+void CaptureTree::MakeFolderIn(const FileDescriptor& folder, const std::string& name,
+                               const std::string& path) {
+  const bool isNew = mkdirat(folder.Get(), name.c_str(), kFolderMode) == 0;
+  RequireEntry(isNew || errno == EEXIST, path);
+  if (isNew) ++folders_;
 }
 
 void CaptureTree::MakeFolder(const std::string& path) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "runtime/file_descriptor.h"
 
@@ -15,6 +17,8 @@ class CaptureTree final {
  public:
   /// `directory` must exist.
   explicit CaptureTree(const std::string& directory);
+  /// `directory` must be an open directory.
+  explicit CaptureTree(vtq::FileDescriptor directory) : root_(std::move(directory)) {}
 
   /// Makes a directory and its parents; keeps existing ones.
   void MakeFolder(const std::string& path);
@@ -25,10 +29,17 @@ class CaptureTree final {
   /// Makes a file and its parent directories and opens it for writing. An existing file is emptied.
   vtq::FileDescriptor MakeFile(const std::string& path);
 
+  /// Returns the number of directories that were made, those on the way to others included.
+  std::uint64_t GetFolders() const noexcept { return folders_; }
+
  private:
   vtq::FileDescriptor OpenFolderOf(const std::string& path);
+  vtq::FileDescriptor MakeFolders(const std::string& path);
+  void MakeFolderIn(const vtq::FileDescriptor& folder, const std::string& name,
+                    const std::string& path);
 
   vtq::FileDescriptor root_;
+  std::uint64_t folders_ = 0;
 };
 
 /// Writes all of `bytes` to an open file. Throws std::system_error.

@@ -5,6 +5,7 @@
 
 #include "framework/export.h"
 #include "host/capture/capture_machine.h"
+#include "runtime/file_descriptor.h"
 
 namespace pciinfo {
 
@@ -25,7 +26,7 @@ class VTQ_EXPORT CaptureWriter {
 /// Every part is written before Write returns.
 std::unique_ptr<CaptureWriter> MakeArchiveWriter(int descriptor, Compression compression);
 
-/// Returns a writer of files below `directory`, which must exist.
-std::unique_ptr<CaptureWriter> MakeFolderWriter(const std::string& directory);
+/// Returns a writer of files below an open directory.
+std::unique_ptr<CaptureWriter> MakeFolderWriter(const vtq::FileDescriptor& directory);
 
 }  // namespace pciinfo

@@ -73,6 +73,11 @@ void RequireKnownVersion(const Json& version) {
                    ", but this program reads only version " + std::to_string(kFormatVersion));
 }
 
+std::uint64_t CountIn(const Json& parts) {
+  if (!parts.is_number_unsigned()) RefuseDamaged("its parts is not a count");
+  return parts.get<std::uint64_t>();
+}
+
 Manifest FromJson(const Json& parsed) {
   Manifest manifest;
   manifest.systemName = parsed.value("systemName", "");
@@ -83,6 +88,7 @@ Manifest FromJson(const Json& parsed) {
   for (const Json& part : parsed.value("unread", Json::array())) {
     manifest.unread.push_back({part.value("path", ""), part.value("reason", "")});
   }
+  if (parsed.contains("parts")) manifest.parts = CountIn(parsed["parts"]);
   return manifest;
 }
 
@@ -112,6 +118,7 @@ std::string ManifestJson(const Manifest& manifest) {
   for (const UnreadPart& part : manifest.unread) {
     json["unread"].push_back({{"path", ToUtf8(part.path)}, {"reason", ToUtf8(part.reason)}});
   }
+  if (manifest.parts) json["parts"] = *manifest.parts;
   return json.dump(2) + "\n";
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -31,6 +33,8 @@ struct Manifest {
   std::map<std::string, std::string> tools;  ///< version by program
   bool redacted = false;
   std::vector<UnreadPart> unread;
+  /// How many files and links the capture has besides the manifest. A hand-made one need not say.
+  std::optional<std::uint64_t> parts;
 };
 
 inline constexpr const char* kManifestFile = "manifest.json";

@@ -4,8 +4,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <cmath>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -14,13 +12,13 @@
 #include "host/capture/capture.h"
 #include "host/cli/diff_command.h"
 #include "host/cli/jobs.h"
+#include "host/cli/limits.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
-#include "host/console/standard_input.h"
+#include "host/console/repeatable_input.h"
 #include "host/console/text.h"
 #include "host/process/guarded_run.h"
 #include "host/process/supervisor.h"
-#include "host/replay/archive_entry.h"
 #include "host/replay/root.h"
 #include "host/schema/schema_writer.h"
 
@@ -89,9 +87,9 @@ LogSettings OpenLog(const Options& options) {
 /// A machine as a worker comes to see it.
 class Machine final {
  public:
-  /// `options` must outlive it. An archive from standard input is kept for later workers.
+  /// `options` must outlive it. An archive from a pipe is kept for later workers.
   explicit Machine(const Options& options) : options_(options) {
-    if (options.root == "-") inputStart_ = MakeStandardInputRepeatable(CaptureLimits().bytes);
+    if (!options.root.empty()) capture_.emplace(options.root, InputLimitsOf(options));
   }
 
   /// Moves this process to the machine: to that of the capture, if the options name one, whose
@@ -100,9 +98,7 @@ class Machine final {
     std::optional<Manifest> manifest;
     if (!options_.root.empty()) {
       worker.Begin({"reading the capture " + Printable(options_.root), true, false});
-      lseek(STDIN_FILENO, inputStart_, SEEK_SET);
-      manifest = ServeRoot(options_.root, options_.liveCommands ? CommandSource::kLiveTools
-                                                                : CommandSource::kRecorded);
+      manifest = Serve();
       worker.EndStep();
     }
     worker.Confine();
@@ -110,8 +106,18 @@ class Machine final {
   }
 
  private:
+  Manifest Serve() const {
+    const auto commands =
+        options_.liveCommands ? CommandSource::kLiveTools : CommandSource::kRecorded;
+    try {
+      return ServeRoot(capture_->GetFile(), commands, CaptureLimitsOf(options_));
+    } catch (const BadCapture& bad) {
+      throw BadCapture("cannot use the capture " + options_.root + ": " + bad.what());
+    }
+  }
+
   const Options& options_;
-  off_t inputStart_ = 0;
+  std::optional<RepeatableInput> capture_;
 };
 
 /// The work of a view: collects what the job needs and prints it.
@@ -129,7 +135,10 @@ class Machine final {
   const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
   worker.BeginEnding();
   Tell(report, seen, session.EndPlugins());
-  worker.End(StatusOf(job, report, printed));
+  const std::optional<std::string> logFailure = session.GetLogFailure();
+  if (logFailure) WriteMessage(*logFailure);
+  const ExitStatus status = StatusOf(job, report, printed);
+  worker.End(logFailure && status == kAllCollected ? kFailed : status);
 }
 
 void MakeAbsolute(std::string& file) {
@@ -140,11 +149,6 @@ void MakeAbsolute(std::string& file) {
 void MakeFilesAbsolute(Options& options) {
   MakeAbsolute(options.logFile);
   MakeAbsolute(options.captureFile);
-}
-
-Limits LimitsOf(const Options& options) {
-  return {std::chrono::milliseconds(std::llround(options.timeout * 1000)),
-          BytesOfLimit(options.memoryLimit)};
 }
 
 /// Does work for these options: in a worker, or, with --in-process, in this process.

@@ -5,25 +5,24 @@
 #include <fmt/format.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
 
+#include "host/cli/limits.h"
 #include "host/console/output.h"
-#include "host/console/standard_input.h"
+#include "host/console/repeatable_input.h"
 #include "host/process/guarded_run.h"
 #include "runtime/file_descriptor.h"
 
 namespace pciinfo {
 namespace {
-
-constexpr const char* kStandardInput = "-";
 
 [[noreturn]] void Fail(const std::string& name, const std::string& why) {
   throw std::runtime_error(fmt::format("{}: {}", name, why));
@@ -34,11 +33,6 @@ constexpr const char* kStandardInput = "-";
 }
 
 std::uint64_t MostBytes(const Options& options) { return options.memoryLimit << 20U; }
-
-bool IsDirectory(int descriptor) {
-  struct stat status {};
-  return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
-}
 
 /// JSON of instances begins with a brace; no archive does.
 bool BeginsLikeJson(std::string_view text) {
@@ -56,24 +50,17 @@ void ReadRest(const std::string& name, int descriptor, std::uint64_t most, std::
 }
 
 /// Returns the content of a JSON file; empty for a capture.
-std::string ReadJson(const std::string& name, const Options& options) {
-  const vtq::FileDescriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+std::string ReadJson(const std::string& name, const std::string& path, const Options& options) {
+  if (std::filesystem::is_directory(path)) return "";
+  const vtq::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.IsOpen()) FailForErrno(name, "cannot open");
   std::string text;
-  if (IsDirectory(file.Get())) return text;
-  if (vtq::AppendFrom(file.Get(), text) < 0) FailForErrno(name, "cannot read");
+  const ssize_t count = vtq::AppendFrom(file.Get(), text);
+  if (count < 0) FailForErrno(name, "cannot read");
+  if (count == 0) Fail(name, name == "-" ? "standard input is empty" : "it is empty");
   if (!BeginsLikeJson(text)) return "";
   ReadRest(name, file.Get(), MostBytes(options), text);
   return text;
-}
-
-/// The JSON of standard input; empty for an archive, which can be read again then.
-std::string ReadJsonFromInput(const Options& options) {
-  std::string text = ReadStandardInput(MostBytes(options));
-  if (text.empty()) Fail(kStandardInput, "standard input is empty");
-  if (BeginsLikeJson(text)) return text;
-  ReplaceStandardInput(text);
-  return "";
 }
 
 /// As long as this lives, what this process and those that are forked from it write to standard
@@ -131,12 +118,11 @@ DiffSide Collect(const std::string& name, Options options, const CommandRunner& 
 DiffSide ReadDiffSide(const std::string& name, const Options& options, const CommandRunner& run) {
   Options side = options;
   side.classes.clear();
-  if (name != "live") {
-    std::string json =
-        name == kStandardInput ? ReadJsonFromInput(options) : ReadJson(name, options);
-    if (!json.empty()) return {name, std::move(json), false, false};
-    side.root = name;
-  }
+  if (name == "live") return Collect(name, std::move(side), run);
+  const RepeatableInput input(name, InputLimitsOf(options));
+  std::string json = ReadJson(name, input.GetFile(), options);
+  if (!json.empty()) return {name, std::move(json), false, false};
+  side.root = input.GetFile();
   return Collect(name, std::move(side), run);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/collect/session.h"
 
+#include <exception>
 #include <new>
 #include <utility>
 
@@ -71,10 +72,13 @@ Session::Session(TroubleReport& report, const LogSettings& log,
   std::set_new_handler(&ReportLackOfMemory);
   vtq::ObserveServiceFailures(
       [&report](const std::string& description) { report.AddServiceFailure(description); });
+  vtq::ObserveDoubtfulOutputs(
+      [&report](const std::string& description) { report.AddDoubt(description); });
 }
 
 Session::~Session() {
   EndPlugins();
+  vtq::ObserveDoubtfulOutputs(nullptr);
   vtq::ObserveServiceFailures(nullptr);
   std::set_new_handler(nullptr);
   vtq::SetPluginManager(nullptr);
@@ -121,6 +125,15 @@ std::vector<std::string> Session::EndPlugins() {
     manager_->End(plugin);
   }
   return manager_->GetViolations();
+}
+
+std::optional<std::string> Session::GetLogFailure() const {
+  if (!logger_->GetFailure()) return std::nullopt;
+  try {
+    std::rethrow_exception(logger_->GetFailure());
+  } catch (const std::exception& failure) {
+    return failure.what();
+  }
 }
 
 }  // namespace pciinfo

@@ -46,6 +46,8 @@ class Session final {
 
   const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
   const TroubleReport& GetReport() const noexcept { return report_; }
+  /// Returns why a log record could not be written; nothing if all were.
+  std::optional<std::string> GetLogFailure() const;
   const vtq::PluginManager& GetPlugins() const noexcept { return *manager_; }
 
  private:

@@ -31,6 +31,10 @@ void TroubleReport::AddServiceFailure(const std::string& description) {
   circumstances_.serviceFailure = description;
 }
 
+void TroubleReport::AddDoubt(const std::string& description) {
+  Add({Verdict::kTrouble, Subject::kFunctions, description});
+}
+
 void TroubleReport::AddFailure(const std::string& why) {
   Add({Verdict::kClassLost, Subject::kFunctions, why});
 }

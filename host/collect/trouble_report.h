@@ -27,6 +27,8 @@ class TroubleReport final {
   /// Adds the description of an operating-system service that failed. It is used as the reason of
   /// the next record that is reported.
   void AddServiceFailure(const std::string& description);
+  /// Adds a sentence about something that may be incomplete.
+  void AddDoubt(const std::string& description);
   /// Adds the reason why a query, or another call of a plug-in, failed.
   void AddFailure(const std::string& why);
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/extras/extras.h"
 
-pciinfo::ArchiveReader* PciinfoOpenArchive(const std::string& name) {
-  return pciinfo::OpenArchive(name).release();
+#include <utility>
+
+pciinfo::CaptureReader* PciinfoOpenArchive(vtq::FileDescriptor file) {
+  return pciinfo::OpenArchive(std::move(file)).release();
 }
 
 pciinfo::CaptureWriter* PciinfoMakeArchiveWriter(int descriptor, pciinfo::Compression compression) {

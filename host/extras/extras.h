@@ -9,7 +9,7 @@
 #include "host/capture/capture_writer.h"
 #include "host/formats/cim_xml_writer.h"
 #include "host/formats/yaml_writer.h"
-#include "host/replay/archive_reader.h"
+#include "host/replay/capture_reader.h"
 
 namespace pciinfo {
 
@@ -19,7 +19,7 @@ inline constexpr const char* kExtrasFile = "libpciinfo-extras.so";
 
 extern "C" {
 // The caller owns the returned object. Each throws like the function that it is named after.
-VTQ_EXPORT pciinfo::ArchiveReader* PciinfoOpenArchive(const std::string& name);
+VTQ_EXPORT pciinfo::CaptureReader* PciinfoOpenArchive(vtq::FileDescriptor file);
 VTQ_EXPORT pciinfo::CaptureWriter* PciinfoMakeArchiveWriter(int descriptor,
                                                             pciinfo::Compression compression);
 VTQ_EXPORT pciinfo::InstanceWriter* PciinfoMakeCimXmlWriter(pciinfo::Output& output);

@@ -4,6 +4,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "host/extras/extras.h"
 #include "host/process/library_location.h"
@@ -39,9 +40,9 @@ Function* Find(const char* name) {
 
 }  // namespace
 
-std::unique_ptr<ArchiveReader> OpenArchive(const std::string& name) {
+std::unique_ptr<CaptureReader> OpenArchive(vtq::FileDescriptor file) {
   const auto open = Find<decltype(PciinfoOpenArchive)>("PciinfoOpenArchive");
-  return std::unique_ptr<ArchiveReader>(open(name));
+  return std::unique_ptr<CaptureReader>(open(std::move(file)));
 }
 
 std::unique_ptr<CaptureWriter> MakeArchiveWriter(int descriptor, Compression compression) {

@@ -27,6 +27,12 @@ std::vector<std::string> Parts(const std::string& path) {
   return parts;
 }
 
+std::ptrdiff_t SlashesIn(const std::string& path) {
+  return std::count(path.begin(), path.end(), '/');
+}
+
+const char* Hint(bool isLower) { return isLower ? " (see --memory-limit)" : ""; }
+
 std::string PlainPath(const ArchiveEntry& entry) {
   if (entry.path.starts_with('/')) Refuse(entry, "has an absolute path");
   std::string plain;
@@ -38,6 +44,15 @@ std::string PlainPath(const ArchiveEntry& entry) {
 }
 
 }  // namespace
+
+CaptureLimits LimitsWithin(const std::optional<std::uint64_t>& memory) {
+  constexpr std::uint64_t kBytesOfEntry = 2048;  // at most 1.2 KiB were measured
+  CaptureLimits limits;
+  if (!memory) return limits;
+  limits.entries = std::min(limits.entries, *memory / 2 / kBytesOfEntry);
+  limits.bytes = std::min(limits.bytes, *memory / 4);
+  return limits;
+}
 
 bool IsInnerLink(const std::string& path, const std::string& target) {
   if (!path.starts_with("sys/") || target.empty() || target.starts_with('/')) return false;
@@ -67,13 +82,26 @@ void EntryGate::Count(const ArchiveEntry& entry) {
   if (entry.path.size() > limits_.pathLength) {
     Refuse(entry, fmt::format("has a path of more than {} bytes", limits_.pathLength));
   }
-  if (++entries_ > limits_.entries) {
-    throw BadCapture(fmt::format("it has more than {} entries", limits_.entries));
+  if (std::max(SlashesIn(entry.path), SlashesIn(entry.target)) > limits_.depth) {
+    Refuse(entry, fmt::format("has a path of more than {} directories", limits_.depth));
   }
-  if (entry.size > limits_.bytes - bytes_) {
-    throw BadCapture(fmt::format("it unpacks to more than {} MiB", limits_.bytes >> 20));
+  if (++entries_ > limits_.entries) RefuseEntries();
+  const std::uint64_t names = entry.path.size() + entry.target.size();
+  const std::uint64_t left = limits_.bytes - bytes_;
+  if (names > left || entry.size > left - names) {
+    throw BadCapture(fmt::format("it unpacks to more than {} MiB{}", limits_.bytes >> 20,
+                                 Hint(limits_.bytes < CaptureLimits().bytes)));
   }
-  bytes_ += entry.size;
+  bytes_ += names + entry.size;
+}
+
+void EntryGate::CountFolders(std::uint64_t folders) const {
+  if (folders > limits_.entries - entries_) RefuseEntries();
+}
+
+void EntryGate::RefuseEntries() const {
+  throw BadCapture(fmt::format("it has more than {} entries{}", limits_.entries,
+                               Hint(limits_.entries < CaptureLimits().entries)));
 }
 
 }  // namespace pciinfo

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace pciinfo {
@@ -19,10 +20,16 @@ struct ArchiveEntry {
 
 /// Limits of a capture. A machine of ten thousand functions needs a quarter of them.
 struct CaptureLimits {
-  std::uint64_t entries = 1'000'000;
-  std::uint64_t bytes = std::uint64_t{1} << 30;
+  std::uint64_t entries = 1'000'000;             ///< with the directories that their paths need
+  std::uint64_t bytes = std::uint64_t{1} << 30;  ///< of contents and paths
   std::size_t pathLength = 1024;
+  std::ptrdiff_t depth = 64;  ///< slashes in a path or in the target of a link
 };
+
+/// Limits of a capture that is unpacked to memory: half of these bytes for what the kernel keeps of
+/// every entry, a quarter for contents and paths, as a small file takes a whole page. Nothing: the
+/// limits above.
+CaptureLimits LimitsWithin(const std::optional<std::uint64_t>& memory);
 
 /// Checks the entries of one archive before they are unpacked.
 class EntryGate final {
@@ -35,8 +42,13 @@ class EntryGate final {
   /// file, a directory or a symbolic link, and when a limit is exceeded.
   std::string Admit(const ArchiveEntry& entry);
 
+  /// Takes note of how many directories were made in all, so that they count too. Throws
+  /// BadCapture when there are too many entries.
+  void CountFolders(std::uint64_t folders) const;
+
  private:
   void Count(const ArchiveEntry& entry);
+  [[noreturn]] void RefuseEntries() const;
 
   CaptureLimits limits_;
   std::uint64_t entries_ = 0;

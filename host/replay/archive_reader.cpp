@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/replay/archive_reader.h"
-
 #include <archive.h>
 #include <archive_entry.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
-#include <cstring>
-#include <filesystem>
+#include <utility>
 #include <vector>
 
 #include "host/capture/manifest.h"
-#include "runtime/file_descriptor.h"
+#include "host/replay/capture_reader.h"
 
 namespace pciinfo {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kBlockSize = 65536;
 
@@ -66,84 +58,49 @@ void SupportFormats(archive* reader) {
   archive_read_support_filter_lz4(reader);
 }
 
-class LibraryReader final : public ArchiveReader {
+class LibraryReader final : public CaptureReader {
  public:
-  explicit LibraryReader(const std::string& name);
+  explicit LibraryReader(vtq::FileDescriptor file);
 
-  bool IsDirectory() const noexcept override { return !directory_.empty(); }
+  bool IsDirectory() const noexcept override { return false; }
   std::optional<ArchiveEntry> Next() override;
-  void Enter() override;
+  void Enter() override {}
   std::string_view Read() override;
 
  private:
-  void OpenDirectory(const std::string& name);
-  void OpenArchive(const std::string& name);
   std::string_view ReadHole();
+  void RequireEndMarker() const;
   [[noreturn]] void Fail() const;
 
+  vtq::FileDescriptor file_;
   std::unique_ptr<archive, int (*)(archive*)> archive_;
   archive_entry* entry_ = nullptr;
   std::uint64_t left_ = 0;  ///< unread bytes of the current file
   bool atHole_ = false;     ///< only zeros at the end of the current file are left
-  vtq::FileDescriptor file_;
-  std::string directory_;  ///< with a trailing slash; empty for an archive
   std::vector<char> buffer_;
 };
 
-LibraryReader::LibraryReader(const std::string& name)
-    : archive_(nullptr, &archive_read_free), buffer_(kBlockSize) {
-  std::error_code ignored;
-  if (name != "-" && fs::is_directory(name, ignored)) {
-    OpenDirectory(name);
-  } else {
-    OpenArchive(name);
-  }
-}
-
-void LibraryReader::OpenDirectory(const std::string& name) {
-  directory_ = fs::canonical(name).string();
-  if (directory_ == "/") {
-    throw BadCapture(
-        "it is the root directory of this machine: leave out --root to show this machine");
-  }
-  archive_.reset(archive_read_disk_new());
-  archive_read_disk_set_behavior(archive_.get(),
-                                 ARCHIVE_READDISK_NO_ACL | ARCHIVE_READDISK_NO_XATTR |
-                                     ARCHIVE_READDISK_NO_FFLAGS | ARCHIVE_READDISK_NO_SPARSE);
-  if (archive_read_disk_open(archive_.get(), directory_.c_str()) != ARCHIVE_OK) Fail();
-  directory_ += '/';
-}
-
-void LibraryReader::OpenArchive(const std::string& name) {
-  int descriptor = STDIN_FILENO;
-  if (name != "-") {
-    file_ = vtq::FileDescriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file_.IsOpen()) throw BadCapture(std::strerror(errno));
-    descriptor = file_.Get();
-  }
-  archive_.reset(archive_read_new());
+LibraryReader::LibraryReader(vtq::FileDescriptor file)
+    : file_(std::move(file)),
+      archive_(archive_read_new(), &archive_read_free),
+      buffer_(kBlockSize) {
   SupportFormats(archive_.get());
-  if (archive_read_open_fd(archive_.get(), descriptor, kBlockSize) != ARCHIVE_OK) Fail();
+  // It reads on to the end of the file, so that a compressed file that is cut off there is noticed.
+  archive_read_set_option(archive_.get(), "tar", "read_concatenated_archives", "1");
+  if (archive_read_open_fd(archive_.get(), file_.Get(), kBlockSize) != ARCHIVE_OK) Fail();
 }
 
 std::optional<ArchiveEntry> LibraryReader::Next() {
   const int result = archive_read_next_header(archive_.get(), &entry_);
-  if (result == ARCHIVE_EOF) return std::nullopt;
+  if (result == ARCHIVE_EOF) {
+    RequireEndMarker();
+    return std::nullopt;
+  }
   if (result < ARCHIVE_WARN) Fail();
   ArchiveEntry entry{PathOf(entry_), KindOf(entry_), TargetOf(entry_), SizeOf(entry_)};
   left_ = entry.size;
   atHole_ = false;
-  if (IsDirectory()) {
-    entry.path.erase(0, std::min(entry.path.size(), directory_.size()));
-  }
   return entry;
-}
-
-void LibraryReader::Enter() {
-  if (IsDirectory() && archive_read_disk_can_descend(archive_.get()) != 0 &&
-      archive_read_disk_descend(archive_.get()) < ARCHIVE_WARN) {
-    Fail();
-  }
 }
 
 std::string_view LibraryReader::Read() {
@@ -153,7 +110,7 @@ std::string_view LibraryReader::Read() {
   const auto size = static_cast<std::size_t>(count);
   // The map of a sparse file may contradict its size.
   if (size > left_) throw BadCapture("it contains a file that is larger than its stated size");
-  atHole_ = size == 0 && !IsDirectory();
+  atHole_ = size == 0;
   if (atHole_) return ReadHole();
   left_ -= size;
   return {buffer_.data(), size};
@@ -167,15 +124,24 @@ std::string_view LibraryReader::ReadHole() {
   return {buffer_.data(), size};
 }
 
+/// Two blocks of zeros end an archive. libarchive does without, as if a cut between two entries
+/// were the end.
+void LibraryReader::RequireEndMarker() const {
+  constexpr la_int64_t kMarker = 2 * 512;
+  const la_int64_t end = archive_filter_bytes(archive_.get(), 0);
+  if (end - archive_read_header_position(archive_.get()) >= kMarker) return;
+  throw BadCapture("it is cut off: the mark at the end of the archive is missing");
+}
+
 void LibraryReader::Fail() const {
   const char* reason = archive_error_string(archive_.get());
-  throw BadCapture(reason != nullptr ? reason : "it cannot be read");
+  throw BadCapture(reason != nullptr ? reason : "it is damaged or cut off");
 }
 
 }  // namespace
 
-std::unique_ptr<ArchiveReader> OpenArchive(const std::string& name) {
-  return std::make_unique<LibraryReader>(name);
+std::unique_ptr<CaptureReader> OpenArchive(vtq::FileDescriptor file) {
+  return std::make_unique<LibraryReader>(std::move(file));
 }
 
 }  // namespace pciinfo

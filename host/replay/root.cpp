@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/replay/root.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <cctype>
-#include <cerrno>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <optional>
 #include <system_error>
 
 #include "host/capture/capture_tree.h"
 #include "host/process/confinement.h"
-#include "host/replay/archive_reader.h"
+#include "host/replay/capture_reader.h"
 #include "host/replay/root_namespace.h"
 #include "host/replay/root_unpack.h"
 #include "runtime/command_replay.h"
@@ -52,14 +51,40 @@ void MoveToEmptyFolder() {
   fs::current_path(folder);
 }
 
-Manifest Serve(ArchiveReader& reader) {
-  EnterNamespaces();
-  MountMemory(kTree);
+/// The file system gets room for the pages that small files do not fill, and for this program's own
+/// files. So it is not full before the limits of the capture are reached, unless nearly all is
+/// small files.
+void MountTree(const CaptureLimits& limits) {
+  constexpr std::uint64_t kOwnEntries = 10'000;
+  MountMemory(kTree,
+              fmt::format("size={},nr_inodes={}", 2 * limits.bytes, limits.entries + kOwnEntries));
+}
+
+Unpacked UnpackToTree(CaptureReader& reader, const CaptureLimits& limits) {
   CaptureTree tree(kTree);
   tree.MakeFolder("sys");
   tree.MakeFolder(kCommandsFolder);
-  const std::optional<std::string> json = UnpackCapture(reader, tree);
-  Manifest manifest = json ? ParseManifest(*json) : Manifest{};
+  try {
+    return UnpackCapture(reader, tree, limits);
+  } catch (const std::system_error& failure) {
+    if (failure.code() != std::errc::no_space_on_device) throw;
+    throw BadCapture("it needs more memory than it may take (see --memory-limit)");
+  }
+}
+
+Manifest ReadManifest(const Unpacked& unpacked) {
+  const Manifest manifest = unpacked.manifest ? ParseManifest(*unpacked.manifest) : Manifest{};
+  if (unpacked.parts >= manifest.parts.value_or(0)) return manifest;
+  throw BadCapture(fmt::format(
+      "it is incomplete: its manifest.json counts {} parts, and there are {} (without \"parts\" "
+      "in manifest.json they are not counted)",
+      *manifest.parts, unpacked.parts));
+}
+
+Manifest Serve(CaptureReader& reader, const CaptureLimits& limits) {
+  EnterNamespaces();
+  MountTree(limits);
+  Manifest manifest = ReadManifest(UnpackToTree(reader, limits));
   LinkRealProc();
   PutInPlace();
   NameSystem(manifest.systemName, fs::path("/") / kOwnFolder / "hosts");
@@ -70,15 +95,12 @@ Manifest Serve(ArchiveReader& reader) {
 
 }  // namespace
 
-Manifest ServeRoot(const std::string& capture, CommandSource commands) {
-  try {
-    Manifest manifest = Serve(*OpenArchive(capture));
-    const bool replay = commands == CommandSource::kRecorded;
-    vtq::ReplayCommandsFrom(replay ? fs::path("/") / kCommandsFolder : "");
-    return manifest;
-  } catch (const BadCapture& bad) {
-    throw BadCapture("cannot use the capture " + capture + ": " + bad.what());
-  }
+Manifest ServeRoot(const std::string& capture, CommandSource commands,
+                   const CaptureLimits& limits) {
+  Manifest manifest = Serve(*OpenCapture(capture), limits);
+  const bool replay = commands == CommandSource::kRecorded;
+  vtq::ReplayCommandsFrom(replay ? fs::path("/") / kCommandsFolder : "");
+  return manifest;
 }
 
 }  // namespace pciinfo

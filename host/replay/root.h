@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/capture/manifest.h"
+#include "host/replay/archive_entry.h"
 
 namespace pciinfo {
 
@@ -18,8 +19,8 @@ enum class CommandSource { kRecorded, kLiveTools };
 ///
 /// `capture` is a directory, an archive, or "-" for an archive from standard input. The process
 /// must have only one thread. Returns the manifest of the capture; an empty one if it has none.
-/// Throws std::runtime_error, which names the capture or says what to do; the process must not
-/// continue then, because it may be half moved.
-Manifest ServeRoot(const std::string& capture, CommandSource commands);
+/// Throws BadCapture, and std::runtime_error, which says what to do; the process must not continue
+/// then, because it may be half moved.
+Manifest ServeRoot(const std::string& capture, CommandSource commands, const CaptureLimits& limits);
 
 }  // namespace pciinfo

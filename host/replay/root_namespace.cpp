@@ -57,8 +57,8 @@ void EnterNamespaces() {
   Require(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "make mounts private");
 }
 
-void MountMemory(const std::string& place) {
-  Require(mount("tmpfs", place.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, nullptr) == 0,
+void MountMemory(const std::string& place, const std::string& limits) {
+  Require(mount("tmpfs", place.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, limits.c_str()) == 0,
           "mount a file system in memory");
 }
 

@@ -12,8 +12,9 @@ namespace pciinfo {
 /// kernel does not allow it.
 void EnterNamespaces();
 
-/// Mounts an empty tmpfs over the directory `place`. Throws like EnterNamespaces.
-void MountMemory(const std::string& place);
+/// Mounts an empty tmpfs over the directory `place`, with limits as tmpfs(5) writes them
+/// ("size=4096,nr_inodes=10"). Throws like EnterNamespaces.
+void MountMemory(const std::string& place, const std::string& limits = "");
 
 /// Bind-mounts the file or directory `from`, with the mounts in it, over `place`. Throws like
 /// EnterNamespaces.

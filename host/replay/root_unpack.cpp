@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "host/capture/manifest.h"
@@ -35,13 +36,13 @@ bool LeadsToServed(std::string_view folder) {
   return folder.empty() || folder == "proc" || folder == "proc/bus" || IsServed(folder);
 }
 
-void UnpackFile(ArchiveReader& capture, const vtq::FileDescriptor& file) {
+void UnpackFile(CaptureReader& capture, const vtq::FileDescriptor& file) {
   for (std::string_view block = capture.Read(); !block.empty(); block = capture.Read()) {
     WriteBytes(file, block);
   }
 }
 
-std::string ReadManifest(ArchiveReader& capture) {
+std::string ReadManifest(CaptureReader& capture) {
   std::string text;
   for (std::string_view block = capture.Read(); !block.empty(); block = capture.Read()) {
     text += block;
@@ -55,7 +56,10 @@ bool IsOfCapture(std::string_view path) { return LeadsToServed(path) || path == 
 /// Unpacks the entries of one capture.
 class Unpacking final {
  public:
-  Unpacking(ArchiveReader& capture, CaptureTree& tree) : capture_(capture), tree_(tree) {}
+  Unpacking(CaptureReader& capture, CaptureTree& tree, const CaptureLimits& limits)
+      : capture_(capture), tree_(tree), gate_(limits) {}
+
+  std::string Admit(const ArchiveEntry& entry) { return gate_.Admit(entry); }
 
   void Unpack(const ArchiveEntry& entry, const std::string& place) {
     if (entry.kind == EntryKind::kFile) UnpackFile(capture_, tree_.MakeFile(place));
@@ -64,7 +68,9 @@ class Unpacking final {
       tree_.MakeLink(place, entry.target);
       links_.push_back(fs::path(place).parent_path() / entry.target);
     }
+    if (entry.kind != EntryKind::kFolder) ++parts_;
     isEmpty_ = false;
+    gate_.CountFolders(tree_.GetFolders());
   }
 
   /// The driver link of a function points to the directory of the driver, which a capture need not
@@ -77,14 +83,18 @@ class Unpacking final {
         // Something else has this path, so the link is broken in the capture too.
         continue;
       }
+      gate_.CountFolders(tree_.GetFolders());
     }
   }
 
   bool IsEmpty() const noexcept { return isEmpty_; }
+  std::uint64_t GetParts() const noexcept { return parts_; }
 
  private:
-  ArchiveReader& capture_;
+  CaptureReader& capture_;
   CaptureTree& tree_;
+  EntryGate gate_;
+  std::uint64_t parts_ = 0;
   std::vector<fs::path> links_;
   bool isEmpty_ = true;
 };
@@ -96,15 +106,13 @@ std::optional<std::string> ServedPlace(const std::string& path) {
   return IsWithin(path, "commands") ? "proc/pciinfo/" + path : path;
 }
 
-std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
-                                         const CaptureLimits& limits) {
-  EntryGate gate(limits);
-  Unpacking unpacking(capture, tree);
+Unpacked UnpackCapture(CaptureReader& capture, CaptureTree& tree, const CaptureLimits& limits) {
+  Unpacking unpacking(capture, tree, limits);
   std::optional<std::string> manifest;
   while (const std::optional<ArchiveEntry> entry = capture.Next()) {
     // A directory may contain other files; they are neither read nor checked.
     if (capture.IsDirectory() && !IsOfCapture(entry->path)) continue;
-    const std::string path = gate.Admit(*entry);
+    const std::string path = unpacking.Admit(*entry);
     if (entry->kind == EntryKind::kFolder && LeadsToServed(path)) capture.Enter();
     if (path == kManifestFile && entry->kind == EntryKind::kFile) manifest = ReadManifest(capture);
     if (const auto place = ServedPlace(path)) unpacking.Unpack(*entry, *place);
@@ -113,7 +121,7 @@ std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tr
     throw BadCapture("it contains no proc/bus/pci, proc/pci, sys, commands or manifest.json");
   }
   unpacking.CompleteLinks();
-  return manifest;
+  return {std::move(manifest), unpacking.GetParts()};
 }
 
 }  // namespace pciinfo

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "host/capture/capture_tree.h"
-#include "host/replay/archive_reader.h"
+#include "host/replay/capture_reader.h"
 
 namespace pciinfo {
 
@@ -18,10 +19,14 @@ inline constexpr const char* kCommandsFolder = "proc/pciinfo/commands";
 /// Both paths are normalised.
 std::optional<std::string> ServedPlace(const std::string& path);
 
-/// Unpacks a capture to `tree`. Returns its manifest.json, if it has one. Throws BadCapture for a
+struct Unpacked {
+  std::optional<std::string> manifest;  ///< the text of manifest.json, if there is one
+  std::uint64_t parts = 0;              ///< how many files and links were unpacked
+};
+
+/// Unpacks a capture to `tree`. Throws BadCapture for a
 /// capture that is damaged, exceeds the limits, has a refused entry (see EntryGate), or contains
 /// none of the parts that are unpacked; std::system_error when the tree cannot be written.
-std::optional<std::string> UnpackCapture(ArchiveReader& capture, CaptureTree& tree,
-                                         const CaptureLimits& limits = {});
+Unpacked UnpackCapture(CaptureReader& capture, CaptureTree& tree, const CaptureLimits& limits = {});
 
 }  // namespace pciinfo

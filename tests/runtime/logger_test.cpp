@@ -2,10 +2,12 @@
 #include "runtime/logger.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <memory>
 
+#include "framework/exception.h"
 #include "framework/os_specific.h"
 #include "tests/runtime/failure_of.h"
 #include "tests/runtime/temporary_directory.h"
@@ -58,8 +60,10 @@ TEST(LoggerTest, ASinkThatThrowsDisturbsNobody) {
   Logger logger;
   logger.AddSink([](ILogger::EVTQLogSeverity, const std::string&) { throw 1; });
   logger.AddSink(RecordInto(records));
+  EXPECT_EQ(logger.GetFailure(), nullptr);
   logger.Write(ILogger::kStatus, "x");
   EXPECT_EQ(records, (Records{{2, "x"}}));
+  EXPECT_NE(logger.GetFailure(), nullptr);
 }
 
 TEST(LoggerTest, AFileHoldsOneRecordALineAndHasItAtOnce) {
@@ -96,6 +100,24 @@ TEST(LoggerTest, AFileThatCannotBeOpenedIsReported) {
   const std::string path = directory.GetPath() + "/missing/log";
   const Failure failure = FailureOf([&path] { MakeFileSink(path); });
   EXPECT_EQ(failure.text, "cannot open the log file " + path + ": No such file or directory");
+}
+
+TEST(LoggerTest, ANewFileIsReadableByItsOwnerOnly) {
+  const TemporaryDirectory directory;
+  MakeFileSink(directory / "log");
+  EXPECT_EQ(std::filesystem::status(directory / "log").permissions(), std::filesystem::perms{0600});
+}
+
+TEST(LoggerTest, AFileThatCannotBeWrittenIsReported) {
+  const LogSink sink = MakeFileSink("/dev/full");
+  EXPECT_EQ(FailureOf([&sink] { sink(ILogger::kStatus, "x"); }).text,
+            "cannot write the log file /dev/full: No space left on device");
+}
+
+TEST(LoggerTest, APipeThatNobodyReadsIsNotWaitedFor) {
+  const TemporaryDirectory directory;
+  ASSERT_EQ(::mkfifo((directory / "log").c_str(), 0600), 0);
+  EXPECT_THROW(MakeFileSink(directory / "log"), NQZMVTQ20::TVTQException);
 }
 
 TEST(LoggerTest, ALinkIsNotFollowed) {

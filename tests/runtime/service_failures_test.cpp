@@ -7,6 +7,7 @@
 #include "framework/os_specific.h"
 #include "tests/runtime/failure_of.h"
 #include "tests/runtime/observed_failures.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace vtq {
 namespace {
@@ -29,6 +30,21 @@ TEST(ServiceFailuresTest, AServiceThatSucceedsTellsNothing) {
   (void)TOSSpecific::CaptureFile("/proc/self/stat");
   (void)TOSSpecific::SpawnProcess("true", 5);
   (void)TOSSpecific::FileExists(kMissingFile);
+  EXPECT_TRUE(observed.Get().empty());
+}
+
+TEST(ServiceFailuresTest, OutputOfACommandThatFailsIsDoubtful) {
+  const TemporaryDirectory directory;
+  const std::string tool = directory.WriteScript("tool", "echo x\necho no access >&2\nexit 3");
+  const ObservedFailures observed;
+  std::vector<std::string> doubts;
+  ObserveDoubtfulOutputs([&doubts](const std::string& doubt) { doubts.push_back(doubt); });
+  EXPECT_EQ(TOSSpecific::SpawnProcess(tool, 5), "x\n");
+  (void)TOSSpecific::SpawnProcess("true", 5);
+  ObserveDoubtfulOutputs(nullptr);
+  EXPECT_EQ(doubts,
+            std::vector{"the command \"" + tool +
+                        "\" exited with status 3, so its output may be incomplete: no access"});
   EXPECT_TRUE(observed.Get().empty());
 }
 

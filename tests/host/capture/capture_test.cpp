@@ -20,6 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -106,14 +107,18 @@ TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
     // A tool that prints until the reader closes the pipe.
     const std::string tool = directory_.WriteScript("slow-tool",
                                                     "[ \"$1\" != --version ] || exit\n"
-                                                    "while sleep 0.1; do echo x; done");
-    const RunResult result = RunShell(
-        "unshare --user --map-root-user --mount bash -c 'mount --bind " + tool +
-        " /usr/bin/lspci; $PCIINFO capture " + Path(name) +
-        " & capture=$!; for i in {1..200}; do ls " + directory_.GetPath() +
-        " | grep -q part- && break; sleep 0.05; done; kill -TERM $capture; wait $capture'");
+                                                    "touch " +
+                                                        Path("runs") +
+                                                        "\n"
+                                                        "while sleep 0.1; do echo x; done");
+    const RunResult result =
+        RunShell("unshare --user --map-root-user --mount bash -c 'mount --bind " + tool +
+                 " /usr/bin/lspci; $PCIINFO capture " + Path(name) +
+                 " & capture=$!; for i in {1..200}; do test -e " + Path("runs") +
+                 " && break; sleep 0.05; done; kill -TERM $capture; wait $capture'");
     EXPECT_EQ(result.status, 143) << result.err;
     fs::remove(tool);
+    EXPECT_TRUE(fs::remove(Path("runs")));
     EXPECT_THAT(directory_.Names(), IsEmpty());
   }
 }
@@ -125,10 +130,59 @@ TEST_F(CaptureTest, UnreadablePartsAreReportedAndListed) {
       Path("box") + "'");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(LinesOf(result.err),
-              testing::Contains(HasSubstr("not in the capture: commands/lspci -vvv: ")));
+              testing::Contains(HasSubstr("not fully in the capture: commands/lspci -vvv: ")));
   const auto manifest = nlohmann::json::parse(directory_.Read("box/manifest.json"));
   EXPECT_EQ(manifest["unread"].size(), 3U);
   EXPECT_EQ(manifest["unread"][0]["path"], "commands/lspci");
+}
+
+/// Runs a shell command where lspci prints a line, complains and exits with status 3.
+RunResult RunWithFailingTool(const vtq::TemporaryDirectory& directory, const std::string& command) {
+  const std::string tool =
+      directory.WriteScript("tool", "echo 00:00.0 Some bridge\necho no access >&2\nexit 3");
+  return RunShell("unshare --user --map-root-user --mount bash -c 'mount --bind " + tool +
+                  " /usr/bin/lspci; " + command + "'");
+}
+
+TEST_F(CaptureTest, OutputOfAFailingToolIsKeptAndListed) {
+  const RunResult result = RunWithFailingTool(directory_, "$PCIINFO capture " + Path("box"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.err),
+              testing::Contains(AllOf(HasSubstr("not fully in the capture: commands/lspci -vvv: "),
+                                      HasSubstr("exited with status 3"), HasSubstr("no access"))));
+  EXPECT_EQ(directory_.Read("box/commands/lspci -vvv"), "00:00.0 Some bridge\n");
+  const auto manifest = nlohmann::json::parse(directory_.Read("box/manifest.json"));
+  EXPECT_EQ(manifest["unread"].size(), 3U);
+}
+
+TEST_F(CaptureTest, OutputOfAFailingToolIsShownAndSaid) {
+  const RunResult result =
+      RunWithFailingTool(directory_, "$PCIINFO instances QZMSG_PCIRawData --format json");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("exited with status 3, so its output may be incomplete"));
+  EXPECT_THAT(result.out, HasSubstr("00:00.0 Some bridge"));
+}
+
+TEST_F(CaptureTest, AFullDiskIsAnErrorAndLeavesNothing) {
+  for (const std::string name : {"box.tar", "box"}) {
+    const RunResult result =
+        RunShell("unshare --user --map-root-user --mount bash -c 'mount -t tmpfs -o size=4k none " +
+                 directory_.GetPath() + "; $PCIINFO capture " + Path(name) + "; echo $?; ls -A " +
+                 directory_.GetPath() + "'");
+    EXPECT_EQ(result.out, "1\n") << name;
+    EXPECT_THAT(LinesOf(result.err), ElementsAre(AllOf(HasSubstr("cannot write"),
+                                                       HasSubstr("No space left on device"))));
+  }
+}
+
+TEST_F(CaptureTest, TheManifestCountsTheParts) {
+  ASSERT_EQ(RunPciinfo({"capture", Path("box")}).status, 0);
+  const auto manifest = nlohmann::json::parse(directory_.Read("box/manifest.json"));
+  std::size_t parts = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(Path("box"))) {
+    if (entry.is_symlink() || !entry.is_directory()) ++parts;
+  }
+  EXPECT_EQ(manifest["parts"], parts - 1);
 }
 
 TEST_F(CaptureTest, AMachineWithoutPciIsNotAnError) {

@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "host/console/output.h"
-#include "host/replay/archive_reader.h"
+#include "host/replay/capture_reader.h"
 #include "runtime/file_descriptor.h"
 #include "tests/runtime/temporary_directory.h"
 
@@ -20,8 +20,8 @@ namespace {
 /// Paths and contents of a capture; "-> target" for links.
 std::map<std::string, std::string> PartsOf(const std::string& capture) {
   std::map<std::string, std::string> parts;
-  const auto opened = OpenArchive(capture);
-  ArchiveReader& reader = *opened;
+  const auto opened = OpenCapture(capture);
+  CaptureReader& reader = *opened;
   while (const auto entry = reader.Next()) {
     if (entry->kind == EntryKind::kFolder) reader.Enter();
     if (entry->kind == EntryKind::kLink) parts[entry->path] = "-> " + entry->target;
@@ -59,7 +59,8 @@ TEST(CaptureWriter, ArchivesHoldWhatWasWritten) {
 
 TEST(CaptureWriter, FoldersHoldWhatWasWritten) {
   const vtq::TemporaryDirectory directory;
-  WriteParts(*MakeFolderWriter(directory.GetPath()));
+  WriteParts(*MakeFolderWriter(
+      vtq::FileDescriptor(open(directory.GetPath().c_str(), O_RDONLY | O_DIRECTORY))));
   EXPECT_EQ(PartsOf(directory.GetPath()), kParts);
 }
 

@@ -26,7 +26,8 @@ TEST(Manifest, RoundTripKeepsEverything) {
                           "2026-01-31T23:59:59Z",
                           {{"lspci", "lspci version 3.9.0"}, {"pciinfo", "1.0.0"}},
                           true,
-                          {{"proc/bus/pci/00/00.0", "Permission denied"}}};
+                          {{"proc/bus/pci/00/00.0", "Permission denied"}},
+                          7};
   const Manifest read = ParseManifest(ManifestJson(manifest));
   EXPECT_EQ(read.systemName, manifest.systemName);
   EXPECT_EQ(read.kernelRelease, manifest.kernelRelease);
@@ -36,6 +37,15 @@ TEST(Manifest, RoundTripKeepsEverything) {
   ASSERT_EQ(read.unread.size(), 1U);
   EXPECT_EQ(read.unread[0].path, "proc/bus/pci/00/00.0");
   EXPECT_EQ(read.unread[0].reason, "Permission denied");
+  EXPECT_EQ(read.parts, 7U);
+}
+
+TEST(Manifest, ACountOfPartsIsACount) {
+  for (const char* parts : {"-1", "1.5", "true", "\"7\"", "null"}) {
+    EXPECT_THAT(FailureOf(R"({"formatVersion": 1, "parts": )" + std::string(parts) + "}"),
+                HasSubstr("its parts is not a count"))
+        << parts;
+  }
 }
 
 TEST(Manifest, TheManifestOfThisMachineIsComplete) {

@@ -53,6 +53,25 @@ class DiffCommand : public testing::Test {
   vtq::TemporaryDirectory folder_;
 };
 
+TEST_F(DiffCommand, APipeIsReadOnce) {
+  const std::string capture = CaptureFolder("a", "10");
+  const std::string pack = "tar -C " + capture + " -cf - proc commands";
+  const RunResult archive = RunShell("$PCIINFO diff <(" + pack + ") " + capture);
+  EXPECT_EQ(archive.status, 0) << archive.out << archive.err;
+  EXPECT_EQ(archive.out, "No differences.\n");
+  EXPECT_EQ(RunShell(pack + " | $PCIINFO diff - <(" + pack + ")").status, 0);
+  const std::string saved = MachineFile("a.json");
+  EXPECT_EQ(RunShell("$PCIINFO diff <(cat " + saved + ") " + saved).status, 0);
+}
+
+TEST_F(DiffCommand, APipeThatNeverEndsIsGivenUpInTime) {
+  const std::string pipe = folder_ / "pipe";
+  const RunResult result =
+      RunShell("mkfifo " + pipe + " && $PCIINFO diff --timeout 1 " + pipe + " live");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("did not come to an end in 1 seconds"));
+}
+
 TEST_F(DiffCommand, TheSameIsTheSame) {
   const std::string machine = MachineFile("a.json");
   const RunResult result = RunPciinfo({"diff", machine, machine});

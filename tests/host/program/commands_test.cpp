@@ -283,6 +283,14 @@ TEST(Program, ALogFileThatCannotBeOpenedIsAnError) {
   EXPECT_THAT(result.err, HasSubstr("/nowhere/log"));
 }
 
+TEST(Program, ALogFileThatCannotBeWrittenIsAnErrorAndCostsNoOutput) {
+  const RunResult result = RunFake("fixed", {"devices", "--log-file", "/dev/full"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, RunFake("fixed", {"devices"}).out);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre("pciinfo: cannot write the log file /dev/full: No space left on device"));
+}
+
 TEST(Program, ContractViolationsAreOnlyWarnings) {
   const RunResult result = RunFake("untidy", {"instances", "QZMSG_SystemBoard"});
   EXPECT_EQ(result.status, 0);

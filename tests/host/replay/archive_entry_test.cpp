@@ -55,6 +55,15 @@ TEST(EntryGate, ALongPathIsRefused) {
   EXPECT_THAT(RefusalOf(File(std::string(1025, 'x'))), HasSubstr("more than 1024 bytes"));
 }
 
+TEST(EntryGate, ADeepPathIsRefused) {
+  std::string path = "sys";
+  for (int i = 0; i < 64; ++i) path += "/a";
+  EXPECT_EQ(RefusalOf(File(path)), "admitted");
+  EXPECT_THAT(RefusalOf(File(path + "/a")), HasSubstr("more than 64 directories"));
+  EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kLink, path + "/a", 0}),
+              HasSubstr("more than 64 directories"));
+}
+
 TEST(EntryGate, EntriesAreCounted) {
   EntryGate gate({2, 100, 100});
   gate.Admit(File("a"));
@@ -64,13 +73,34 @@ TEST(EntryGate, EntriesAreCounted) {
 }
 
 TEST(EntryGate, BytesAreAddedUpWithoutOverflow) {
-  EntryGate gate({100, 10, 100});
+  EntryGate gate({100, 13, 100});
   gate.Admit(File("a", 4));
   gate.Admit(File("b", 6));
   gate.Admit(File("c", 0));
   EXPECT_THROW(gate.Admit(File("d", 1)), BadCapture);
   EXPECT_THROW(gate.Admit(File("d", ~std::uint64_t{0})), BadCapture);
   EXPECT_THAT(RefusalOf(File("a", (std::uint64_t{1} << 30) + 1)), HasSubstr("more than 1024 MiB"));
+}
+
+TEST(EntryGate, PathsAndTargetsCountAsBytes) {
+  EntryGate gate({100, 10, 100});
+  gate.Admit({"sys/a", EntryKind::kLink, "b", 0});
+  EXPECT_THROW(gate.Admit(File("sys/c")), BadCapture);
+}
+
+TEST(EntryGate, DirectoriesThatPathsNeedCountAsEntries) {
+  EntryGate gate({10, 100, 100});
+  gate.Admit(File("a/b/c"));
+  gate.CountFolders(9);
+  EXPECT_THROW(gate.CountFolders(10), BadCapture);
+}
+
+TEST(CaptureLimits, LessMemoryLeavesLess) {
+  EXPECT_EQ(LimitsWithin(std::nullopt).bytes, CaptureLimits().bytes);
+  EXPECT_EQ(LimitsWithin(std::uint64_t{64} << 30).entries, CaptureLimits().entries);
+  EXPECT_EQ(LimitsWithin(128 << 20).bytes, 32U << 20);
+  EXPECT_EQ(LimitsWithin(128 << 20).entries, 32768U);
+  EXPECT_THAT(RefusalOf(File("a", 33 << 20), LimitsWithin(128 << 20)), HasSubstr("--memory-limit"));
 }
 
 TEST(InnerLink, ADriverLinkIsAnInnerLink) {

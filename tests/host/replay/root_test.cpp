@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -202,6 +203,99 @@ TEST_F(Root, ManyEntriesAreRefused) {
                " && for i in {1..1001}; do cat block; done | $PCIINFO --root -");
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("more than 1000000 entries"));
+}
+
+/// An archive whose entries need `levels` directories each, none of which another one needs.
+std::vector<MadeEntry> EntriesWithDirectories(int entries, int levels) {
+  std::string tail;
+  for (int i = 0; i < levels; ++i) tail += "/a";
+  std::vector<MadeEntry> made;
+  for (int i = 0; i < entries; ++i) made.push_back({"sys/" + std::to_string(i) + tail});
+  return made;
+}
+
+using Clock = std::chrono::steady_clock;
+
+TEST_F(Root, DeepPathsAreRefused) {
+  const RunResult result = RunPciinfo({"--root", Archive(EntriesWithDirectories(1, 400))});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("more than 64 directories"));
+}
+
+TEST_F(Root, DirectoriesThatPathsNeedCountAsEntries) {
+  const std::string archive = Archive(EntriesWithDirectories(1000, 50));
+  EXPECT_LT(fs::file_size(archive), 100'000U);
+  const RunResult result = RunPciinfo({"--root", archive, "--memory-limit", "128"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("more than 32768 entries (see --memory-limit)"));
+}
+
+TEST_F(Root, SmallFilesTakeNoMoreMemoryThanTheyMay) {
+  std::vector<MadeEntry> files;
+  for (int i = 0; i < 20'000; ++i) files.push_back({"sys/" + std::to_string(i), "x"});
+  const std::string archive = Archive(files);
+  const RunResult result = RunPciinfo({"--root", archive, "--memory-limit", "128"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("needs more memory than it may take (see --memory-limit)"));
+}
+
+TEST_F(Root, LargeFilesTakeNoMoreMemoryThanTheyMay) {
+  MakeSparseArchive(Path("a.tar"), "sys/x", "40M");
+  const RunResult result = RunPciinfo({"--root", Path("a.tar"), "--memory-limit", "128"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("more than 32 MiB (see --memory-limit)"));
+}
+
+TEST_F(Root, UnpackingEndsInTime) {
+  // 900,000 directories from a few kilobytes for each thousand of them.
+  const std::string archive = Archive(EntriesWithDirectories(15'000, 60));
+  const auto start = Clock::now();
+  const RunResult result = RunPciinfo({"--root", archive, "--timeout", "1"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("reading the capture"));
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
+}
+
+TEST_F(Root, APipeThatNeverEndsIsGivenUpInTime) {
+  const auto start = Clock::now();
+  const RunResult result =
+      RunShell("mkfifo " + Path("pipe") + " && $PCIINFO --timeout 1 --root " + Path("pipe") +
+               "; $PCIINFO --timeout 1 --root - <>" + Path("pipe"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(LinesOf(result.err),
+              ElementsAre(HasSubstr("pipe did not come to an end in 1 seconds"),
+                          HasSubstr("standard input did not come to an end in 1 seconds")));
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(8));
+}
+
+TEST_F(Root, ReadsAnArchiveFromAPipe) {
+  const RunResult result = RunShell("$PCIINFO --root <(cat " + Archive(SmallMachine()) + ")");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
+}
+
+/// Cuts of a plain archive between its entries, of which nothing is left but the missing end.
+TEST_F(Root, ACutArchiveIsRefused) {
+  MakeArchive(Path("whole.tar"), SmallMachine());
+  const std::string whole = directory_.Read("whole.tar");
+  const std::size_t end = whole.find_last_not_of('\0');
+  for (std::size_t size = 512; size < end; size += 512) {
+    directory_.Write("cut.tar", whole.substr(0, size));
+    const RunResult result = RunPciinfo({"--root", Path("cut.tar"), "devices"});
+    ASSERT_EQ(result.status, 1) << size;
+    ASSERT_EQ(result.out, "") << size;
+    ASSERT_THAT(result.err, HasSubstr("cannot use the capture")) << size;
+  }
+}
+
+TEST_F(Root, ACaptureWithoutAPartThatItsManifestCountsIsRefused) {
+  std::vector<MadeEntry> machine = SmallMachine();
+  machine.back().content = R"({"formatVersion": 1, "systemName": "x", "parts": 7})";
+  EXPECT_EQ(RunPciinfo({"--root", Archive(machine)}).status, 0);
+  machine.erase(machine.begin());
+  const RunResult result = RunPciinfo({"--root", Archive(machine)});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("counts 7 parts, and there are 6"));
 }
 
 /// Runs as the user "nobody", with the capture on standard input, because that user cannot read the

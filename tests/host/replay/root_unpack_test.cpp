@@ -22,10 +22,10 @@ using testing::HasSubstr;
 class UnpackCaptureTest : public testing::Test {
  protected:
   std::string Unpack(const std::string& capture) {
-    const auto opened = OpenArchive(capture);
-    ArchiveReader& reader = *opened;
+    const auto opened = OpenCapture(capture);
+    CaptureReader& reader = *opened;
     CaptureTree tree(tree_.GetPath());
-    return UnpackCapture(reader, tree).value_or("no manifest");
+    return UnpackCapture(reader, tree).manifest.value_or("no manifest");
   }
 
   std::string Unpack(const std::vector<MadeEntry>& entries) {
