@@ -11,6 +11,7 @@
 #include "framework/os_specific.h"
 #include "framework/schema_helper.h"
 #include "host/base/namespace_name.h"
+#include "host/console/safe_json.h"
 #include "host/console/utf8.h"
 #include "runtime/repository.h"
 
@@ -112,7 +113,7 @@ std::string ManifestJson(const Manifest& manifest) {
   for (const UnreadPart& part : manifest.unread) {
     json["unread"].push_back({{"path", ToUtf8(part.path)}, {"reason", ToUtf8(part.reason)}});
   }
-  return json.dump(2) + "\n";
+  return SafeJson(json.dump(2)) + "\n";
 }
 
 Manifest ParseManifest(std::string_view text) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <nlohmann/json.hpp>
 
+#include "host/console/safe_json.h"
 #include "host/views/function_json.h"
 #include "host/views/slot_json.h"
 #include "host/views/slots_view.h"
@@ -17,7 +18,7 @@ void WriteArray(Output& output, const std::vector<Item>& items, Json (*toJson)(c
   for (const Item& item : items) {
     output.Write(first ? "\n" : ",\n");
     first = false;
-    output.Write(toJson(item).dump());
+    output.Write(SafeJson(toJson(item).dump()));
   }
   output.Write(first ? "]" : "\n]");
 }
