@@ -15,6 +15,7 @@
 #include "host/views/slots_view.h"
 #include "host/views/tree_view.h"
 #include "tests/host/fixed_repository.h"
+#include "tests/host/run_on_terminal.h"
 #include "tests/host/run_program.h"
 #include "tests/host/unsafe_text.h"
 
@@ -100,6 +101,18 @@ TEST(UnsafeTextInViews, OfDifferences) {
   const auto document = nlohmann::json::parse(output.Text());
   EXPECT_EQ(document["before"], name);
   EXPECT_EQ(document["after"], "caf\xc3\xa9");
+}
+
+TEST(UnsafeTextInCsv, IsReplacedOnATerminalOnly) {
+  const std::vector<std::string> arguments = {"instances", "QZMSG_SystemSlot", "--format", "csv"};
+  EXPECT_NE(RunFake("fixed", arguments).out.find("\"J\x01 a designation"), std::string::npos);
+  for (const char* pager : {"cat", "tee"}) {
+    TerminalRun run{arguments, {{"PCIINFO_PAGER", pager}}};
+    run.arguments.insert(run.arguments.end(), {"--only-plugin", FakePluginFile("fixed")});
+    const std::string shown = RunOnTerminal(run).out;
+    EXPECT_NE(shown.find("\"J? a designation"), std::string::npos) << shown;
+    EXPECT_EQ(FirstUnsafe(shown, "\r\n"), -1) << shown;
+  }
 }
 
 /// A word for a command line; a file name has at most 255 bytes.
