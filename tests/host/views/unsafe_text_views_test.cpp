@@ -15,9 +15,11 @@
 #include "host/views/slots_view.h"
 #include "host/views/tree_view.h"
 #include "tests/host/fixed_repository.h"
+#include "tests/host/made_archive.h"
 #include "tests/host/run_on_terminal.h"
 #include "tests/host/run_program.h"
 #include "tests/host/unsafe_text.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace pciinfo {
 namespace {
@@ -123,6 +125,28 @@ std::string UnsafeWord() {
     AppendUtf8(word, c);
   }
   return word + "x";
+}
+
+TEST(UnsafeTextInMessages, OfFilesThatAreRead) {
+  const vtq::TemporaryDirectory folder;
+  const std::string word = UnsafeWord();
+  const std::string path = R"("path":"x","properties":{)";
+  const std::string archive = folder / "archive";
+  MakeArchive(archive, {{"/" + word, "x"}});
+  const std::string escaped = nlohmann::json(word).dump();
+  const std::vector<std::string> files = {
+      archive, folder.Write("class", "{\"instances\":[{\"class\":" + escaped + "}]}"),
+      folder.Write("value", R"({"instances":[{"class":"QZMSG_PCIDevice",)" + path +
+                                "\"VendorID\":" + escaped + "}}]}"),
+      folder.Write("name",
+                   R"({"instances":[{"class":"QZMSG_PCIDevice",)" + path + escaped + ":1}}]}"),
+      folder.Write("damaged", "{\"instances\":[\"" + word)};
+  for (const std::string& file : files) {
+    const RunResult result = RunFake("fixed", {"diff", file, file});
+    EXPECT_NE(result.status, 0) << file;
+    EXPECT_FALSE(result.err.empty()) << file;
+    EXPECT_EQ(FirstUnsafe(result.err), -1) << result.err;
+  }
 }
 
 TEST(UnsafeTextInMessages, OfEachCommand) {
