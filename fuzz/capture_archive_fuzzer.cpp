@@ -8,6 +8,7 @@
 #include <array>
 
 #include "fuzz/fuzz.h"
+#include "fuzz/mutate.h"
 #include "fuzz/unpacked_tree.h"
 #include "runtime/file_descriptor.h"
 
@@ -41,10 +42,6 @@ void fuzz::CheckInput(std::string_view input) {
           "there is memory for the archive");
   CheckCapture("/proc/self/fd/" + std::to_string(memory.Get()));
 }
-
-// libFuzzer's default mutation; missing in builds without libFuzzer.
-extern "C" __attribute__((weak)) std::size_t LLVMFuzzerMutate(std::uint8_t* bytes, std::size_t size,
-                                                              std::size_t most);
 
 // An archive whose headers have wrong checksums is refused at once, so most changed inputs get
 // correct ones.

@@ -102,6 +102,9 @@ class MachineSeeds final {
     Write("raw_lines", "", dump);
     const std::string commands = Content("commands/lspci");
     for (const ListedFunction& at : functions) {
+      Write(
+          "config_space", "-" + at.Address(),
+          Content(fmt::format("proc/bus/pci/{:02x}/{:02x}.{:x}", at.bus, at.device, at.function)));
       Write("listing", "-" + at.Address(), at.Address() + "\n" + listing);
       if (!commands.empty()) {
         Write("listing", "-real", at.Address() + "\n" + commands.substr(0, kLongestTable));
@@ -196,6 +199,11 @@ void WriteOwnSeeds(const fs::path& output) {
   for (std::size_t i = 0; i < std::size(commands); ++i) {
     WriteFile(output / "command" / std::to_string(i), commands[i]);
   }
+  WriteFile(output / "config_space/extended", std::string(600, '\0'));
+  WriteFile(
+      output / "config_space/listing",
+      "00:00.0 Device\n\tCapabilities: [100 v1] Device Serial Number 01-02-03-04-05-06-07-08\n"
+      "\t\t[SN] Serial number: A1\n100: 03 00 01 00 01 02 03 04\n");
   WriteFile(output / "manifest/whole",
             R"({"formatVersion": 1, "systemName": "box.example.org", "kernelRelease": "6.1.0",
 "capturedAt": "2026-01-31T23:59:59Z", "tools": {"lspci": "lspci version 3.9.0"},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <ios>
 #include <sstream>
 #include <string>
@@ -13,23 +14,22 @@ namespace fuzz {
 
 /// Returns the non-empty parts of a text between any of the delimiters.
 inline std::vector<std::string> PlainTokens(std::string_view text, std::string_view delimiters) {
-  std::vector<std::string> tokens(1);
-  for (const char c : text) {
-    if (delimiters.find(c) == std::string_view::npos) {
-      tokens.back() += c;
-    } else if (!tokens.back().empty()) {
-      tokens.emplace_back();
-    }
+  std::vector<std::string> tokens;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find_first_of(delimiters, start), text.size());
+    if (end > start) tokens.emplace_back(text.substr(start, end - start));
+    start = end + 1;
   }
-  if (tokens.back().empty()) tokens.pop_back();
   return tokens;
 }
 
 /// Returns the number that a stream with only the flag std::hex reads from a text.
 template <class Number>
 Number PlainHex(const std::string& text) {
-  std::stringstream stream(text);
+  static std::istringstream stream;  // making one takes longer than reading a number
+  stream.clear();
   stream.flags(std::ios_base::hex);
+  stream.str(text);
   Number value = 0;
   stream >> value;
   return value;

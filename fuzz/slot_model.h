@@ -18,6 +18,8 @@ class PlainMemory final {
  public:
   explicit PlainMemory(std::string structure) : structure_(std::move(structure)) {}
 
+  const std::string& Bytes() const { return structure_; }
+
   unsigned At(int place) const {
     if (place < 0 || place >= static_cast<int>(structure_.size())) return 0;
     return static_cast<std::uint8_t>(structure_[static_cast<std::size_t>(place)]);
@@ -45,9 +47,10 @@ class PlainMemory final {
   std::string structure_;
 };
 
-/// Sets the structures of `table` as those of the fake framework and returns them.
-inline std::vector<std::string> ServeStructures(std::string_view table) {
-  std::vector<std::string> structures = PlainStructures(table);
+/// Sets the first structures of `table`, at most `most`, as those of the fake framework and returns
+/// them.
+inline std::vector<std::string> ServeStructures(std::string_view table, std::size_t most) {
+  std::vector<std::string> structures = PlainStructures(table, most);
   Fake() = {};
   for (const std::string& structure : structures) {
     Fake().smBios.structures.emplace_back(structure.begin(), structure.end());

@@ -14,8 +14,11 @@
 #include "framework/exception.h"
 #include "framework/smbios.h"
 #include "fuzz/fuzz.h"
+#include "fuzz/mutate.h"
 #include "fuzz/smbios_model.h"
+#include "fuzz/smbios_mutator.h"
 #include "runtime/bios_id.h"
+#include "runtime/file_descriptor.h"
 #include "runtime/smbios_access.h"
 #include "tests/runtime/temporary_directory.h"
 
@@ -146,17 +149,36 @@ std::string PlainBiosVersion(const std::vector<std::string>& structures) {
   return "";
 }
 
+// A file that is made once and filled for each input, which takes a fraction of the time.
+class RefilledFile final {
+ public:
+  explicit RefilledFile(const std::string& name)
+      : file_(open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600)) {}
+
+  void Fill(std::string_view bytes) const {
+    const auto size = static_cast<ssize_t>(bytes.size());
+    Require(ftruncate(file_.Get(), size) == 0 &&
+                pwrite(file_.Get(), bytes.data(), bytes.size(), 0) == size,
+            "there is room for the tables");
+  }
+
+ private:
+  vtq::FileDescriptor file_;
+};
+
 // The tables as files, like the kernel's.
 class Files final {
  public:
-  void Write(const std::string& entryPoint, const std::string& table) {
-    directory_.Write("smbios_entry_point", entryPoint);
-    directory_.Write("DMI", table);
+  void Write(const std::string& entryPoint, const std::string& table) const {
+    entryPoint_.Fill(entryPoint);
+    table_.Fill(table);
   }
   const char* Path() const { return directory_.GetPath().c_str(); }
 
  private:
   vtq::TemporaryDirectory directory_;
+  RefilledFile entryPoint_{directory_ / "smbios_entry_point"};
+  RefilledFile table_{directory_ / "DMI"};
 };
 
 // Checks every structure of the type; one that does not fit is skipped with its own status.
@@ -177,7 +199,7 @@ void CheckFetches(void* handle, int type, int capacity,
 }
 
 void CheckFiles(const std::string& entryPoint, const std::string& table, int type, int capacity) {
-  static Files files;
+  static const Files files;
   files.Write(entryPoint, table);
   void* handle = nullptr;
   const auto status = vtq::SmBiosLoadFrom(files.Path(), &handle);
@@ -213,4 +235,11 @@ void fuzz::CheckInput(std::string_view input) {
   const std::vector<std::string> structures = StructuresOf(entry, table);
   CheckWalk(whole, structures);
   Require(vtq::BiosVersion(whole) == PlainBiosVersion(structures), "the BIOS version is found");
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t size,
+                                               std::size_t most, unsigned seed) {
+  constexpr std::size_t kHeader = 4;
+  const std::size_t start = size < kHeader ? most : kHeader + bytes[kHeader - 1];
+  return fuzz::MutateTable(bytes, size, most, seed, start);
 }

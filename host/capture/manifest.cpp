@@ -11,6 +11,7 @@
 #include "framework/os_specific.h"
 #include "framework/schema_helper.h"
 #include "host/base/namespace_name.h"
+#include "host/console/safe_json.h"
 #include "host/console/utf8.h"
 #include "runtime/repository.h"
 
@@ -119,7 +120,7 @@ std::string ManifestJson(const Manifest& manifest) {
     json["unread"].push_back({{"path", ToUtf8(part.path)}, {"reason", ToUtf8(part.reason)}});
   }
   if (manifest.parts) json["parts"] = *manifest.parts;
-  return json.dump(2) + "\n";
+  return SafeJson(json.dump(2)) + "\n";
 }
 
 Manifest ParseManifest(std::string_view text) {

@@ -113,28 +113,4 @@ inline const std::vector<ListedFunction>& ListOf(const CheckFacts& facts) {
   return facts.list ? *facts.list : none;
 }
 
-/// Finds published functions by address. The facts must outlive it and must not change.
-class PublishedIndex final {
- public:
-  explicit PublishedIndex(const CheckFacts& facts) {
-    for (const PublishedFunction& published : facts.published) {
-      if (published.function.address) byAddress_.emplace(*published.function.address, &published);
-    }
-  }
-
-  /// Returns null if no function is published at the address.
-  const PublishedFunction* Find(const PciAddress& address) const {
-    const auto found = byAddress_.find(address);
-    return found == byAddress_.end() ? nullptr : found->second;
-  }
-  /// Returns the path of the instance; empty if no function is published at the address.
-  std::string PathOf(const PciAddress& address) const {
-    const PublishedFunction* published = Find(address);
-    return published == nullptr ? "" : published->function.path;
-  }
-
- private:
-  std::map<PciAddress, const PublishedFunction*> byAddress_;
-};
-
 }  // namespace pciinfo

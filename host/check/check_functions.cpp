@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <set>
 
 #include "host/check/checks.h"
+#include "host/check/facts_index.h"
 
 namespace pciinfo {
 namespace {
@@ -91,22 +91,21 @@ std::set<PciAddress> KnownAddresses(const CheckFacts& facts) {
   return addresses;
 }
 
-std::string ReasonOfAbsence(const CheckFacts& facts, const PciAddress& address) {
-  const auto hasAddress = [&](const ListedFunction& line) { return line.address == address; };
+std::string ReasonOfAbsence(const CheckFacts& facts, const KernelIndex& kernel,
+                            const PciAddress& address) {
   if (!facts.list) return "the kernel's list cannot be read";
-  if (std::none_of(facts.list->begin(), facts.list->end(), hasAddress)) {
-    return "the kernel's list does not name it";
-  }
+  if (!kernel.IsListed(address)) return "the kernel's list does not name it";
   if (facts.configurations.count(address) == 0) return "its configuration cannot be read";
   return "";
 }
 
 std::vector<AffectedObject> UnpublishedFunctions(const CheckFacts& facts) {
   const PublishedIndex published(facts);
+  const KernelIndex kernel(facts);
   std::vector<AffectedObject> objects;
   for (const PciAddress& address : KnownAddresses(facts)) {
     if (published.Find(address) != nullptr) continue;
-    objects.push_back({FormatAddress(address), "", ReasonOfAbsence(facts, address)});
+    objects.push_back({FormatAddress(address), "", ReasonOfAbsence(facts, kernel, address)});
   }
   return objects;
 }

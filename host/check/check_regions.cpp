@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "host/check/checks.h"
+#include "host/check/facts_index.h"
 
 namespace pciinfo {
 namespace {

@@ -4,11 +4,11 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <map>
-#include <tuple>
+#include <unordered_map>
 
 #include "host/check/checks.h"
+#include "host/check/facts_index.h"
 #include "host/console/text.h"
 
 namespace pciinfo {
@@ -49,16 +49,9 @@ std::vector<NumberedSlot> Numbered(const CheckFacts& facts) {
 
 std::string TagOf(unsigned number) { return fmt::format("Tag {}", number); }
 
-std::string PathOfTag(const CheckFacts& facts, const std::string& tag) {
-  for (const Slot& slot : facts.slots.slots) {
-    if (slot.tag == tag) return slot.path;
-  }
-  return "";
-}
-
-AffectedObject SlotObject(const CheckFacts& facts, unsigned number, std::string detail) {
+AffectedObject SlotObject(const SlotIndex& slots, unsigned number, std::string detail) {
   const std::string tag = TagOf(number);
-  return {tag, PathOfTag(facts, tag), std::move(detail)};
+  return {tag, slots.PathOf(tag), std::move(detail)};
 }
 
 std::string AddressDetail(const SlotRecord& record) {
@@ -67,94 +60,91 @@ std::string AddressDetail(const SlotRecord& record) {
 
 bool HasAddress(const SlotRecord& record) { return record.length >= kLengthWithAddress; }
 
-bool IsKnown(const CheckFacts& facts, const PciAddress& address) {
-  const auto& list = ListOf(facts);
-  const bool isListed = std::any_of(list.begin(), list.end(), [&](const ListedFunction& line) {
-    return line.address == address;
-  });
-  return isListed || facts.functions.count({0, address}) != 0;
-}
-
 /// Whether an address is one that firmware writes if there is none. Bus ff may be real.
-bool IsPlaceholder(const CheckFacts& facts, const SlotRecord& record) {
+bool IsPlaceholder(const KernelIndex& kernel, const SlotRecord& record) {
   const PciAddress& at = record.address;
   if (record.segment == kNoSegment || record.segment == kNoSegmentByte) return true;
   if (at == PciAddress{0, 0, 0}) return true;
   const bool isLast = at == PciAddress{0xFF, 0x1F, 7} || at == PciAddress{0xFF, 0, 0};
-  return isLast && !IsKnown(facts, at);
+  return isLast && !kernel.IsKnown(at);
 }
 
 bool KnowsFunctions(const CheckFacts& facts) {
   return !facts.functions.empty() || (facts.list && !facts.list->empty());
 }
 
-bool IsKnownInSegment(const CheckFacts& facts, const SlotRecord& record) {
-  if (record.segment == 0) return IsKnown(facts, record.address);
+bool IsKnownInSegment(const CheckFacts& facts, const KernelIndex& kernel,
+                      const SlotRecord& record) {
+  if (record.segment == 0) return kernel.IsKnown(record.address);
   return facts.functions.count({record.segment, record.address}) != 0;
 }
 
-/// The slots that have an address and for which `fits` is true.
+/// The slots that have an address and for which fits(KernelIndex, SlotRecord) is true.
 template <class Fits>
 std::vector<AffectedObject> SlotsThat(const CheckFacts& facts, const Fits& fits) {
+  const KernelIndex kernel(facts);
+  const SlotIndex slots(facts);
   std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
-    if (!HasAddress(*slot.record) || !fits(*slot.record)) continue;
-    objects.push_back(SlotObject(facts, slot.number, AddressDetail(*slot.record)));
+    if (!HasAddress(*slot.record) || !fits(kernel, *slot.record)) continue;
+    objects.push_back(SlotObject(slots, slot.number, AddressDetail(*slot.record)));
   }
   return objects;
 }
 
 std::vector<AffectedObject> InUseWithPlaceholder(const CheckFacts& facts) {
-  return SlotsThat(facts, [&](const SlotRecord& record) {
-    return record.usage == kInUse && IsPlaceholder(facts, record);
+  return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
+    return record.usage == kInUse && IsPlaceholder(kernel, record);
   });
 }
 
 std::vector<AffectedObject> UnusedWithPlaceholder(const CheckFacts& facts) {
-  return SlotsThat(facts, [&](const SlotRecord& record) {
-    return record.usage != kInUse && IsPlaceholder(facts, record);
+  return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
+    return record.usage != kInUse && IsPlaceholder(kernel, record);
   });
 }
 
-bool IsPlacedInUse(const CheckFacts& facts, const SlotRecord& record) {
-  return record.usage == kInUse && !IsPlaceholder(facts, record);
+bool IsPlacedInUse(const KernelIndex& kernel, const SlotRecord& record) {
+  return record.usage == kInUse && !IsPlaceholder(kernel, record);
 }
 
 std::vector<AffectedObject> InUseWithoutFunction(const CheckFacts& facts) {
   if (!KnowsFunctions(facts)) return {};
-  return SlotsThat(facts, [&](const SlotRecord& record) {
-    return IsPlacedInUse(facts, record) && !IsKnownInSegment(facts, record);
+  return SlotsThat(facts, [&facts](const KernelIndex& kernel, const SlotRecord& record) {
+    return IsPlacedInUse(kernel, record) && !IsKnownInSegment(facts, kernel, record);
   });
 }
 
 std::vector<AffectedObject> OnBusZero(const CheckFacts& facts) {
-  return SlotsThat(facts, [&](const SlotRecord& record) {
-    return IsPlacedInUse(facts, record) && record.address.bus == 0;
+  return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
+    return IsPlacedInUse(kernel, record) && record.address.bus == 0;
   });
 }
 
 std::vector<AffectedObject> InOtherDomain(const CheckFacts& facts) {
-  return SlotsThat(facts, [&](const SlotRecord& record) {
-    return IsPlacedInUse(facts, record) && record.segment != 0;
+  return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
+    return IsPlacedInUse(kernel, record) && record.segment != 0;
   });
 }
 
 std::vector<AffectedObject> WithShortRecord(const CheckFacts& facts) {
   if (!facts.slotRecords.haveAddresses) return {};
+  const SlotIndex slots(facts);
   std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
     if (HasAddress(*slot.record)) continue;
     objects.push_back(
-        SlotObject(facts, slot.number, fmt::format("record of {} bytes", slot.record->length)));
+        SlotObject(slots, slot.number, fmt::format("record of {} bytes", slot.record->length)));
   }
   return objects;
 }
 
 std::vector<AffectedObject> WithDriftingNumber(const CheckFacts& facts) {
+  const SlotIndex slots(facts);
   std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
     if (CountPublished(*slot.record) == 1 + CountPeers(*slot.record)) continue;
-    objects.push_back(SlotObject(facts, slot.number,
+    objects.push_back(SlotObject(slots, slot.number,
                                  fmt::format("record of {} bytes with {} peer groups",
                                              slot.record->length, slot.record->peerCount)));
   }
@@ -182,26 +172,26 @@ std::vector<AffectedObject> UnpublishedSlots(const CheckFacts& facts) {
   return {{"slots", "", fmt::format("{} of {} are published", published, expected)}};
 }
 
-/// The record with the running number of a slot; null if the slot is a peer group.
-const SlotRecord* RecordOf(const std::vector<NumberedSlot>& numbered, const Slot& slot) {
-  for (const NumberedSlot& candidate : numbered) {
-    if (TagOf(candidate.number) == slot.tag) return candidate.record;
-  }
-  return nullptr;
+/// The records by the tag of their slot. Those of peer groups have none.
+std::unordered_map<std::string, const SlotRecord*> RecordsByTag(const CheckFacts& facts) {
+  std::unordered_map<std::string, const SlotRecord*> records;
+  for (const NumberedSlot& slot : Numbered(facts)) records.emplace(TagOf(slot.number), slot.record);
+  return records;
 }
 
 /// The plug-in compares only the bus of a slot's address.
 std::vector<AffectedObject> OnSlotBusButOtherDevice(const CheckFacts& facts) {
   std::vector<AffectedObject> objects;
-  const std::vector<NumberedSlot> numbered = Numbered(facts);
+  const auto records = RecordsByTag(facts);
   for (const Slot& slot : facts.slots.slots) {
-    const SlotRecord* record = RecordOf(numbered, slot);
-    if (record == nullptr || !HasAddress(*record)) continue;
+    const auto found = records.find(slot.tag);
+    if (found == records.end() || !HasAddress(*found->second)) continue;
+    const PciAddress& at = found->second->address;
     for (const PciFunction& function : slot.functions) {
-      if (!function.address || function.address->bus != record->address.bus) continue;
-      if (function.address->device == record->address.device) continue;
-      objects.push_back({AddressText(function), function.path,
-                         slot.tag + " is at " + FormatAddress(record->address)});
+      if (!function.address || function.address->bus != at.bus) continue;
+      if (function.address->device == at.device) continue;
+      objects.push_back(
+          {AddressText(function), function.path, slot.tag + " is at " + FormatAddress(at)});
     }
   }
   return objects;
@@ -234,12 +224,14 @@ std::vector<AffectedObject> WithSharedDesignation(const CheckFacts& facts) {
 /// If functions are assigned to slots by slot ID, the first slot with the number gets them.
 std::vector<AffectedObject> ByAmbiguousNumber(const CheckFacts& facts) {
   if (facts.slotRecords.haveAddresses) return {};
+  std::map<unsigned, unsigned> counts;
+  for (const Slot& slot : facts.slots.slots) {
+    if (slot.id) ++counts[*slot.id & 0xFFU];
+  }
   std::vector<AffectedObject> objects;
   for (const PublishedFunction& published : facts.published) {
     const unsigned number = published.slotNumber.value_or(0);
-    const auto count =
-        std::count_if(facts.slots.slots.begin(), facts.slots.slots.end(),
-                      [&](const Slot& slot) { return slot.id && (*slot.id & 0xFFU) == number; });
+    const unsigned count = counts[number];
     if (number == 0 || count < 2) continue;
     objects.push_back({AddressText(published.function), published.function.path,
                        fmt::format("{} slots have the number {}", count, number)});

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/console/utf8.h"
 
@@ -71,7 +72,7 @@ void WriteFindingsJson(Output& output, const std::vector<CheckFinding>& findings
   for (const CheckFinding& finding : findings) {
     output.Write(isFirst ? "\n" : ",\n");
     isFirst = false;
-    output.Write(FindingJson(finding).dump());
+    output.Write(SafeJson(FindingJson(finding).dump()));
   }
   output.Write(isFirst ? "]}\n" : "\n]}\n");
 }

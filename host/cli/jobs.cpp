@@ -75,14 +75,15 @@ Job DevicesJob(const Options& options, const Classes& declared, const Terminal& 
   return job;
 }
 
-Job InstancesJob(const Options& options, const Classes& declared) {
+Job InstancesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   std::vector<std::string> print = PlanQuery(declared, options.classes).print;
   std::vector<std::string> collect = print;
   // The filter keeps a slot if it keeps a function in it.
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
   return ViewJob(options, declared, std::move(collect),
-                 [print, format = options.format](const vtq::Namespace& kept, Output& output) {
-                   WriteInstances(kept, print, *MakeInstanceWriter(format, output));
+                 [print, format = options.format, isShown = terminal.width.has_value()](
+                     const vtq::Namespace& kept, Output& output) {
+                   WriteInstances(kept, print, *MakeInstanceWriter(format, output, isShown));
                  });
 }
 
@@ -182,7 +183,7 @@ Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& te
     case Command::kDevices:
       return DevicesJob(options, declared, terminal);
     case Command::kInstances:
-      return InstancesJob(options, declared);
+      return InstancesJob(options, declared, terminal);
     case Command::kClasses:
       return ClassesJob(plugins);
     case Command::kSlots:

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "host/console/unsafe_characters.h"
 #include "host/console/utf8.h"
 
 namespace pciinfo {
@@ -14,19 +15,10 @@ struct Range {
   char32_t last;
 };
 
-constexpr Range kUnprintable[] = {
-    {0x0000, 0x001F},  // C0 controls
-    {0x007F, 0x009F},  // DEL and the C1 controls
-    {0x200E, 0x200F},  // direction marks
-    {0x2028, 0x202E},  // line and paragraph ends, direction overrides
-    {0x2066, 0x2069},  // direction isolates
-    {0xFEFF, 0xFEFF},  // byte order mark
-};
-
 constexpr Range kCombining[] = {
-    {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A}, {0x064B, 0x065F},
-    {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200B, 0x200D}, {0x20D0, 0x20FF}, {0x302A, 0x302D},
-    {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
+    {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A},
+    {0x064B, 0x065F}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x20D0, 0x20FF},
+    {0x302A, 0x302D}, {0x3099, 0x309A}, {0xFE20, 0xFE2F},
 };
 
 constexpr Range kWide[] = {
@@ -49,12 +41,7 @@ std::size_t WidthOf(char32_t codePoint) {
 
 char32_t ShownAs(char32_t codePoint) {
   if (codePoint == U'\t') return U' ';
-  return IsIn(kUnprintable, codePoint) ? U'?' : codePoint;
-}
-
-/// Whether all bytes are printable ASCII. Nearly all texts are, and they need no decoding.
-bool IsPlain(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  return IsUnsafe(codePoint) ? U'?' : codePoint;
 }
 
 /// The longest prefix of `utf8` that fits into `width` columns.
@@ -74,7 +61,7 @@ std::string_view Beginning(std::string_view utf8, std::size_t width) {
 }  // namespace
 
 std::string Printable(std::string_view bytes) {
-  if (IsPlain(bytes)) return std::string(bytes);
+  if (IsPrintableAscii(bytes)) return std::string(bytes);
   const std::string utf8 = ToUtf8(bytes);
   std::string shown;
   shown.reserve(utf8.size());
@@ -85,7 +72,7 @@ std::string Printable(std::string_view bytes) {
 }
 
 std::size_t DisplayWidth(std::string_view utf8) {
-  if (IsPlain(utf8)) return utf8.size();
+  if (IsPrintableAscii(utf8)) return utf8.size();
   std::size_t width = 0;
   for (std::size_t position = 0; position < utf8.size();) {
     const std::size_t start = position;

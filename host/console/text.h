@@ -7,8 +7,8 @@
 
 namespace pciinfo {
 
-/// Returns `bytes` as UTF-8 (see ToUtf8) that is safe to show on a terminal: a tab becomes a space;
-/// a control character or an invisible character becomes '?'.
+/// Returns `bytes` as UTF-8 (see ToUtf8) that is safe to show on a terminal: a tab becomes a space,
+/// any other unsafe character (see IsUnsafe) '?'.
 std::string Printable(std::string_view bytes);
 
 /// Number of columns that a printable UTF-8 text takes on a terminal: a combining mark takes none,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/console/utf8.h"
 
+#include <fmt/format.h>
+
 namespace pciinfo {
 namespace {
 
@@ -72,6 +74,15 @@ void AppendUtf8(std::string& text, char32_t codePoint) {
     append(0x80 | ((codePoint >> 6) & 0x3F));
   }
   append(0x80 | (codePoint & 0x3F));
+}
+
+void AppendUtf16Escapes(std::string& text, std::string_view mark, char32_t codePoint) {
+  const auto append = [&](char32_t unit) {
+    text += fmt::format("{}{:04x}", mark, static_cast<unsigned>(unit));
+  };
+  if (codePoint < 0x10000) return append(codePoint);
+  append(0xD800 + ((codePoint - 0x10000) >> 10));
+  append(0xDC00 + ((codePoint - 0x10000) & 0x3FF));
 }
 
 std::string ToUtf8(std::string_view bytes) {

@@ -3,7 +3,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
+#include "host/console/utf8.h"
 #include "host/formats/json_text.h"
 #include "host/formats/json_writer.h"
 
@@ -93,12 +95,12 @@ void WriteDiff(Output& output, const DiffHeading& heading, const DiffResult& res
 }
 
 void WriteDiffJson(Output& output, const DiffHeading& heading, const DiffResult& result) {
-  json head = {{"before", Printable(heading.before)},
-               {"after", Printable(heading.after)},
+  json head = {{"before", ToUtf8(heading.before)},
+               {"after", ToUtf8(heading.after)},
                {"onlyBefore", result.onlyOld},
                {"onlyAfter", result.onlyNew},
                {"ignored", heading.ignored}};
-  std::string text = head.dump();
+  std::string text = SafeJson(head.dump());
   text.pop_back();
   output.Write(text + ",\"changes\":[");
   JsonChanges changes(output);

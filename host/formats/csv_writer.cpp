@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "host/console/safe_json.h"
+#include "host/console/text.h"
 #include "host/console/utf8.h"
 #include "host/formats/value_text.h"
 
@@ -28,7 +30,7 @@ std::string JsonElement(const TCIMValue& element) {
   using enum TCIMValue::TCIMType::ECIMType;
   if (element.IsNull()) return "null";
   if (IsText(element.GetType())) {
-    return nlohmann::json(ToUtf8(static_cast<std::string>(element))).dump();
+    return SafeJson(nlohmann::json(ToUtf8(static_cast<std::string>(element))).dump());
   }
   const auto code = element.GetType().GetCode();
   const bool isReal = code == kReal32 || code == kReal64;
@@ -76,7 +78,7 @@ void CsvWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance)
 
 void CsvWriter::WriteText(std::string_view bytes) {
   output_.Write("\"");
-  WriteWithDoubledQuotes(output_, ToUtf8(bytes));
+  WriteWithDoubledQuotes(output_, isShown_ ? Printable(bytes) : ToUtf8(bytes));
   output_.Write("\"");
 }
 

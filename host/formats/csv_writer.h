@@ -12,7 +12,9 @@ namespace pciinfo {
 /// property of any of the classes, in byte order of the names. docs/formats.md describes it.
 class CsvWriter final : public InstanceWriter {
  public:
-  explicit CsvWriter(Output& output) : output_(output) {}
+  /// `isShown`: for a terminal, where texts are made printable. CSV has no escapes, so elsewhere
+  /// their bytes stay as they are.
+  CsvWriter(Output& output, bool isShown) : output_(output), isShown_(isShown) {}
 
   void Expect(const vtq::Class& cimClass) override;
   void Begin() override;
@@ -25,6 +27,7 @@ class CsvWriter final : public InstanceWriter {
   void WriteArray(const NQZMVTQ20::TCIMValue::TArray& elements);
 
   Output& output_;
+  bool isShown_;
   std::vector<std::string> columns_;    // property names, sorted
   std::vector<std::size_t> positions_;  // of the columns in the current class's schema
 };

@@ -15,19 +15,32 @@ namespace pciinfo {
 namespace {
 
 template <class Writer>
-std::unique_ptr<InstanceWriter> Make(Output& output) {
+std::unique_ptr<InstanceWriter> Make(Output& output, bool /*isShown*/) {
   return std::make_unique<Writer>(output);
+}
+
+std::unique_ptr<InstanceWriter> MakeCsv(Output& output, bool isShown) {
+  return std::make_unique<CsvWriter>(output, isShown);
+}
+
+template <std::unique_ptr<InstanceWriter> (*make)(Output& output)>
+std::unique_ptr<InstanceWriter> MakeExtra(Output& output, bool /*isShown*/) {
+  return make(output);
 }
 
 struct FormatRow {
   const char* name;
-  std::unique_ptr<InstanceWriter> (*make)(Output& output);
+  std::unique_ptr<InstanceWriter> (*make)(Output& output, bool isShown);
 };
 
 constexpr FormatRow kFormats[] = {
-    {"table", &Make<TableWriter>},  {"json", &Make<JsonWriter>}, {"jsonl", &Make<JsonLinesWriter>},
-    {"csv", &Make<CsvWriter>},      {"yaml", &MakeYamlWriter},   {"mof", &Make<MofWriter>},
-    {"cim-xml", &MakeCimXmlWriter},
+    {"table", &Make<TableWriter>},
+    {"json", &Make<JsonWriter>},
+    {"jsonl", &Make<JsonLinesWriter>},
+    {"csv", &MakeCsv},
+    {"yaml", &MakeExtra<&MakeYamlWriter>},
+    {"mof", &Make<MofWriter>},
+    {"cim-xml", &MakeExtra<&MakeCimXmlWriter>},
 };
 
 std::vector<std::shared_ptr<vtq::Class>> Declared(const vtq::Namespace& repository,
@@ -47,11 +60,12 @@ std::vector<std::string> InstanceFormats() {
   return names;
 }
 
-std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output) {
+std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output,
+                                                   bool isShown) {
   const auto* row =
       std::find_if(std::begin(kFormats), std::end(kFormats),
                    [&format](const FormatRow& entry) { return format == entry.name; });
-  return row == std::end(kFormats) ? nullptr : row->make(output);
+  return row == std::end(kFormats) ? nullptr : row->make(output, isShown);
 }
 
 void WriteInstances(const vtq::Namespace& repository, const std::vector<std::string>& classes,

@@ -29,7 +29,10 @@ class VTQ_EXPORT InstanceWriter {
 std::vector<std::string> InstanceFormats();
 
 /// Makes the writer of a format, which must be one of InstanceFormats. `output` must outlive it.
-std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output);
+/// `isShown`: for a terminal, where a format without escapes gives up bytes that are not safe
+/// there.
+std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output,
+                                                   bool isShown = false);
 
 /// Writes the instances of `classes`: classes in the given order, instances in commit order.
 void WriteInstances(const vtq::Namespace& repository, const std::vector<std::string>& classes,

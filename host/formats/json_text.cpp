@@ -7,6 +7,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
+#include "host/console/safe_json.h"
 #include "host/console/utf8.h"
 
 namespace pciinfo {
@@ -44,7 +45,7 @@ std::size_t CountPlain(std::string_view text) {
 // Writes the rest of a string, from the first character that may need conversion, and the closing
 // quote. The plain characters before it do not affect the conversion.
 void WriteConverted(Output& output, std::string_view rest) {
-  output.Write(std::string_view(nlohmann::json(ToUtf8(rest)).dump()).substr(1));
+  output.Write(std::string_view(SafeJson(nlohmann::json(ToUtf8(rest)).dump())).substr(1));
 }
 
 void WriteDigits(Output& output, const fmt::format_int& digits) {

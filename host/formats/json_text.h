@@ -8,7 +8,8 @@
 
 namespace pciinfo {
 
-/// Writes `bytes`, converted by ToUtf8, as a JSON string with quotes.
+/// Writes `bytes`, converted by ToUtf8, as a JSON string with quotes. Unsafe characters (see
+/// IsUnsafe) are escaped.
 void WriteJsonString(Output& output, std::string_view bytes);
 
 /// Writes a value as JSON: numbers and booleans as such; texts, datetimes and the paths of

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/formats/mof_text.h"
 
-#include <fmt/format.h>
-
 #include <cmath>
 
+#include "host/console/unsafe_characters.h"
 #include "host/console/utf8.h"
 #include "host/formats/value_text.h"
 
@@ -34,17 +33,14 @@ char EscapeLetter(char32_t codePoint) {
   }
 }
 
-bool IsControl(char32_t codePoint) {
-  return codePoint < 0x20 || (codePoint >= 0x7F && codePoint <= 0x9F);
-}
-
 void AppendEscaped(std::string& text, char32_t codePoint) {
   if (const char letter = EscapeLetter(codePoint)) {
     text += '\\';
     text += letter;
-  } else if (IsControl(codePoint)) {
+  } else if (IsUnsafe(codePoint)) {
     // Always four digits: otherwise a following hexadecimal digit would become part of the escape.
-    text += fmt::format("\\x{:04X}", static_cast<unsigned>(codePoint));
+    // MOF allows no more, so a character beyond the first plane is two escapes, as in UTF-16.
+    AppendUtf16Escapes(text, "\\x", codePoint);
   } else {
     AppendUtf8(text, codePoint);
   }

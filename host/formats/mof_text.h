@@ -9,7 +9,7 @@
 namespace pciinfo {
 
 /// Returns `bytes`, converted by ToUtf8, as a MOF string with quotes (DSP0004, annex A). Only
-/// control characters, quotes and backslashes are escaped.
+/// unsafe characters (see IsUnsafe), quotes and backslashes are escaped.
 std::string MofString(std::string_view bytes);
 
 /// Returns a scalar as MOF: a reference as the string of its path; NULL for null, infinity and NaN,

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/formats/xml_text.h"
 
+#include <fmt/format.h>
 #include <libxml/xmlwriter.h>
 
 #include <new>
 #include <string>
+#include <utility>
 
+#include "host/console/unsafe_characters.h"
 #include "host/console/utf8.h"
 
 namespace pciinfo {
@@ -24,7 +27,7 @@ void Check(int result) {
 }
 
 bool IsXmlCharacter(char32_t codePoint) {
-  if (codePoint < 0x20) return codePoint == U'\t' || codePoint == U'\n';
+  if (codePoint < 0x20) return codePoint == U'\t' || codePoint == U'\n' || codePoint == U'\r';
   return codePoint != 0xFFFE && codePoint != 0xFFFF;
 }
 
@@ -38,6 +41,20 @@ std::string XmlCharacters(std::string_view bytes) {
     AppendUtf8(text, IsXmlCharacter(codePoint) ? codePoint : kReplacement);
   }
   return text;
+}
+
+/// XML readers turn a bare carriage return into a line feed; tabs and line feeds they keep.
+bool NeedsReference(char32_t codePoint) {
+  return IsUnsafe(codePoint) && codePoint != U'\t' && codePoint != U'\n';
+}
+
+void WriteString(xmlTextWriter* writer, const std::string& text) {
+  Check(xmlTextWriterWriteString(writer, Xml(text.c_str())));
+}
+
+void WriteReference(xmlTextWriter* writer, char32_t codePoint) {
+  const std::string reference = fmt::format("&#{};", static_cast<unsigned>(codePoint));
+  Check(xmlTextWriterWriteRaw(writer, Xml(reference.c_str())));
 }
 
 }  // namespace
@@ -71,7 +88,18 @@ void XmlText::Open(const char* element, Attributes attributes) {
 void XmlText::Close() { Check(xmlTextWriterFullEndElement(parts_->writer.get())); }
 
 void XmlText::Text(std::string_view bytes) {
-  Check(xmlTextWriterWriteString(parts_->writer.get(), Xml(XmlCharacters(bytes).c_str())));
+  const std::string text = XmlCharacters(bytes);
+  std::string safe;
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t codePoint = NextCodePoint(text, position);
+    if (NeedsReference(codePoint)) {
+      WriteString(parts_->writer.get(), std::exchange(safe, {}));
+      WriteReference(parts_->writer.get(), codePoint);
+    } else {
+      AppendUtf8(safe, codePoint);
+    }
+  }
+  WriteString(parts_->writer.get(), safe);
 }
 
 void XmlText::EndLine() { Check(xmlTextWriterWriteRaw(parts_->writer.get(), Xml("\n"))); }

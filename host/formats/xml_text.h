@@ -11,8 +11,8 @@
 namespace pciinfo {
 
 /// Builds XML 1.0 in UTF-8 that strict CIM-XML readers accept: every element has a start and an end
-/// tag, texts are not split, and only the five named entities are used. All functions throw
-/// std::bad_alloc if memory is short.
+/// tag, texts are not split into several elements, and markup is escaped by the named entities
+/// only. All functions throw std::bad_alloc if memory is short.
 class XmlText final {
  public:
   using Attributes = std::initializer_list<std::pair<const char*, std::string_view>>;
@@ -26,9 +26,9 @@ class XmlText final {
   void Begin();
   void Open(const char* element, Attributes attributes = {});
   void Close();
-  /// Adds `bytes`, converted by ToUtf8, as content of the open element. Characters that XML does
-  /// not allow become U+FFFD, and so do carriage returns, which XML readers would turn into line
-  /// feeds.
+  /// Adds `bytes`, converted by ToUtf8, as content of the open element. Unsafe
+  /// characters (see IsUnsafe) except tab and line feed are written as character references; those
+  /// that XML does not allow at all become U+FFFD.
   void Text(std::string_view bytes);
   /// Adds a line end between elements.
   void EndLine();

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "host/base/namespace_name.h"
+#include "host/console/safe_json.h"
 #include "host/schema/slots_json_schema.h"
 #include "host/schema/views_json_schema.h"
 
@@ -132,7 +133,7 @@ void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classe
                         {RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
                          RefTo("tree"), RefTo("shown")}},
                        {"$defs", Definitions(classes)}};
-  output.Write(schema.dump(2) + "\n");
+  output.Write(SafeJson(schema.dump(2)) + "\n");
 }
 
 }  // namespace pciinfo

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/console/columns.h"
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/model/pci_function.h"
 #include "host/views/function_json.h"
@@ -26,7 +27,7 @@ void WriteDevicesJson(Output& output, const vtq::Namespace& repository) {
   const char* separator = "\n";
   for (const PciFunction& function : ReadFunctions(repository)) {
     output.Write(separator);
-    output.Write(FunctionJson(function).dump());
+    output.Write(SafeJson(FunctionJson(function).dump()));
     separator = ",\n";
   }
   output.Write("\n]}\n");

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/console/columns.h"
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/formats/json_writer.h"
 #include "host/formats/table_writer.h"
@@ -194,9 +195,9 @@ void WriteShown(Output& output, const Shown& shown, const Terminal& terminal) {
 void WriteShownJson(Output& output, const Shown& shown) {
   output.Write("{");
   if (shown.function) {
-    output.Write("\"function\":" + FunctionJson(*shown.function).dump() + ",\n");
+    output.Write("\"function\":" + SafeJson(FunctionJson(*shown.function).dump()) + ",\n");
   }
-  if (shown.slot) output.Write("\"slot\":" + SlotJson(*shown.slot).dump() + ",\n");
+  if (shown.slot) output.Write("\"slot\":" + SafeJson(SlotJson(*shown.slot).dump()) + ",\n");
   output.Write("\"instance\":");
   JsonObjects objects(output);
   objects.BeginClass(*shown.cimClass);

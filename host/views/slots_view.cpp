@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/console/columns.h"
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/model/smbios_names.h"
 #include "host/views/function_json.h"
@@ -58,7 +59,7 @@ void WriteArray(Output& output, const std::vector<Item>& items, Json (*toJson)(c
   for (const Item& item : items) {
     output.Write(first ? "\n" : ",\n");
     first = false;
-    output.Write(toJson(item).dump());
+    output.Write(SafeJson(toJson(item).dump()));
   }
   output.Write(first ? "]" : "\n]");
 }

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/views/function_json.h"
 
@@ -123,7 +124,7 @@ void WriteTreeJson(Output& output, const std::vector<RootBus>& tree) {
     Json object = Json::object();
     if (root.bus) object["bus"] = *root.bus;
     object["functions"] = NodesJson(root.nodes);
-    output.Write(separator + object.dump());
+    output.Write(separator + SafeJson(object.dump()));
     separator = ",\n";
   }
   output.Write("\n]}\n");

@@ -106,7 +106,7 @@ std::string AsXmlCarries(const std::string& text) {
   std::string carried;
   for (const char character : text) {
     const bool isControl = static_cast<unsigned char>(character) < 0x20;
-    const bool isKept = !isControl || character == '\t' || character == '\n';
+    const bool isKept = !isControl || character == '\t' || character == '\n' || character == '\r';
     carried += isKept ? std::string(1, character) : replacement;
   }
   for (const char* none : {"\xef\xbf\xbe", "\xef\xbf\xbf"}) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/base/namespace_name.h"
+#include "host/console/utf8.h"
 #include "tests/fakes/pci_schema.h"
 
 namespace {
@@ -13,6 +14,23 @@ namespace {
 using NQZMVTQ20::TCIMValue;
 using Type = TCIMValue::TCIMType;
 using enum TCIMValue::TCIMType::ECIMType;
+
+/// The unsafe characters beyond ASCII that every format can carry: most of U+0080 to U+FFFF, each
+/// with a safe one behind it, and some beyond.
+std::string UnsafeCharacters() {
+  std::string text;
+  for (const char32_t codePoint :
+       {U'\u0080',     U'\u009b',     U'\u009f',     U'\u00ad',    U'\u034f',     U'\u061c',
+        U'\u115f',     U'\u17b4',     U'\u180e',     U'\u200b',    U'\u200d',     U'\u200e',
+        U'\u200f',     U'\u2028',     U'\u2029',     U'\u202a',    U'\u202e',     U'\u2060',
+        U'\u2064',     U'\u2066',     U'\u2069',     U'\u206f',    U'\u3164',     U'\ufe0f',
+        U'\ufeff',     U'\uffa0',     U'\ufff9',     U'\ufffb',    U'\U000110bd', U'\U0001d173',
+        U'\U000e0001', U'\U000e0041', U'\U000e007f', U'\U000e01ef'}) {
+    pciinfo::AppendUtf8(text, codePoint);
+    text += 'a';  // a hexadecimal digit, which must not become part of an escape before it
+  }
+  return text;
+}
 
 TCIMValue Array(Type::ECIMType type, TCIMValue::TArray elements) {
   const auto count = static_cast<std::uint32_t>(elements.size());
@@ -130,7 +148,8 @@ std::vector<std::string> HostileTexts() {
           "null",
           "- a: [b]",
           "# no comment",
-          "\\x41 \\n"};
+          "\\x41 \\n",
+          UnsafeCharacters()};
 }
 
 std::shared_ptr<vtq::Namespace> MakeEmptyHostileRepository() {

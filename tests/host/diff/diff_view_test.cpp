@@ -63,7 +63,7 @@ TEST_F(DiffView, TextGroupsChangesByObject) {
 
 TEST_F(DiffView, JsonHasCompleteValues) {
   const json document = json::parse(Written(&WriteDiffJson, result_));
-  EXPECT_EQ(document["before"], "old?");
+  EXPECT_EQ(document["before"], "old\x1b");
   EXPECT_EQ(document["ignored"], json({"IRQ"}));
   EXPECT_EQ(document["onlyBefore"], json({"QZMSG_PCIBridge"}));
   ASSERT_EQ(document["changes"].size(), 3U);

@@ -40,15 +40,20 @@ TEST(JsonText, EscapesLikeTheLibrary) {
   std::mt19937 random(1);
   for (int i = 0; i < 20000; ++i) {
     std::string text(random() % 12, ' ');
-    for (char& c : text) c = "\"\\a\n\t~\x7f /\xc3\xa9\0"[random() % 12];
+    for (char& c : text) c = "\"\\a\n\t~} /\xc3\xa9\0"[random() % 12];
     EXPECT_EQ(JsonString(text), nlohmann::json(ToUtf8(text)).dump());
   }
+}
+
+TEST(JsonText, EscapesUnsafeCharactersAsUtf16) {
+  EXPECT_EQ(JsonString("\x7f\xc2\x9b\xe2\x80\xae\xf3\xa0\x80\x81"),
+            R"("\u007f\u009b\u202e\udb40\udc01")");
 }
 
 TEST(JsonText, InvalidUtf8IsReadAsLatin1) {
   EXPECT_EQ(JsonString("caf\xe9"), "\"caf\xc3\xa9\"");
   EXPECT_EQ(JsonString("caf\xc3\xa9"), "\"caf\xc3\xa9\"");
-  EXPECT_EQ(JsonString("\xed\xa0\x80"), "\"\xc3\xad\xc2\xa0\xc2\x80\"");
+  EXPECT_EQ(JsonString("\xed\xa0\x80"), "\"\xc3\xad\xc2\xa0\\u0080\"");
 }
 
 TEST(JsonText, Scalars) {

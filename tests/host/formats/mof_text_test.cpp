@@ -15,13 +15,18 @@ using NQZMVTQ20::TCIMValue;
 TEST(MofText, QuotesBackslashesAndControlCharactersAreEscaped) {
   EXPECT_EQ(MofString("a\"b\\c'd"), R"("a\"b\\c'd")");
   EXPECT_EQ(MofString("\b\t\n\f\r"), R"("\b\t\n\f\r")");
-  EXPECT_EQ(MofString(std::string("\0f\x01\x7f", 4)), "\"\\x0000f\\x0001\\x007F\"");
+  EXPECT_EQ(MofString(std::string("\0f\x01\x7f", 4)), "\"\\x0000f\\x0001\\x007f\"");
 }
 
 TEST(MofText, OtherCharactersAreUtf8) {
   EXPECT_EQ(MofString("caf\xc3\xa9 \xf0\x9f\x98\x80"), "\"caf\xc3\xa9 \xf0\x9f\x98\x80\"");
   EXPECT_EQ(MofString("caf\xe9"), "\"caf\xc3\xa9\"");
+}
+
+TEST(MofText, UnsafeCharactersAreEscapedAsUtf16) {
   EXPECT_EQ(MofString("\xc2\x85"), R"("\x0085")");
+  EXPECT_EQ(MofString("\xe2\x80\xae"), R"("\x202e")");
+  EXPECT_EQ(MofString("\xf3\xa0\x80\x81"), R"("\xdb40\xdc01")");
 }
 
 TEST(MofText, Scalars) {

@@ -81,12 +81,26 @@ class MofReader {
     const std::string_view letters = "btnfr\"\\";
     const std::string_view characters = "\b\t\n\f\r\"\\";
     if (rest_.at(0) == 'x') {
-      AppendUtf8(text,
-                 static_cast<char32_t>(std::stoul(std::string(rest_.substr(1, 4)), nullptr, 16)));
-      rest_.remove_prefix(4);
+      AppendUtf8(text, TakeUtf16());
     } else {
       text += characters.at(letters.find(rest_.front()));
     }
+  }
+
+  /// Reads the digits of one escape, or of two that are one character. The last digit stays.
+  char32_t TakeUtf16() {
+    const char32_t unit = TakeUnit();
+    if (unit < 0xD800 || unit > 0xDBFF) return unit;
+    rest_.remove_prefix(1);
+    if (!rest_.starts_with("\\x")) throw std::runtime_error("half a character");
+    rest_.remove_prefix(1);
+    return 0x10000 + ((unit - 0xD800) << 10) + (TakeUnit() - 0xDC00);
+  }
+
+  char32_t TakeUnit() {
+    const std::string digits(rest_.substr(1, 4));
+    rest_.remove_prefix(4);
+    return static_cast<char32_t>(std::stoul(digits, nullptr, 16));
   }
 
   std::string TakeWord() {

@@ -25,9 +25,14 @@ TEST(XmlText, EscapesMarkupWithNamedEntities) {
 TEST(XmlText, KeepsBlanksAndLineFeeds) { EXPECT_EQ(TextElement(" a\tb\n "), "<E> a\tb\n </E>"); }
 
 TEST(XmlText, ReplacesCharactersThatXmlForbids) {
-  EXPECT_EQ(TextElement(std::string("\0\x01\x1f\r", 4)),
-            "<E>\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd</E>");
+  EXPECT_EQ(TextElement(std::string("\0\x01\x1f", 3)),
+            "<E>\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd</E>");
   EXPECT_EQ(TextElement("\xef\xbf\xbe\xef\xbf\xbf"), "<E>\xef\xbf\xbd\xef\xbf\xbd</E>");
+}
+
+TEST(XmlText, RefersToUnsafeCharactersByNumber) {
+  EXPECT_EQ(TextElement("a\r\x7f\xc2\x9b<\xe2\x80\xae\xf3\xa0\x80\x81"),
+            "<E>a&#13;&#127;&#155;&lt;&#8238;&#917505;</E>");
 }
 
 TEST(XmlText, InvalidUtf8IsReadAsLatin1) {

@@ -36,9 +36,9 @@ json JsonOf(const YAML::Node& node) {
 
 /// Parses JSON after replacing U+FFFE, a noncharacter, by U+FFFD, as the YAML library does.
 json AsYamlCarries(std::string text) {
-  const std::string noCharacter = "\xef\xbf\xbe";
+  const std::string noCharacter = "\\ufffe";
   for (std::size_t at = 0; (at = text.find(noCharacter)) != std::string::npos;) {
-    text.replace(at, noCharacter.size(), "\xef\xbf\xbd");
+    text.replace(at, noCharacter.size(), "\\ufffd");
   }
   return json::parse(text);
 }
