@@ -103,6 +103,11 @@ CaptureWriter& CaptureTarget::GetWriter() {
   return *writer_;
 }
 
+std::vector<std::string> CaptureTarget::GetFolders() const {
+  if (form_.kind != TargetKind::kDirectory) return {};
+  return {temporary_};
+}
+
 void CaptureTarget::MakeTemporaryFile() {
   std::string pattern = name_ + ".part-XXXXXX";
   file_ = vtq::FileDescriptor(mkostemp(pattern.data(), O_CLOEXEC));
@@ -117,7 +122,6 @@ void CaptureTarget::MakeTemporaryDirectory() {
 }
 
 void CaptureTarget::Commit() {
-  GetWriter().Finish();
   if (temporary_.empty()) return;
   if (file_.IsOpen()) Require(fsync(file_.Get()) == 0, "cannot write " + name_);
   Require(std::rename(temporary_.c_str(), name_.c_str()) == 0, "cannot write " + name_);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/capture/capture_writer.h"
 #include "runtime/file_descriptor.h"
@@ -25,7 +26,7 @@ TargetForm FormOf(const std::string& name);
 /// The place of a new capture. Until it is committed, all is written beside it under a temporary
 /// name; a target that was not committed leaves nothing behind. Only its owner may read a capture:
 /// it shows what the kernel shows to root only. A process that is forked from the one that made
-/// the target may write and commit the capture: what it leaves when it fails is removed here.
+/// the target may write the capture, and what it leaves when it fails is removed here.
 class CaptureTarget final {
  public:
   /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a name that exists
@@ -39,7 +40,10 @@ class CaptureTarget final {
   /// The writer, made when it is first asked for. Throws what MakeArchiveWriter throws.
   CaptureWriter& GetWriter();
 
-  /// Finishes the writer and gives the capture its name. Throws like the writer.
+  /// Returns the directory that files are made in, if the capture is one.
+  std::vector<std::string> GetFolders() const;
+
+  /// Gives the capture, whose writer has finished, its name. Throws std::system_error.
   void Commit();
 
  private:

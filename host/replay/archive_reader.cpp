@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 #include "host/capture/manifest.h"
@@ -78,11 +79,14 @@ class LibraryReader final : public ArchiveReader {
  private:
   void OpenDirectory(const std::string& name);
   void OpenArchive(const std::string& name);
+  /// Reads the beginning of an archive.
+  void Start();
   std::string_view ReadHole();
   [[noreturn]] void Fail() const;
 
   std::unique_ptr<archive, int (*)(archive*)> archive_;
   archive_entry* entry_ = nullptr;
+  bool hasStarted_ = false;
   std::uint64_t left_ = 0;  ///< unread bytes of the current file
   bool atHole_ = false;     ///< only zeros at the end of the current file are left
   vtq::FileDescriptor file_;
@@ -115,18 +119,22 @@ void LibraryReader::OpenDirectory(const std::string& name) {
 }
 
 void LibraryReader::OpenArchive(const std::string& name) {
-  int descriptor = STDIN_FILENO;
   if (name != "-") {
     file_ = vtq::FileDescriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file_.IsOpen()) throw BadCapture(std::strerror(errno));
-    descriptor = file_.Get();
   }
   archive_.reset(archive_read_new());
   SupportFormats(archive_.get());
-  if (archive_read_open_fd(archive_.get(), descriptor, kBlockSize) != ARCHIVE_OK) Fail();
+}
+
+void LibraryReader::Start() {
+  if (std::exchange(hasStarted_, true) || IsDirectory()) return;
+  const int file = file_.IsOpen() ? file_.Get() : STDIN_FILENO;
+  if (archive_read_open_fd(archive_.get(), file, kBlockSize) != ARCHIVE_OK) Fail();
 }
 
 std::optional<ArchiveEntry> LibraryReader::Next() {
+  Start();
   const int result = archive_read_next_header(archive_.get(), &entry_);
   if (result == ARCHIVE_EOF) return std::nullopt;
   if (result < ARCHIVE_WARN) Fail();

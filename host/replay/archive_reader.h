@@ -32,7 +32,8 @@ class VTQ_EXPORT ArchiveReader {
 };
 
 /// Opens `name` for reading: a file, a directory, or "-" for standard input. Throws BadCapture when
-/// it does not exist or is not a tar archive.
+/// it does not exist. Nothing of an archive is read before the first call of Next, which throws
+/// BadCapture when it is none.
 std::unique_ptr<ArchiveReader> OpenArchive(const std::string& name);
 
 }  // namespace pciinfo

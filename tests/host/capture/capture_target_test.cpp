@@ -61,6 +61,7 @@ TEST_F(CaptureTargetTest, TheNameExistsOnlyAfterCommit) {
     CaptureTarget target(Path(name));
     target.GetWriter().Write({"x", "1", ""});
     EXPECT_THAT(directory_.Names(), ElementsAre(StartsWith(name + ".part-")));
+    target.GetWriter().Finish();
     target.Commit();
     EXPECT_THAT(directory_.Names(), ElementsAre(name));
     fs::remove_all(Path(name));
@@ -79,8 +80,10 @@ TEST_F(CaptureTargetTest, AnUncommittedCaptureIsRemoved) {
 
 TEST_F(CaptureTargetTest, OnlyTheOwnerMayReadIt) {
   CaptureTarget archive(Path("a.tar"));
+  archive.GetWriter().Finish();
   archive.Commit();
   CaptureTarget folder(Path("d/"));
+  folder.GetWriter().Finish();
   folder.Commit();
   EXPECT_EQ(fs::status(Path("a.tar")).permissions(), fs::perms{0600});
   EXPECT_EQ(fs::status(Path("d")).permissions(), fs::perms{0700});
@@ -90,11 +93,13 @@ TEST_F(CaptureTargetTest, AnOldArchiveIsReplacedAndAnEmptyDirectoryUsed) {
   directory_.Write("a.tar", "old");
   CaptureTarget archive(Path("a.tar"));
   EXPECT_EQ(fs::file_size(Path("a.tar")), 3U);
+  archive.GetWriter().Finish();
   archive.Commit();
   EXPECT_GT(fs::file_size(Path("a.tar")), 3U);
   fs::create_directory(Path("d"));
   CaptureTarget folder(Path("d"));
   folder.GetWriter().Write({"x", "1", ""});
+  folder.GetWriter().Finish();
   folder.Commit();
   EXPECT_TRUE(fs::exists(Path("d/x")));
 }
