@@ -33,13 +33,16 @@ bool InChild(const std::function<bool()>& holds) {
   return RunInChild([&] { return holds() ? 0 : 1; }).status == 0;
 }
 
+// An ordinary user cannot change the bounding set, which gives such a user nothing.
+const char* const kSets = geteuid() == 0 ? "Cap[IPEB]*" : "Cap[IPE]*";
+
 /// Whether a program that is started now has the capability in any of its sets.
 bool ProgramsHave(unsigned capability) {
   const RunResult child =
       RunProcess({"/bin/bash", "-c",
-                  "while read -r name value; do case $name in Cap[IPEB]*) "
+                  "while read -r name value; do case $name in $1) "
                   "(( (16#$value >> $0 & 1) == 0 )) || exit 1;; esac; done </proc/self/status",
-                  std::to_string(capability)});
+                  std::to_string(capability), kSets});
   return child.status == 1;
 }
 
@@ -79,7 +82,8 @@ TEST(Confinement, ForACaptureNoCapabilityStays) {
   }));
 }
 
-#ifndef PCIINFO_WATCHED_END
+// A sanitizer keeps its user and writes files: see confinement.cpp.
+#ifndef PCIINFO_SANITIZED
 TEST(Confinement, ForACaptureRootBecomesAnOrdinaryUser) {
   EXPECT_TRUE(InChild([] {
     const uid_t before = geteuid();
