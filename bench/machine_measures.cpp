@@ -78,7 +78,7 @@ void LinkFunctions() {
 void BecomeMachine(unsigned functions) {
   const MemoryFolder folder;
   WriteInProcess(functions, folder.Get());
-  pciinfo::ServeRoot(folder.Get(), pciinfo::CommandSource::kLiveTools);
+  pciinfo::ServeRoot(folder.Get(), {.commands = pciinfo::CommandSource::kLiveTools});
   LinkFunctions();
 }
 

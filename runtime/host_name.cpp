@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <iterator>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace vtq {
 
 namespace {
+
+std::optional<std::string> givenName;
 
 // Returns the names in one line of a hosts file, without the address and a comment (`#`).
 std::vector<std::string> NamesOf(const std::string& line) {
@@ -33,5 +36,9 @@ std::string QualifiedHostName(const std::string& host, std::istream& hostsFile) 
   }
   return host;
 }
+
+void SetSystemName(std::string name) { givenName = std::move(name); }
+
+const std::optional<std::string>& GivenSystemName() noexcept { return givenName; }
 
 }  // namespace vtq

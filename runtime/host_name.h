@@ -2,6 +2,7 @@
 #pragma once
 
 #include <istream>
+#include <optional>
 #include <string>
 
 #include "framework/export.h"
@@ -13,5 +14,12 @@ namespace vtq {
 /// domain or is "localhost", returns `host` itself. Does not ask a name server, because an
 /// inventory must not wait for a network that may be down. Exceptions of the stream pass through.
 VTQ_EXPORT std::string QualifiedHostName(const std::string& host, std::istream& hostsFile);
+
+/// Gives the system another name than this machine's. Call it before the framework's services are
+/// asked for the name, because they remember it.
+VTQ_EXPORT void SetSystemName(std::string name);
+
+/// Returns the name that was set, if one was.
+const std::optional<std::string>& GivenSystemName() noexcept;
 
 }  // namespace vtq

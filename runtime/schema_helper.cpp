@@ -38,6 +38,7 @@ std::string ReadHosts() {
 }
 
 std::string ReadSystemName() {
+  if (vtq::GivenSystemName()) return *vtq::GivenSystemName();
   char host[HOST_NAME_MAX + 1] = {};
   if (::gethostname(host, sizeof host) != 0) return {};
   std::istringstream hosts(ReadHosts());

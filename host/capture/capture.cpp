@@ -75,10 +75,10 @@ ExitStatus Capture(const CaptureOrder& order, CaptureTarget& target, Worker& wor
   Recorder recorder(target.GetWriter(), worker, manifest, order.redact);
   CaptureMachine(recorder);
   recorder.AddManifest();
-  target.Commit();
+  target.GetWriter().Finish();
   worker.BeginOutput();
   TellUnread(recorder.GetNews());
-  return recorder.GetNews().empty() ? kAllCollected : kFailed;
+  return recorder.GetNews().empty() ? kAllCollected : kPartsUnread;
 }
 
 }  // namespace pciinfo

@@ -17,8 +17,12 @@ struct CaptureOrder {
   std::optional<Manifest> origin;
 };
 
-/// Makes a capture. What cannot be read is told on standard error and listed in the manifest.
-/// Throws ClosedPipe and std::exception when there is no capture in the end.
+/// Parts of the machine could not be read, and are not in the capture that was written.
+inline constexpr auto kPartsUnread = static_cast<ExitStatus>(10);
+
+/// Writes a capture; `target` is still to be committed then. What cannot be read is told on
+/// standard error and listed in the manifest. Answers kAllCollected or kPartsUnread. Throws
+/// ClosedPipe and std::exception when there is no capture in the end.
 ExitStatus Capture(const CaptureOrder& order, CaptureTarget& target, Worker& worker);
 
 }  // namespace pciinfo

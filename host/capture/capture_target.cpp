@@ -81,8 +81,12 @@ CaptureWriter& CaptureTarget::GetWriter() {
   return *writer_;
 }
 
+std::vector<std::string> CaptureTarget::GetFolders() const {
+  if (!folder_) return {};
+  return {folder_->GetTemporaryPath()};
+}
+
 void CaptureTarget::Commit() {
-  GetWriter().Finish();
   if (file_) file_->Commit();
   if (folder_) folder_->Commit();
 }

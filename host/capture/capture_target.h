@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/capture/capture_writer.h"
 #include "host/capture/new_entry.h"
@@ -26,7 +27,7 @@ TargetForm FormOf(const std::string& name);
 /// The place of a new capture, which has its name only when it is committed (see NewFile and
 /// NewFolder); a target that was not committed leaves nothing behind. Only its owner may read a
 /// capture: it shows what the kernel shows to root only. A process that is forked from the one that
-/// made the target may write and commit the capture: what it leaves when it fails is removed here.
+/// made the target may write the capture, and what it leaves when it fails is removed here.
 class CaptureTarget final {
  public:
   /// Throws UsageError for a name that FormOf refuses, for a terminal, and for a name that exists
@@ -37,7 +38,10 @@ class CaptureTarget final {
   /// The writer, made when it is first asked for. Throws what MakeArchiveWriter throws.
   CaptureWriter& GetWriter();
 
-  /// Finishes the writer and gives the capture its name. Throws like the writer.
+  /// Returns the directory that files are made in, if the capture is one.
+  std::vector<std::string> GetFolders() const;
+
+  /// Gives the capture, whose writer has finished, its name. Throws std::system_error.
   void Commit();
 
  private:

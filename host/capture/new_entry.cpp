@@ -119,6 +119,10 @@ NewFolder::~NewFolder() {
   unlinkat(place_.GetParent().Get(), place_.GetTemporary().c_str(), AT_REMOVEDIR);
 }
 
+std::string NewFolder::GetTemporaryPath() const {
+  return ParentOf(place_.GetPath()) + "/" + place_.GetTemporary();
+}
+
 void NewFolder::Commit() { place_.TakeOver(folder_); }
 
 }  // namespace pciinfo

@@ -70,6 +70,8 @@ class NewFolder final {
   ~NewFolder();
 
   const vtq::FileDescriptor& GetFolder() const noexcept { return folder_; }
+  /// The path that the directory has until it is committed.
+  std::string GetTemporaryPath() const;
 
   /// Gives the directory its name; an empty directory of that name is replaced.
   void Commit();

@@ -84,6 +84,12 @@ LogSettings OpenLog(const Options& options) {
   return {vtq::MakeFileSink(options.logFile), options.logLevel};
 }
 
+std::vector<std::string> FilesOf(const PluginSet& plugins) {
+  std::vector<std::string> files;
+  for (const PluginFile& plugin : plugins.plugins) files.push_back(plugin.file);
+  return files;
+}
+
 /// A machine as a worker comes to see it.
 class Machine final {
  public:
@@ -93,24 +99,32 @@ class Machine final {
   }
 
   /// Moves this process to the machine: to that of the capture, if the options name one, whose
-  /// manifest it answers.
-  std::optional<Manifest> Enter(Worker& worker) const {
-    std::optional<Manifest> manifest;
-    if (!options_.root.empty()) {
-      worker.Begin({"reading the capture " + Printable(options_.root), true, false});
-      manifest = Serve();
-      worker.EndStep();
-    }
-    worker.Confine();
-    return manifest;
+  /// manifest it answers. From then on it has the rights only that `needs` names.
+  std::optional<Manifest> Enter(Worker& worker, Needs needs) const {
+    needs.liveMachine = options_.root.empty();
+    if (!needs.liveMachine) return EnterCapture(worker, needs);
+    worker.Confine(needs);
+    return std::nullopt;
   }
 
  private:
-  Manifest Serve() const {
+  Manifest EnterCapture(Worker& worker, const Needs& needs) const {
+    worker.Begin({"reading the capture " + Printable(options_.root), true, false});
     const auto commands =
         options_.liveCommands ? CommandSource::kLiveTools : CommandSource::kRecorded;
+    const auto confine = [&](const std::vector<std::string>& writable) {
+      Needs all = needs;
+      all.writable.insert(all.writable.end(), writable.begin(), writable.end());
+      worker.Confine(all);
+    };
+    Manifest manifest = Serve({commands, needs.files, confine, CaptureLimitsOf(options_)});
+    worker.EndStep();
+    return manifest;
+  }
+
+  Manifest Serve(const Replay& replay) const {
     try {
-      return ServeRoot(capture_->GetFile(), commands, CaptureLimitsOf(options_));
+      return ServeRoot(capture_->GetFile(), replay);
     } catch (const BadCapture& bad) {
       throw BadCapture("cannot use the capture " + options_.root + ": " + bad.what());
     }
@@ -128,6 +142,7 @@ class Machine final {
   Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
   for (const PluginFile& plugin : plugins.plugins) session.Load(plugin);
+  if (!options.root.empty()) worker.GiveUpReading();
   worker.EndStep();
   CollectClasses(session, report, job, worker);
   worker.BeginOutput();
@@ -179,7 +194,7 @@ ExitStatus RunView(Options options, const Terminal& terminal) {
   const Machine machine(options);
   return Runner(options).Run(
       [&](Worker& worker) -> ExitStatus {
-        machine.Enter(worker);
+        machine.Enter(worker, {.files = FilesOf(plugins)});
         Show(options, plugins, job, log, worker);
       },
       terminal.pager);
@@ -190,11 +205,16 @@ ExitStatus RunCapture(Options options) {
   const Machine machine(options);
   Runner runner(options);
   CaptureTarget target(options.captureFile);
-  return runner.Run([&](Worker& worker) {
-    const std::optional<Manifest> origin = machine.Enter(worker);
+  const ExitStatus status = runner.Run([&](Worker& worker) {
+    target.GetWriter();  // while the worker has the rights to reach the place
+    const std::optional<Manifest> origin = machine.Enter(
+        worker, {.writable = target.GetFolders(), .keepsUser = !target.GetFolders().empty()});
     worker.Begin({"capturing", true, true});
     return Capture({options.redact, origin}, target, worker);
   });
+  // Not in the worker, which may no longer write to where the user can.
+  if (status == kAllCollected || status == kPartsUnread) target.Commit();
+  return status == kPartsUnread ? kFailed : status;
 }
 
 ExitStatus RunSchema(const Options& options, const Terminal& terminal) {

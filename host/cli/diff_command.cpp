@@ -78,7 +78,7 @@ void TellLeftOut(const DiffSide& side, const std::vector<std::string>& classes) 
 
 ExitStatus CompareAndPrint(const Options& options, const Classes& declared, const DiffSide& before,
                            const DiffSide& after, Worker& worker) {
-  worker.Confine();
+  worker.Confine({});
   worker.Begin({"comparing", true, true});
   const auto oldRepository = ReadSide(before, declared);
   const auto newRepository = ReadSide(after, declared);

@@ -6,6 +6,7 @@
 
 #include "host/base/errors.h"
 #include "host/formats/instance_writer.h"
+#include "host/replay/protection.h"
 #include "host/schema/schema_writer.h"
 
 namespace pciinfo {
@@ -89,7 +90,11 @@ void AddFiles(CLI::App& app, const char* name, std::vector<std::string>& files,
 }
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
-  app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION);
+  // Defined first, and so known when the version is asked for.
+  CLI::Option* verbose =
+      app.add_flag("--verbose", options.isVerbose,
+                   "With --version: say how captures are kept from this machine");
+  verbose->needs(app.set_version_flag("--version", "pciinfo " PCIINFO_VERSION));
   AddFiles(app, "--plugin", options.plugins.added, "Also load this plug-in; may be repeated");
   AddFiles(app, "--only-plugin", options.plugins.only,
            "Load this plug-in instead of the installed ones; may be repeated");
@@ -234,7 +239,8 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
   } catch (const CLI::CallForHelp&) {
     return Answer{false, app->help()};
   } catch (const CLI::CallForVersion& version) {
-    return Answer{false, std::string(version.what()) + "\n"};
+    return Answer{false, std::string(version.what()) + "\n" +
+                             (options.isVerbose ? DescribeProtection() : "")};
   } catch (const CLI::ParseError& error) {
     return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
   } catch (const UsageError& error) {

@@ -56,6 +56,7 @@ struct Options {
   std::optional<int> logLevel;                      ///< 0 to 4; not set: errors and warnings
   double timeout = 600;                             ///< seconds for all collecting
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
+  bool isVerbose = false;                           ///< with --version
   bool inProcess = false;                           ///< no worker: for debuggers
   std::string root;           ///< a capture to show in the place of this machine
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them

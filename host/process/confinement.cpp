@@ -1,71 +1,87 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/process/confinement.h"
 
+#include <grp.h>
 #include <linux/capability.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
+
+#include "host/process/capabilities.h"
+#include "host/process/file_rules.h"
+#include "host/process/system_call_filter.h"
 
 namespace pciinfo {
 namespace {
 
-using CapabilitySets = std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3>;
+// Linux: the user and the group "nobody", which own nothing.
+constexpr unsigned kNobody = 65534;
 
-bool IsNeeded(unsigned capability) noexcept {
-  switch (capability) {
-    case CAP_DAC_OVERRIDE:
-    case CAP_DAC_READ_SEARCH:
-    case CAP_SYS_ADMIN:  // configuration space beyond its first 64 bytes
-    case CAP_SYS_RAWIO:  // firmware tables that tools look for in memory
-      return true;
-    default:
-      return false;
-  }
+// At its end a build for sanitizers or coverage writes files and looks at itself, which takes the
+// user that started it and its file rights.
+#ifdef PCIINFO_WATCHED_END
+constexpr bool kIsWatched = true;
+#else
+constexpr bool kIsWatched = false;
+#endif
+
+// The kernel shows only a holder of CAP_SYS_ADMIN more of a configuration space than its first 64
+// bytes. The filter of system calls takes what else that capability is for.
+constexpr Capabilities kReading = {CAP_DAC_READ_SEARCH, CAP_SYS_ADMIN};
+
+/// A program that was started with another user's rights goes on as its caller.
+void BecomeOrdinaryUser() noexcept {
+  const gid_t group = getgid() != 0 ? getgid() : kNobody;
+  const uid_t user = getuid() != 0 ? getuid() : kNobody;
+  setgroups(0, nullptr);
+  if (setresgid(group, group, group) != 0) return;
+  [[maybe_unused]] const int ignored = setresuid(user, user, user);
 }
 
-bool HasBit(const CapabilitySets& sets, unsigned capability) noexcept {
-  return (sets[CAP_TO_INDEX(capability)].effective & CAP_TO_MASK(capability)) != 0;
+/// Asks for the user of this process, without the capabilities that it has.
+bool CanUserRead(const std::vector<std::string>& files) noexcept {
+  return std::all_of(files.begin(), files.end(),
+                     [](const std::string& file) { return access(file.c_str(), R_OK) == 0; });
 }
 
-void ClearBit(CapabilitySets& sets, unsigned capability) noexcept {
-  __user_cap_data_struct& data = sets[CAP_TO_INDEX(capability)];
-  const __u32 mask = ~CAP_TO_MASK(capability);
-  data.effective &= mask;
-  data.permitted &= mask;
-  data.inheritable &= mask;
-}
-
-/// The bounding set holds for the programs that are started, the other sets for this one.
-template <class Predicate>
-void GiveUp(const Predicate& goes) noexcept {
-  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-  CapabilitySets sets{};
-  if (syscall(SYS_capget, &header, sets.data()) != 0) return;
-  const bool isBoundFree = HasBit(sets, CAP_SETPCAP);  // as it is the first time only
-  for (unsigned capability = 0; capability <= CAP_LAST_CAP; ++capability) {
-    if (!goes(capability)) continue;
-    if (isBoundFree) prctl(PR_CAPBSET_DROP, capability);
-    ClearBit(sets, capability);
-  }
-  syscall(SYS_capset, &header, sets.data());
+/// Which of the capabilities stays turns out when the user is another one.
+void GiveUpRights(const Needs& needs) noexcept {
+  LimitCapabilitiesOfPrograms({});
+  prctl(PR_SET_KEEPCAPS, 1);
+  if (geteuid() == 0 && !needs.keepsUser && !kIsWatched) BecomeOrdinaryUser();
+  prctl(PR_SET_KEEPCAPS, 0);
+  if (CanUserRead(needs.files)) return KeepCapabilities({});
+  KeepCapabilities({CAP_DAC_READ_SEARCH});
 }
 
 }  // namespace
 
-void GiveUpPrivileges() noexcept {
-  GiveUp([](unsigned capability) { return !IsNeeded(capability); });
-  prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+// The rules for files come first: it may take rights to reach the directories in them.
+Confined Confine(const Needs& needs) noexcept {
+  Confined done;
   const rlimit none{0, 0};
   setrlimit(RLIMIT_CORE, &none);
+  prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+  if (!kIsWatched) done.fileRules = WriteOnlyBelow(needs.writable);
+  if (needs.liveMachine) {
+    LimitCapabilitiesOfPrograms(kReading);
+    KeepCapabilities(kReading);
+  } else {
+    GiveUpRights(needs);
+  }
+  done.filtersCalls = FilterSystemCalls(needs.liveMachine ? RefusedCalls::kPowerful
+                                                          : RefusedCalls::kPowerfulAndNetwork);
+  done.hasNoCapabilities = HasNoCapabilities();
+  done.isOrdinaryUser = geteuid() != 0;
+  return done;
 }
 
-void GiveUpHardwareAccess() noexcept {
-  GiveUp([](unsigned capability) { return capability == CAP_SYS_RAWIO; });
-}
+void GiveUpReading() noexcept { GiveUpCapability(CAP_DAC_READ_SEARCH); }
+
+void GiveUpHardwareAccess() noexcept { GiveUpCapability(CAP_SYS_RAWIO); }
 
 void LimitMemory(std::uint64_t bytes) noexcept {
   rlimit limit{};

@@ -2,15 +2,40 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace pciinfo {
 
-/// Takes from this process and its children, for good, what reading the inventory needs no right
-/// to: of a privileged user's capabilities those stay that reach unreadable files, whole
-/// configuration spaces and firmware tables; nobody gains privileges by starting a program; and no
-/// core file is written, which would hold what only the privileged may read. What the process never
-/// had is not missed.
-void GiveUpPrivileges() noexcept;
+/// What a process is about to do, and so may still do when it is confined.
+struct Needs {
+  /// Reads this machine: of a privileged user's capabilities those for reading stay. Otherwise no
+  /// capability stays, and the process becomes an ordinary user's.
+  bool liveMachine = false;
+  /// Files that are opened later. If an ordinary user cannot read them, the right to read every
+  /// file stays until GiveUpReading.
+  std::vector<std::string> files{};
+  /// Directories that files are made in.
+  std::vector<std::string> writable{};
+  /// One of these directories belongs to the user who started the program.
+  bool keepsUser = false;
+};
+
+/// What the kernel did of what it was asked for. What it does not have is no error.
+struct Confined {
+  bool hasNoCapabilities = false;
+  bool isOrdinaryUser = false;
+  bool filtersCalls = false;  ///< see FilterSystemCalls
+  int fileRules = 0;          ///< see WriteOnlyBelow
+};
+
+/// Takes from this process and the programs that it starts, for good, what `needs` does not name:
+/// capabilities, the user root, gaining privileges by starting a program, system calls that reach
+/// beyond files, writing files, and core files, which would hold what only the privileged may read.
+Confined Confine(const Needs& needs) noexcept;
+
+/// Takes the right to read every file too, if Confine left it because of files.
+void GiveUpReading() noexcept;
 
 /// Takes from the process and its children what a privileged user's tools could reach the real
 /// hardware with, past all files. Does nothing where there is no such privilege.

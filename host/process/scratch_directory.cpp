@@ -28,9 +28,8 @@ ScratchDirectory::~ScratchDirectory() {
   }
 }
 
-void ScratchDirectory::Enter() const noexcept {
-  if (path_.empty()) return;
-  [[maybe_unused]] const int ignored = chdir(path_.c_str());
+bool ScratchDirectory::Enter() const noexcept {
+  return !path_.empty() && chdir(path_.c_str()) == 0;
 }
 
 }  // namespace pciinfo

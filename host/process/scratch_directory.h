@@ -16,8 +16,8 @@ class ScratchDirectory final {
   /// Removes it with all that is in it.
   ~ScratchDirectory();
 
-  /// Makes it the working directory of this process, or does nothing where there is none.
-  void Enter() const noexcept;
+  /// Makes it the working directory of this process. Answers whether there is one.
+  bool Enter() const noexcept;
 
  private:
   std::string path_;

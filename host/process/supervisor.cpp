@@ -127,7 +127,7 @@ class Supervisor final {
  private:
   void StartWorker();
   [[noreturn]] void RunWorker(vtq::FileDescriptor reports);
-  void ConfineWorker() const;
+  void ConfineWorker(Needs needs) const;
 
   void Wait();
   void TakeSignals();
@@ -182,15 +182,15 @@ void Supervisor::RunWorker(vtq::FileDescriptor reports) {
   }
   if (limits_.memory) LimitMemory(*limits_.memory);
   Worker worker({std::move(reports), failed_, std::move(lateMessages), line_.IsWanted(),
-                 [this] { ConfineWorker(); }});
+                 [this](const Needs& needs) { ConfineWorker(needs); }});
   worker.End(RunGuarded([&] { return work_(worker); }));
 }
 
-void Supervisor::ConfineWorker() const {
-  GiveUpPrivileges();
-  // Where the worker changed its credentials on the way here, the kernel has forgotten this.
+void Supervisor::ConfineWorker(Needs needs) const {
+  if (directory_.Enter()) needs.writable.emplace_back(".");
+  Confine(needs);
+  // When a process becomes another user's, the kernel forgets this.
   DieWithParent(process_);
-  directory_.Enter();
 }
 
 void Supervisor::Wait() {

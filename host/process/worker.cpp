@@ -9,8 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "host/process/confinement.h"
-
 namespace pciinfo {
 
 void Worker::Send(Report::Kind kind, const Step& step) {
@@ -45,8 +43,12 @@ void Worker::EndStep() {
 
 void Worker::Tell(const std::string& what) { Send(Report::Kind::kProgress, {what}); }
 
-void Worker::Confine() const {
-  if (link_.confine) link_.confine();
+void Worker::Confine(const Needs& needs) const {
+  if (link_.confine) link_.confine(needs);
+}
+
+void Worker::GiveUpReading() const {
+  if (link_.confine) pciinfo::GiveUpReading();
 }
 
 void Worker::BeginOutput() {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "host/base/exit_status.h"
+#include "host/process/confinement.h"
 #include "runtime/file_descriptor.h"
 
 namespace pciinfo {
@@ -46,7 +47,7 @@ struct WorkerLink {
   std::map<int, std::string> failed;  ///< why steps failed in workers before this one, by number
   vtq::FileDescriptor lateMessages;  ///< a file for messages while a pager shows the output, if any
   bool hasProgressLine = false;      ///< the supervisor may be showing one
-  std::function<void()> confine;     ///< see Worker::Confine
+  std::function<void(const Needs&)> confine;  ///< see Worker::Confine
 };
 
 /// The worker's side of its supervision: it says how far it is, so that the supervisor knows what
@@ -68,9 +69,11 @@ class Worker final {
   /// What the step is doing now, for the progress line.
   void Tell(const std::string& what);
 
-  /// Gives up for good what plug-ins and tools do not need: privileges and the user's working
-  /// directory. Does nothing without a supervisor.
-  void Confine() const;
+  /// Gives up for good what the rest of the work does not need: rights (see Confine) and the user's
+  /// working directory. Does nothing without a supervisor.
+  void Confine(const Needs& needs) const;
+  /// Gives up what Confine left for the files of `needs`. Does nothing without a supervisor.
+  void GiveUpReading() const;
   /// To be called before the first output: returns when the progress line is erased. What goes to
   /// standard error from now on is shown when the pager has ended.
   void BeginOutput();

@@ -68,6 +68,8 @@ class LibraryReader final : public CaptureReader {
   std::string_view Read() override;
 
  private:
+  /// Reads the beginning of the archive.
+  void Start();
   std::string_view ReadHole();
   void RequireEndMarker() const;
   [[noreturn]] void Fail() const;
@@ -75,6 +77,7 @@ class LibraryReader final : public CaptureReader {
   vtq::FileDescriptor file_;
   std::unique_ptr<archive, int (*)(archive*)> archive_;
   archive_entry* entry_ = nullptr;
+  bool hasStarted_ = false;
   std::uint64_t left_ = 0;  ///< unread bytes of the current file
   bool atHole_ = false;     ///< only zeros at the end of the current file are left
   std::vector<char> buffer_;
@@ -87,10 +90,15 @@ LibraryReader::LibraryReader(vtq::FileDescriptor file)
   SupportFormats(archive_.get());
   // It reads on to the end of the file, so that a compressed file that is cut off there is noticed.
   archive_read_set_option(archive_.get(), "tar", "read_concatenated_archives", "1");
+}
+
+void LibraryReader::Start() {
+  if (std::exchange(hasStarted_, true)) return;
   if (archive_read_open_fd(archive_.get(), file_.Get(), kBlockSize) != ARCHIVE_OK) Fail();
 }
 
 std::optional<ArchiveEntry> LibraryReader::Next() {
+  Start();
   const int result = archive_read_next_header(archive_.get(), &entry_);
   if (result == ARCHIVE_EOF) {
     RequireEndMarker();

@@ -33,11 +33,11 @@ class VTQ_EXPORT CaptureReader {
 };
 
 /// Opens `name` for reading: a file, a directory, or "-" for standard input. Throws BadCapture when
-/// it does not exist or is neither a directory nor a tar archive.
+/// it does not exist. Nothing of an archive is read before the first call of Next, which throws
+/// BadCapture when it is none.
 std::unique_ptr<CaptureReader> OpenCapture(const std::string& name);
 
-/// Reads an open tar archive (uncompressed, gzip, bzip2, xz, lzma, zstd or lz4). Throws BadCapture
-/// when it is none.
+/// Reads an open tar archive (uncompressed, gzip, bzip2, xz, lzma, zstd or lz4), see OpenCapture.
 std::unique_ptr<CaptureReader> OpenArchive(vtq::FileDescriptor file);
 
 /// Reads an open directory, without following links or waiting for pipes and devices in it,

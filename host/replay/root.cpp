@@ -2,19 +2,22 @@
 #include "host/replay/root.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
-#include <cctype>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <utility>
 
 #include "host/capture/capture_tree.h"
 #include "host/process/confinement.h"
 #include "host/replay/capture_reader.h"
+#include "host/replay/hidden_machine.h"
 #include "host/replay/root_namespace.h"
 #include "host/replay/root_unpack.h"
 #include "runtime/command_replay.h"
+#include "runtime/host_name.h"
 
 namespace pciinfo {
 namespace {
@@ -25,30 +28,17 @@ namespace fs = std::filesystem;
 // this directory, and the captured /sys hides it in the end anyway.
 constexpr const char* kTree = "/sys";
 
-/// Programs need other parts of /proc, such as /proc/self. So the real /proc is bind-mounted below
-/// the captured one, which has links into it for everything but PCI and other processes.
-void LinkRealProc() {
-  const fs::path real = fs::path(kTree) / kOwnFolder / "real";
-  fs::create_directories(real);
-  ShowAt("/proc", real);
-  for (const fs::directory_entry& entry : fs::directory_iterator(real)) {
-    const std::string name = entry.path().filename();
-    const bool isProcess = std::isdigit(static_cast<unsigned char>(name.front())) != 0;
-    const bool isOther = isProcess && name != std::to_string(getpid());
-    if (isOther || name == "bus" || name == "pci") continue;
-    fs::create_symlink(fs::path("pciinfo/real") / name, fs::path(kTree) / "proc" / name);
+/// Whoever unpacks the archive and collects may write here; only this process and its children see
+/// these directories.
+void MakeWritableFolder(const fs::path& folder) {
+  fs::create_directories(folder);
+  fs::permissions(folder, fs::perms::all);
+}
+
+void MakeFolders() {
+  for (const char* const folder : {"proc", "sys", kOwnFolder, kWorkFolder}) {
+    MakeWritableFolder(fs::path(kTree) / folder);
   }
-}
-
-void PutInPlace() {
-  ShowAt(fs::path(kTree) / "proc", "/proc");
-  ShowAt(fs::path(kTree) / "sys", "/sys");  // hides the tree itself
-}
-
-void MoveToEmptyFolder() {
-  const fs::path folder = fs::path("/") / kOwnFolder / "work";
-  fs::create_directory(folder);
-  fs::current_path(folder);
 }
 
 /// The file system gets room for the pages that small files do not fill, and for this program's own
@@ -60,18 +50,6 @@ void MountTree(const CaptureLimits& limits) {
               fmt::format("size={},nr_inodes={}", 2 * limits.bytes, limits.entries + kOwnEntries));
 }
 
-Unpacked UnpackToTree(CaptureReader& reader, const CaptureLimits& limits) {
-  CaptureTree tree(kTree);
-  tree.MakeFolder("sys");
-  tree.MakeFolder(kCommandsFolder);
-  try {
-    return UnpackCapture(reader, tree, limits);
-  } catch (const std::system_error& failure) {
-    if (failure.code() != std::errc::no_space_on_device) throw;
-    throw BadCapture("it needs more memory than it may take (see --memory-limit)");
-  }
-}
-
 Manifest ReadManifest(const Unpacked& unpacked) {
   const Manifest manifest = unpacked.manifest ? ParseManifest(*unpacked.manifest) : Manifest{};
   if (unpacked.parts >= manifest.parts.value_or(0)) return manifest;
@@ -81,25 +59,43 @@ Manifest ReadManifest(const Unpacked& unpacked) {
       *manifest.parts, unpacked.parts));
 }
 
-Manifest Serve(CaptureReader& reader, const CaptureLimits& limits) {
+Manifest Unpack(CaptureReader& reader, CaptureTree& tree, const CaptureLimits& limits) {
+  tree.MakeFolder(kCommandsFolder);
+  try {
+    return ReadManifest(UnpackCapture(reader, tree, limits));
+  } catch (const std::system_error& failure) {
+    if (failure.code() != std::errc::no_space_on_device) throw;
+    throw BadCapture("it needs more memory than it may take (see --memory-limit)");
+  }
+}
+
+// A directory is read with the rights of the user who named it: there is no format to be parsed,
+// and perhaps nobody else may read it.
+Manifest Serve(CaptureReader& reader, const Replay& replay) {
+  const mode_t mask = umask(022);  // the process may be another user's when it reads the tree
   EnterNamespaces();
-  MountTree(limits);
-  Manifest manifest = ReadManifest(UnpackToTree(reader, limits));
-  LinkRealProc();
-  PutInPlace();
-  NameSystem(manifest.systemName, fs::path("/") / kOwnFolder / "hosts");
+  MountTree(replay.limits);
+  MakeFolders();
+  CaptureTree tree(kTree);
+  std::optional<Manifest> manifest;
+  if (reader.IsDirectory()) manifest = Unpack(reader, tree, replay.limits);
+  HideMachine(kTree, replay.files);
+  HideSystemName();
+  fs::current_path(fs::path("/") / kWorkFolder);
   GiveUpHardwareAccess();
-  MoveToEmptyFolder();
-  return manifest;
+  replay.confine({"/proc", "/sys", "."});
+  if (!manifest) manifest = Unpack(reader, tree, replay.limits);
+  umask(mask);
+  vtq::SetSystemName(manifest->systemName);
+  return std::move(*manifest);
 }
 
 }  // namespace
 
-Manifest ServeRoot(const std::string& capture, CommandSource commands,
-                   const CaptureLimits& limits) {
-  Manifest manifest = Serve(*OpenCapture(capture), limits);
-  const bool replay = commands == CommandSource::kRecorded;
-  vtq::ReplayCommandsFrom(replay ? fs::path("/") / kCommandsFolder : "");
+Manifest ServeRoot(const std::string& capture, const Replay& replay) {
+  Manifest manifest = Serve(*OpenCapture(capture), replay);
+  const bool isRecorded = replay.commands == CommandSource::kRecorded;
+  vtq::ReplayCommandsFrom(isRecorded ? fs::path("/") / kCommandsFolder : "");
   return manifest;
 }
 

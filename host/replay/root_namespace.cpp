@@ -6,7 +6,6 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -16,8 +15,6 @@
 namespace pciinfo {
 namespace {
 
-// Linux: __NEW_UTS_LEN.
-constexpr std::size_t kLongestHostName = 64;
 constexpr int kNamespaces = CLONE_NEWNS | CLONE_NEWUTS;
 constexpr const char* kAppArmorSwitch = "/proc/sys/kernel/apparmor_restrict_unprivileged_userns";
 
@@ -58,7 +55,8 @@ void EnterNamespaces() {
 }
 
 void MountMemory(const std::string& place, const std::string& limits) {
-  Require(mount("tmpfs", place.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, limits.c_str()) == 0,
+  const std::string options = "mode=0755" + (limits.empty() ? "" : "," + limits);
+  Require(mount("tmpfs", place.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options.c_str()) == 0,
           "mount a file system in memory");
 }
 
@@ -67,15 +65,6 @@ void ShowAt(const std::string& from, const std::string& place) {
           "bind-mount a directory");
 }
 
-void NameSystem(const std::string& name, const std::string& hostsFile) {
-  // The kernel cannot hold a name of more than 64 characters: then the host name is the part before
-  // the dot, and the hosts file adds the domain.
-  const bool fits = name.size() <= kLongestHostName;
-  const std::string host = fits ? name : name.substr(0, std::min(name.find('.'), kLongestHostName));
-  WriteText(hostsFile, fits ? "" : "0.0.0.0 " + name + " " + host + "\n");
-  Require(sethostname(host.data(), host.size()) == 0, "set a host name");
-  std::error_code ignored;
-  if (std::filesystem::exists("/etc/hosts", ignored)) ShowAt(hostsFile, "/etc/hosts");
-}
+void HideSystemName() { Require(sethostname("", 0) == 0, "set a host name"); }
 
 }  // namespace pciinfo

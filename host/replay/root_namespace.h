@@ -12,17 +12,15 @@ namespace pciinfo {
 /// kernel does not allow it.
 void EnterNamespaces();
 
-/// Mounts an empty tmpfs over the directory `place`, with limits as tmpfs(5) writes them
-/// ("size=4096,nr_inodes=10"). Throws like EnterNamespaces.
+/// Mounts an empty tmpfs, which its maker may write, over the directory `place`, with limits as
+/// tmpfs(5) writes them ("size=4096,nr_inodes=10"). Throws like EnterNamespaces.
 void MountMemory(const std::string& place, const std::string& limits = "");
 
 /// Bind-mounts the file or directory `from`, with the mounts in it, over `place`. Throws like
 /// EnterNamespaces.
 void ShowAt(const std::string& from, const std::string& place);
 
-/// Sets the host name. Call it before the framework's services are asked for the system's name,
-/// because they remember it. `hostsFile` is overwritten and bind-mounted over /etc/hosts, so that
-/// this machine's own names are not found. Throws like EnterNamespaces.
-void NameSystem(const std::string& name, const std::string& hostsFile);
+/// Makes the host name empty. Throws like EnterNamespaces.
+void HideSystemName();
 
 }  // namespace pciinfo

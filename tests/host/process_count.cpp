@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <stdexcept>
 
@@ -37,9 +38,15 @@ vtq::FileDescriptor OpenTerminal() {
   _exit(Execute(words));
 }
 
-std::string ProgramOf(pid_t process) {
-  const auto link = std::filesystem::path("/proc") / std::to_string(process) / "exe";
-  return std::filesystem::read_symlink(link).filename();
+/// The command line of a process, with a blank between its words and the program without its
+/// folder.
+std::string CommandOf(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/cmdline");
+  std::string word;
+  std::getline(file, word, '\0');
+  std::string command = std::filesystem::path(word).filename();
+  while (std::getline(file, word, '\0')) command += " " + word;
+  return command;
 }
 
 /// Follows a program by the kernel's means for debuggers, which miss no process.
@@ -60,16 +67,16 @@ class Trace final {
     for (pid_t process = 0; (process = waitpid(-1, &status, __WALL)) > 0;) {
       if (WIFSTOPPED(status)) GoOn(process, status);
     }
-    std::vector<std::string> names;
-    for (const auto& [process, name] : programs_) names.push_back(name);
-    return names;
+    std::vector<std::string> commands;
+    for (const auto& [process, command] : commands_) commands.push_back(command);
+    return commands;
   }
 
  private:
   void GoOn(pid_t process, int status) {
-    if (process != first_) programs_.try_emplace(process);
+    if (process != first_) commands_.try_emplace(process);
     const int event = status >> 16;
-    if (event == PTRACE_EVENT_EXEC && process != first_) programs_[process] = ProgramOf(process);
+    if (event == PTRACE_EVENT_EXEC && process != first_) commands_[process] = CommandOf(process);
     const int signal = WSTOPSIG(status);
     // A process that is new begins stopped; stops for events are no signals.
     const bool isSignal = event == 0 && signal != SIGSTOP && signal != SIGTRAP;
@@ -77,7 +84,7 @@ class Trace final {
   }
 
   pid_t first_;
-  std::map<pid_t, std::string> programs_;  // in the order of their numbers
+  std::map<pid_t, std::string> commands_;  // in the order of their numbers
 };
 
 }  // namespace

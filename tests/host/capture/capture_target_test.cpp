@@ -70,6 +70,7 @@ TEST_F(CaptureTargetTest, AnArchiveIsVisibleOnlyAfterCommit) {
     target.GetWriter().Write({"x", "1", ""});
     EXPECT_EQ(directory_.Names(), names);
     EXPECT_EQ(directory_.Read("a.tar.gz"), before);
+    target.GetWriter().Finish();
     target.Commit();
     EXPECT_THAT(directory_.Names(), ElementsAre("a.tar.gz"));
     EXPECT_NE(directory_.Read("a.tar.gz"), before);
@@ -84,6 +85,7 @@ TEST_F(CaptureTargetTest, WithoutProcAnArchiveHasATemporaryName) {
     MountMemory("/proc");
     CaptureTarget target(Path("a.tar"));
     EXPECT_THAT(directory_.Names(), ElementsAre(StartsWith("a.tar.part-")));
+    target.GetWriter().Finish();
     target.Commit();
     EXPECT_THAT(directory_.Names(), ElementsAre("a.tar"));
     { const CaptureTarget abandoned(Path("b.tar")); }
@@ -107,6 +109,7 @@ TEST_F(CaptureTargetTest, AnotherProcessMayWriteIt) {
       CaptureTarget target(Path(name));
       const RunResult child = RunInChild([&target] {
         target.GetWriter().Write({"x", "1", ""});
+        target.GetWriter().Finish();
         target.Commit();
         return 0;
       });
@@ -225,8 +228,10 @@ TEST_F(CaptureTargetTest, AnUncommittedCaptureIsRemoved) {
 
 TEST_F(CaptureTargetTest, OnlyTheOwnerMayReadIt) {
   CaptureTarget archive(Path("a.tar"));
+  archive.GetWriter().Finish();
   archive.Commit();
   CaptureTarget folder(Path("d/"));
+  folder.GetWriter().Finish();
   folder.Commit();
   EXPECT_EQ(fs::status(Path("a.tar")).permissions(), fs::perms{0600});
   EXPECT_EQ(fs::status(Path("d")).permissions(), fs::perms{0700});
@@ -236,11 +241,13 @@ TEST_F(CaptureTargetTest, AnOldArchiveIsReplacedAndAnEmptyDirectoryUsed) {
   directory_.Write("a.tar", "old");
   CaptureTarget archive(Path("a.tar"));
   EXPECT_EQ(fs::file_size(Path("a.tar")), 3U);
+  archive.GetWriter().Finish();
   archive.Commit();
   EXPECT_GT(fs::file_size(Path("a.tar")), 3U);
   fs::create_directory(Path("d"));
   CaptureTarget folder(Path("d"));
   folder.GetWriter().Write({"x", "1", ""});
+  folder.GetWriter().Finish();
   folder.Commit();
   EXPECT_TRUE(fs::exists(Path("d/x")));
 }

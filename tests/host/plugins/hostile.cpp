@@ -69,6 +69,12 @@ void WriteFile() {
   fake::Log(3, "wrote into: " + std::filesystem::current_path().string());
 }
 
+/// Runs the shell command of another environment variable, as a tool that a plug-in uses.
+void RunCommand() {
+  const char* const command = std::getenv("HOSTILE_COMMAND");
+  [[maybe_unused]] const int ignored = std::system(command == nullptr ? "" : command);
+}
+
 /// Text that stays in the buffer of stdout until the program exits.
 void PrintToStdout() { std::fputs("unasked", stdout); }
 
@@ -84,6 +90,7 @@ const std::map<std::string, void (*)()> kActs = {
     {"LeaveProcessAndAbort", act::LeaveProcessAndAbort},
     {"CloseFiles", act::CloseFiles},
     {"WriteFile", act::WriteFile},
+    {"RunCommand", act::RunCommand},
     {"PrintToStdout", act::PrintToStdout},
 };
 

@@ -138,8 +138,8 @@ TEST_F(WorkerTest, EndsWhenItsSupervisorHasGone) {
 
 TEST_F(WorkerTest, ConfinesItselfAsItIsTold) {
   bool isConfined = false;
-  link_.confine = [&isConfined] { isConfined = true; };
-  Start().Confine();
+  link_.confine = [&isConfined](const Needs&) { isConfined = true; };
+  Start().Confine({});
   EXPECT_TRUE(isConfined);
 }
 
@@ -148,7 +148,7 @@ TEST_F(WorkerTest, WithoutASupervisorNothingIsToldOrLeftOut) {
   EXPECT_EQ(alone.Begin({"step"}), std::nullopt);
   alone.EndStep();
   alone.BeginOutput();
-  alone.Confine();
+  alone.Confine({});
   EXPECT_EQ(Next(), std::nullopt);
 }
 

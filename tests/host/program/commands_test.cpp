@@ -184,6 +184,13 @@ TEST(Program, WrongOptionsAreWrongUsage) {
   EXPECT_EQ(RunPciinfo({"instances", "--format", "xml"}).status, 2);
 }
 
+TEST(Program, TheVersionSaysOnDemandHowCapturesAreKeptAway) {
+  const RunResult result = RunPciinfo({"--version", "--verbose"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, testing::StartsWith("pciinfo " PCIINFO_VERSION "\nCaptures "));
+  EXPECT_EQ(RunPciinfo({"--verbose"}).status, 2);
+}
+
 TEST(Program, HelpAndVersionGoToStandardOutput) {
   EXPECT_EQ(RunPciinfo({"--version"}).out, "pciinfo " PCIINFO_VERSION "\n");
   EXPECT_EQ(RunPciinfo({"slots", "--help"}).status, 0);

@@ -94,26 +94,27 @@ std::string WithTool(const std::string& script) {
          "mount --bind /tmp/$$.tool /usr/bin/lspci && rm /tmp/$$.tool";
 }
 
-/// Returns the calls of lspci in a run of the program after `change`, one line per call.
-std::string RunsOfTheTool(const std::string& change, const std::string& words) {
-  return RunHidden(
-             "touch /tmp/$$.runs && " + WithTool("echo ran \\$* >>/tmp/$$.runs") + " && " + change,
-             "$PCIINFO " + words + " >/dev/null 2>&1; cat /tmp/$$.runs; rm /tmp/$$.runs")
-      .out;
+/// Returns the calls of lspci in a run of the program after `change`.
+std::vector<std::string> RunsOfTheTool(const std::string& change, const std::string& words) {
+  std::vector<std::string> commands =
+      ProgramsStartedBy({"unshare", "--user", "--map-root-user", "--mount", "/bin/bash", "-c",
+                         change + " && " PCIINFO_PROGRAM " " + words + "; true"});
+  std::erase_if(commands, [](const std::string& command) { return !command.starts_with("lspci"); });
+  return commands;
 }
 
 TEST_F(Surroundings, TheListingIsMadeOnceAndOnlyForClassesThatNeedIt) {
   const auto runsOf = [&](const std::string& words) { return RunsOfTheTool("true", words); };
-  EXPECT_EQ(runsOf("instances QZMSG_PCIDevice QZMSG_PCIBridge"), "ran\n");
-  EXPECT_EQ(runsOf("devices"), "ran\n");
-  EXPECT_EQ(runsOf("instances QZMSG_SystemBoard QZMSG_SystemSlot"), "");
-  EXPECT_EQ(runsOf("instances QZMSG_PCIRawData"), "ran -xxxx\nran -vvv\n");
+  EXPECT_THAT(runsOf("instances QZMSG_PCIDevice QZMSG_PCIBridge"), ElementsAre("lspci"));
+  EXPECT_THAT(runsOf("devices"), ElementsAre("lspci"));
+  EXPECT_THAT(runsOf("instances QZMSG_SystemBoard QZMSG_SystemSlot"), IsEmpty());
+  EXPECT_THAT(runsOf("instances QZMSG_PCIRawData"), ElementsAre("lspci -xxxx", "lspci -vvv"));
 }
 
 TEST_F(Surroundings, TheListingIsNotMadeForWrongUsageOrAnEmptyMachine) {
-  EXPECT_EQ(RunsOfTheTool("true", "devices --bogus"), "");
-  EXPECT_EQ(RunsOfTheTool("true", "instances QZMSG_Nothing"), "");
-  EXPECT_EQ(RunsOfTheTool(kWithoutPciBus, "devices"), "");
+  EXPECT_THAT(RunsOfTheTool("true", "devices --bogus"), IsEmpty());
+  EXPECT_THAT(RunsOfTheTool("true", "instances QZMSG_Nothing"), IsEmpty());
+  EXPECT_THAT(RunsOfTheTool(kWithoutPciBus, "devices"), IsEmpty());
 }
 
 TEST_F(Surroundings, AToolThatHangsIsKilled) {
@@ -134,8 +135,8 @@ TEST_F(Surroundings, OutputOfAToolThatDiesIsDropped) {
 }
 
 TEST_F(Surroundings, AToolThatHangsOnceIsRunAgainForTheOtherClasses) {
-  const std::string tool = WithTool("mkdir /tmp/$$.once && sleep 987657; echo 00:00.0 Host bridge");
-  const RunResult result = RunHidden(tool, "$PCIINFO devices --timeout 4; rmdir /tmp/$$.once");
+  const std::string tool = WithTool("mkdir once && sleep 987657; echo 00:00.0 Host bridge");
+  const RunResult result = RunHidden(tool, "$PCIINFO devices --timeout 4");
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre(StartsWith("pciinfo: QZMSG_PCIDevice: the plug-in was stopped after ")));
 }

@@ -92,6 +92,15 @@ TEST_F(Root, ShowsItsNameAndReplaysItsCommands) {
   EXPECT_THAT(result.out, HasSubstr("\"RawResult\":[\"recorded verbose\"]"));
 }
 
+TEST_F(Root, ANameMayBeLongerThanThoseOfTheKernel) {
+  const std::string name = std::string(60, 'a') + "." + std::string(60, 'b');
+  std::vector<MadeEntry> machine = SmallMachine();
+  machine.back().content = R"({"formatVersion": 1, "systemName": ")" + name + "\"}";
+  const RunResult result = RunPciinfo(
+      {"--root", Archive(machine), "instances", "QZMSG_SystemBoard", "--format", "json"});
+  EXPECT_THAT(result.out, HasSubstr("\"SystemName\":\"" + name + "\""));
+}
+
 TEST_F(Root, RunsTheRealToolsOnTheCapturedFiles) {
   const RunResult result = RunPciinfo(
       {"--root", Archive(SmallMachine()), "--live-commands", "instances", "--format", "json"});
