@@ -5,7 +5,10 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The pciinfo authors <pciinfo@example.org>")
 set(CPACK_PACKAGE_VENDOR "The pciinfo authors")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
+# Debug information goes to packages of its own (PACKAGE-dbgsym); what remains is stripped.
+foreach(component LIBRARY PLUGIN TOOL)
+  set(CPACK_DEBIAN_${component}_DEBUGINFO_PACKAGE ON)
+endforeach()
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_COMPONENTS_ALL library plugin tool development)

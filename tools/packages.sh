@@ -16,7 +16,7 @@ test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less py
 # What the slow tests need beside these: valgrind, emulated machines, other shells.
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish)
 # What packing, and checking the packages, needs beside these.
-package_packages=(dpkg-dev file lintian mmdebstrap)
+package_packages=(binutils dpkg-dev file lintian mmdebstrap)
 # Packages that the fuzzers need besides the first list.
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
 # Packages that the measurements need besides the first list.

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/collect/plugin_files.h"
 
+#include <dirent.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "host/base/errors.h"
 #include "host/console/text.h"
@@ -27,10 +31,15 @@ std::string ClassFileOf(const std::string& plugin) {
   return std::string(stem) + ".classes.json";
 }
 
+// Without std::filesystem::directory_iterator, which ends the program where memory does not
+// suffice.
 std::vector<std::string> PluginsIn(const std::string& directory) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(directory.c_str()), &closedir);
+  if (!folder) throw std::system_error(errno, std::generic_category(), "cannot read " + directory);
   std::vector<std::string> plugins;
-  for (const auto& entry : fs::directory_iterator(directory)) {
-    if (entry.path().string().ends_with(kPluginSuffix)) plugins.push_back(entry.path());
+  while (const dirent* const entry = readdir(folder.get())) {
+    const std::string_view name = entry->d_name;
+    if (name.ends_with(kPluginSuffix)) plugins.push_back(directory + "/" + entry->d_name);
   }
   if (plugins.empty()) {
     throw std::runtime_error(fmt::format(

@@ -21,9 +21,11 @@ namespace fs = std::filesystem;
 // What tells of this machine or reaches it. Links (/lib/modules may stand below /usr) are followed.
 constexpr std::array kHidden = {"/etc", "/dev", "/run", "/boot", "/lib/modules"};
 
-/// What programs need of these places whatever machine they are shown.
-constexpr std::array kNeeded = {"/etc/ld.so.cache", "/etc/alternatives", "/dev/null",   "/dev/zero",
-                                "/dev/full",        "/dev/random",       "/dev/urandom"};
+/// What programs need of these places whatever machine they are shown. The database of udev has
+/// names of functions.
+constexpr std::array kNeeded = {"/etc/ld.so.cache", "/etc/alternatives", "/etc/udev/hwdb.bin",
+                                "/dev/null",        "/dev/zero",         "/dev/full",
+                                "/dev/random",      "/dev/urandom"};
 
 bool Exists(const fs::path& path) {
   std::error_code ignored;
@@ -46,6 +48,7 @@ void Keep(const fs::path& tree, const fs::path& path) {
   if (fs::is_directory(path)) {
     fs::create_directories(place);
   } else {
+    fs::create_directories(place.parent_path());
     std::ofstream(place).flush();  // something to mount over
   }
   ShowAt(path, place);
@@ -85,9 +88,7 @@ void ShowOwnProcesses(const fs::path& tree) {
 }  // namespace
 
 void HideMachine(const std::string& tree, const std::vector<std::string>& files) {
-  for (const char* const place : kHidden) {
-    if (Exists(place)) fs::create_directories(InTree(tree, place));
-  }
+  for (const char* const place : kHidden) fs::create_directories(InTree(tree, place));
   for (const char* const path : kNeeded) Keep(tree, path);
   KeepFolders(tree, files);
   LinkDescriptors(tree);
