@@ -15,22 +15,22 @@ namespace bench {
 namespace {
 
 // Writes the kernel's files of the slots.
-void WriteKernelSlots(const MachinePlan& plan, const fs::path& folder) {
+void WriteKernelSlots(const MachinePlan& plan, const fs::path& directory) {
   for (std::size_t i = 0; i < plan.slots.size(); ++i) {
     const PlannedSlot& slot = plan.slots[i];
     if (slot.bus == 0) continue;
-    const fs::path place = folder / "sys/bus/pci/slots" / std::to_string(i + 1);
+    const fs::path place = directory / "sys/bus/pci/slots" / std::to_string(i + 1);
     recipe::WriteFile(place / "address", fmt::format("0000:{:02x}:00\n", slot.bus));
   }
 }
 
-void MakeEmpty(const fs::path& folder) {
-  fs::create_directories(folder);
-  if (!fs::is_empty(folder)) throw std::runtime_error("the folder is not empty");
+void MakeEmpty(const fs::path& directory) {
+  fs::create_directories(directory);
+  if (!fs::is_empty(directory)) throw std::runtime_error("the directory is not empty");
 }
 
-void WriteManifest(const fs::path& folder) {
-  recipe::WriteFile(folder / "manifest.json",
+void WriteManifest(const fs::path& directory) {
+  recipe::WriteFile(directory / "manifest.json",
                     "{\"formatVersion\": 1, \"systemName\": \"server.example.org\"}\n");
 }
 
@@ -46,19 +46,19 @@ std::string TruthOf(const MachinePlan& plan) {
 
 }  // namespace
 
-void WriteMachine(std::size_t functions, const fs::path& folder) {
-  MakeEmpty(folder);
+void WriteMachine(std::size_t functions, const fs::path& directory) {
+  MakeEmpty(directory);
   const MachinePlan plan = PlanMachine(functions);
-  BuildMachine(plan.recipe, folder);
-  WriteKernelSlots(plan, folder);
-  WriteManifest(folder);
-  recipe::WriteFile(folder / "truth.txt", TruthOf(plan));
+  BuildMachine(plan.recipe, directory);
+  WriteKernelSlots(plan, directory);
+  WriteManifest(directory);
+  recipe::WriteFile(directory / "truth.txt", TruthOf(plan));
 }
 
-void WriteRecipe(const fs::path& file, const fs::path& folder) {
-  MakeEmpty(folder);
-  BuildMachine(ReadRecipe(file), folder);
-  WriteManifest(folder);
+void WriteRecipe(const fs::path& file, const fs::path& directory) {
+  MakeEmpty(directory);
+  BuildMachine(ReadRecipe(file), directory);
+  WriteManifest(directory);
 }
 
 }  // namespace bench

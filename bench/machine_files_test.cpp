@@ -22,14 +22,14 @@ class MachineFilesTest : public testing::TestWithParam<unsigned> {
  protected:
   MachineFilesTest() {
     std::string name = (fs::temp_directory_path() / "pciinfo-machine-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
+    directory_ = mkdtemp(name.data());
   }
-  ~MachineFilesTest() override { fs::remove_all(folder_); }
+  ~MachineFilesTest() override { fs::remove_all(directory_); }
 
   // Slot numbers by functions ("3b:00.0"), according to the plan of the machine.
   std::map<std::string, unsigned> Truth() const {
     std::map<std::string, unsigned> slots;
-    std::ifstream file(folder_ / "truth.txt");
+    std::ifstream file(directory_ / "truth.txt");
     unsigned tag = 0;
     for (std::string function; file >> tag >> function;) slots[function.substr(5)] = tag;
     return slots;
@@ -37,7 +37,7 @@ class MachineFilesTest : public testing::TestWithParam<unsigned> {
 
   // Slot numbers by functions, according to the program.
   std::map<std::string, unsigned> Told() const {
-    const std::string command = std::string(BENCH_PCIINFO) + " --root '" + folder_.string() +
+    const std::string command = std::string(BENCH_PCIINFO) + " --root '" + directory_.string() +
                                 "' --live-commands instances QZMSG_PCIDevice QZMSG_PCIBridge "
                                 "--format jsonl 2>/dev/null";
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
@@ -55,11 +55,11 @@ class MachineFilesTest : public testing::TestWithParam<unsigned> {
     return slots;
   }
 
-  fs::path folder_;
+  fs::path directory_;
 };
 
 TEST_P(MachineFilesTest, TheProgramFindsEveryFunctionInItsTrueSlot) {
-  WriteMachine(GetParam(), folder_);
+  WriteMachine(GetParam(), directory_);
   const auto truth = Truth();
   EXPECT_FALSE(truth.empty());
   EXPECT_EQ(Told(), truth);

@@ -27,12 +27,12 @@ Command ListInstances(const std::string& program, const std::vector<std::string>
 }
 
 // A directory in memory, removed by the destructor.
-class MemoryFolder {
+class MemoryDirectory {
  public:
-  MemoryFolder() : path_(fs::path("/dev/shm") / ("pciinfo-bench-" + std::to_string(getpid()))) {}
-  MemoryFolder(const MemoryFolder&) = delete;
-  MemoryFolder& operator=(const MemoryFolder&) = delete;
-  ~MemoryFolder() {
+  MemoryDirectory() : path_(fs::path("/dev/shm") / ("pciinfo-bench-" + std::to_string(getpid()))) {}
+  MemoryDirectory(const MemoryDirectory&) = delete;
+  MemoryDirectory& operator=(const MemoryDirectory&) = delete;
+  ~MemoryDirectory() {
     std::error_code ignored;
     fs::remove_all(path_, ignored);
   }
@@ -45,11 +45,11 @@ class MemoryFolder {
 
 // In a separate process, because the memory of this one would count for the programs that it
 // starts.
-void WriteInProcess(unsigned functions, const fs::path& folder) {
+void WriteInProcess(unsigned functions, const fs::path& directory) {
   const pid_t process = fork();
   if (process == 0) {
     try {
-      WriteMachine(functions, folder);
+      WriteMachine(functions, directory);
       _exit(0);
     } catch (const std::exception&) {
       _exit(1);
@@ -57,7 +57,7 @@ void WriteInProcess(unsigned functions, const fs::path& folder) {
   }
   int status = 0;
   if (process < 0 || waitpid(process, &status, 0) < 0 || status != 0) {
-    throw std::runtime_error("the machine cannot be written to " + folder.string());
+    throw std::runtime_error("the machine cannot be written to " + directory.string());
   }
 }
 
@@ -65,20 +65,20 @@ void WriteInProcess(unsigned functions, const fs::path& folder) {
 // kernel's /sys.
 void LinkFunctions() {
   const fs::path links = "/sys/bus/pci/devices";
-  std::vector<fs::path> folders(fs::directory_iterator(links), {});
-  for (const fs::path& folder : folders) {
-    const std::string name = folder.filename();
+  std::vector<fs::path> directories(fs::directory_iterator(links), {});
+  for (const fs::path& directory : directories) {
+    const std::string name = directory.filename();
     const fs::path bus = "pci" + name.substr(0, name.size() - 5);  // without device and function
     fs::create_directories("/sys/devices" / bus);
-    fs::rename(folder, "/sys/devices" / bus / name);
-    fs::create_symlink("../../../devices" / bus / name, folder);
+    fs::rename(directory, "/sys/devices" / bus / name);
+    fs::create_symlink("../../../devices" / bus / name, directory);
   }
 }
 
 void BecomeMachine(unsigned functions) {
-  const MemoryFolder folder;
-  WriteInProcess(functions, folder.Get());
-  pciinfo::ServeRoot(folder.Get(), {.commands = pciinfo::CommandSource::kLiveTools});
+  const MemoryDirectory directory;
+  WriteInProcess(functions, directory.Get());
+  pciinfo::ServeRoot(directory.Get(), {.commands = pciinfo::CommandSource::kLiveTools});
   LinkFunctions();
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// bench_machine N FOLDER: writes the capture of a machine with N PCI functions. bench_machine
-// RECIPE.json FOLDER: that of the machine of a recipe (machine_recipe.h).
+// bench_machine N DIRECTORY: writes the capture of a machine with N PCI functions. bench_machine
+// RECIPE.json DIRECTORY: that of the machine of a recipe (machine_recipe.h).
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +13,7 @@
 
 int main(int argc, char** argv) {
   if (argc != 3) {
-    std::fputs("usage: bench_machine FUNCTIONS|RECIPE.json FOLDER\n", stderr);
+    std::fputs("usage: bench_machine FUNCTIONS|RECIPE.json DIRECTORY\n", stderr);
     return 2;
   }
   try {

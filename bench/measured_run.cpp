@@ -86,7 +86,7 @@ Taken Measure(const Command& command) {
 }
 
 LspciCounter::LspciCounter(const std::string& wrapper) {
-  pciinfo::MountMemory(kBenchFolder);
+  pciinfo::MountMemory(kBenchDirectory);
   std::ofstream(kRealLspci).flush();
   std::ofstream(kLspciNotes).flush();
   pciinfo::ShowAt(kLspci, kRealLspci);
@@ -96,7 +96,7 @@ LspciCounter::LspciCounter(const std::string& wrapper) {
 LspciCounter::~LspciCounter() {
   umount2(kLspci, MNT_DETACH);
   umount2(kRealLspci, MNT_DETACH);
-  umount2(kBenchFolder, MNT_DETACH);
+  umount2(kBenchDirectory, MNT_DETACH);
 }
 
 Taken LspciCounter::Measure(const Command& command) {

@@ -3,8 +3,8 @@
 # What shortens the build. Most of its time goes into library templates, which every source file
 # would make anew.
 
-# pciinfo_compile_by_room(TARGET...): compiles those sources of a target that stand in one folder as
-# one source. Names in unnamed namespaces must be unique in a folder.
+# pciinfo_compile_by_room(TARGET...): compiles those sources of a target that stand in one directory as
+# one source. Names in unnamed namespaces must be unique in a directory.
 function(pciinfo_compile_by_room)
   if(NOT PCIINFO_UNITY)
     return()
@@ -13,8 +13,8 @@ function(pciinfo_compile_by_room)
     get_target_property(sources ${target} SOURCES)
     foreach(source IN LISTS sources)
       cmake_path(ABSOLUTE_PATH source OUTPUT_VARIABLE path)
-      cmake_path(GET path PARENT_PATH folder)
-      cmake_path(GET folder FILENAME room)
+      cmake_path(GET path PARENT_PATH directory)
+      cmake_path(GET directory FILENAME room)
       set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${room})
     endforeach()
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)

@@ -5,7 +5,7 @@
 
 # A separate directory for libraries that are loaded by path and never linked: the program's extras,
 # and plug-ins in plugins/ with their class files. The build directory has the same below lib/.
-set(PCIINFO_PLUGIN_FOLDER ${CMAKE_INSTALL_LIBDIR}/pciinfo)
+set(PCIINFO_PLUGIN_DIRECTORY ${CMAKE_INSTALL_LIBDIR}/pciinfo)
 set(PCIINFO_BUILT_PLUGINS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/pciinfo/plugins)
 file(MAKE_DIRECTORY ${PCIINFO_BUILT_PLUGINS})
 

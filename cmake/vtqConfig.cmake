@@ -4,7 +4,7 @@
 include(${CMAKE_CURRENT_LIST_DIR}/vtqTargets.cmake)
 
 # vtq_add_plugin(NAME SOURCE...): the plug-in NAME.pi.so, with NAME.classes.json beside it if the source
-# folder has one: the declarations of its classes.
+# directory has one: the declarations of its classes.
 function(vtq_add_plugin name)
   add_library(${name} MODULE ${ARGN})
   target_link_libraries(${name} PRIVATE vtq::core vtq::base)

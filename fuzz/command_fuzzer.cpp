@@ -21,10 +21,10 @@ using fuzz::Require;
 class Recordings final {
  public:
   Recordings() {
-    fs::create_directories(folder_ + "/lspci -v");
+    fs::create_directories(recordings_ + "/lspci -v");
     for (const auto& [command, output] : outputs_) directory_.Write("r/" + command, output);
-    fs::create_symlink(directory_.Write("secret", "secret"), folder_ + "/link");
-    vtq::ReplayCommandsFrom(folder_);
+    fs::create_symlink(directory_.Write("secret", "secret"), recordings_ + "/link");
+    vtq::ReplayCommandsFrom(recordings_);
   }
 
   std::optional<std::string> OutputOf(const std::string& command) const {
@@ -36,7 +36,7 @@ class Recordings final {
  private:
   const std::map<std::string, std::string> outputs_ = {{"lspci", "list\n"}, {"lspci -xxxx", ""}};
   vtq::TemporaryDirectory directory_;
-  std::string folder_ = directory_.GetPath() + "/r";
+  std::string recordings_ = directory_.GetPath() + "/r";
 };
 
 void CheckProgram(const std::string& name) {

@@ -30,6 +30,6 @@ build_preset() {
 
 # regressions TARGET: prints the directory with inputs of earlier findings, if it has one.
 regressions() {
-  local folder=$here/fuzz/regressions/$1
-  [[ ! -d $folder ]] || echo "$folder"
+  local directory=$here/fuzz/regressions/$1
+  [[ ! -d $directory ]] || echo "$directory"
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// make_seeds OUTPUT FOLDER...: writes the seeds OUTPUT/TARGET/* from machines. FOLDER contains
-// machines: directories with a machine.json (tests/recipes/machine_recipe.h), and captures as
-// directories or tar archives.
+// make_seeds OUTPUT DIRECTORY...: writes the seeds OUTPUT/TARGET/* from machines. DIRECTORY
+// contains machines: directories with a machine.json (tests/recipes/machine_recipe.h), and captures
+// as directories or tar archives.
 #include <fmt/format.h>
 
 #include <cstdlib>
@@ -147,13 +147,13 @@ class MachineSeeds final {
 
   void WriteCaptures(const std::vector<std::string>& list) const {
     const std::vector<SeedEntry> capture = Capture(list);
-    const fs::path folder = output_ / "capture_archive";
-    fs::create_directories(folder);
+    const fs::path directory = output_ / "capture_archive";
+    fs::create_directories(directory);
     for (const char* format : {"pax", "gnutar", "v7tar"}) {
-      WriteArchive(folder / fmt::format("{}-{}.tar", name_, format), capture, format, "none");
+      WriteArchive(directory / fmt::format("{}-{}.tar", name_, format), capture, format, "none");
     }
     for (const char* filter : {"gzip", "bzip2", "xz", "lzma", "zstd", "lz4"}) {
-      WriteArchive(folder / fmt::format("{}.{}", name_, filter), capture, "pax", filter);
+      WriteArchive(directory / fmt::format("{}.{}", name_, filter), capture, "pax", filter);
     }
     std::string lines;
     for (const SeedEntry& entry : capture) {
@@ -161,7 +161,7 @@ class MachineSeeds final {
       lines += fmt::format("{}{}\t{}\n", kind, entry.path,
                            entry.target.empty() ? FirstLineOf(entry.content) : entry.target);
     }
-    Write("capture_folder", "", lines);
+    Write("capture_directory", "", lines);
     Write("manifest", "", Content("manifest.json"));
   }
 
@@ -175,8 +175,8 @@ class MachineSeeds final {
 };
 
 // Refused kinds of archives, and sparse files.
-void WriteHostileArchives(const fs::path& folder) {
-  fs::create_directories(folder);
+void WriteHostileArchives(const fs::path& directory) {
+  fs::create_directories(directory);
   const SeedEntry hostile[] = {{"/sys/absolute", "x"},
                                {"sys/../../up", "x"},
                                {"sys/" + std::string(300, 'x'), "x"},
@@ -185,10 +185,10 @@ void WriteHostileArchives(const fs::path& folder) {
                                {"sys/hole", "", "", 5000},
                                {"elsewhere", "x"}};
   for (std::size_t i = 0; i < std::size(hostile); ++i) {
-    WriteArchive(folder / fmt::format("hostile-{}.tar", i), {{"sys/x", "x"}, hostile[i]}, "pax",
+    WriteArchive(directory / fmt::format("hostile-{}.tar", i), {{"sys/x", "x"}, hostile[i]}, "pax",
                  "none");
   }
-  WriteArchive(folder / "many.tar", std::vector<SeedEntry>(25, {"commands/x", ""}), "v7tar",
+  WriteArchive(directory / "many.tar", std::vector<SeedEntry>(25, {"commands/x", ""}), "v7tar",
                "none");
 }
 
@@ -212,13 +212,13 @@ void WriteOwnSeeds(const fs::path& output) {
                                                "$T9 SID:0x0102 SegGrp:0x0000 B:0x3a D:0x00 F:0x00" +
                                                std::string(2, '\0'));
   WriteHostileArchives(output / "capture_archive");
-  WriteFile(output / "capture_folder/hostile",
+  WriteFile(output / "capture_directory/hostile",
             "dsys\nlsys/a/b\t../../etc\nhsys/hard\npsys/pipe\nfother\tx\nfsys/link/x\ty\n");
 }
 
-void Unpack(const fs::path& archive, const fs::path& folder) {
+void Unpack(const fs::path& archive, const fs::path& directory) {
   const std::string command =
-      fmt::format("tar --no-same-owner -xf '{}' -C '{}'", archive.string(), folder.string());
+      fmt::format("tar --no-same-owner -xf '{}' -C '{}'", archive.string(), directory.string());
   if (std::system(command.c_str()) != 0) {
     throw std::runtime_error("cannot unpack " + archive.string());
   }
@@ -242,7 +242,7 @@ void WriteSeeds(const fs::path& machine, const fs::path& output) {
 
 int main(int count, char** arguments) {
   try {
-    if (count < 3) throw std::runtime_error("usage: make_seeds OUTPUT FOLDER...");
+    if (count < 3) throw std::runtime_error("usage: make_seeds OUTPUT DIRECTORY...");
     WriteOwnSeeds(arguments[1]);
     for (int i = 2; i < count; ++i) {
       for (const fs::directory_entry& entry : fs::directory_iterator(arguments[i])) {

@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // The last entry that is unpacked may need this many directories beyond the limit.
-constexpr std::uintmax_t kFoldersOfOneEntry = 2 * 65;
+constexpr std::uintmax_t kDirectoriesOfOneEntry = 2 * 65;
 
 // The tree is alone in its parent directory, so that files written beside it are noticed.
 class Tree final {
@@ -53,7 +53,7 @@ class Tree final {
       ++entries;
     }
     Require(bytes <= kLimits.bytes, "no more bytes are written than the limit");
-    Require(entries <= kLimits.entries + kFoldersOfOneEntry, "nor more entries");
+    Require(entries <= kLimits.entries + kDirectoriesOfOneEntry, "nor more entries");
   }
 
  private:

@@ -73,9 +73,9 @@ quietly() {
   return "$status"
 }
 
-# build_folder FOLDER [TARGET...]: builds; ninja says how far it is, as in [57/163].
-build_folder() {
-  local folder=$1
+# build_directory DIRECTORY [TARGET...]: builds; ninja says how far it is, as in [57/163].
+build_directory() {
+  local directory=$1
   shift
-  cmake --build "$folder" ${1:+--target "$@"} >&2
+  cmake --build "$directory" ${1:+--target "$@"} >&2
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Writes the manual page and the completions of the shells into a folder:
-//   write_usage FOLDER VERSION DATE SECTIONS-FILE CLASS-FILE
+// Writes the manual page and the completions of the shells into a directory:
+//   write_usage DIRECTORY VERSION DATE SECTIONS-FILE CLASS-FILE
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -40,18 +40,20 @@ Usage UsageOfProgram(const std::string& classFile) {
   return UsageOf(*BuildApp(options), classes);
 }
 
-void WriteAll(const std::filesystem::path& folder, const Usage& usage, const ManualText& manual) {
-  WriteFile(folder / "pciinfo.1", ManualPage(usage, manual));
-  WriteFile(folder / "pciinfo", BashCompletion(usage));
-  WriteFile(folder / "pciinfo.fish", FishCompletion(usage));
-  WriteFile(folder / "_pciinfo", ZshCompletion(usage));
+void WriteAll(const std::filesystem::path& directory, const Usage& usage,
+              const ManualText& manual) {
+  WriteFile(directory / "pciinfo.1", ManualPage(usage, manual));
+  WriteFile(directory / "pciinfo", BashCompletion(usage));
+  WriteFile(directory / "pciinfo.fish", FishCompletion(usage));
+  WriteFile(directory / "_pciinfo", ZshCompletion(usage));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
-    if (argc != 6) throw std::runtime_error("needs FOLDER VERSION DATE SECTIONS-FILE CLASS-FILE");
+    if (argc != 6)
+      throw std::runtime_error("needs DIRECTORY VERSION DATE SECTIONS-FILE CLASS-FILE");
     WriteAll(argv[1], UsageOfProgram(argv[5]), {argv[2], argv[3], ContentOf(argv[4])});
     return 0;
   } catch (const std::exception& error) {

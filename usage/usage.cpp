@@ -18,7 +18,7 @@ std::vector<std::string> ChoicesIn(const std::string& typeName) {
 
 /// The word that --help shows for a value tells its kind.
 ValueKind KindOf(const std::string& valueName) {
-  constexpr const char* kFiles[] = {"FILE", "CAPTURE", "DIRECTORY", "FOLDER"};
+  constexpr const char* kFiles[] = {"FILE", "CAPTURE", "DIRECTORY"};
   const bool isFile = std::any_of(std::begin(kFiles), std::end(kFiles), [&](const char* word) {
     return valueName.find(word) != std::string::npos;
   });

@@ -19,11 +19,11 @@ namespace {
 
 using namespace NQZMVTQ20;
 
-const std::string kFolder = "/sys/class/net/";
+const std::string kDirectory = "/sys/class/net/";
 
 /// Reads a file of one line about an interface from the kernel.
 std::string Line(const std::string& port, const std::string& name) {
-  const std::string text = TOSSpecific::CaptureFile(kFolder + port + "/" + name);
+  const std::string text = TOSSpecific::CaptureFile(kDirectory + port + "/" + name);
   return text.substr(0, text.find('\n'));
 }
 
@@ -50,8 +50,8 @@ class NetworkPorts final : public IPluginCallbacks, public IPluginBasicQueryCall
                std::vector<std::shared_ptr<ICIMClass>>& classes) override {
     for (const std::shared_ptr<ICIMClass>& cimClass : classes) {
       if (cimClass->GetName({}) != "ACME_NetworkPort") continue;  // not ours
-      if (!TOSSpecific::FileExists(kFolder)) continue;
-      for (const auto& port : std::filesystem::directory_iterator(kFolder)) {
+      if (!TOSSpecific::FileExists(kDirectory)) continue;
+      for (const auto& port : std::filesystem::directory_iterator(kDirectory)) {
         if (port.is_directory()) Publish(*cimClass, port.path().filename());
       }
     }

@@ -15,22 +15,22 @@ namespace pciinfo {
 // leaves the reason in errno.
 
 /// Opens `path`, and creates it with the flag O_CREAT.
-vtq::FileDescriptor OpenBeneath(const vtq::FileDescriptor& folder, const std::string& path,
+vtq::FileDescriptor OpenBeneath(const vtq::FileDescriptor& directory, const std::string& path,
                                 int flags, mode_t mode = 0);
 
 /// The same for kernels before 5.6, which have no call for it: opens each directory on the way.
-vtq::FileDescriptor OpenStepByStep(const vtq::FileDescriptor& folder, const std::string& path,
+vtq::FileDescriptor OpenStepByStep(const vtq::FileDescriptor& directory, const std::string& path,
                                    int flags, mode_t mode = 0);
 
 /// Returns the names in a directory, which must be open for reading, without "." and "..". Throws
 /// std::system_error.
-std::vector<std::string> NamesIn(const vtq::FileDescriptor& folder);
+std::vector<std::string> NamesIn(const vtq::FileDescriptor& directory);
 
 /// Removes all that is in a directory, as far as possible.
-void RemoveContent(const vtq::FileDescriptor& folder) noexcept;
+void RemoveContent(const vtq::FileDescriptor& directory) noexcept;
 
 /// Whether the entry `name` of a directory is the file or directory that is open as `file`.
-bool IsEntry(const vtq::FileDescriptor& folder, const std::string& name,
+bool IsEntry(const vtq::FileDescriptor& directory, const std::string& name,
              const vtq::FileDescriptor& file) noexcept;
 
 }  // namespace pciinfo

@@ -53,7 +53,7 @@ constexpr std::array<const char*, 23> kFunctionFiles = {"config",
 /// directory in a capture, which is a plain directory and not a link as in the kernel's /sys.
 struct FunctionLink {
   const char* name;
-  const char* folder;
+  const char* directory;
 };
 
 constexpr std::array<FunctionLink, 2> kFunctionLinks = {
@@ -72,15 +72,15 @@ constexpr std::array<const char*, 3> kCommands = {"lspci", "lspci -xxxx", "lspci
 std::string InCapture(const fs::path& path) { return path.relative_path(); }
 
 /// Returns the sorted entries of a directory; none if it does not exist.
-std::vector<fs::path> Listing(CaptureReceiver& receiver, const fs::path& folder) {
+std::vector<fs::path> Listing(CaptureReceiver& receiver, const fs::path& directory) {
   std::vector<fs::path> paths;
   std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+  for (fs::directory_iterator entry(directory, error), end; !error && entry != end;
        entry.increment(error)) {
     paths.push_back(entry->path());
   }
   const bool missing = error == std::errc::no_such_file_or_directory;
-  if (error && !missing) receiver.NoteUnread(InCapture(folder), error.message());
+  if (error && !missing) receiver.NoteUnread(InCapture(directory), error.message());
   std::sort(paths.begin(), paths.end());
   return paths;
 }
@@ -101,10 +101,10 @@ void AddLink(CaptureReceiver& receiver, const fs::path& function, const Function
   std::error_code ignored;
   const fs::path target = fs::read_symlink(function / link.name, ignored);
   if (target.empty()) return;
-  receiver.Add({InCapture(function / link.name), "", link.folder + target.filename().string()});
+  receiver.Add({InCapture(function / link.name), "", link.directory + target.filename().string()});
 }
 
-void CaptureBusFolders(CaptureReceiver& receiver) {
+void CaptureBusDirectories(CaptureReceiver& receiver) {
   for (const fs::path& path : Listing(receiver, kPciBus)) {
     receiver.Begin(path);
     std::error_code ignored;
@@ -173,7 +173,7 @@ bool HasPciBus() {
 }  // namespace
 
 void CaptureMachine(CaptureReceiver& receiver) {
-  CaptureBusFolders(receiver);
+  CaptureBusDirectories(receiver);
   AddFile(receiver, "/proc/pci");
   CaptureFunctions(receiver);
   CaptureSlots(receiver);

@@ -68,27 +68,27 @@ CaptureTarget::CaptureTarget(const std::string& name) {
   form_ = FormOf(path);
   CheckPlace(path, form_.kind);
   if (form_.kind == TargetKind::kArchive) file_.emplace(path);
-  if (form_.kind == TargetKind::kDirectory) folder_.emplace(path);
+  if (form_.kind == TargetKind::kDirectory) directory_.emplace(path);
 }
 
 CaptureWriter& CaptureTarget::GetWriter() {
   if (writer_) return *writer_;
-  if (folder_) {
-    writer_ = MakeFolderWriter(folder_->GetFolder());
+  if (directory_) {
+    writer_ = MakeDirectoryWriter(directory_->GetDirectory());
   } else {
     writer_ = MakeArchiveWriter(file_ ? file_->GetFile().Get() : STDOUT_FILENO, form_.compression);
   }
   return *writer_;
 }
 
-std::vector<std::string> CaptureTarget::GetFolders() const {
-  if (!folder_) return {};
-  return {folder_->GetTemporaryPath()};
+std::vector<std::string> CaptureTarget::GetDirectories() const {
+  if (!directory_) return {};
+  return {directory_->GetTemporaryPath()};
 }
 
 void CaptureTarget::Commit() {
   if (file_) file_->Commit();
-  if (folder_) folder_->Commit();
+  if (directory_) directory_->Commit();
 }
 
 }  // namespace pciinfo

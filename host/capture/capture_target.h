@@ -25,7 +25,7 @@ struct TargetForm {
 TargetForm FormOf(const std::string& name);
 
 /// The place of a new capture, which has its name only when it is committed (see NewFile and
-/// NewFolder); a target that was not committed leaves nothing behind. Only its owner may read a
+/// NewDirectory); a target that was not committed leaves nothing behind. Only its owner may read a
 /// capture: it shows what the kernel shows to root only. A process that is forked from the one that
 /// made the target may write the capture, and what it leaves when it fails is removed here.
 class CaptureTarget final {
@@ -39,7 +39,7 @@ class CaptureTarget final {
   CaptureWriter& GetWriter();
 
   /// Returns the directory that files are made in, if the capture is one.
-  std::vector<std::string> GetFolders() const;
+  std::vector<std::string> GetDirectories() const;
 
   /// Gives the capture, whose writer has finished, its name. Throws std::system_error.
   void Commit();
@@ -47,7 +47,7 @@ class CaptureTarget final {
  private:
   TargetForm form_;
   std::optional<NewFile> file_;
-  std::optional<NewFolder> folder_;
+  std::optional<NewDirectory> directory_;
   std::unique_ptr<CaptureWriter> writer_;  ///< of one of these, so destroyed before them
 };
 

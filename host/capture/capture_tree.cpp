@@ -16,7 +16,7 @@ namespace {
 
 using vtq::FileDescriptor;
 
-constexpr mode_t kFolderMode = 0755;
+constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kFileMode = 0644;
 
 void RequireEntry(bool done, const std::string& path) {
@@ -32,48 +32,48 @@ CaptureTree::CaptureTree(const std::string& directory)
   RequireEntry(root_.IsOpen(), directory);
 }
 
-FileDescriptor CaptureTree::OpenFolderOf(const std::string& path) {
+FileDescriptor CaptureTree::OpenDirectoryOf(const std::string& path) {
   const std::size_t end = path.rfind('/');
   if (end == std::string::npos) return FileDescriptor(fcntl(root_.Get(), F_DUPFD_CLOEXEC, 0));
-  FileDescriptor folder = OpenBeneath(root_, path.substr(0, end), O_PATH | O_DIRECTORY);
-  if (!folder.IsOpen() && errno == ENOENT) return MakeFolders(path);
-  RequireEntry(folder.IsOpen(), path);
-  return folder;
+  FileDescriptor directory = OpenBeneath(root_, path.substr(0, end), O_PATH | O_DIRECTORY);
+  if (!directory.IsOpen() && errno == ENOENT) return MakeDirectories(path);
+  RequireEntry(directory.IsOpen(), path);
+  return directory;
 }
 
 /// Makes the directories on the way to `path` and opens the last one.
-FileDescriptor CaptureTree::MakeFolders(const std::string& path) {
-  FileDescriptor folder(fcntl(root_.Get(), F_DUPFD_CLOEXEC, 0));
+FileDescriptor CaptureTree::MakeDirectories(const std::string& path) {
+  FileDescriptor directory(fcntl(root_.Get(), F_DUPFD_CLOEXEC, 0));
   std::size_t start = 0;
   for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', start)) {
     const std::string name = path.substr(start, end - start);
-    MakeFolderIn(folder, name, path);
-    folder = OpenBeneath(folder, name, O_PATH | O_DIRECTORY);
-    RequireEntry(folder.IsOpen(), path);
+    MakeDirectoryIn(directory, name, path);
+    directory = OpenBeneath(directory, name, O_PATH | O_DIRECTORY);
+    RequireEntry(directory.IsOpen(), path);
     start = end + 1;
   }
-  return folder;
+  return directory;
 }
 
-void CaptureTree::MakeFolderIn(const FileDescriptor& folder, const std::string& name,
-                               const std::string& path) {
-  const bool isNew = mkdirat(folder.Get(), name.c_str(), kFolderMode) == 0;
+void CaptureTree::MakeDirectoryIn(const FileDescriptor& directory, const std::string& name,
+                                  const std::string& path) {
+  const bool isNew = mkdirat(directory.Get(), name.c_str(), kDirectoryMode) == 0;
   RequireEntry(isNew || errno == EEXIST, path);
-  if (isNew) ++folders_;
+  if (isNew) ++directories_;
 }
 
-void CaptureTree::MakeFolder(const std::string& path) {
-  MakeFolderIn(OpenFolderOf(path), NameOf(path), path);
+void CaptureTree::MakeDirectory(const std::string& path) {
+  MakeDirectoryIn(OpenDirectoryOf(path), NameOf(path), path);
 }
 
 void CaptureTree::MakeLink(const std::string& path, const std::string& target) {
-  const FileDescriptor folder = OpenFolderOf(path);
-  RequireEntry(symlinkat(target.c_str(), folder.Get(), NameOf(path).c_str()) == 0, path);
+  const FileDescriptor directory = OpenDirectoryOf(path);
+  RequireEntry(symlinkat(target.c_str(), directory.Get(), NameOf(path).c_str()) == 0, path);
 }
 
 FileDescriptor CaptureTree::MakeFile(const std::string& path) {
-  const FileDescriptor folder = OpenFolderOf(path);
-  FileDescriptor file(openat(folder.Get(), NameOf(path).c_str(),
+  const FileDescriptor directory = OpenDirectoryOf(path);
+  FileDescriptor file(openat(directory.Get(), NameOf(path).c_str(),
                              O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kFileMode));
   RequireEntry(file.IsOpen(), path);
   return file;

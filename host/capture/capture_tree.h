@@ -21,7 +21,7 @@ class CaptureTree final {
   explicit CaptureTree(vtq::FileDescriptor directory) : root_(std::move(directory)) {}
 
   /// Makes a directory and its parents; keeps existing ones.
-  void MakeFolder(const std::string& path);
+  void MakeDirectory(const std::string& path);
 
   /// Makes a symbolic link and its parent directories.
   void MakeLink(const std::string& path, const std::string& target);
@@ -30,16 +30,16 @@ class CaptureTree final {
   vtq::FileDescriptor MakeFile(const std::string& path);
 
   /// Returns the number of directories that were made, those on the way to others included.
-  std::uint64_t GetFolders() const noexcept { return folders_; }
+  std::uint64_t GetDirectories() const noexcept { return directories_; }
 
  private:
-  vtq::FileDescriptor OpenFolderOf(const std::string& path);
-  vtq::FileDescriptor MakeFolders(const std::string& path);
-  void MakeFolderIn(const vtq::FileDescriptor& folder, const std::string& name,
-                    const std::string& path);
+  vtq::FileDescriptor OpenDirectoryOf(const std::string& path);
+  vtq::FileDescriptor MakeDirectories(const std::string& path);
+  void MakeDirectoryIn(const vtq::FileDescriptor& directory, const std::string& name,
+                       const std::string& path);
 
   vtq::FileDescriptor root_;
-  std::uint64_t folders_ = 0;
+  std::uint64_t directories_ = 0;
 };
 
 /// Writes all of `bytes` to an open file. Throws std::system_error.

@@ -27,6 +27,6 @@ class VTQ_EXPORT CaptureWriter {
 std::unique_ptr<CaptureWriter> MakeArchiveWriter(int descriptor, Compression compression);
 
 /// Returns a writer of files below an open directory.
-std::unique_ptr<CaptureWriter> MakeFolderWriter(const vtq::FileDescriptor& directory);
+std::unique_ptr<CaptureWriter> MakeDirectoryWriter(const vtq::FileDescriptor& directory);
 
 }  // namespace pciinfo

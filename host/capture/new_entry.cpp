@@ -20,7 +20,7 @@ namespace {
 using vtq::FileDescriptor;
 
 constexpr mode_t kOwnersFile = 0600;
-constexpr mode_t kOwnersFolder = 0700;
+constexpr mode_t kOwnersDirectory = 0700;
 
 void Require(bool done, const std::string& path) {
   if (!done) throw std::system_error(errno, std::generic_category(), "cannot write " + path);
@@ -101,28 +101,28 @@ void NewFile::Commit() {
   place_.TakeOver(file_);
 }
 
-NewFolder::NewFolder(const std::string& path) : place_(path) {
+NewDirectory::NewDirectory(const std::string& path) : place_(path) {
   // The owner that this process's files get here: on some file systems it is not this user.
   const uid_t owner = OwnerOf(NewFile(path).GetFile(), path);
   const std::string& name = place_.GetTemporary();
-  Require(mkdirat(place_.GetParent().Get(), name.c_str(), kOwnersFolder) == 0, path);
-  folder_ = OpenBeneath(place_.GetParent(), name, O_RDONLY | O_DIRECTORY);
+  Require(mkdirat(place_.GetParent().Get(), name.c_str(), kOwnersDirectory) == 0, path);
+  directory_ = OpenBeneath(place_.GetParent(), name, O_RDONLY | O_DIRECTORY);
   // Somebody else may have exchanged it in between.
   const bool isOwn =
-      folder_.IsOpen() && OwnerOf(folder_, path) == owner && NamesIn(folder_).empty();
+      directory_.IsOpen() && OwnerOf(directory_, path) == owner && NamesIn(directory_).empty();
   if (!isOwn) FailExchanged(path);
 }
 
-NewFolder::~NewFolder() {
-  if (!place_.IsTemporary(folder_)) return;
-  RemoveContent(folder_);
+NewDirectory::~NewDirectory() {
+  if (!place_.IsTemporary(directory_)) return;
+  RemoveContent(directory_);
   unlinkat(place_.GetParent().Get(), place_.GetTemporary().c_str(), AT_REMOVEDIR);
 }
 
-std::string NewFolder::GetTemporaryPath() const {
+std::string NewDirectory::GetTemporaryPath() const {
   return ParentOf(place_.GetPath()) + "/" + place_.GetTemporary();
 }
 
-void NewFolder::Commit() { place_.TakeOver(folder_); }
+void NewDirectory::Commit() { place_.TakeOver(directory_); }
 
 }  // namespace pciinfo

@@ -62,14 +62,14 @@ class NewFile final {
 /// complete, and leaves nothing when it never is. Another process may fill and commit what this one
 /// made. All functions throw std::system_error, naming the path, and std::runtime_error when
 /// somebody else has exchanged the directory.
-class NewFolder final {
+class NewDirectory final {
  public:
-  explicit NewFolder(const std::string& path);
-  NewFolder(const NewFolder&) = delete;
-  NewFolder& operator=(const NewFolder&) = delete;
-  ~NewFolder();
+  explicit NewDirectory(const std::string& path);
+  NewDirectory(const NewDirectory&) = delete;
+  NewDirectory& operator=(const NewDirectory&) = delete;
+  ~NewDirectory();
 
-  const vtq::FileDescriptor& GetFolder() const noexcept { return folder_; }
+  const vtq::FileDescriptor& GetDirectory() const noexcept { return directory_; }
   /// The path that the directory has until it is committed.
   std::string GetTemporaryPath() const;
 
@@ -78,7 +78,7 @@ class NewFolder final {
 
  private:
   Place place_;
-  vtq::FileDescriptor folder_;
+  vtq::FileDescriptor directory_;
 };
 
 }  // namespace pciinfo

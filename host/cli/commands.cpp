@@ -208,7 +208,8 @@ ExitStatus RunCapture(Options options) {
   const ExitStatus status = runner.Run([&](Worker& worker) {
     target.GetWriter();  // while the worker has the rights to reach the place
     const std::optional<Manifest> origin = machine.Enter(
-        worker, {.writable = target.GetFolders(), .keepsUser = !target.GetFolders().empty()});
+        worker,
+        {.writable = target.GetDirectories(), .keepsUser = !target.GetDirectories().empty()});
     worker.Begin({"capturing", true, true});
     return Capture({options.redact, origin}, target, worker);
   });

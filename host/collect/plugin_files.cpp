@@ -34,10 +34,10 @@ std::string ClassFileOf(const std::string& plugin) {
 // Without std::filesystem::directory_iterator, which ends the program where memory does not
 // suffice.
 std::vector<std::string> PluginsIn(const std::string& directory) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(directory.c_str()), &closedir);
-  if (!folder) throw std::system_error(errno, std::generic_category(), "cannot read " + directory);
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(directory.c_str()), &closedir);
+  if (!entries) throw std::system_error(errno, std::generic_category(), "cannot read " + directory);
   std::vector<std::string> plugins;
-  while (const dirent* const entry = readdir(folder.get())) {
+  while (const dirent* const entry = readdir(entries.get())) {
     const std::string_view name = entry->d_name;
     if (name.ends_with(kPluginSuffix)) plugins.push_back(directory + "/" + entry->d_name);
   }
@@ -119,7 +119,7 @@ PluginSet FindPlugins(const PluginOptions& options, const std::vector<std::strin
 }
 
 PluginSet FindPlugins(const PluginOptions& options) {
-  return FindPlugins(options, PluginDirectories(ProgramFolder()));
+  return FindPlugins(options, PluginDirectories(ProgramDirectory()));
 }
 
 }  // namespace pciinfo

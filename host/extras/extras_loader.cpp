@@ -21,7 +21,7 @@ bool HasRoomForExtras() noexcept {
 
 // Never unloaded, because the objects that it makes need its code.
 void* LoadExtras() {
-  const std::string file = FirstExisting(LibraryPlaces(ProgramFolder(), kExtrasFile),
+  const std::string file = FirstExisting(LibraryPlaces(ProgramDirectory(), kExtrasFile),
                                          "a part of this program is missing: install it again");
   void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_NODELETE);
   if (library != nullptr) return library;

@@ -91,9 +91,9 @@ MachineIdentity ParseIdentity(const vtq::SmBiosTable& table) {
 }
 
 MachineIdentity ReadIdentity(const std::string& root) {
-  const std::string folder = root + "/sys/firmware/dmi/tables/";
-  const auto entryPoint = ReadBytes(folder + "smbios_entry_point");
-  std::optional<Bytes> bytes = ReadBytes(folder + "DMI");
+  const std::string directory = root + "/sys/firmware/dmi/tables/";
+  const auto entryPoint = ReadBytes(directory + "smbios_entry_point");
+  std::optional<Bytes> bytes = ReadBytes(directory + "DMI");
   if (!entryPoint || !bytes) return ReadKernelFiles(root);
   try {
     return ParseIdentity({vtq::ParseSmBiosEntryPoint(*entryPoint), *std::move(bytes)});

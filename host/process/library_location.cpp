@@ -11,21 +11,23 @@
 namespace pciinfo {
 namespace {
 
-std::filesystem::path InstalledFolder(const std::filesystem::path& programFolder) {
-  return (programFolder / PCIINFO_PLUGIN_FOLDER).lexically_normal();
+std::filesystem::path InstalledDirectory(const std::filesystem::path& programDirectory) {
+  return (programDirectory / PCIINFO_PLUGIN_DIRECTORY).lexically_normal();
 }
 
 }  // namespace
 
-std::vector<std::string> LibraryPlaces(const std::string& programFolder, const std::string& file) {
-  const std::filesystem::path folder = programFolder;
-  return {folder / file, folder.parent_path() / "lib" / file, InstalledFolder(folder) / file};
+std::vector<std::string> LibraryPlaces(const std::string& programDirectory,
+                                       const std::string& file) {
+  const std::filesystem::path directory = programDirectory;
+  return {directory / file, directory.parent_path() / "lib" / file,
+          InstalledDirectory(directory) / file};
 }
 
-std::vector<std::string> PluginDirectories(const std::string& programFolder) {
-  const std::filesystem::path folder = programFolder;
-  const std::string besideProgram = folder.parent_path() / "lib/pciinfo/plugins";
-  const std::string installed = InstalledFolder(folder) / "plugins";
+std::vector<std::string> PluginDirectories(const std::string& programDirectory) {
+  const std::filesystem::path directory = programDirectory;
+  const std::string besideProgram = directory.parent_path() / "lib/pciinfo/plugins";
+  const std::string installed = InstalledDirectory(directory) / "plugins";
   if (installed == besideProgram) return {besideProgram};
   return {besideProgram, installed};
 }
@@ -38,7 +40,7 @@ std::string FirstExisting(const std::vector<std::string>& places, const std::str
   throw std::runtime_error(fmt::format("none of {} exists; {}", fmt::join(places, ", "), advice));
 }
 
-std::string ProgramFolder() {
+std::string ProgramDirectory() {
   std::error_code isMissing;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", isMissing);
   if (!isMissing) return program.parent_path();

@@ -95,8 +95,8 @@ void EntryGate::Count(const ArchiveEntry& entry) {
   bytes_ += names + entry.size;
 }
 
-void EntryGate::CountFolders(std::uint64_t folders) const {
-  if (folders > limits_.entries - entries_) RefuseEntries();
+void EntryGate::CountDirectories(std::uint64_t directories) const {
+  if (directories > limits_.entries - entries_) RefuseEntries();
 }
 
 void EntryGate::RefuseEntries() const {

@@ -8,7 +8,7 @@
 
 namespace pciinfo {
 
-enum class EntryKind { kFile, kFolder, kLink, kHardLink, kOther };
+enum class EntryKind { kFile, kDirectory, kLink, kHardLink, kOther };
 
 /// One entry of an archive, unchecked.
 struct ArchiveEntry {
@@ -44,7 +44,7 @@ class EntryGate final {
 
   /// Takes note of how many directories were made in all, so that they count too. Throws
   /// BadCapture when there are too many entries.
-  void CountFolders(std::uint64_t folders) const;
+  void CountDirectories(std::uint64_t directories) const;
 
  private:
   void Count(const ArchiveEntry& entry);

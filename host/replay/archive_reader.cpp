@@ -33,7 +33,7 @@ EntryKind KindOf(archive_entry* entry) {
     case AE_IFREG:
       return EntryKind::kFile;
     case AE_IFDIR:
-      return EntryKind::kFolder;
+      return EntryKind::kDirectory;
     case AE_IFLNK:
       return EntryKind::kLink;
     default:

@@ -18,7 +18,7 @@ std::unique_ptr<CaptureReader> OpenCapture(const std::string& name) {
                                        : open(name.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC));
   struct stat status {};
   if (!file.IsOpen() || fstat(file.Get(), &status) != 0) throw BadCapture(std::strerror(errno));
-  return S_ISDIR(status.st_mode) ? OpenFolder(std::move(file)) : OpenArchive(std::move(file));
+  return S_ISDIR(status.st_mode) ? OpenDirectory(std::move(file)) : OpenArchive(std::move(file));
 }
 
 }  // namespace pciinfo

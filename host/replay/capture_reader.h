@@ -42,6 +42,6 @@ std::unique_ptr<CaptureReader> OpenArchive(vtq::FileDescriptor file);
 
 /// Reads an open directory, without following links or waiting for pipes and devices in it,
 /// whatever somebody exchanges in it meanwhile. Throws BadCapture for the root of this machine.
-std::unique_ptr<CaptureReader> OpenFolder(vtq::FileDescriptor folder);
+std::unique_ptr<CaptureReader> OpenDirectory(vtq::FileDescriptor directory);
 
 }  // namespace pciinfo

@@ -55,10 +55,10 @@ void Keep(const fs::path& tree, const fs::path& path) {
 }
 
 /// A plug-in's libraries often stand beside it.
-void KeepFolders(const fs::path& tree, const std::vector<std::string>& files) {
+void KeepDirectories(const fs::path& tree, const std::vector<std::string>& files) {
   for (const std::string& file : files) {
-    const fs::path folder = fs::absolute(file).parent_path();
-    if (IsHidden(folder) && !Exists(InTree(tree, folder))) Keep(tree, folder);
+    const fs::path directory = fs::absolute(file).parent_path();
+    if (IsHidden(directory) && !Exists(InTree(tree, directory))) Keep(tree, directory);
   }
 }
 
@@ -72,7 +72,7 @@ void LinkDescriptors(const fs::path& tree) {
 /// Programs look at their own entries of /proc. Only root may mount a /proc that has nothing else;
 /// for others the real one stands where nothing but the links below leads.
 void ShowOwnProcesses(const fs::path& tree) {
-  const fs::path real = tree / kOwnFolder / "real";
+  const fs::path real = tree / kOwnDirectory / "real";
   fs::create_directories(real);
   constexpr unsigned long kFlags = MS_NOSUID | MS_NODEV | MS_NOEXEC;
   constexpr const char* kOwnOnly = "subset=pid,hidepid=invisible";
@@ -90,7 +90,7 @@ void ShowOwnProcesses(const fs::path& tree) {
 void HideMachine(const std::string& tree, const std::vector<std::string>& files) {
   for (const char* const place : kHidden) fs::create_directories(InTree(tree, place));
   for (const char* const path : kNeeded) Keep(tree, path);
-  KeepFolders(tree, files);
+  KeepDirectories(tree, files);
   LinkDescriptors(tree);
   std::ofstream(fs::path(tree) / "etc/hosts").flush();  // no other names of this machine
   ShowOwnProcesses(tree);

@@ -30,14 +30,14 @@ constexpr const char* kTree = "/sys";
 
 /// Whoever unpacks the archive and collects may write here; only this process and its children see
 /// these directories.
-void MakeWritableFolder(const fs::path& folder) {
-  fs::create_directories(folder);
-  fs::permissions(folder, fs::perms::all);
+void MakeWritableDirectory(const fs::path& directory) {
+  fs::create_directories(directory);
+  fs::permissions(directory, fs::perms::all);
 }
 
-void MakeFolders() {
-  for (const char* const folder : {"proc", "sys", kOwnFolder, kWorkFolder}) {
-    MakeWritableFolder(fs::path(kTree) / folder);
+void MakeDirectories() {
+  for (const char* const directory : {"proc", "sys", kOwnDirectory, kWorkDirectory}) {
+    MakeWritableDirectory(fs::path(kTree) / directory);
   }
 }
 
@@ -60,7 +60,7 @@ Manifest ReadManifest(const Unpacked& unpacked) {
 }
 
 Manifest Unpack(CaptureReader& reader, CaptureTree& tree, const CaptureLimits& limits) {
-  tree.MakeFolder(kCommandsFolder);
+  tree.MakeDirectory(kCommandsDirectory);
   try {
     return ReadManifest(UnpackCapture(reader, tree, limits));
   } catch (const std::system_error& failure) {
@@ -75,13 +75,13 @@ Manifest Serve(CaptureReader& reader, const Replay& replay) {
   const mode_t mask = umask(022);  // the process may be another user's when it reads the tree
   EnterNamespaces();
   MountTree(replay.limits);
-  MakeFolders();
+  MakeDirectories();
   CaptureTree tree(kTree);
   std::optional<Manifest> manifest;
   if (reader.IsDirectory()) manifest = Unpack(reader, tree, replay.limits);
   HideMachine(kTree, replay.files);
   HideSystemName();
-  fs::current_path(fs::path("/") / kWorkFolder);
+  fs::current_path(fs::path("/") / kWorkDirectory);
   GiveUpHardwareAccess();
   replay.confine({"/proc", "/sys", "."});
   if (!manifest) manifest = Unpack(reader, tree, replay.limits);
@@ -95,7 +95,7 @@ Manifest Serve(CaptureReader& reader, const Replay& replay) {
 Manifest ServeRoot(const std::string& capture, const Replay& replay) {
   Manifest manifest = Serve(*OpenCapture(capture), replay);
   const bool isRecorded = replay.commands == CommandSource::kRecorded;
-  vtq::ReplayCommandsFrom(isRecorded ? fs::path("/") / kCommandsFolder : "");
+  vtq::ReplayCommandsFrom(isRecorded ? fs::path("/") / kCommandsDirectory : "");
   return manifest;
 }
 

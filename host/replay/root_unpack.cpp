@@ -20,8 +20,9 @@ constexpr std::size_t kLargestManifest = 1 << 20;
 /// The directories and files of a capture that are unpacked.
 constexpr std::array<std::string_view, 4> kServed = {"proc/bus/pci", "proc/pci", "sys", "commands"};
 
-bool IsWithin(std::string_view path, std::string_view folder) {
-  return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+bool IsWithin(std::string_view path, std::string_view directory) {
+  return path.starts_with(directory) &&
+         (path.size() == directory.size() || path[directory.size()] == '/');
 }
 
 bool IsServed(std::string_view path) {
@@ -32,8 +33,8 @@ bool IsServed(std::string_view path) {
 }
 
 /// Whether this directory can contain something that is unpacked.
-bool LeadsToServed(std::string_view folder) {
-  return folder.empty() || folder == "proc" || folder == "proc/bus" || IsServed(folder);
+bool LeadsToServed(std::string_view directory) {
+  return directory.empty() || directory == "proc" || directory == "proc/bus" || IsServed(directory);
 }
 
 void UnpackFile(CaptureReader& capture, const vtq::FileDescriptor& file) {
@@ -63,14 +64,14 @@ class Unpacking final {
 
   void Unpack(const ArchiveEntry& entry, const std::string& place) {
     if (entry.kind == EntryKind::kFile) UnpackFile(capture_, tree_.MakeFile(place));
-    if (entry.kind == EntryKind::kFolder) tree_.MakeFolder(place);
+    if (entry.kind == EntryKind::kDirectory) tree_.MakeDirectory(place);
     if (entry.kind == EntryKind::kLink) {
       tree_.MakeLink(place, entry.target);
       links_.push_back(fs::path(place).parent_path() / entry.target);
     }
-    if (entry.kind != EntryKind::kFolder) ++parts_;
+    if (entry.kind != EntryKind::kDirectory) ++parts_;
     isEmpty_ = false;
-    gate_.CountFolders(tree_.GetFolders());
+    gate_.CountDirectories(tree_.GetDirectories());
   }
 
   /// The driver link of a function points to the directory of the driver, which a capture need not
@@ -78,12 +79,12 @@ class Unpacking final {
   void CompleteLinks() {
     for (const fs::path& target : links_) {
       try {
-        tree_.MakeFolder(target.lexically_normal());
+        tree_.MakeDirectory(target.lexically_normal());
       } catch (const std::system_error&) {
         // Something else has this path, so the link is broken in the capture too.
         continue;
       }
-      gate_.CountFolders(tree_.GetFolders());
+      gate_.CountDirectories(tree_.GetDirectories());
     }
   }
 
@@ -113,7 +114,7 @@ Unpacked UnpackCapture(CaptureReader& capture, CaptureTree& tree, const CaptureL
     // A directory may contain other files; they are neither read nor checked.
     if (capture.IsDirectory() && !IsOfCapture(entry->path)) continue;
     const std::string path = unpacking.Admit(*entry);
-    if (entry->kind == EntryKind::kFolder && LeadsToServed(path)) capture.Enter();
+    if (entry->kind == EntryKind::kDirectory && LeadsToServed(path)) capture.Enter();
     if (path == kManifestFile && entry->kind == EntryKind::kFile) manifest = ReadManifest(capture);
     if (const auto place = ServedPlace(path)) unpacking.Unpack(*entry, *place);
   }

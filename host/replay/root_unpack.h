@@ -12,9 +12,9 @@ namespace pciinfo {
 
 // Directories of the tree that a capture is unpacked to. The tree contains "proc" and "sys", which
 // are later mounted over the machine's, and the program's own files in a directory of that "proc".
-inline constexpr const char* kOwnFolder = "proc/pciinfo";
-inline constexpr const char* kCommandsFolder = "proc/pciinfo/commands";
-inline constexpr const char* kWorkFolder = "proc/pciinfo/work";
+inline constexpr const char* kOwnDirectory = "proc/pciinfo";
+inline constexpr const char* kCommandsDirectory = "proc/pciinfo/commands";
+inline constexpr const char* kWorkDirectory = "proc/pciinfo/work";
 
 /// Returns the path in the tree for a path in the capture; nothing for a part that is not unpacked.
 /// Both paths are normalised.

@@ -29,7 +29,7 @@ class Machine {
   explicit Machine(const std::string& capture)
       : findings_(json::parse(
             RunPciinfo({"check", "--format", "json", "--root", capture}).out)["findings"]) {
-    RunProcess({"/bin/tar", "-xzf", capture, "-C", folder_.GetPath()});
+    RunProcess({"/bin/tar", "-xzf", capture, "-C", directory_.GetPath()});
   }
 
   /// The objects of a finding, sorted.
@@ -48,18 +48,18 @@ class Machine {
     return codes;
   }
 
-  std::vector<fs::path> In(const std::string& folder) const {
+  std::vector<fs::path> In(const std::string& directory) const {
     std::vector<fs::path> paths;
-    const fs::path place = folder_.GetPath() + "/" + folder;
+    const fs::path place = directory_.GetPath() + "/" + directory;
     if (!fs::exists(place)) return paths;
     for (const auto& entry : fs::directory_iterator(place)) paths.push_back(entry.path());
     std::sort(paths.begin(), paths.end());
     return paths;
   }
-  std::string Text(const std::string& file) const { return folder_.Read(file); }
+  std::string Text(const std::string& file) const { return directory_.Read(file); }
 
  private:
-  vtq::TemporaryDirectory folder_;
+  vtq::TemporaryDirectory directory_;
   json findings_;
 };
 

@@ -24,9 +24,9 @@ using nlohmann::json;
 class CapturedDiffs : public testing::TestWithParam<std::string> {};
 
 TEST_P(CapturedDiffs, AMachineDoesNotDifferFromItsJson) {
-  const vtq::TemporaryDirectory folder;
+  const vtq::TemporaryDirectory directory;
   const RunResult kept = RunPciinfo({"instances", "--format", "json", "--root", GetParam()});
-  const std::string file = folder.Write("kept.json", kept.out);
+  const std::string file = directory.Write("kept.json", kept.out);
   const RunResult result = RunPciinfo({"diff", file, GetParam()});
   EXPECT_EQ(result.out, "No differences.\n");
   EXPECT_EQ(result.status, kept.status == 0 ? 0 : 2) << result.err;
@@ -34,10 +34,10 @@ TEST_P(CapturedDiffs, AMachineDoesNotDifferFromItsJson) {
 
 /// A change that the test finds in the JSON of both machines independently.
 TEST_P(CapturedDiffs, EveryRevisionThatIsChangedIsFound) {
-  const vtq::TemporaryDirectory folder;
+  const vtq::TemporaryDirectory directory;
   json document =
       json::parse(RunPciinfo({"instances", "--format", "json", "--root", GetParam()}).out);
-  const std::string before = folder.Write("before.json", document.dump());
+  const std::string before = directory.Write("before.json", document.dump());
   std::multiset<std::string> expected;
   for (json& instance : document["instances"]) {
     json& properties = instance["properties"];
@@ -45,7 +45,7 @@ TEST_P(CapturedDiffs, EveryRevisionThatIsChangedIsFound) {
     properties["Revision"] = (properties["Revision"].get<int>() + 1) % 256;
     expected.insert(instance["path"].get<std::string>());
   }
-  const std::string after = folder.Write("after.json", document.dump());
+  const std::string after = directory.Write("after.json", document.dump());
   const RunResult result = RunPciinfo({"diff", before, after, "--format", "json"});
   EXPECT_EQ(result.status, expected.empty() ? 0 : 1) << result.err;
   std::multiset<std::string> found;

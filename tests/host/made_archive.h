@@ -8,7 +8,7 @@
 struct MadeEntry {
   std::string path;
   std::string content = {};
-  char type = 'f';          ///< f file, d folder, l link, h hard link, p pipe, c character device
+  char type = 'f';  ///< f file, d directory, l link, h hard link, p pipe, c character device
   std::string target = {};  ///< of a link
 };
 

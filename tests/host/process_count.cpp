@@ -39,7 +39,7 @@ vtq::FileDescriptor OpenTerminal() {
 }
 
 /// The command line of a process, with a blank between its words and the program without its
-/// folder.
+/// directory.
 std::string CommandOf(pid_t process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/cmdline");
   std::string word;

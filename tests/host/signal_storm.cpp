@@ -192,7 +192,7 @@ class Storm {
       if (!mayLeaveEmpty || !fs::is_empty(entry)) Leave("left " + entry.path().string());
       fs::remove_all(entry);
     }
-    for (const auto& entry : fs::directory_iterator(storm_.folder)) {
+    for (const auto& entry : fs::directory_iterator(storm_.directory)) {
       const std::string name = entry.path().filename();
       if (name.find(".part") != std::string::npos) Leave("left " + name);
       fs::remove_all(entry);

@@ -17,13 +17,13 @@ struct SignalStorm {
   std::vector<int> signals;
   /// Whether a signal may also strike the worker and the tool that it runs; else the program only.
   bool strikesAll = false;
-  int count = 0;       ///< of runs and signals, in turn and at random
-  unsigned seed = 1;   ///< of the random numbers
-  std::string folder;  ///< empty; where the runs write captures
+  int count = 0;          ///< of runs and signals, in turn and at random
+  unsigned seed = 1;      ///< of the random numbers
+  std::string directory;  ///< empty; where the runs write captures
 };
 
 /// Carries it out in this process, which must have no children. Returns a line for each thing that
-/// was left: a process that went on, a file in `folder` that is no capture, a scratch directory
+/// was left: a process that went on, a file in `directory` that is no capture, a scratch directory
 /// (after SIGKILL: one that is not empty), a terminal that is not as it was. Throws
 /// std::runtime_error.
 std::vector<std::string> LeftBehind(const SignalStorm& storm);

@@ -59,10 +59,10 @@ struct Include {
   bool isOwn;  // in quotes
 };
 
-std::vector<Include> IncludesOf(const std::string& folder) {
+std::vector<Include> IncludesOf(const std::string& directory) {
   std::vector<Include> includes;
   const std::regex pattern(R"(^\s*#\s*include\s*([<"])([^>"]*)[>"].*)");
-  for (const auto& entry : fs::recursive_directory_iterator(fs::path(SOURCE_DIR) / folder)) {
+  for (const auto& entry : fs::recursive_directory_iterator(fs::path(SOURCE_DIR) / directory)) {
     if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp") continue;
     std::ifstream file(entry.path());
     for (std::string line; std::getline(file, line);) {
@@ -71,7 +71,7 @@ std::vector<Include> IncludesOf(const std::string& folder) {
       includes.push_back({fs::relative(entry.path(), SOURCE_DIR), match[2], match[1] == "\""});
     }
   }
-  EXPECT_FALSE(includes.empty()) << folder;
+  EXPECT_FALSE(includes.empty()) << directory;
   return includes;
 }
 
@@ -81,9 +81,9 @@ bool Contains(const std::vector<std::string>& list, const std::string& item) {
 
 }  // namespace
 
-TEST(WallsTest, FoldersIncludeOnlyWhatStandsBelowThem) {
-  for (const auto& [folder, allowed] : kMayInclude) {
-    for (const Include& include : IncludesOf(folder)) {
+TEST(WallsTest, DirectoriesIncludeOnlyWhatStandsBelowThem) {
+  for (const auto& [directory, allowed] : kMayInclude) {
+    for (const Include& include : IncludesOf(directory)) {
       if (!include.isOwn) continue;
       const std::string target = include.target.substr(0, include.target.find('/'));
       const auto meeting = kMeetingPlaces.find(include.file);

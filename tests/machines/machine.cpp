@@ -7,9 +7,9 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "tests/recipes/machine_recipe.h"
 #include "tests/fakes/machine_tree.h"
 #include "tests/machines/process.h"
+#include "tests/recipes/machine_recipe.h"
 
 namespace fs = std::filesystem;
 
@@ -36,9 +36,9 @@ std::vector<Machine> MachinesWithRecipe(bool endless) {
 
 std::vector<Machine> Captures() {
   std::vector<Machine> machines;
-  const fs::path folder = PCIINFO_MACHINES;
-  if (folder.empty()) return machines;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+  const fs::path directory = PCIINFO_MACHINES;
+  if (directory.empty()) return machines;
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
     std::string name = entry.path().filename();
     const bool archive = name.ends_with(kArchive);
     if (!archive && !entry.is_directory()) continue;
@@ -48,8 +48,8 @@ std::vector<Machine> Captures() {
   return SortedByName(std::move(machines));
 }
 
-void Unpack(const fs::path& archive, const fs::path& folder) {
-  const RunResult tar = RunToEnd({"tar", "--no-same-owner", "-xf", archive, "-C", folder});
+void Unpack(const fs::path& archive, const fs::path& directory) {
+  const RunResult tar = RunToEnd({"tar", "--no-same-owner", "-xf", archive, "-C", directory});
   if (tar.status != 0) throw std::runtime_error(archive.string() + ": " + tar.err);
 }
 
@@ -65,16 +65,16 @@ void MoveContent(const fs::path& from, const std::string& to) {
 }
 
 void BecomeCapture(const fs::path& source) {
-  const fs::path folder = MachineTree::Real("/capture");
-  fs::remove_all(folder);
-  fs::create_directories(folder);
+  const fs::path directory = MachineTree::Real("/capture");
+  fs::remove_all(directory);
+  fs::create_directories(directory);
   if (fs::is_directory(source)) {
-    fs::copy(source, folder, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    fs::copy(source, directory, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
   } else {
-    Unpack(source, folder);
+    Unpack(source, directory);
   }
-  MoveContent(folder / "proc", "/proc");
-  MoveContent(folder / "sys", "/sys");
+  MoveContent(directory / "proc", "/proc");
+  MoveContent(directory / "sys", "/sys");
 }
 
 }  // namespace

@@ -109,12 +109,12 @@ TEST_F(MachineRecipeTest, WritesTheSameConfigurationToBothPlaces) {
 
 TEST_F(MachineRecipeTest, WritesTheAttributesOfSysfs) {
   BuildMachine(MachineWith(json::array({Card()})), root_);
-  const std::string folder = "sys/bus/pci/devices/0000:03:1f.2/";
-  EXPECT_EQ(Read(folder + "vendor"), "0x8086\n");
-  EXPECT_EQ(Read(folder + "class"), "0x040301\n");
-  EXPECT_EQ(Read(folder + "irq"), "16\n");
-  EXPECT_EQ(Read(folder + "subsystem_device"), "0x0002\n");
-  EXPECT_THAT(Read(folder + "resource"),
+  const std::string directory = "sys/bus/pci/devices/0000:03:1f.2/";
+  EXPECT_EQ(Read(directory + "vendor"), "0x8086\n");
+  EXPECT_EQ(Read(directory + "class"), "0x040301\n");
+  EXPECT_EQ(Read(directory + "irq"), "16\n");
+  EXPECT_EQ(Read(directory + "subsystem_device"), "0x0002\n");
+  EXPECT_THAT(Read(directory + "resource"),
               HasSubstr("0x000038003ff40000 0x000038003ff43fff 0x000000000014220c\n"));
 }
 

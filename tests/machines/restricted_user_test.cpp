@@ -67,13 +67,13 @@ TEST_F(RestrictedUserTest, AFunctionThatMayNotBeReadIsNamedOnce) {
 }
 
 TEST_F(RestrictedUserTest, NothingIsWrittenWhereTheUserStands) {
-  const fs::path folder = MachineTree::Real("/standing");
-  fs::create_directories(folder);
+  const fs::path directory = MachineTree::Real("/standing");
+  fs::create_directories(directory);
   const fs::path before = fs::current_path();
-  fs::current_path(folder);
+  fs::current_path(directory);
   Run({"instances"});
   fs::current_path(before);
-  EXPECT_TRUE(fs::is_empty(folder));
+  EXPECT_TRUE(fs::is_empty(directory));
 }
 
 }  // namespace

@@ -201,10 +201,10 @@ std::string ResourceLine(const Region& region) {
 
 void WriteSysfs(const Function& function, const std::string& config, const fs::path& root) {
   const Address& at = function.at;
-  const fs::path folder = root / fmt::format("sys/bus/pci/devices/{:04x}:{:02x}:{:02x}.{}",
-                                             at.domain, at.bus, at.device, at.function);
+  const fs::path directory = root / fmt::format("sys/bus/pci/devices/{:04x}:{:02x}:{:02x}.{}",
+                                                at.domain, at.bus, at.device, at.function);
   const auto write = [&](const char* name, unsigned value, int digits) {
-    WriteFile(folder / name, fmt::format("0x{:0{}x}\n", value, digits));
+    WriteFile(directory / name, fmt::format("0x{:0{}x}\n", value, digits));
   };
   write("vendor", function.vendor, 4);
   write("device", function.device, 4);
@@ -212,11 +212,11 @@ void WriteSysfs(const Function& function, const std::string& config, const fs::p
   write("revision", function.revision, 2);
   write("subsystem_vendor", function.subsystem[0], 4);
   write("subsystem_device", function.subsystem[1], 4);
-  WriteFile(folder / "irq", fmt::format("{}\n", function.irq));
+  WriteFile(directory / "irq", fmt::format("{}\n", function.irq));
   std::string resource;
   for (const Region& region : function.regions) resource += ResourceLine(region);
-  WriteFile(folder / "resource", resource);
-  WriteFile(folder / "config", config);
+  WriteFile(directory / "resource", resource);
+  WriteFile(directory / "config", config);
 }
 
 void WriteFunction(const Function& function, bool sysfs, const fs::path& root) {

@@ -181,9 +181,9 @@ void BuildSmbios(Entry tables, const fs::path& root) {
   if (anchor != "_SM_" && anchor != "_SM3_") tables.Fail("\"anchor\" must be _SM_ or _SM3_");
   tables.RefuseOthers();
   const std::size_t count = handle - 0x100U + 1;
-  const fs::path folder = root / "sys/firmware/dmi/tables";
-  WriteFile(folder / "DMI", AsText(table));
-  WriteFile(folder / "smbios_entry_point",
+  const fs::path directory = root / "sys/firmware/dmi/tables";
+  WriteFile(directory / "DMI", AsText(table));
+  WriteFile(directory / "smbios_entry_point",
             AsText(anchor == "_SM3_" ? EntryPoint3(version, table.size())
                                      : EntryPoint2(version, table.size(), count)));
 }

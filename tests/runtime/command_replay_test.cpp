@@ -51,20 +51,20 @@ TEST_F(CommandReplayTest, OnlyTheExactTextIsARecording) {
 }
 
 TEST_F(CommandReplayTest, NoTextLeadsOutOfTheDirectory) {
-  const std::string folder = directory_.GetPath() + "/recordings";
-  std::filesystem::create_directory(folder);
+  const std::string directory = directory_.GetPath() + "/recordings";
+  std::filesystem::create_directory(directory);
   const std::string outside = directory_.Write("outside", "recorded");
-  ReplayCommandsFrom(folder);
+  ReplayCommandsFrom(directory);
   EXPECT_THROW((void)OutputOf("../outside"), NQZMVTQ20::TVTQException);
-  std::filesystem::create_directory(folder + "/basename");
+  std::filesystem::create_directory(directory + "/basename");
   EXPECT_EQ(OutputOf("basename /../outside"), "outside\n");
-  std::filesystem::create_symlink(outside, folder + "/printf live");
+  std::filesystem::create_symlink(outside, directory + "/printf live");
   EXPECT_EQ(OutputOf("printf live"), "live");
   EXPECT_THROW((void)OutputOf(".."), NQZMVTQ20::TVTQException);
   EXPECT_THROW((void)OutputOf(""), NQZMVTQ20::TVTQException);
 }
 
-TEST_F(CommandReplayTest, AFolderOrALongTextIsNoRecording) {
+TEST_F(CommandReplayTest, ADirectoryOrALongTextIsNoRecording) {
   std::filesystem::create_directory(directory_.GetPath() + "/printf live");
   EXPECT_EQ(OutputOf("printf live"), "live");
   const std::string longText(5000, 'x');

@@ -24,19 +24,19 @@ std::string TextOf(const fs::path& file) {
   return text.str();
 }
 
-fs::path EmptyFolderOf(const SystemMachine& machine) {
-  const fs::path folder = fs::path(GUEST_FOLDER) / machine.name;
-  fs::remove_all(folder);
-  fs::create_directories(folder / "answers");
-  return folder;
+fs::path EmptyDirectoryOf(const SystemMachine& machine) {
+  const fs::path directory = fs::path(GUEST_DIRECTORY) / machine.name;
+  fs::remove_all(directory);
+  fs::create_directories(directory / "answers");
+  return directory;
 }
 
 // Writes each slot record to a file and returns the options that pass them to the firmware.
-std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::path& folder) {
+std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::path& directory) {
   std::vector<std::string> options;
   std::uint16_t handle = kFirstHandle;
   for (const nlohmann::json& record : machine.records) {
-    const fs::path file = folder / ("slot" + std::to_string(options.size() / 2 + 1) + ".bin");
+    const fs::path file = directory / ("slot" + std::to_string(options.size() / 2 + 1) + ".bin");
     const std::vector<unsigned char> bytes = MakeSlotStructure(record, handle++);
     std::ofstream stream(file, std::ios::binary);
     for (const unsigned char byte : bytes) stream.put(static_cast<char>(byte));
@@ -48,9 +48,9 @@ std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::pat
 
 // Returns the emulator's command line, without the serial lines. Network cards have no boot ROM,
 // because nothing boots from them and the firmware would spend time on it.
-std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::path& folder,
+std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::path& directory,
                                      const std::string& kernelOptions) {
-  const fs::path guest = GUEST_FOLDER;
+  const fs::path guest = GUEST_DIRECTORY;
   std::vector<std::string> words{"qemu-system-x86_64"};
   const auto add = [&words](std::vector<std::string> more) {
     words.insert(words.end(), more.begin(), more.end());
@@ -62,20 +62,20 @@ std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::pat
   add({"-append", "console=ttyS0 quiet panic=-1 mitigations=off " + kernelOptions});
   add({"-global", "e1000e.romfile=", "-global", "e1000.romfile="});
   for (const std::string& device : machine.devices) add({"-device", device});
-  add(SlotOptions(machine, folder));
+  add(SlotOptions(machine, directory));
   return words;
 }
 
 // A truncated archive counts as no output.
-bool Unpack(const fs::path& folder) {
+bool Unpack(const fs::path& directory) {
   const std::vector<std::string> tar{
-      "tar", "-x", "-z", "-f", folder / "answers.tar.gz", "-C", folder / "answers"};
-  return RunWithin(kUnpackTime, tar, folder / "tar.log") == 0;
+      "tar", "-x", "-z", "-f", directory / "answers.tar.gz", "-C", directory / "answers"};
+  return RunWithin(kUnpackTime, tar, directory / "tar.log") == 0;
 }
 
-std::map<std::string, Answer> ReadAnswers(const fs::path& folder) {
+std::map<std::string, Answer> ReadAnswers(const fs::path& directory) {
   std::map<std::string, Answer> answers;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
     const fs::path& file = entry.path();
     Answer& answer = answers[file.stem()];
     if (file.extension() == ".out") answer.out = TextOf(file);
@@ -94,26 +94,26 @@ std::string LastPartOf(const fs::path& file) {
 }  // namespace
 
 std::map<std::string, Answer> Boot(const SystemMachine& machine) {
-  const fs::path folder = EmptyFolderOf(machine);
-  std::vector<std::string> words = CommandLine(machine, folder, "");
+  const fs::path directory = EmptyDirectoryOf(machine);
+  std::vector<std::string> words = CommandLine(machine, directory, "");
   for (const char* line : {"console.log", "answers.tar.gz"}) {
-    words.insert(words.end(), {"-serial", "file:" + (folder / line).string()});
+    words.insert(words.end(), {"-serial", "file:" + (directory / line).string()});
   }
   std::string failure;
   try {
-    const int status = RunWithin(kBootTime, words, folder / "qemu.log");
-    if (status == 0 && Unpack(folder)) return ReadAnswers(folder / "answers");
+    const int status = RunWithin(kBootTime, words, directory / "qemu.log");
+    if (status == 0 && Unpack(directory)) return ReadAnswers(directory / "answers");
     failure = "the emulator ended with status " + std::to_string(status);
   } catch (const std::runtime_error& error) {
     failure = error.what();
   }
   throw std::runtime_error("The machine " + machine.name + " did not answer: " + failure +
-                           ".\nThe emulator said:\n" + LastPartOf(folder / "qemu.log") +
-                           "\nIts console said:\n" + LastPartOf(folder / "console.log"));
+                           ".\nThe emulator said:\n" + LastPartOf(directory / "qemu.log") +
+                           "\nIts console said:\n" + LastPartOf(directory / "console.log"));
 }
 
 void GiveShell(const SystemMachine& machine) {
-  std::vector<std::string> words = CommandLine(machine, EmptyFolderOf(machine), "shell");
+  std::vector<std::string> words = CommandLine(machine, EmptyDirectoryOf(machine), "shell");
   words.insert(words.end(), {"-serial", "mon:stdio"});
   Become(words);
 }

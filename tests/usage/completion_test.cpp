@@ -100,21 +100,21 @@ TEST_F(OtherShells, ZshAcceptsItsFile) {
 TEST_F(OtherShells, AcceptTheInstalledFiles) {
   NEEDS("fish");
   NEEDS("zsh");
-  EXPECT_EQ(RunShell("fish -n " WRITTEN_FOLDER "/pciinfo.fish").out, "");
-  EXPECT_EQ(RunShell("zsh -n " WRITTEN_FOLDER "/_pciinfo").out, "");
+  EXPECT_EQ(RunShell("fish -n " WRITTEN_DIRECTORY "/pciinfo.fish").out, "");
+  EXPECT_EQ(RunShell("zsh -n " WRITTEN_DIRECTORY "/_pciinfo").out, "");
 }
 
 TEST_F(OtherShells, FishProposesTheProgramsOwnCommands) {
   NEEDS("fish");
-  EXPECT_EQ(RunShell("fish --no-config -c '. " WRITTEN_FOLDER
+  EXPECT_EQ(RunShell("fish --no-config -c '. " WRITTEN_DIRECTORY
                      "/pciinfo.fish; complete -C \"pciinfo inst\"'")
                 .out,
             "instances\tPrint the instances of CIM classes\n");
 }
 
 TEST_F(Completion, BashProposesTheProgramsOwnCommands) {
-  EXPECT_EQ(RunShell("bash -n " WRITTEN_FOLDER "/pciinfo").out, "");
-  EXPECT_EQ(RunShell("bash --norc -c '. " WRITTEN_FOLDER
+  EXPECT_EQ(RunShell("bash -n " WRITTEN_DIRECTORY "/pciinfo").out, "");
+  EXPECT_EQ(RunShell("bash --norc -c '. " WRITTEN_DIRECTORY
                      "/pciinfo; COMP_WORDS=(pciinfo instances QZMSG_PCIB); COMP_CWORD=2; "
                      "_pciinfo; echo \"${COMPREPLY[@]}\"'")
                 .out,

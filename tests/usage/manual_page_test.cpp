@@ -15,7 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* kPage = WRITTEN_FOLDER "/pciinfo.1";
+constexpr const char* kPage = WRITTEN_DIRECTORY "/pciinfo.1";
 
 std::string MadePage() {
   return ManualPage(MadeUsage(), {"2.0", "2026-01-31", ".SH FILES\nnone\n"});

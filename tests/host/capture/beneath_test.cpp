@@ -19,23 +19,23 @@ using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 using vtq::FileDescriptor;
 
-using Open = FileDescriptor (*)(const FileDescriptor& folder, const std::string& path, int flags,
+using Open = FileDescriptor (*)(const FileDescriptor& directory, const std::string& path, int flags,
                                 mode_t mode);
 
 /// With the kernel's own call and without.
 class Beneath : public testing::TestWithParam<Open> {
  protected:
   Beneath() {
-    fs::create_directories(folder_ / "a/b");
-    folder_.Write("a/b/c", "1");
+    fs::create_directories(directory_ / "a/b");
+    directory_.Write("a/b/c", "1");
   }
 
   FileDescriptor OpenFile(const std::string& path, int flags = O_RDONLY) const {
     return GetParam()(root_, path, flags, 0600);
   }
 
-  vtq::TemporaryDirectory folder_;
-  FileDescriptor root_{open(folder_.GetPath().c_str(), O_PATH | O_DIRECTORY)};
+  vtq::TemporaryDirectory directory_;
+  FileDescriptor root_{open(directory_.GetPath().c_str(), O_PATH | O_DIRECTORY)};
 };
 
 INSTANTIATE_TEST_SUITE_P(Ways, Beneath, testing::Values(&OpenBeneath, &OpenStepByStep));
@@ -44,7 +44,7 @@ TEST_P(Beneath, FilesAreOpenedAndMade) {
   EXPECT_TRUE(OpenFile("a/b/c").IsOpen());
   EXPECT_TRUE(OpenFile("a/b", O_RDONLY | O_DIRECTORY).IsOpen());
   EXPECT_TRUE(OpenFile("a/new", O_WRONLY | O_CREAT).IsOpen());
-  EXPECT_TRUE(fs::exists(folder_ / "a/new"));
+  EXPECT_TRUE(fs::exists(directory_ / "a/new"));
 }
 
 TEST_P(Beneath, MissingFilesAreSaid) {
@@ -55,31 +55,31 @@ TEST_P(Beneath, MissingFilesAreSaid) {
 }
 
 TEST_P(Beneath, NoLinkIsFollowed) {
-  fs::create_directory_symlink("b", folder_ / "a/inner");
-  fs::create_symlink("b/c", folder_ / "a/file");
+  fs::create_directory_symlink("b", directory_ / "a/inner");
+  fs::create_symlink("b/c", directory_ / "a/file");
   for (const char* path : {"a/inner/c", "a/inner", "a/file"}) {
     EXPECT_FALSE(OpenFile(path).IsOpen()) << path;
   }
 }
 
-TEST(FoldersBeneath, TheirNamesAreListedTwiceAlike) {
-  const vtq::TemporaryDirectory folder;
-  folder.Write("one", "");
-  fs::create_directory(folder / "two");
-  const FileDescriptor opened(open(folder.GetPath().c_str(), O_RDONLY | O_DIRECTORY));
+TEST(DirectoriesBeneath, TheirNamesAreListedTwiceAlike) {
+  const vtq::TemporaryDirectory directory;
+  directory.Write("one", "");
+  fs::create_directory(directory / "two");
+  const FileDescriptor opened(open(directory.GetPath().c_str(), O_RDONLY | O_DIRECTORY));
   EXPECT_THAT(NamesIn(opened), UnorderedElementsAre("one", "two"));
   EXPECT_THAT(NamesIn(opened), UnorderedElementsAre("one", "two"));
 }
 
-TEST(FoldersBeneath, TheirContentIsRemovedButNotWhatLinksPointTo) {
+TEST(DirectoriesBeneath, TheirContentIsRemovedButNotWhatLinksPointTo) {
   const vtq::TemporaryDirectory outside;
   outside.Write("victim", "1");
-  const vtq::TemporaryDirectory folder;
-  fs::create_directories(folder / "a/b");
-  folder.Write("a/b/c", "1");
-  fs::create_directory_symlink(outside.GetPath(), folder / "a/link");
-  RemoveContent(FileDescriptor(open(folder.GetPath().c_str(), O_RDONLY | O_DIRECTORY)));
-  EXPECT_THAT(folder.Names(), IsEmpty());
+  const vtq::TemporaryDirectory directory;
+  fs::create_directories(directory / "a/b");
+  directory.Write("a/b/c", "1");
+  fs::create_directory_symlink(outside.GetPath(), directory / "a/link");
+  RemoveContent(FileDescriptor(open(directory.GetPath().c_str(), O_RDONLY | O_DIRECTORY)));
+  EXPECT_THAT(directory.Names(), IsEmpty());
   EXPECT_EQ(outside.Read("victim"), "1");
 }
 

@@ -52,7 +52,7 @@ class CaptureThisMachine : public testing::Test {
 
 std::unique_ptr<Keeper> CaptureThisMachine::keeper_;
 
-TEST_F(CaptureThisMachine, TheBusFoldersAreComplete) {
+TEST_F(CaptureThisMachine, TheBusDirectoriesAreComplete) {
   for (const auto& entry : fs::recursive_directory_iterator("/proc/bus/pci")) {
     if (entry.is_directory()) continue;
     const std::string path = entry.path().relative_path();

@@ -230,9 +230,9 @@ TEST_F(CaptureTargetTest, OnlyTheOwnerMayReadIt) {
   CaptureTarget archive(Path("a.tar"));
   archive.GetWriter().Finish();
   archive.Commit();
-  CaptureTarget folder(Path("d/"));
-  folder.GetWriter().Finish();
-  folder.Commit();
+  CaptureTarget directory(Path("d/"));
+  directory.GetWriter().Finish();
+  directory.Commit();
   EXPECT_EQ(fs::status(Path("a.tar")).permissions(), fs::perms{0600});
   EXPECT_EQ(fs::status(Path("d")).permissions(), fs::perms{0700});
 }
@@ -245,21 +245,21 @@ TEST_F(CaptureTargetTest, AnOldArchiveIsReplacedAndAnEmptyDirectoryUsed) {
   archive.Commit();
   EXPECT_GT(fs::file_size(Path("a.tar")), 3U);
   fs::create_directory(Path("d"));
-  CaptureTarget folder(Path("d"));
-  folder.GetWriter().Write({"x", "1", ""});
-  folder.GetWriter().Finish();
-  folder.Commit();
+  CaptureTarget directory(Path("d"));
+  directory.GetWriter().Write({"x", "1", ""});
+  directory.GetWriter().Finish();
+  directory.Commit();
   EXPECT_TRUE(fs::exists(Path("d/x")));
 }
 
 TEST_F(CaptureTargetTest, OtherExistingFilesAreNotChanged) {
   fs::create_directories(Path("full/x"));
-  fs::create_directory(Path("folder.tar"));
+  fs::create_directory(Path("directory.tar"));
   directory_.Write("file", "x");
   ASSERT_EQ(mkfifo(Path("pipe.tar").c_str(), 0600), 0);
   EXPECT_THAT(Refusal("full"), HasSubstr("is not empty"));
   EXPECT_THAT(Refusal("full/"), HasSubstr("is not empty"));
-  EXPECT_THAT(Refusal("folder.tar"), HasSubstr("is not a regular file"));
+  EXPECT_THAT(Refusal("directory.tar"), HasSubstr("is not a regular file"));
   EXPECT_THAT(Refusal("pipe.tar"), HasSubstr("is not a regular file"));
   EXPECT_THAT(Refusal("file"), HasSubstr("is not a directory"));
   EXPECT_THAT(Refusal("b.tar.xz"), HasSubstr(".tar.zst"));

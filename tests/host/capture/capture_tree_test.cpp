@@ -38,8 +38,8 @@ TEST_F(CaptureTreeTest, AFileIsReplaced) {
 
 TEST_F(CaptureTreeTest, AnExistingDirectoryStays) {
   WriteBytes(tree_.MakeFile("a/b"), "1");
-  tree_.MakeFolder("a");
-  tree_.MakeFolder("c/d");
+  tree_.MakeDirectory("a");
+  tree_.MakeDirectory("c/d");
   EXPECT_EQ(directory_.Read("a/b"), "1");
   EXPECT_TRUE(fs::is_directory(Path("c/d")));
 }
@@ -47,12 +47,12 @@ TEST_F(CaptureTreeTest, AnExistingDirectoryStays) {
 TEST_F(CaptureTreeTest, NothingIsWrittenThroughALink) {
   const vtq::TemporaryDirectory outside;
   const std::string victim = outside.Write("victim", "untouched");
-  tree_.MakeLink("folder", outside.GetPath());
+  tree_.MakeLink("directory", outside.GetPath());
   tree_.MakeLink("file", victim);
-  EXPECT_THROW(tree_.MakeFile("folder/victim"), std::system_error);
+  EXPECT_THROW(tree_.MakeFile("directory/victim"), std::system_error);
   EXPECT_THROW(tree_.MakeFile("file"), std::system_error);
-  EXPECT_THROW(tree_.MakeFolder("folder/new"), std::system_error);
-  EXPECT_THROW(tree_.MakeLink("folder/new", "x"), std::system_error);
+  EXPECT_THROW(tree_.MakeDirectory("directory/new"), std::system_error);
+  EXPECT_THROW(tree_.MakeLink("directory/new", "x"), std::system_error);
   EXPECT_EQ(std::ifstream(victim).get(), 'u');
   EXPECT_FALSE(fs::exists(outside.GetPath() + "/new"));
 }

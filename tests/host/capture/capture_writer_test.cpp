@@ -23,7 +23,7 @@ std::map<std::string, std::string> PartsOf(const std::string& capture) {
   const auto opened = OpenCapture(capture);
   CaptureReader& reader = *opened;
   while (const auto entry = reader.Next()) {
-    if (entry->kind == EntryKind::kFolder) reader.Enter();
+    if (entry->kind == EntryKind::kDirectory) reader.Enter();
     if (entry->kind == EntryKind::kLink) parts[entry->path] = "-> " + entry->target;
     if (entry->kind != EntryKind::kFile) continue;
     std::string& content = parts[entry->path];
@@ -57,9 +57,9 @@ TEST(CaptureWriter, ArchivesHoldWhatWasWritten) {
   }
 }
 
-TEST(CaptureWriter, FoldersHoldWhatWasWritten) {
+TEST(CaptureWriter, DirectoriesHoldWhatWasWritten) {
   const vtq::TemporaryDirectory directory;
-  WriteParts(*MakeFolderWriter(
+  WriteParts(*MakeDirectoryWriter(
       vtq::FileDescriptor(open(directory.GetPath().c_str(), O_RDONLY | O_DIRECTORY))));
   EXPECT_EQ(PartsOf(directory.GetPath()), kParts);
 }

@@ -50,9 +50,10 @@ class CheckSlotReader : public testing::Test {
   }
 
   void Write(const std::string& name, const SmBiosBytes& bytes) const {
-    const std::string folder = root_.GetPath() + "/sys/firmware/dmi/tables";
-    fs::create_directories(folder);
-    std::ofstream(folder + "/" + name, std::ios::binary) << std::string(bytes.begin(), bytes.end());
+    const std::string directory = root_.GetPath() + "/sys/firmware/dmi/tables";
+    fs::create_directories(directory);
+    std::ofstream(directory + "/" + name, std::ios::binary)
+        << std::string(bytes.begin(), bytes.end());
   }
 
   vtq::TemporaryDirectory root_;

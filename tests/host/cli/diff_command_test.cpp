@@ -33,12 +33,12 @@ class DiffCommand : public testing::Test {
          at != std::string::npos; at = text.find(from, at + to.size())) {
       text.replace(at, from.size(), to);
     }
-    return folder_.Write(name, text);
+    return directory_.Write(name, text);
   }
 
   /// A capture of a machine with one device.
-  std::string CaptureFolder(const std::string& name, const std::string& irq) const {
-    const std::string capture = folder_.GetPath() + "/" + name;
+  std::string CaptureDirectory(const std::string& name, const std::string& irq) const {
+    const std::string capture = directory_.GetPath() + "/" + name;
     fs::create_directories(capture + "/proc/bus/pci/03");
     fs::create_directories(capture + "/commands");
     std::ofstream(capture + "/proc/bus/pci/devices") << "0300\t80861533\t" << irq << "\n";
@@ -50,11 +50,11 @@ class DiffCommand : public testing::Test {
     return capture;
   }
 
-  vtq::TemporaryDirectory folder_;
+  vtq::TemporaryDirectory directory_;
 };
 
 TEST_F(DiffCommand, APipeIsReadOnce) {
-  const std::string capture = CaptureFolder("a", "10");
+  const std::string capture = CaptureDirectory("a", "10");
   const std::string pack = "tar -C " + capture + " -cf - proc commands";
   const RunResult archive = RunShell("$PCIINFO diff <(" + pack + ") " + capture);
   EXPECT_EQ(archive.status, 0) << archive.out << archive.err;
@@ -65,7 +65,7 @@ TEST_F(DiffCommand, APipeIsReadOnce) {
 }
 
 TEST_F(DiffCommand, APipeThatNeverEndsIsGivenUpInTime) {
-  const std::string pipe = folder_ / "pipe";
+  const std::string pipe = directory_ / "pipe";
   const RunResult result =
       RunShell("mkfifo " + pipe + " && $PCIINFO diff --timeout 1 " + pipe + " live");
   EXPECT_EQ(result.status, 2);
@@ -97,20 +97,20 @@ TEST_F(DiffCommand, ADifferenceIsStatusOne) {
 }
 
 TEST_F(DiffCommand, CapturesAreCompared) {
-  const std::string before = CaptureFolder("a", "10");
-  const std::string after = CaptureFolder("b", "11");
+  const std::string before = CaptureDirectory("a", "10");
+  const std::string after = CaptureDirectory("b", "11");
   const RunResult result = RunPciinfo({"diff", before, after});
   EXPECT_EQ(result.status, 1) << result.err;
   EXPECT_THAT(result.out, HasSubstr("    interrupt 16 -> 17\n"));
   EXPECT_THAT(result.err, AllOf(HasSubstr("pciinfo: " + before + ": this capture holds no SMBIOS"),
                                 HasSubstr("pciinfo: " + after + ": this capture holds no")));
   const std::string kept = RunPciinfo({"instances", "--format", "json", "--root", before}).out;
-  EXPECT_EQ(RunPciinfo({"diff", folder_.Write("kept.json", kept), before}).status, 0);
+  EXPECT_EQ(RunPciinfo({"diff", directory_.Write("kept.json", kept), before}).status, 0);
 }
 
 TEST_F(DiffCommand, WhatCouldNotBeCollectedIsTrouble) {
-  const std::string before = CaptureFolder("a", "10");
-  const std::string after = CaptureFolder("b", "10");
+  const std::string before = CaptureDirectory("a", "10");
+  const std::string after = CaptureDirectory("b", "10");
   fs::remove(after + "/proc/bus/pci/03/00.0");
   const RunResult result = RunPciinfo({"diff", before, after});
   EXPECT_EQ(result.status, 2);
@@ -121,7 +121,7 @@ TEST_F(DiffCommand, WhatCouldNotBeCollectedIsTrouble) {
 TEST_F(DiffCommand, StandardInputMayBeJsonOrAnArchive) {
   const std::string machine = MachineFile("a.json");
   EXPECT_EQ(RunShell("$PCIINFO diff - " + machine + " <" + machine).status, 0);
-  const std::string capture = CaptureFolder("b", "10");
+  const std::string capture = CaptureDirectory("b", "10");
   const RunResult archive =
       RunShell("tar -C " + capture + " -cf - . | $PCIINFO diff " + capture + " -");
   EXPECT_EQ(archive.status, 0) << archive.err << archive.out;
@@ -132,13 +132,13 @@ TEST_F(DiffCommand, StandardInputMayBeJsonOrAnArchive) {
 
 TEST_F(DiffCommand, APartIsComparedInPart) {
   const std::string whole = MachineFile("a.json");
-  const std::string part = folder_.Write(
+  const std::string part = directory_.Write(
       "part.json", RunFake("fixed", {"instances", "QZMSG_SystemSlot", "--format", "jsonl"}).out);
   const RunResult result = RunPciinfo({"diff", whole, part});
   EXPECT_EQ(result.status, 0) << result.out;
   EXPECT_THAT(result.err, AllOf(StartsWith("pciinfo: " + part + ": not comparing "),
                                 HasSubstr("QZMSG_PCIDevice"), Not(HasSubstr("SystemSlot"))));
-  const std::string other = folder_.Write(
+  const std::string other = directory_.Write(
       "other.json", RunFake("fixed", {"instances", "QZMSG_SystemBoard", "--format", "json"}).out);
   const RunResult nothing = RunPciinfo({"diff", part, other});
   EXPECT_EQ(nothing.status, 2);
@@ -154,7 +154,7 @@ TEST_F(DiffCommand, HostileJsonIsRefusedByName) {
                                           "{\"instances\":" + std::string(200000, '['),
                                           std::string("{\0\xff", 3)};
   for (const std::string& text : texts) {
-    const std::string bad = folder_.Write("bad.json", text);
+    const std::string bad = directory_.Write("bad.json", text);
     const RunResult result = RunPciinfo({"diff", machine, bad});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
@@ -165,7 +165,7 @@ TEST_F(DiffCommand, HostileJsonIsRefusedByName) {
 TEST_F(DiffCommand, AFileThatIsNeitherCaptureNorJsonIsRefused) {
   const std::string machine = MachineFile("a.json");
   for (const char* content : {"", "no capture\n"}) {
-    const std::string bad = folder_.Write("bad", content);
+    const std::string bad = directory_.Write("bad", content);
     const RunResult result = RunPciinfo({"diff", bad, machine});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.err, HasSubstr(bad));

@@ -16,7 +16,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(LibraryLocation, LooksBesideTheProgramThenInTheLibFolderThenWhereItIsInstalled) {
+TEST(LibraryLocation, LooksBesideTheProgramThenInTheLibDirectoryThenWhereItIsInstalled) {
   const std::vector<std::string> places = LibraryPlaces("/opt/x/bin", "libpciinfo-extras.so");
   ASSERT_EQ(places.size(), 3U);
   EXPECT_EQ(places[0], "/opt/x/bin/libpciinfo-extras.so");
@@ -25,7 +25,7 @@ TEST(LibraryLocation, LooksBesideTheProgramThenInTheLibFolderThenWhereItIsInstal
               AllOf(StartsWith("/opt/x/lib"), EndsWith("/pciinfo/libpciinfo-extras.so")));
 }
 
-TEST(LibraryLocation, PluginsAreInTheLibFolderOrWhereTheyAreInstalled) {
+TEST(LibraryLocation, PluginsAreInTheLibDirectoryOrWhereTheyAreInstalled) {
   const std::vector<std::string> places = PluginDirectories("/opt/x/bin");
   ASSERT_FALSE(places.empty());
   EXPECT_EQ(places[0], "/opt/x/lib/pciinfo/plugins");
@@ -46,8 +46,8 @@ TEST(LibraryLocation, SaysWhereItLookedInVain) {
   }
 }
 
-TEST(LibraryLocation, ProgramFolderIsThatOfTheRunningProgram) {
-  EXPECT_TRUE(std::filesystem::exists(ProgramFolder() + "/host_tests"));
+TEST(LibraryLocation, ProgramDirectoryIsThatOfTheRunningProgram) {
+  EXPECT_TRUE(std::filesystem::exists(ProgramDirectory() + "/host_tests"));
 }
 
 }  // namespace

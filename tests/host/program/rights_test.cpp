@@ -34,7 +34,7 @@ class Rights : public testing::Test {
   static constexpr const char* kManifest = R"({"formatVersion": 1, "systemName": "box"})";
 
   std::string Archive() const { return directory_ / "capture.tar.gz"; }
-  std::string Folder() const { return directory_ / "box"; }
+  std::string Directory() const { return directory_ / "box"; }
 
   /// What the shell command prints when a plug-in runs it.
   static std::string Run(const std::string& command, std::vector<std::string> options = {}) {
@@ -48,7 +48,7 @@ class Rights : public testing::Test {
 };
 
 TEST_F(Rights, AToolThatReadsACaptureHasNone) {
-  for (const std::string& capture : {Archive(), Folder()}) {
+  for (const std::string& capture : {Archive(), Directory()}) {
     const std::string status = Run("cat /proc/self/status", {"--root", capture});
     for (const char* set : {"CapInh", "CapPrm", "CapEff", "CapBnd", "CapAmb"}) {
       EXPECT_THAT(status, HasSubstr(std::string(set) + ":\t0000000000000000\n"));
@@ -82,7 +82,7 @@ TEST_F(Rights, NobodyWritesOutsideTheScratchDirectory) {
   const std::string harm = "echo changed >" + file + "; touch " + (directory_ / "new") +
                            "; chmod 0 " + file + "; rm -f " + file + "; echo done";
   for (const std::vector<std::string>& options :
-       std::vector<std::vector<std::string>>{{}, {"--root", Archive()}, {"--root", Folder()}}) {
+       std::vector<std::vector<std::string>>{{}, {"--root", Archive()}, {"--root", Directory()}}) {
     EXPECT_THAT(Run(harm + "; echo own >own && cat own 2>/dev/null", options),
                 HasSubstr("done\nown\n"));
     EXPECT_EQ(directory_.Read("old"), "content");
@@ -94,7 +94,7 @@ TEST_F(Rights, APlugInThatOnlyRootCanReadIsLoaded) {
   fs::copy_file(FakePluginFile("fixed"), directory_ / "own.pi.so");
   fs::copy_file(FAKE_PLUGINS "fixed.classes.json", directory_ / "own.classes.json");
   fs::permissions(directory_.GetPath(), fs::perms::owner_all);
-  for (const std::string& capture : {Archive(), Folder()}) {
+  for (const std::string& capture : {Archive(), Directory()}) {
     const RunResult result =
         RunPciinfo({"devices", "--root", capture, "--only-plugin", directory_ / "own.pi.so"});
     EXPECT_EQ(result.status, 0) << result.err;
@@ -104,19 +104,20 @@ TEST_F(Rights, APlugInThatOnlyRootCanReadIsLoaded) {
 #endif
 
 TEST_F(Rights, NothingOfThisMachineIsSeenInACapture) {
-  for (const std::string& capture : {Archive(), Folder()}) {
+  for (const std::string& capture : {Archive(), Directory()}) {
     const std::vector<std::string> options = {"--root", capture};
     EXPECT_THAT(LinesOf(Run("ls -A /dev", options)),
                 testing::IsSupersetOf({"null", "zero", "urandom", "fd"}));
     EXPECT_THAT(
         LinesOf(Run("echo /dev/* | tr ' ' '\\n' | grep -E 'mem|port|vd|sd|shm|kvm'", options)),
         Each(Not(HasSubstr("/dev/"))));
-    EXPECT_THAT(Run("ls -A /etc | grep -vE '^(ld.so.cache|alternatives|hosts|udev)$' | sed s/^/live:/; "
-                    "find /run /boot /lib/modules -mindepth 1 | sed s/^/live:/; "
-                    "for f in /proc/[a-z]*; do echo $f; done | grep -vE "
-                    "'^/proc/(bus|pciinfo|self|thread-self)$' | sed s/^/live:/",
-                    options),
-                Not(HasSubstr("live:")));
+    EXPECT_THAT(
+        Run("ls -A /etc | grep -vE '^(ld.so.cache|alternatives|hosts|udev)$' | sed s/^/live:/; "
+            "find /run /boot /lib/modules -mindepth 1 | sed s/^/live:/; "
+            "for f in /proc/[a-z]*; do echo $f; done | grep -vE "
+            "'^/proc/(bus|pciinfo|self|thread-self)$' | sed s/^/live:/",
+            options),
+        Not(HasSubstr("live:")));
     EXPECT_THAT(Run("uname -n | sed s/^/name:/", options), HasSubstr("name:\n"));
   }
 }
@@ -146,7 +147,9 @@ bool IsReadBeforeConfining(const std::string& capture) {
 TEST_F(Rights, AnArchiveIsParsedWithoutRights) { EXPECT_FALSE(IsReadBeforeConfining(Archive())); }
 
 // Only its owner may be able to read it.
-TEST_F(Rights, ADirectoryIsReadWithTheUsersRights) { EXPECT_TRUE(IsReadBeforeConfining(Folder())); }
+TEST_F(Rights, ADirectoryIsReadWithTheUsersRights) {
+  EXPECT_TRUE(IsReadBeforeConfining(Directory()));
+}
 
 TEST_F(Rights, CapturesAreWrittenWhereTheirUserCan) {
   // Owned by somebody else, so that root reaches it by its capabilities only.

@@ -39,7 +39,7 @@ class Signals : public testing::Test {
   void CarryOut(SignalStorm storm) const {
     const char* const count = std::getenv("PCIINFO_SIGNALS");
     storm.count = count == nullptr ? 100 : std::atoi(count);
-    storm.folder = directory_.GetPath();
+    storm.directory = directory_.GetPath();
     const RunResult result = RunInChild([&storm] {
       if (!HaveOwnScratchPlace()) return kNoNamespaces;
       const std::vector<std::string> left = LeftBehind(storm);

@@ -239,9 +239,9 @@ TEST_F(Survival, APluginThatClosesAllFilesLosesOnlyItsClass) {
 TEST_F(Survival, FilesInTheWorkingDirectoryAreRemoved) {
   const RunResult result = Run("WriteFile QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
-  const std::string folder = Logged("wrote into: ");
-  EXPECT_THAT(folder, AnyOf(StartsWith("/dev/shm/pciinfo-"), StartsWith("/tmp/pciinfo-")));
-  EXPECT_FALSE(std::filesystem::exists(folder));
+  const std::string directory = Logged("wrote into: ");
+  EXPECT_THAT(directory, AnyOf(StartsWith("/dev/shm/pciinfo-"), StartsWith("/tmp/pciinfo-")));
+  EXPECT_FALSE(std::filesystem::exists(directory));
 }
 
 TEST_F(Survival, OutputOfAPluginAppearsOnce) {

@@ -28,8 +28,8 @@ TEST(EntryGate, PathsAreNormalised) {
   EntryGate gate;
   EXPECT_EQ(gate.Admit(File("sys/bus")), "sys/bus");
   EXPECT_EQ(gate.Admit(File("./sys/./bus//x")), "sys/bus/x");
-  EXPECT_EQ(gate.Admit({"./", EntryKind::kFolder, "", 0}), "");
-  EXPECT_EQ(gate.Admit({"sys/", EntryKind::kFolder, "", 0}), "sys");
+  EXPECT_EQ(gate.Admit({"./", EntryKind::kDirectory, "", 0}), "");
+  EXPECT_EQ(gate.Admit({"sys/", EntryKind::kDirectory, "", 0}), "sys");
   EXPECT_EQ(gate.Admit(File("commands/lspci -vvv")), "commands/lspci -vvv");
   EXPECT_EQ(gate.Admit(File("sys/...")), "sys/...");
 }
@@ -42,7 +42,7 @@ TEST(EntryGate, PathsThatLeaveTheCaptureAreRefused) {
   }
 }
 
-TEST(EntryGate, OnlyFilesFoldersAndInnerLinksPass) {
+TEST(EntryGate, OnlyFilesDirectoriesAndInnerLinksPass) {
   EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kHardLink, "sys/y", 0}), HasSubstr("hard link"));
   EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kOther, "", 0}), HasSubstr("neither a file"));
   EXPECT_THAT(RefusalOf({"sys/x", EntryKind::kLink, "/etc/passwd", 0}),
@@ -91,8 +91,8 @@ TEST(EntryGate, PathsAndTargetsCountAsBytes) {
 TEST(EntryGate, DirectoriesThatPathsNeedCountAsEntries) {
   EntryGate gate({10, 100, 100});
   gate.Admit(File("a/b/c"));
-  gate.CountFolders(9);
-  EXPECT_THROW(gate.CountFolders(10), BadCapture);
+  gate.CountDirectories(9);
+  EXPECT_THROW(gate.CountDirectories(10), BadCapture);
 }
 
 TEST(CaptureLimits, LessMemoryLeavesLess) {

@@ -36,7 +36,7 @@ std::map<std::string, std::string> FilesOf(const std::string& capture) {
   const auto opened = OpenCapture(capture);
   CaptureReader& reader = *opened;
   while (const auto entry = reader.Next()) {
-    if (entry->kind == EntryKind::kFolder) reader.Enter();
+    if (entry->kind == EntryKind::kDirectory) reader.Enter();
     if (entry->kind == EntryKind::kFile) files[entry->path] = ContentOf(reader);
   }
   return files;
@@ -79,7 +79,7 @@ TEST_F(CaptureReaderTest, KindsOfEntriesAreDistinguished) {
   CaptureReader& reader = *opened;
   EXPECT_FALSE(reader.IsDirectory());
   EXPECT_EQ(reader.Next()->size, 4U);
-  EXPECT_EQ(reader.Next()->kind, EntryKind::kFolder);
+  EXPECT_EQ(reader.Next()->kind, EntryKind::kDirectory);
   const auto link = reader.Next();
   EXPECT_EQ(link->kind, EntryKind::kLink);
   EXPECT_EQ(link->target, "../x");

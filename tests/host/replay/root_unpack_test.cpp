@@ -97,7 +97,7 @@ TEST_F(UnpackCaptureTest, LinksInADirectoryObeyTheSameRules) {
   EXPECT_THROW(Unpack(directory_.GetPath()), BadCapture);
 }
 
-TEST_F(UnpackCaptureTest, ADriversFolderIsMadeForItsLink) {
+TEST_F(UnpackCaptureTest, ADriversDirectoryIsMadeForItsLink) {
   Unpack({{"sys/bus/pci/devices/x/driver", "", 'l', "../../../../bus/pci/drivers/ahci"}});
   EXPECT_TRUE(fs::is_directory(Place("sys/bus/pci/drivers/ahci")));
   EXPECT_EQ(fs::canonical(Place("sys/bus/pci/devices/x/driver")),

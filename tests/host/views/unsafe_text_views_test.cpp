@@ -128,19 +128,19 @@ std::string UnsafeWord() {
 }
 
 TEST(UnsafeTextInMessages, OfFilesThatAreRead) {
-  const vtq::TemporaryDirectory folder;
+  const vtq::TemporaryDirectory directory;
   const std::string word = UnsafeWord();
   const std::string path = R"("path":"x","properties":{)";
-  const std::string archive = folder / "archive";
+  const std::string archive = directory / "archive";
   MakeArchive(archive, {{"/" + word, "x"}});
   const std::string escaped = nlohmann::json(word).dump();
   const std::vector<std::string> files = {
-      archive, folder.Write("class", "{\"instances\":[{\"class\":" + escaped + "}]}"),
-      folder.Write("value", R"({"instances":[{"class":"QZMSG_PCIDevice",)" + path +
-                                "\"VendorID\":" + escaped + "}}]}"),
-      folder.Write("name",
-                   R"({"instances":[{"class":"QZMSG_PCIDevice",)" + path + escaped + ":1}}]}"),
-      folder.Write("damaged", "{\"instances\":[\"" + word)};
+      archive, directory.Write("class", "{\"instances\":[{\"class\":" + escaped + "}]}"),
+      directory.Write("value", R"({"instances":[{"class":"QZMSG_PCIDevice",)" + path +
+                                   "\"VendorID\":" + escaped + "}}]}"),
+      directory.Write("name",
+                      R"({"instances":[{"class":"QZMSG_PCIDevice",)" + path + escaped + ":1}}]}"),
+      directory.Write("damaged", "{\"instances\":[\"" + word)};
   for (const std::string& file : files) {
     const RunResult result = RunFake("fixed", {"diff", file, file});
     EXPECT_NE(result.status, 0) << file;

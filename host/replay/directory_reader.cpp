@@ -32,7 +32,7 @@ constexpr std::size_t kBlockSize = 65536;
 
 EntryKind KindOf(mode_t mode) {
   if (S_ISREG(mode)) return EntryKind::kFile;
-  if (S_ISDIR(mode)) return EntryKind::kFolder;
+  if (S_ISDIR(mode)) return EntryKind::kDirectory;
   return S_ISLNK(mode) ? EntryKind::kLink : EntryKind::kOther;
 }
 
@@ -40,16 +40,16 @@ bool IsSame(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-bool IsRootOfThisMachine(const FileDescriptor& folder) {
+bool IsRootOfThisMachine(const FileDescriptor& directory) {
   struct stat given {};
   struct stat root {};
-  return fstat(folder.Get(), &given) == 0 && stat("/", &root) == 0 && IsSame(given, root);
+  return fstat(directory.Get(), &given) == 0 && stat("/", &root) == 0 && IsSame(given, root);
 }
 
 /// Keeps one directory open at a time, however deep they are; those that were entered wait.
-class FolderReader final : public CaptureReader {
+class DirectoryReader final : public CaptureReader {
  public:
-  explicit FolderReader(FileDescriptor root) : root_(std::move(root)) {
+  explicit DirectoryReader(FileDescriptor root) : root_(std::move(root)) {
     if (!IsRootOfThisMachine(root_)) return;
     throw BadCapture(
         "it is the root directory of this machine: leave out --root to show this machine");
@@ -61,7 +61,7 @@ class FolderReader final : public CaptureReader {
   std::string_view Read() override;
 
  private:
-  bool OpenNextFolder();
+  bool OpenNextDirectory();
   ArchiveEntry Describe(const std::string& name);
   std::uint64_t OpenFile(const std::string& name);
   std::string ReadTarget(const std::string& name) const;
@@ -70,7 +70,7 @@ class FolderReader final : public CaptureReader {
   FileDescriptor root_;
   std::vector<std::string> entered_;  ///< directories to read later
   bool isBegun_ = false;
-  FileDescriptor folder_;           ///< the directory that is being read
+  FileDescriptor directory_;        ///< the directory that is being read
   std::string prefix_;              ///< its path, with a slash unless it is empty
   std::vector<std::string> names_;  ///< what is left in it
   std::string path_;                ///< of the current entry
@@ -80,12 +80,12 @@ class FolderReader final : public CaptureReader {
   std::array<char, kBlockSize> buffer_{};
 };
 
-std::optional<ArchiveEntry> FolderReader::Next() {
+std::optional<ArchiveEntry> DirectoryReader::Next() {
   file_.Close();
   left_ = 0;
-  if (!std::exchange(isBegun_, true)) return ArchiveEntry{"", EntryKind::kFolder, "", 0};
+  if (!std::exchange(isBegun_, true)) return ArchiveEntry{"", EntryKind::kDirectory, "", 0};
   while (names_.empty()) {
-    if (!OpenNextFolder()) return std::nullopt;
+    if (!OpenNextDirectory()) return std::nullopt;
   }
   const std::string name = std::move(names_.back());
   names_.pop_back();
@@ -93,23 +93,23 @@ std::optional<ArchiveEntry> FolderReader::Next() {
   return Describe(name);
 }
 
-bool FolderReader::OpenNextFolder() {
+bool DirectoryReader::OpenNextDirectory() {
   if (entered_.empty()) return false;
   path_ = std::move(entered_.back());
   entered_.pop_back();
-  folder_ = OpenBeneath(root_, path_.empty() ? "." : path_, O_RDONLY | O_DIRECTORY);
-  if (!folder_.IsOpen()) FailForErrno(path_);
+  directory_ = OpenBeneath(root_, path_.empty() ? "." : path_, O_RDONLY | O_DIRECTORY);
+  if (!directory_.IsOpen()) FailForErrno(path_);
   prefix_ = path_.empty() ? "" : path_ + "/";
   try {
-    names_ = NamesIn(folder_);
+    names_ = NamesIn(directory_);
   } catch (const std::system_error& failure) {
     Fail(path_, "cannot be read: " + failure.code().message());
   }
   return true;
 }
 
-ArchiveEntry FolderReader::Describe(const std::string& name) {
-  if (fstatat(folder_.Get(), name.c_str(), &status_, AT_SYMLINK_NOFOLLOW) != 0) {
+ArchiveEntry DirectoryReader::Describe(const std::string& name) {
+  if (fstatat(directory_.Get(), name.c_str(), &status_, AT_SYMLINK_NOFOLLOW) != 0) {
     FailForErrno(path_);
   }
   ArchiveEntry entry{path_, KindOf(status_.st_mode), "", 0};
@@ -120,8 +120,8 @@ ArchiveEntry FolderReader::Describe(const std::string& name) {
 
 /// Opens the file that the entry was, and says its size. Somebody may have put a pipe or a link in
 /// its place: opening never waits for the other end of a pipe.
-std::uint64_t FolderReader::OpenFile(const std::string& name) {
-  file_ = OpenBeneath(folder_, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+std::uint64_t DirectoryReader::OpenFile(const std::string& name) {
+  file_ = OpenBeneath(directory_, name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
   struct stat opened {};
   if (!file_.IsOpen() || fstat(file_.Get(), &opened) != 0) FailForErrno(path_);
   if (!IsSame(opened, status_)) Fail(path_, "was exchanged while it was read");
@@ -129,14 +129,14 @@ std::uint64_t FolderReader::OpenFile(const std::string& name) {
   return left_;
 }
 
-std::string FolderReader::ReadTarget(const std::string& name) const {
+std::string DirectoryReader::ReadTarget(const std::string& name) const {
   std::array<char, 4096> target{};
-  const ssize_t size = readlinkat(folder_.Get(), name.c_str(), target.data(), target.size());
+  const ssize_t size = readlinkat(directory_.Get(), name.c_str(), target.data(), target.size());
   if (size < 0) FailForErrno(path_);
   return {target.data(), static_cast<std::size_t>(size)};
 }
 
-std::string_view FolderReader::Read() {
+std::string_view DirectoryReader::Read() {
   if (!file_.IsOpen()) return {};
   const auto wanted = std::min<std::uint64_t>(left_, buffer_.size());
   ssize_t size = 0;
@@ -151,7 +151,7 @@ std::string_view FolderReader::Read() {
 
 /// The size that the kernel's own files state is never that of their content, so only a size that
 /// has changed tells that something is missing.
-void FolderReader::RequireWhole() const {
+void DirectoryReader::RequireWhole() const {
   struct stat now {};
   if (fstat(file_.Get(), &now) != 0 || now.st_size != status_.st_size) {
     Fail(path_, "was changed while it was read");
@@ -160,8 +160,8 @@ void FolderReader::RequireWhole() const {
 
 }  // namespace
 
-std::unique_ptr<CaptureReader> OpenFolder(vtq::FileDescriptor folder) {
-  return std::make_unique<FolderReader>(std::move(folder));
+std::unique_ptr<CaptureReader> OpenDirectory(vtq::FileDescriptor directory) {
+  return std::make_unique<DirectoryReader>(std::move(directory));
 }
 
 }  // namespace pciinfo

@@ -11,9 +11,9 @@
 namespace pciinfo {
 namespace {
 
-class FolderWriter final : public CaptureWriter {
+class DirectoryWriter final : public CaptureWriter {
  public:
-  explicit FolderWriter(vtq::FileDescriptor directory) : tree_(std::move(directory)) {}
+  explicit DirectoryWriter(vtq::FileDescriptor directory) : tree_(std::move(directory)) {}
 
   void Write(const CapturePart& part) override {
     if (part.target.empty()) {
@@ -31,10 +31,10 @@ class FolderWriter final : public CaptureWriter {
 
 }  // namespace
 
-std::unique_ptr<CaptureWriter> MakeFolderWriter(const vtq::FileDescriptor& directory) {
+std::unique_ptr<CaptureWriter> MakeDirectoryWriter(const vtq::FileDescriptor& directory) {
   vtq::FileDescriptor own(fcntl(directory.Get(), F_DUPFD_CLOEXEC, 0));
   if (!own.IsOpen()) throw std::system_error(errno, std::generic_category());
-  return std::make_unique<FolderWriter>(std::move(own));
+  return std::make_unique<DirectoryWriter>(std::move(own));
 }
 
 }  // namespace pciinfo

@@ -51,8 +51,8 @@ void MakeThings(std::string_view input, const fs::path& root) {
 }  // namespace
 
 void fuzz::CheckInput(std::string_view input) {
-  const vtq::TemporaryDirectory folder;
-  const fs::path root = fs::canonical(folder.GetPath());
+  const vtq::TemporaryDirectory directory;
+  const fs::path root = fs::canonical(directory.GetPath());
   MakeThings(input, root);
   CheckCapture(root.string());
 }

@@ -25,9 +25,9 @@ namespace fs = std::filesystem;
 
 using testing::IsSubsetOf;
 
-class FolderReaderTest : public testing::Test {
+class DirectoryReaderTest : public testing::Test {
  protected:
-  FolderReaderTest() {
+  DirectoryReaderTest() {
     fs::create_directories(capture_ / "sys/bus");
     capture_.Write("sys/bus/file", "public");
     secrets_.Write("file", "secret");
@@ -56,19 +56,19 @@ class FolderReaderTest : public testing::Test {
   vtq::TemporaryDirectory secrets_;
 };
 
-TEST_F(FolderReaderTest, ALinkThatTakesTheFilesPlaceShowsNothing) {
+TEST_F(DirectoryReaderTest, ALinkThatTakesTheFilesPlaceShowsNothing) {
   fs::create_symlink(secrets_ / "file", secrets_ / "link");
   const Swapping swapping(capture_ / "sys/bus/file", secrets_ / "link");
   EXPECT_THAT(UnpackOverAndOver(), IsSubsetOf({"public", "refused"}));
 }
 
-TEST_F(FolderReaderTest, ALinkThatTakesTheDirectorysPlaceShowsNothing) {
+TEST_F(DirectoryReaderTest, ALinkThatTakesTheDirectorysPlaceShowsNothing) {
   fs::create_directory_symlink(secrets_.GetPath(), secrets_ / "link");
   const Swapping swapping(capture_ / "sys/bus", secrets_ / "link");
   EXPECT_THAT(UnpackOverAndOver(), IsSubsetOf({"public", "refused"}));
 }
 
-TEST_F(FolderReaderTest, APipeThatTakesTheFilesPlaceStopsNothing) {
+TEST_F(DirectoryReaderTest, APipeThatTakesTheFilesPlaceStopsNothing) {
   ASSERT_EQ(mkfifo((secrets_ / "pipe").c_str(), 0600), 0);
   const RunResult child = RunInChild([this] {
     alarm(20);
@@ -79,7 +79,7 @@ TEST_F(FolderReaderTest, APipeThatTakesTheFilesPlaceStopsNothing) {
   EXPECT_EQ(child.status, 0);
 }
 
-TEST_F(FolderReaderTest, AFileThatShrinksWhileItIsReadIsRefused) {
+TEST_F(DirectoryReaderTest, AFileThatShrinksWhileItIsReadIsRefused) {
   const auto reader = OpenCapture(capture_ / "sys/bus");
   reader->Next();
   reader->Enter();
@@ -89,7 +89,7 @@ TEST_F(FolderReaderTest, AFileThatShrinksWhileItIsReadIsRefused) {
   EXPECT_THROW(reader->Read(), BadCapture);
 }
 
-TEST_F(FolderReaderTest, ManyLevelsNeedFewOpenFiles) {
+TEST_F(DirectoryReaderTest, ManyLevelsNeedFewOpenFiles) {
   fs::path deep = capture_.GetPath();
   for (int i = 0; i < 400; ++i) deep /= "a";
   fs::create_directories(deep);
@@ -97,13 +97,13 @@ TEST_F(FolderReaderTest, ManyLevelsNeedFewOpenFiles) {
     const rlimit few{32, 32};
     setrlimit(RLIMIT_NOFILE, &few);
     const auto reader = OpenCapture(capture_.GetPath());
-    int folders = 0;
+    int directories = 0;
     for (auto entry = reader->Next(); entry; entry = reader->Next()) {
-      if (entry->kind != EntryKind::kFolder) continue;
+      if (entry->kind != EntryKind::kDirectory) continue;
       reader->Enter();
-      ++folders;
+      ++directories;
     }
-    return folders == 403 ? 0 : 1;
+    return directories == 403 ? 0 : 1;
   });
   EXPECT_EQ(child.status, 0);
 }
