@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "topology/instances.h"
+#include "topology/link_properties.h"
 #include "topology/properties.h"
 
 namespace topology {
@@ -67,19 +68,6 @@ void SetIdentity(const ConfigFacts& config, PropertyWriter& writer) {
   writer.Set("Revision", config.revision);
   writer.Set("HeaderType", config.headerType);
   writer.Set("MultiFunction", config.multiFunction);
-}
-
-/// A width of 0 means that there is no link.
-void SetLink(const Express& express, PropertyWriter& writer) {
-  writer.Set("PortType", PortTypeText(express.portType));
-  if (express.most.width != 0) {
-    writer.Set("MaxLinkSpeed", SpeedText(express.most.speed));
-    writer.Set("MaxLinkWidth", express.most.width);
-  }
-  if (express.now.width != 0) {
-    writer.Set("LinkSpeed", SpeedText(express.now.speed));
-    writer.Set("LinkWidth", express.now.width);
-  }
 }
 
 void SetRegions(const std::vector<Region>& regions, PropertyWriter& writer) {
@@ -176,7 +164,10 @@ Properties InstanceOf(const Snapshot& snapshot, std::size_t place, KindNames& na
     writer.Set("SecondaryBus", function.config.bridge->secondary);
     writer.Set("SubordinateBus", function.config.bridge->subordinate);
   }
-  if (function.config.express) SetLink(*function.config.express, writer);
+  if (function.config.express) {
+    writer.Set("PortType", PortTypeText(function.config.express->portType));
+    SetLink(*function.config.express, writer);
+  }
   SetCapabilities(function.config, writer);
   SetRegions(function.regions, writer);
   SetKernelFacts(function, writer);

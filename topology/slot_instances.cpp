@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/instances.h"
+#include "topology/link_properties.h"
 #include "topology/properties.h"
 
 namespace topology {
@@ -61,14 +62,7 @@ void SetPort(const BusTree& tree, const Slot& slot, PropertyWriter& writer) {
   writer.Set("NumaNode", port.numaNode);
   if (!port.config.express) return;
   const Express& express = *port.config.express;
-  if (express.most.width != 0) {
-    writer.Set("MaxLinkSpeed", SpeedText(express.most.speed));
-    writer.Set("MaxLinkWidth", express.most.width);
-  }
-  if (express.now.width != 0) {
-    writer.Set("LinkSpeed", SpeedText(express.now.speed));
-    writer.Set("LinkWidth", express.now.width);
-  }
+  SetLink(express, writer);
   if (!express.slot) return;
   if (express.slot->physicalNumber != 0) {
     writer.Set("PhysicalSlotNumber", express.slot->physicalNumber);
