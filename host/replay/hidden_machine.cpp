@@ -69,6 +69,16 @@ void LinkDescriptors(const fs::path& tree) {
   fs::create_symlink("/proc/self/fd/2", tree / "dev/stderr");
 }
 
+/// The links in /proc that lead to a process's own entries. The sanitizers' leak check names its
+/// process by number.
+std::vector<std::string> OwnEntries() {
+#ifdef PCIINFO_SANITIZED
+  return {"self", "thread-self", std::to_string(getpid())};
+#else
+  return {"self", "thread-self"};
+#endif
+}
+
 /// Programs look at their own entries of /proc. Only root may mount a /proc that has nothing else;
 /// for others the real one stands where nothing but the links below leads.
 void ShowOwnProcesses(const fs::path& tree) {
@@ -80,7 +90,7 @@ void ShowOwnProcesses(const fs::path& tree) {
     ShowAt("/proc", real);
     mount(nullptr, real.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY | kFlags, nullptr);
   }
-  for (const std::string& name : {std::string("self"), std::string("thread-self")}) {
+  for (const std::string& name : OwnEntries()) {
     fs::create_symlink(fs::path("pciinfo/real") / name, tree / "proc" / name);
   }
 }
