@@ -10,8 +10,8 @@
 
 #include "framework/os_specific.h"
 #include "runtime/command_replay.h"
-#include "tests/recipes/machine_recipe.h"
 #include "tests/fakes/machine_tree.h"
+#include "tests/recipes/machine_recipe.h"
 
 namespace {
 

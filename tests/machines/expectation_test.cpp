@@ -3,9 +3,9 @@
 #include <fstream>
 #include <iostream>
 
-#include "tests/recipes/machine_recipe.h"
 #include "tests/machines/collection.h"
 #include "tests/machines/machine.h"
+#include "tests/recipes/machine_recipe.h"
 
 namespace {
 
