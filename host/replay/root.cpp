@@ -51,7 +51,7 @@ void MountTree(const CaptureLimits& limits) {
 }
 
 Manifest ReadManifest(const Unpacked& unpacked) {
-  const Manifest manifest = unpacked.manifest ? ParseManifest(*unpacked.manifest) : Manifest{};
+  Manifest manifest = unpacked.manifest ? ParseManifest(*unpacked.manifest) : Manifest{};
   if (unpacked.parts >= manifest.parts.value_or(0)) return manifest;
   throw BadCapture(fmt::format(
       "it is incomplete: its manifest.json counts {} parts, and there are {} (without \"parts\" "
