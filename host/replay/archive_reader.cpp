@@ -132,10 +132,10 @@ std::string_view LibraryReader::ReadHole() {
   return {buffer_.data(), size};
 }
 
-/// Two blocks of zeros end an archive. libarchive does without, as if a cut between two entries
+/// Two blocks of 512 zeros end an archive. libarchive does without, as if a cut between two entries
 /// were the end.
 void LibraryReader::RequireEndMarker() const {
-  constexpr la_int64_t kMarker = 2 * 512;
+  constexpr la_int64_t kMarker = 1024;
   const la_int64_t end = archive_filter_bytes(archive_.get(), 0);
   if (end - archive_read_header_position(archive_.get()) >= kMarker) return;
   throw BadCapture("it is cut off: the mark at the end of the archive is missing");
