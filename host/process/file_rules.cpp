@@ -16,7 +16,6 @@ namespace {
 // The system's header may be older than the kernel, so what came after its first version stands
 // here: the layout and the flags are the kernel's interface and never change.
 constexpr std::uint64_t kRefer = 1U << 13U;        // version 2: renaming between directories
-constexpr std::uint64_t kTruncate = 1U << 14U;     // version 3
 constexpr std::uint64_t kDeviceIoctl = 1U << 15U;  // version 5
 constexpr std::uint64_t kScopeSockets = 1U << 0U;  // version 6: abstract ones, of others
 constexpr std::uint64_t kScopeSignals = 1U << 1U;
@@ -33,11 +32,12 @@ constexpr std::uint64_t kOnDirectories =
     LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_SOCK |
     LANDLOCK_ACCESS_FS_MAKE_FIFO | LANDLOCK_ACCESS_FS_MAKE_BLOCK | LANDLOCK_ACCESS_FS_MAKE_SYM;
 
-// Reading is not ruled: what may be read, the mounts and the file modes say.
+// Reading is not ruled: what may be read, the mounts and the file modes say. Nor is truncating
+// (version 3): with a rule for it the kernel walks the path of every file that is opened, also for
+// reading, which costs a quarter of the time of `lspci`. FilterSystemCalls refuses it instead.
 Ruleset RulesOf(int version) noexcept {
   Ruleset rules{kOnFiles | kOnDirectories, 0, 0};
   if (version >= 2) rules.files |= kRefer;
-  if (version >= 3) rules.files |= kTruncate;
   if (version >= 5) rules.files |= kDeviceIoctl;
   if (version >= 6) rules.scopes = kScopeSockets | kScopeSignals;
   return rules;
@@ -63,7 +63,7 @@ int WriteOnlyBelow(const std::vector<std::string>& writable) noexcept {
   const vtq::FileDescriptor ruleset(
       static_cast<int>(syscall(SYS_landlock_create_ruleset, &rules, sizeof rules, 0)));
   if (!ruleset.IsOpen()) return 0;
-  Allow(ruleset, "/dev/null", kOnFiles | (rules.files & kTruncate));
+  Allow(ruleset, "/dev/null", kOnFiles);
   for (const std::string& place : writable)
     Allow(ruleset, place.c_str(), rules.files & ~kDeviceIoctl);
   return syscall(SYS_landlock_restrict_self, ruleset.Get(), 0) == 0 ? version : 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/process/system_call_filter.h"
 
+#include <fcntl.h>
 #include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -86,7 +87,9 @@ constexpr int kPowerfulCalls[] = {
 #ifdef SYS_modify_ldt
     SYS_modify_ldt,
 #endif
-    // Files: past the directories to them, and what an owner may change beside their content.
+    // Files: past the directories to them, cutting them off without opening them for writing, and
+    // what an owner may change beside their content.
+    SYS_truncate,
     SYS_open_by_handle_at,
     SYS_name_to_handle_at,
     SYS_fchmod,
@@ -153,8 +156,10 @@ class FilterProgram final {
     Add(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset));
   }
   void Return(std::uint32_t answer) noexcept { Add(BPF_RET | BPF_K, answer); }
-  /// The next instruction is for the value that was loaded last only.
-  void If(std::uint32_t value) noexcept { Add(BPF_JMP | BPF_JEQ | BPF_K, value, 0, 1); }
+  /// The next `instructions` are for the value that was loaded last only.
+  void If(std::uint32_t value, std::uint8_t instructions = 1) noexcept {
+    Add(BPF_JMP | BPF_JEQ | BPF_K, value, 0, instructions);
+  }
 
   bool Install() noexcept {
     sock_fprog program{static_cast<unsigned short>(size_), code_.data()};
@@ -190,8 +195,31 @@ void RefuseOtherArchitectures(FilterProgram& program) noexcept {
 #endif
 }
 
-/// Lets processes and threads be made, but no namespaces. The flags of the newer call stand in
-/// memory, where no filter reads; the C library takes the older one when it seems to be missing.
+/// Opening for reading may not cut off a file, which the rules for files leave to this filter (see
+/// file_rules.cpp).
+void RefuseTruncation(FilterProgram& program, int call, std::size_t flagsArgument) noexcept {
+  program.If(static_cast<std::uint32_t>(call), 6);
+  program.Load(offsetof(seccomp_data, args) + flagsArgument * sizeof(seccomp_data::args[0]));
+  program.Add(BPF_ALU | BPF_AND | BPF_K, O_TRUNC | O_ACCMODE);
+  program.Add(BPF_JMP | BPF_JEQ | BPF_K, O_TRUNC | O_RDONLY, 1, 0);
+  program.If(O_TRUNC | O_ACCMODE);  // neither reading nor writing
+  program.Return(Refusal(EPERM));
+  program.Return(SECCOMP_RET_ALLOW);
+}
+
+/// The newer call has its flags in memory, where no filter reads. Programs take the older ones when
+/// it seems to be missing.
+void RefuseTruncationByOpening(FilterProgram& program) noexcept {
+  RefuseTruncation(program, SYS_openat, 2);
+#ifdef SYS_open
+  RefuseTruncation(program, SYS_open, 1);
+#endif
+  program.If(SYS_openat2);
+  program.Return(Refusal(ENOSYS));
+}
+
+/// Lets processes and threads be made, but no namespaces. The newer call has its flags in memory
+/// too.
 void RefuseNewNamespaces(FilterProgram& program) noexcept {
   program.If(SYS_clone3);
   program.Return(Refusal(ENOSYS));
@@ -208,6 +236,7 @@ bool FilterSystemCalls(RefusedCalls refused) noexcept {
   if (kArchitecture == 0) return false;
   FilterProgram program;
   RefuseOtherArchitectures(program);
+  RefuseTruncationByOpening(program);  // first, as files are opened most often
   Refuse(program, kPowerfulCalls);
   if (refused == RefusedCalls::kPowerfulAndNetwork) Refuse(program, kNetworkCalls);
   RefuseNewNamespaces(program);
