@@ -13,6 +13,8 @@
 #include "host/check/check_view.h"
 #include "host/collect/query_order.h"
 #include "host/formats/instance_writer.h"
+#include "host/machine/machine_filter.h"
+#include "host/machine/machine_model.h"
 #include "host/model/bridge_buses.h"
 #include "host/model/bus_tree.h"
 #include "host/model/machine_identity.h"
@@ -107,14 +109,23 @@ Job CheckJob(const Options& options, const Classes& declared) {
   return job;
 }
 
+/// Makes the job of a view of the machine, as far as the filter keeps it.
+Job MachineJob(const Options& options, const Classes& declared,
+               const std::function<void(const MachineModel& kept, Output& output)>& write) {
+  return MakeView(PlanQuery(declared, MachineClasses()).collect,
+                  [write, filter = options.filter](const Session& session, Output& output) {
+                    write(KeptOf(ReadMachine(session.GetRepository()), filter), output);
+                  });
+}
+
 Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const bool asJson = options.format == "json";
-  return ViewJob(options, declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"},
-                 [asJson, terminal](const vtq::Namespace& kept, Output& output) {
-                   const SlotsModel model = ReadSlots(kept);
-                   if (asJson) return WriteSlotsJson(output, model);
-                   WriteSlotsTable(output, model, terminal);
-                 });
+  const auto write = [asJson = options.format == "json", choice = options.slotChoice, terminal](
+                         const MachineModel& kept, Output& output) {
+    const MachineModel chosen = ChosenSlots(kept, choice);
+    if (asJson) return WriteSlotsJson(output, chosen);
+    WriteSlotsTable(output, chosen, terminal);
+  };
+  return MachineJob(options, declared, write);
 }
 
 /// Reads the tree of the functions that the filter keeps and of the bridges above them.

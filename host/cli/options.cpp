@@ -166,6 +166,20 @@ void AddDiff(CLI::App& app, Options& options) {
   diff->footer(kDiffFooter);
 }
 
+void AddSlots(CLI::App& app, Options& options) {
+  CLI::App* slots = AddCommand(app, "slots", "Print the slots, and which card sits in which",
+                               options, Command::kSlots);
+  AddFormat(*slots, options.format, {"table", "json"});
+  CLI::Option* free = slots->add_flag_callback(
+      "--free", [&options] { options.slotChoice = SlotChoice::kFree; },
+      "Show only slots that are known to be empty");
+  slots
+      ->add_flag_callback(
+          "--occupied", [&options] { options.slotChoice = SlotChoice::kOccupied; },
+          "Show only slots that are known to hold a card")
+      ->excludes(free);
+}
+
 void AddViews(CLI::App& app, Options& options) {
   CLI::App* devices =
       AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
@@ -189,9 +203,7 @@ void AddCommands(CLI::App& app, Options& options) {
   AddFormat(*instances, options.format, InstanceFormats());
   AddCommand(app, "classes", "Print the plug-ins and the classes that they provide", options,
              Command::kClasses);
-  CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
-                               options, Command::kSlots);
-  AddFormat(*slots, options.format, {"table", "json"});
+  AddSlots(app, options);
   AddViews(app, options);
   CLI::App* check =
       AddCommand(app, "check", "Report what is missing or doubtful in the inventory, and why",

@@ -11,6 +11,7 @@
 #include "host/collect/plugin_files.h"
 #include "host/console/terminal.h"
 #include "host/model/filter.h"
+#include "host/views/slots_view.h"
 
 namespace CLI {
 class App;
@@ -66,8 +67,9 @@ struct Options {
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
-  std::string target;    ///< of `show`: an address, a slot, or an object path
-  bool showAll = false;  ///< of `tree`: one line for every function
+  std::string target;                        ///< of `show`: an address, a slot, or an object path
+  bool showAll = false;                      ///< of `tree`: one line for every function
+  SlotChoice slotChoice = SlotChoice::kAll;  ///< of `slots`
   Filter filter;
   TerminalWishes terminal;
 };

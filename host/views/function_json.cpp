@@ -19,7 +19,8 @@ Json ClassJson(const PciFunction& function) {
   Json object = {{"base", *function.classCode}};
   AddIfSet(object, "subclass", function.subclass);
   AddIfSet(object, "programmingInterface", function.programmingInterface);
-  object["text"] = ClassText(function);
+  object["text"] =
+      ClassText(ClassCode{function.classCode, function.subclass, function.programmingInterface});
   return object;
 }
 

@@ -64,11 +64,11 @@ Shown FindPath(const vtq::Namespace& repository, const std::string& path) {
 
 Shown FindFunction(const vtq::Namespace& repository, const WrittenAddress& written) {
   const std::string name = FormatAddress(written.address);
-  if (written.domain != 0) {
+  if (written.domain.value_or(0) != 0) {
     throw NotFound(
         fmt::format("there is no function {:04x}:{}: only functions of PCI domain 0000 "
                     "are known (\"pciinfo devices\" lists them)",
-                    written.domain, name));
+                    *written.domain, name));
   }
   for (const PciFunction& function : ReadFunctions(repository)) {
     if (function.address != written.address) continue;

@@ -72,7 +72,8 @@ std::string Regions(const vtq::Instance& instance, const char* addresses, const 
 }
 
 std::string CodeText(const PciFunction& function) {
-  const std::string words = ClassText(function);
+  const std::string words =
+      ClassText(ClassCode{function.classCode, function.subclass, function.programmingInterface});
   if (words.empty()) return "";
   const std::string code = InHex(function.classCode, 2) + InHex(function.subclass, 2) +
                            InHex(function.programmingInterface, 2);
