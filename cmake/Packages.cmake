@@ -46,9 +46,10 @@ set(CPACK_DEBIAN_PLUGIN_PACKAGE_NAME pciinfo-plugin)
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}")
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_RECOMMENDS pciutils)
-set(CPACK_COMPONENT_PLUGIN_DESCRIPTION "PCI and slot inventory plug-in of ${framework}
+set(CPACK_COMPONENT_PLUGIN_DESCRIPTION "PCI and slot inventory plug-ins of ${framework}
  Publishes a machine's PCI functions, bridges, system slots, the board, which
- function sits in which slot, and raw listings as instances of CIM classes.")
+ function sits in which slot, and raw listings as instances of CIM classes. A
+ second plug-in tells which slot each function is really in, and why.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME pciinfo)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)

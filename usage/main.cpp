@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Writes the manual page and the completions of the shells into a directory:
-//   write_usage DIRECTORY VERSION DATE SECTIONS-FILE CLASS-FILE
+//   write_usage DIRECTORY VERSION DATE SECTIONS-FILE CLASS-FILE...
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -33,9 +33,12 @@ void WriteFile(const std::filesystem::path& name, const std::string& text) {
   if (!file) throw std::runtime_error(name.string() + ": cannot be written");
 }
 
-Usage UsageOfProgram(const std::string& classFile) {
+Usage UsageOfProgram(const std::vector<std::string>& classFiles) {
+  Declarations declared;
   std::vector<std::string> classes;
-  for (const vtq::ClassSchema& schema : LoadClasses(classFile)) classes.push_back(schema.name);
+  for (const std::string& file : classFiles) {
+    for (const std::string& name : ReadClassFile(file, declared)) classes.push_back(name);
+  }
   Options options;
   return UsageOf(*BuildApp(options), classes);
 }
@@ -52,9 +55,10 @@ void WriteAll(const std::filesystem::path& directory, const Usage& usage,
 
 int main(int argc, char** argv) {
   try {
-    if (argc != 6)
-      throw std::runtime_error("needs DIRECTORY VERSION DATE SECTIONS-FILE CLASS-FILE");
-    WriteAll(argv[1], UsageOfProgram(argv[5]), {argv[2], argv[3], ContentOf(argv[4])});
+    if (argc < 6)
+      throw std::runtime_error("needs DIRECTORY VERSION DATE SECTIONS-FILE CLASS-FILE...");
+    WriteAll(argv[1], UsageOfProgram({argv + 5, argv + argc}),
+             {argv[2], argv[3], ContentOf(argv[4])});
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "write_usage: %s\n", error.what());

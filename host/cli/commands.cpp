@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -134,6 +135,13 @@ class Machine final {
   std::optional<RepeatableInput> capture_;
 };
 
+/// Whether the plug-in serves a class that is collected. One whose classes are not known may.
+bool IsNeeded(const PluginFile& plugin, const Job& job) {
+  return job.loadsAll || plugin.classes.empty() ||
+         std::find_first_of(plugin.classes.begin(), plugin.classes.end(), job.collect.begin(),
+                            job.collect.end()) != plugin.classes.end();
+}
+
 /// The work of a view: collects what the job needs and prints it.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
                        const LogSettings& log, Worker& worker) {
@@ -141,7 +149,9 @@ class Machine final {
                        !options.root.empty());
   Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
-  for (const PluginFile& plugin : plugins.plugins) session.Load(plugin);
+  for (const PluginFile& plugin : plugins.plugins) {
+    if (IsNeeded(plugin, job)) session.Load(plugin);
+  }
   if (!options.root.empty()) worker.GiveUpReading();
   worker.EndStep();
   CollectClasses(session, report, job, worker);

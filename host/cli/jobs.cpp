@@ -77,8 +77,19 @@ Job DevicesJob(const Options& options, const Classes& declared, const Terminal& 
   return job;
 }
 
-Job InstancesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  std::vector<std::string> print = PlanQuery(declared, options.classes).print;
+/// The classes that the user names, or those that are printed without being named.
+std::vector<std::string> AskedClasses(const Options& options, const Declarations& declared) {
+  if (!options.classes.empty() || options.showAll) return options.classes;
+  std::vector<std::string> classes;
+  for (const vtq::ClassSchema& schema : declared.classes) {
+    if (!declared.onRequest.contains(schema.name)) classes.push_back(schema.name);
+  }
+  return classes;
+}
+
+Job InstancesJob(const Options& options, const Declarations& plugins, const Terminal& terminal) {
+  const Classes& declared = plugins.classes;
+  std::vector<std::string> print = PlanQuery(declared, AskedClasses(options, plugins)).print;
   std::vector<std::string> collect = print;
   // The filter keeps a slot if it keeps a function in it.
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
@@ -90,9 +101,11 @@ Job InstancesJob(const Options& options, const Classes& declared, const Terminal
 }
 
 Job ClassesJob(const PluginSet& plugins) {
-  return MakeView({}, [&plugins](const Session& session, Output& output) {
+  Job job = MakeView({}, [&plugins](const Session& session, Output& output) {
     WriteClasses(output, session.GetPlugins(), plugins);
   });
+  job.loadsAll = true;
+  return job;
 }
 
 Job CheckJob(const Options& options, const Classes& declared) {
@@ -194,7 +207,7 @@ Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& te
     case Command::kDevices:
       return DevicesJob(options, declared, terminal);
     case Command::kInstances:
-      return InstancesJob(options, declared, terminal);
+      return InstancesJob(options, plugins.declared, terminal);
     case Command::kClasses:
       return ClassesJob(plugins);
     case Command::kSlots:

@@ -22,6 +22,8 @@ struct Job {
   std::function<ExitStatus()> answer = nullptr;
   /// Whether the output itself shows the troubles, so that they are not repeated as messages.
   bool showsTroubles = false;
+  /// Whether every plug-in is loaded, also one that serves none of the classes.
+  bool loadsAll = false;
 };
 
 /// Makes the job of a command that prints collected instances. Throws UsageError for a class that

@@ -199,7 +199,10 @@ void AddViews(CLI::App& app, Options& options) {
 void AddCommands(CLI::App& app, Options& options) {
   CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
                                    Command::kInstances);
-  instances->add_option("CLASS", options.classes, "Classes to print (default: all)");
+  CLI::Option* classes = instances->add_option(
+      "CLASS", options.classes, "Classes to print (default: those of the inventory)");
+  instances->add_flag("--all", options.showAll, "Print every class (see \"pciinfo classes\")")
+      ->excludes(classes);
   AddFormat(*instances, options.format, InstanceFormats());
   AddCommand(app, "classes", "Print the plug-ins and the classes that they provide", options,
              Command::kClasses);

@@ -49,7 +49,7 @@ inline std::optional<std::uint64_t> BytesOfLimit(std::uint64_t mebibytes) {
 /// The parsed command line.
 struct Options {
   Command command = Command::kOverview;
-  std::vector<std::string> classes;  ///< of `instances`; empty: all
+  std::vector<std::string> classes;  ///< of `instances`; empty: see `showAll`
   std::string format = "table";      ///< of `instances` and the views
   std::string schemaFormat = "mof";  ///< of `schema`
   PluginOptions plugins;
@@ -67,8 +67,8 @@ struct Options {
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
-  std::string target;                        ///< of `show`: an address, a slot, or an object path
-  bool showAll = false;                      ///< of `tree`: one line for every function
+  std::string target;    ///< of `show`: an address, a slot, or an object path
+  bool showAll = false;  ///< of `tree`: every function on its line; of `instances`: every class
   SlotChoice slotChoice = SlotChoice::kAll;  ///< of `slots`
   Filter filter;
   TerminalWishes terminal;

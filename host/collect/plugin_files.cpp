@@ -77,6 +77,10 @@ class Finder final {
       throw UsageError(Printable(name) + " is named twice: name each plug-in once");
     }
     Add(file);
+    // Who names a plug-in asks for its classes.
+    for (const std::string& served : set_.plugins.back().classes) {
+      set_.declared.onRequest.erase(served);
+    }
   }
 
   void AddClassFile(const std::string& file) { ReadClassFile(file, set_.declared); }

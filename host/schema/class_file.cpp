@@ -156,14 +156,16 @@ class Reader {
     for (const vtq::ClassSchema& schema : declared.classes) known_.push_back(schema.name);
   }
 
-  std::vector<vtq::ClassSchema> Read(const JsonValue& document) {
-    const Members& classes = Object(document, "top level", {"classes"}).Array("classes");
+  ClassFile Read(const JsonValue& document) {
+    const Object object(document, "top level", {"classes", "onRequest"});
+    const Members& classes = object.Array("classes");
     if (classes.empty()) Fail("classes", "no class is declared");
-    std::vector<vtq::ClassSchema> schemas;
+    ClassFile file;
+    file.onRequest = object.Flag("onRequest");
     for (const auto& [unnamed, element] : classes) {
-      schemas.push_back(ReadClass(element, fmt::format("classes[{}]", schemas.size())));
+      file.classes.push_back(ReadClass(element, fmt::format("classes[{}]", file.classes.size())));
     }
-    return schemas;
+    return file;
   }
 
  private:
@@ -301,7 +303,7 @@ std::string ContentOf(const std::string& file) {
 
 }  // namespace
 
-std::vector<vtq::ClassSchema> ParseClasses(std::string_view text, const Declarations& declared) {
+ClassFile ParseClasses(std::string_view text, const Declarations& declared) {
   return Reader(declared).Read(ParseJson(text));
 }
 
@@ -309,8 +311,10 @@ Names ReadClassFile(const std::string& file, Declarations& declared) {
   const std::string content = ContentOf(file);
   Names names;
   try {
-    for (vtq::ClassSchema& schema : ParseClasses(content, declared)) {
+    ClassFile read = ParseClasses(content, declared);
+    for (vtq::ClassSchema& schema : read.classes) {
       names.push_back(schema.name);
+      if (read.onRequest) declared.onRequest.insert(schema.name);
       declared.files[schema.name] = file;
       declared.classes.push_back(std::move(schema));
     }

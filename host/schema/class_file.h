@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,11 +22,19 @@ class ClassFileError : public std::runtime_error {
 struct Declarations {
   std::vector<vtq::ClassSchema> classes;     ///< in the order of declaration
   std::map<std::string, std::string> files;  ///< the file that declares a class, by class name
+  /// Those that are collected only when the user names them or asks for all.
+  std::set<std::string> onRequest = {};
 };
 
-/// Reads the classes that the JSON `text` declares, in its order; docs/class-files.md describes the
-/// format. `declared` are the classes declared before. Throws ClassFileError without the file name.
-std::vector<vtq::ClassSchema> ParseClasses(std::string_view text, const Declarations& declared);
+/// What a class file says.
+struct ClassFile {
+  std::vector<vtq::ClassSchema> classes;  ///< in the order of the file
+  bool onRequest = false;                 ///< see Declarations::onRequest
+};
+
+/// Reads the JSON `text` of a class file; docs/class-files.md describes the format. `declared` are
+/// the classes declared before. Throws ClassFileError without the file name.
+ClassFile ParseClasses(std::string_view text, const Declarations& declared);
 
 /// Adds the classes of a file to `declared`. Returns their names. Throws ClassFileError.
 std::vector<std::string> ReadClassFile(const std::string& file, Declarations& declared);

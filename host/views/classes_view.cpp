@@ -45,6 +45,13 @@ void WriteDeclared(Output& output, const PluginSet& plugins, const Names& classe
   }
 }
 
+const char* Heading(const PluginSet& plugins, const PluginFile& file) {
+  if (file.classes.empty()) return "Classes: none of its own\n";
+  return plugins.declared.onRequest.contains(file.classes.front())
+             ? "Classes (\"instances\" prints them by name, or all with --all):\n"
+             : "Classes:\n";
+}
+
 /// Returns the classes that no class file beside a plug-in declares.
 Names ClassesOfAll(const PluginSet& plugins) {
   Names all;
@@ -62,7 +69,7 @@ void WriteClasses(Output& output, const vtq::PluginManager& manager, const Plugi
     for (const auto& plugin : manager.GetPlugins()) {
       if (plugin->GetFile() == file.file) output.Write(PluginText(*plugin));
     }
-    output.Write(file.classes.empty() ? "Classes: none of its own\n" : "Classes:\n");
+    output.Write(Heading(plugins, file));
     WriteDeclared(output, plugins, file.classes);
     if (&file != &plugins.plugins.back()) output.Write("\n");
   }

@@ -95,6 +95,18 @@ TEST_F(PluginFilesTest, AddsPluginsToThoseThatAreFoundOrReplacesThem) {
   EXPECT_THAT(Find({{y}, {x}, {}}).plugins[1].classes, IsEmpty());
 }
 
+TEST_F(PluginFilesTest, ClassesOfANamedPluginNeedNotBeRequested) {
+  const auto addRequested = [&](const std::string& name) {
+    std::ofstream(fs::path(Directory()) / (name + ".classes.json"))
+        << R"({"onRequest":true,"classes":[{"name":")" << name.back()
+        << R"(","properties":[{"name":"Id","type":"string","key":true}]}]})";
+    return AddPlugin(name);
+  };
+  addRequested("a");
+  const std::string x = addRequested("../x");
+  EXPECT_THAT(Find({{x}, {}, {}}).declared.onRequest, ElementsAre("a"));
+}
+
 TEST_F(PluginFilesTest, ClassFilesOfTheUserComeLast) {
   AddPlugin("a");
   AddClasses("a", "A_Class");

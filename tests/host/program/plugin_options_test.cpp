@@ -41,6 +41,21 @@ TEST(PluginOptions, APluginIsAddedToTheInstalledOnes) {
   EXPECT_EQ(RunPciinfo({"instances", "--only-plugin", fan}).out, "A_Fan: 0 instances\n");
 }
 
+TEST(PluginOptions, APluginIsLoadedOnlyForItsClasses) {
+  const vtq::TemporaryDirectory directory;
+  const std::string broken = directory / "fan.pi.so";
+  std::filesystem::create_symlink(FakePluginFile("uninitialisable"), broken);
+  directory.Write("fan.classes.json", kFanClasses);
+  for (const char* command : {"devices", "slots", "tree", "check"}) {
+    EXPECT_EQ(RunPciinfo({command, "--plugin", broken}).out, RunPciinfo({command}).out) << command;
+  }
+  EXPECT_EQ(RunPciinfo({"instances", "QZMSG_PCIBridge", "--plugin", broken}).status, 0);
+  for (const char* what : {"A_Fan", "--all"}) {
+    EXPECT_THAT(RunPciinfo({"instances", what, "--plugin", broken}).err, HasSubstr(broken)) << what;
+  }
+  EXPECT_EQ(RunPciinfo({"classes", "--plugin", broken}).status, 1);
+}
+
 TEST(PluginOptions, CommandsSayWhichClassesNoPluginServes) {
   const vtq::TemporaryDirectory directory;
   const std::string fan = LinkFixed(directory, "fan.pi.so");

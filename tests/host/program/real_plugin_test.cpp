@@ -94,8 +94,37 @@ TEST(RealPlugin, ThePluginDoesNotViolateTheContract) {
   EXPECT_THAT(result.err, testing::Not(HasSubstr("warning")));
 }
 
-TEST(RealPlugin, ClassesListsThePlugin) {
-  EXPECT_THAT(RunPciinfo({"classes"}).out, HasSubstr("PCI Information Collector"));
+TEST(RealPlugin, ClassesListsBothPlugins) {
+  const std::string out = RunPciinfo({"classes"}).out;
+  EXPECT_THAT(out, HasSubstr("PCI Information Collector"));
+  EXPECT_THAT(out, HasSubstr("PCI Topology Collector"));
+  EXPECT_THAT(out, HasSubstr("Classes (\"instances\" prints them by name, or all with --all):\n"
+                             "VTQ_PCIFunction : "));
+}
+
+/// The classes of which the table says how many instances there are.
+std::vector<std::string> CountedClasses(const RunResult& result) {
+  std::vector<std::string> classes;
+  for (const std::string& line : LinesOf(result.out)) {
+    const std::size_t colon = line.find(": ");
+    if (line.find(" instance", colon) == std::string::npos || line[0] == ' ') continue;
+    classes.push_back(line.substr(0, colon));
+  }
+  return classes;
+}
+
+TEST(RealPlugin, InstancesPrintsTheInventoryUnlessMoreIsAskedFor) {
+  const std::vector<std::string> inventory{
+      "QZMSG_PCIDevice",    "QZMSG_PCIBridge",     "QZMSG_SystemSlot", "QZMSG_SystemBoard",
+      "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice", "QZMSG_PCIRawData"};
+  EXPECT_EQ(CountedClasses(RunPciinfo({"instances"})), inventory);
+  std::vector<std::string> all = inventory;
+  all.insert(all.end(),
+             {"VTQ_PCIFunction", "VTQ_PCISlot", "VTQ_PCIFunctionInSlot", "VTQ_PCISharedPort"});
+  EXPECT_EQ(CountedClasses(RunPciinfo({"instances", "--all"})), all);
+  EXPECT_EQ(CountedClasses(RunPciinfo({"instances", "VTQ_PCISlot"})),
+            (std::vector<std::string>{"VTQ_PCISlot"}));
+  EXPECT_EQ(RunPciinfo({"instances", "--all", "VTQ_PCISlot"}).status, 2);
 }
 
 }  // namespace

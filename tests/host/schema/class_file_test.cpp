@@ -38,11 +38,13 @@ std::string ErrorOf(const std::string& text) {
 }
 
 TEST(ClassFile, ReadsClassesAndProperties) {
-  const Schemas classes = ParseClasses(
-      R"({"classes":[{"name":"A_Fan","superclass":"CIM_Fan","description":"Blows.","properties":[
+  const Schemas classes =
+      ParseClasses(
+          R"({"classes":[{"name":"A_Fan","superclass":"CIM_Fan","description":"Blows.","properties":[
          {"name":"Id","type":"string","key":true,"description":"Name."},
          {"name":"Speeds","type":"uint32","array":true}]}]})",
-      {});
+          {})
+          .classes;
   ASSERT_EQ(classes.size(), 1U);
   EXPECT_EQ(classes[0].name, "A_Fan");
   EXPECT_EQ(classes[0].superclass, "CIM_Fan");
@@ -64,14 +66,17 @@ TEST(ClassFile, ReadsEveryType) {
   for (const std::string type :
        {"boolean", "uint8", "uint16", "uint32", "uint64", "sint8", "sint16", "sint32", "sint64",
         "real32", "real64", "string", "datetime"}) {
-    const Schemas classes = ParseClasses(WithProperty(R"("name":"P","type":")" + type + "\""), {});
+    const Schemas classes =
+        ParseClasses(WithProperty(R"("name":"P","type":")" + type + "\""), {}).classes;
     EXPECT_EQ(classes.at(0).properties.at(1).type.GetName(), type);
   }
 }
 
 TEST(ClassFile, ReferencesNameDeclaredClassesAndTakeTheirSpelling) {
-  const Schemas classes = ParseClasses(
-      WithProperty(R"("name":"P","type":"reference","targets":["a_known","A_B"])"), kKnown);
+  const Schemas classes =
+      ParseClasses(WithProperty(R"("name":"P","type":"reference","targets":["a_known","A_B"])"),
+                   kKnown)
+          .classes;
   EXPECT_THAT(classes.at(0).properties.at(1).targets, ElementsAre("A_Known", "A_B"));
 }
 
@@ -126,8 +131,11 @@ TEST(ClassFile, AMemberThatIsThereTwiceIsAnError) {
 }
 
 TEST(ClassFile, ReadsNamesOfValuesInTheOrderOfTheValues) {
-  const Schemas classes = ParseClasses(
-      WithProperty(R"("name":"P","type":"uint8","values":{"10":"ten","0":"none","9":"nine"})"), {});
+  const Schemas classes =
+      ParseClasses(
+          WithProperty(R"("name":"P","type":"uint8","values":{"10":"ten","0":"none","9":"nine"})"),
+          {})
+          .classes;
   const auto& values = classes.at(0).properties.at(1).values;
   ASSERT_EQ(values.size(), 3U);
   EXPECT_EQ(values[0].value, 0U);
@@ -161,7 +169,8 @@ TEST(ClassFile, ReadsOverridesAndTheCommonTarget) {
   const Schemas classes =
       ParseClasses(WithProperty(R"("name":"P","type":"reference","override":"Part",
                                    "targets":["A_Known","A_B"],"commonTarget":"CIM_Part")"),
-                   kKnown);
+                   kKnown)
+          .classes;
   EXPECT_EQ(classes.at(0).properties.at(1).overrides, "Part");
   EXPECT_EQ(classes.at(0).properties.at(1).commonTarget, "CIM_Part");
   EXPECT_EQ(classes.at(0).properties.at(0).overrides, "");
@@ -179,6 +188,15 @@ TEST(ClassFile, AddsTheClassesOfAFileToThoseDeclaredBefore) {
   EXPECT_EQ(declared.classes.back().name, "ACME_NetworkPort");
   EXPECT_EQ(declared.files.at("ACME_NetworkPort"), kExample);
   EXPECT_EQ(LoadClasses(kExample).size(), 1U);
+}
+
+TEST(ClassFile, ReadsWhetherItsClassesArePrintedOnRequestOnly) {
+  const std::string classes =
+      R"("classes":[{"name":"A_Fan","properties":[{"name":"Id","type":"string","key":true}]}])";
+  EXPECT_FALSE(ParseClasses("{" + classes + "}", {}).onRequest);
+  EXPECT_TRUE(ParseClasses(R"({"onRequest":true,)" + classes + "}", {}).onRequest);
+  EXPECT_THAT(ErrorOf(R"({"onRequest":1,)" + classes + "}"),
+              HasSubstr("top level.onRequest: expected true or false, found number"));
 }
 
 TEST(ClassFile, ProgramNamesAnInvalidFile) {

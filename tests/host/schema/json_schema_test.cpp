@@ -23,9 +23,12 @@ namespace {
 
 using nlohmann::json;
 
+/// The schema of the classes of all plug-ins.
 std::string SchemaText() {
+  Declarations all{PciSchema(), {}};
+  ReadClassFile(TOPOLOGY_CLASS_FILE, all);
   OutputToText output;
-  WriteJsonSchema(output.Get(), PciSchema());
+  WriteJsonSchema(output.Get(), all.classes);
   return output.Text();
 }
 

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Usage that the firmware tells, presence that ports report, and what is there.
+
+#include <gtest/gtest.h>
+
+#include "tests/topology/resolved_machine.h"
+
+namespace topology {
+namespace {
+
+TEST(SlotConflicts, UsageThatTheMachineContradictsIsAConflict) {
+  MadeMachine machine;
+  AddCardBehindPort(machine);
+  machine.Port("0000:00:02.0", 2, 2);
+  machine.Record("Full", "0000:00:01.1").usage = 3;
+  machine.Record("Dead", "0000:00:02.0").usage = 4;
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.SlotNamed("Full").conflicts,
+            (std::vector<std::string>{"the firmware says available, and 0000:01:00.0 answers"}));
+  EXPECT_EQ(resolved.SlotNamed("Full").state, SlotState::kOccupied);
+  EXPECT_EQ(resolved.SlotNamed("Dead").conflicts,
+            (std::vector<std::string>{"the firmware says in use, and no function answers: the card "
+                                      "may have failed, or is not seated well"}));
+  EXPECT_EQ(resolved.SlotNamed("Dead").state, SlotState::kUnknown);
+}
+
+TEST(SlotConflicts, PresenceCountsOnHotPlugPortsOnly) {
+  MadeMachine machine;
+  machine.Port("0000:00:01.0", 1, 1);
+  machine.Port("0000:00:02.0", 2, 2).config.express->slot->hotPlug = true;
+  machine.Record("Fixed", "0000:00:01.0").usage = 3;
+  machine.Record("Hot", "0000:00:02.0").usage = 3;
+  const Resolved resolved(machine);
+  EXPECT_TRUE(resolved.SlotNamed("Fixed").conflicts.empty());
+  EXPECT_EQ(
+      resolved.SlotNamed("Hot").conflicts,
+      (std::vector<std::string>{"port 0000:00:02.0 reports a card, and no function answers"}));
+}
+
+}  // namespace
+}  // namespace topology
