@@ -66,17 +66,6 @@ Job OverviewJob(const Options& options, const Classes& declared, const Terminal&
   return job;
 }
 
-Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const bool asJson = options.format == "json";
-  Job job = ViewJob(options, declared, {"QZMSG_PCIDevice", "QZMSG_PCIBridge"},
-                    [asJson, terminal](const vtq::Namespace& kept, Output& output) {
-                      if (asJson) return WriteDevicesJson(output, kept);
-                      WriteDevicesTable(output, kept, terminal);
-                    });
-  job.showsSlots = options.filter.NeedsSlots();
-  return job;
-}
-
 /// The classes that the user names, or those that are printed without being named.
 std::vector<std::string> AskedClasses(const Options& options, const Declarations& declared) {
   if (!options.classes.empty() || options.showAll) return options.classes;
@@ -129,6 +118,15 @@ Job MachineJob(const Options& options, const Classes& declared,
                   [write, filter = options.filter](const Session& session, Output& output) {
                     write(KeptOf(ReadMachine(session.GetRepository()), filter), output);
                   });
+}
+
+Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
+  const auto write = [asJson = options.format == "json", columns = options.columns, terminal](
+                         const MachineModel& kept, Output& output) {
+    if (asJson) return WriteDevicesJson(output, kept);
+    WriteDevicesTable(output, kept, columns, terminal);
+  };
+  return MachineJob(options, declared, write);
 }
 
 Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {

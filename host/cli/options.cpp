@@ -8,6 +8,7 @@
 #include "host/formats/instance_writer.h"
 #include "host/replay/protection.h"
 #include "host/schema/schema_writer.h"
+#include "host/views/devices_view.h"
 
 namespace pciinfo {
 namespace {
@@ -184,6 +185,11 @@ void AddViews(CLI::App& app, Options& options) {
   CLI::App* devices =
       AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
   AddFormat(*devices, options.format, {"table", "json"});
+  devices->add_option("--columns", options.columns, "Show these columns, in this order")
+      ->type_name("NAME,...")
+      ->delimiter(',')
+      ->expected(1)
+      ->check(CLI::IsMember(DeviceColumns()));
   CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
   AddFormat(*tree, options.format, {"table", "json"});
   tree->add_flag("--all", options.showAll, "Show every function; do not fold similar ones");

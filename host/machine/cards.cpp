@@ -68,21 +68,23 @@ std::string FunctionNumbersText(const FunctionList& functions, bool hasDomains) 
   return text;
 }
 
-/// The models of a device's functions, each once; the maker only with the first of its own.
+/// The kind of a further function if it differs from the first's, as the audio of a graphics card;
+/// else its model.
+std::string FurtherText(const MachineFunction& first, const MachineFunction& further) {
+  std::string kind = KindWord(further);
+  return kind.empty() || kind == KindWord(first) ? ModelText(further) : kind;
+}
+
+/// What the functions of a device are, each text once.
 std::string DeviceText(const Device& device) {
-  std::vector<std::string> models;
-  std::string maker;
+  const MachineFunction& first = *device.functions.front();
+  std::vector<std::string> texts = {ModelText(first)};
   for (const MachineFunction* function : device.functions) {
-    std::string model = ModelText(*function);
-    const std::string prefix = ShortMaker(function->vendorName) + " ";
-    if (prefix == maker && model.starts_with(prefix)) model.erase(0, prefix.size());
-    maker = prefix;
-    const bool isKnown = std::any_of(models.begin(), models.end(), [&](const std::string& known) {
-      return known == model || known == prefix + model;
-    });
-    if (!isKnown) models.push_back(std::move(model));
+    std::string text = FurtherText(first, *function);
+    const bool isKnown = std::find(texts.begin(), texts.end(), text) != texts.end();
+    if (!isKnown) texts.push_back(std::move(text));
   }
-  std::string text = fmt::format("{}", fmt::join(models, " + "));
+  std::string text = fmt::format("{}", fmt::join(texts, " + "));
   if (device.virtualFunctions == 0) return text;
   return text + fmt::format(", {} virtual function{}", device.virtualFunctions,
                             device.virtualFunctions == 1 ? "" : "s");

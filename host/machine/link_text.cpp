@@ -38,6 +38,10 @@ std::string LinkText(const Link& link) {
   return width.empty() || speed.empty() ? width + speed : width + ", " + speed;
 }
 
+std::string MostLinkText(const Link& link) {
+  return LinkText({link.maxWidth, link.maxSpeed, link.maxWidth, link.maxSpeed});
+}
+
 std::string NarrowLinkText(const Link& device, const Link& port) {
   if (!device.width || !device.maxWidth || !port.maxWidth) return "";
   const unsigned possible = std::min(*device.maxWidth, *port.maxWidth);

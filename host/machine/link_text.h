@@ -11,6 +11,9 @@ namespace pciinfo {
 /// where that is more. Empty if nothing is known.
 std::string LinkText(const Link& link);
 
+/// Returns what a link can do at most, "x16, 16 GT/s", whatever it does now.
+std::string MostLinkText(const Link& link);
+
 /// Returns how a link is narrower than both of its ends allow, "x8 of x16"; empty if it is not.
 /// Speeds are not compared, because idle devices lower them to save power.
 std::string NarrowLinkText(const Link& device, const Link& port);

@@ -143,9 +143,9 @@ const Kind* KindOf(const MachineFunction& function) {
        0x03FF,
        "graphics",
        {"graphics", "vga", "display", "geforce", "quadro", "radeon", "tesla", "gpu", "firepro",
-        "svga", "3d controller"}},
+        "svga", "3d controller", "rtx"}},
       {0x0401, 0x0403, "audio", {"audio", "sound"}},
-      {0x0C03, 0x0C03, "USB", {"usb", "xhci", "ehci", "uhci", "ohci"}},
+      {0x0C03, 0x0C03, "USB", {"usb", "xhci", "ehci", "uhci", "ohci", "thunderbolt"}},
       {0x0C04, 0x0C04, "Fibre Channel", {"fibre channel", "fc", "fiber channel"}},
       {0x1000, 0x10FF, "encryption", {"crypto", "encryption", "quickassist", "security", "psp"}},
       {0x1200, 0x12FF, "accelerator", {"accelerator", "gpu", "tesla", "accel"}},
@@ -209,13 +209,22 @@ std::string ClassName(const MachineFunction& function) {
   return ClassText({function.baseClass, function.subclass, function.programmingInterface});
 }
 
-std::string ModelText(const MachineFunction& function) {
-  const std::string maker = ShortMaker(function.vendorName);
+std::string MakerAndModel(const MachineFunction& function) {
   const std::string model = NameIn(function.deviceName);
-  if (!model.empty()) return MakerAndProduct(maker, model) + KindSuffix(function, model);
+  return MakerAndProduct(ShortMaker(function.vendorName), model.empty() ? IdText(function) : model);
+}
+
+std::string KindWord(const MachineFunction& function) {
+  const Kind* kind = KindOf(function);
+  return kind == nullptr ? "" : kind->name;
+}
+
+std::string ModelText(const MachineFunction& function) {
+  const std::string model = NameIn(function.deviceName);
+  if (!model.empty()) return MakerAndModel(function) + KindSuffix(function, model);
   const std::string className = ClassName(function);
-  return MakerAndProduct(maker,
-                         className.empty() ? IdText(function) : className + " " + IdText(function));
+  return MakerAndProduct(ShortMaker(function.vendorName),
+                         (className.empty() ? "" : className + " ") + IdText(function));
 }
 
 }  // namespace pciinfo

@@ -25,6 +25,12 @@ std::string IdText(const MachineFunction& function);
 /// Returns the name of the class: of the names file, else of the PCI standard.
 std::string ClassName(const MachineFunction& function);
 
+/// Returns maker and model; without a model the maker and the IDs. Printable.
+std::string MakerAndModel(const MachineFunction& function);
+
+/// Returns the kind of device in a word or two ("audio"); empty for classes without one.
+std::string KindWord(const MachineFunction& function);
+
 /// Returns what a function is: maker and model, and the kind of device where the model does not
 /// tell; without a model the class and the IDs. Printable.
 std::string ModelText(const MachineFunction& function);

@@ -149,6 +149,40 @@ void AddPorts(OrderedJson& object, const MachineSlot& slot) {
   AddText(object, "outerSlot", slot.outerSlot);
 }
 
+OrderedJson FunctionsJson(const MachineModel& machine, FunctionPlace place) {
+  auto array = OrderedJson::array();
+  for (const MachineFunction* function : machine.FunctionsAt(place)) {
+    array.push_back(FunctionJson(*function, machine));
+  }
+  return array;
+}
+
+OrderedJson SlotsJson(const MachineModel& machine, bool isNamed) {
+  auto array = OrderedJson::array();
+  for (const MachineSlot& slot : machine.slots) {
+    if (slot.IsNamed() == isNamed) array.push_back(SlotJson(slot, machine));
+  }
+  return array;
+}
+
+OrderedJson SharedPortJson(const SharedPort& shared, const MachineModel& machine) {
+  OrderedJson object = {{"port", ToUtf8(shared.port)}, {"slots", OrderedJson::array()}};
+  AddTexts(object, "slots", shared.slots);
+  AddText(object, "evidence", shared.evidence);
+  AddFunctions(object, shared.functions, machine);
+  return object;
+}
+
+OrderedJson ConflictsJson(const MachineModel& machine) {
+  OrderedJson conflicts = OrderedJson::array();
+  for (const MachineSlot& slot : machine.slots) {
+    for (const std::string& text : slot.conflicts) {
+      conflicts.push_back({{"slot", ToUtf8(slot.name)}, {"text", ToUtf8(text)}});
+    }
+  }
+  return conflicts;
+}
+
 }  // namespace
 
 OrderedJson FunctionJson(const MachineFunction& function, const MachineModel& machine) {
@@ -184,22 +218,15 @@ OrderedJson SlotJson(const MachineSlot& slot, const MachineModel& machine) {
   return object;
 }
 
-OrderedJson SharedPortJson(const SharedPort& shared, const MachineModel& machine) {
-  OrderedJson object = {{"port", ToUtf8(shared.port)}, {"slots", OrderedJson::array()}};
-  AddTexts(object, "slots", shared.slots);
-  AddText(object, "evidence", shared.evidence);
-  AddFunctions(object, shared.functions, machine);
-  return object;
-}
-
-OrderedJson ConflictsJson(const MachineModel& machine) {
-  OrderedJson conflicts = OrderedJson::array();
-  for (const MachineSlot& slot : machine.slots) {
-    for (const std::string& text : slot.conflicts) {
-      conflicts.push_back({{"slot", ToUtf8(slot.name)}, {"text", ToUtf8(text)}});
-    }
-  }
-  return conflicts;
+OrderedJson MachineJson(const MachineModel& machine) {
+  auto shared = OrderedJson::array();
+  for (const SharedPort& port : machine.shared) shared.push_back(SharedPortJson(port, machine));
+  return {{"slots", SlotsJson(machine, true)},
+          {"shared", std::move(shared)},
+          {"onBoard", FunctionsJson(machine, FunctionPlace::kOnBoard)},
+          {"unnamed", SlotsJson(machine, false)},
+          {"unknown", FunctionsJson(machine, FunctionPlace::kUnknown)},
+          {"conflicts", ConflictsJson(machine)}};
 }
 
 void WriteJsonLines(Output& output, const OrderedJson& object) {

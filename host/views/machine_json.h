@@ -16,11 +16,9 @@ nlohmann::ordered_json FunctionJson(const MachineFunction& function, const Machi
 /// Returns a slot with its functions as JSON.
 nlohmann::ordered_json SlotJson(const MachineSlot& slot, const MachineModel& machine);
 
-/// Returns a shared port with its functions as JSON.
-nlohmann::ordered_json SharedPortJson(const SharedPort& shared, const MachineModel& machine);
-
-/// Returns the contradictions of all slots as JSON.
-nlohmann::ordered_json ConflictsJson(const MachineModel& machine);
+/// Returns the members of `slots` as JSON: slots, shared ports, what is outside slots or unknown,
+/// and contradictions.
+nlohmann::ordered_json MachineJson(const MachineModel& machine);
 
 /// Writes the members of an object as JSON with a line for each element of an array.
 void WriteJsonLines(Output& output, const nlohmann::ordered_json& object);

@@ -23,6 +23,12 @@ std::string NamesText(const std::vector<std::string>& names) {
                      names.size() - kMost + 1);
 }
 
+std::vector<std::string> PrintableNames(const std::vector<std::string>& names) {
+  std::vector<std::string> printable;
+  for (const std::string& name : names) printable.push_back(Printable(name));
+  return printable;
+}
+
 std::string FirmwareClaim(const MachineSlot& slot) {
   if (slot.usage == kInUse) return "; the firmware says in use";
   return slot.usage == kAvailable ? "; the firmware says available" : "";
@@ -43,6 +49,16 @@ std::vector<std::string> InnerSlots(const MachineSlot& slot, const MachineModel&
     if (inner.outerSlot == slot.name && !slot.name.empty()) names.push_back(NameOf(inner));
   }
   return names;
+}
+
+std::string OneOfSlots(const MachineFunction& function, const MachineModel& machine) {
+  const auto place = static_cast<std::size_t>(&function - machine.functions.data());
+  for (const SharedPort& shared : machine.shared) {
+    const auto& functions = shared.functions;
+    if (std::find(functions.begin(), functions.end(), place) == functions.end()) continue;
+    return fmt::format("{}", fmt::join(PrintableNames(shared.slots), " or "));
+  }
+  return "one of several slots";
 }
 
 /// Reasons name the record that they are about; without it, equal ones can be grouped.
@@ -75,6 +91,22 @@ std::string NameOf(const MachineSlot& slot) {
   const std::string name = NameIn(slot.name);
   if (!name.empty()) return name;
   return slot.id ? fmt::format("slot ID {}", *slot.id) : "without a name";
+}
+
+std::string PlaceText(const MachineFunction& function, const MachineModel& machine) {
+  switch (function.place) {
+    case FunctionPlace::kSlot:
+      return function.slot ? NameOf(machine.slots[*function.slot]) : "unknown";
+    case FunctionPlace::kSharedPort:
+      return OneOfSlots(function, machine);
+    case FunctionPlace::kUnnamedSlot:
+      return "slot without a name";
+    case FunctionPlace::kOnBoard:
+      return "on board";
+    case FunctionPlace::kUnknown:
+      break;
+  }
+  return "unknown";
 }
 
 std::string ShortAddress(const std::string& address, const MachineModel& machine) {
@@ -129,9 +161,7 @@ std::vector<std::string> Contradictions(const MachineModel& machine) {
 }
 
 std::string SharedTitle(const SharedPort& shared, const MachineModel& machine) {
-  std::vector<std::string> names;
-  for (const std::string& name : shared.slots) names.push_back(Printable(name));
-  return fmt::format("In {}, which share port {}", fmt::join(names, " or "),
+  return fmt::format("In {}, which share port {}", fmt::join(PrintableNames(shared.slots), " or "),
                      ShortAddress(shared.port, machine));
 }
 

@@ -16,6 +16,10 @@ std::string StateText(const MachineSlot& slot);
 /// Returns the slot's name, or what stands for it where the firmware has none.
 std::string NameOf(const MachineSlot& slot);
 
+/// Where a function is, in a word: the name of its slot, "A or B" for a shared port, "on board",
+/// "slot without a name" or "unknown".
+std::string PlaceText(const MachineFunction& function, const MachineModel& machine);
+
 /// Says why the cards of a slot are not listed with it; empty for slots without functions that are
 /// known to be empty.
 std::string InsteadOfCards(const MachineSlot& slot, const MachineModel& machine);

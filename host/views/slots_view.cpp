@@ -10,6 +10,7 @@
 #include "host/machine/machine_filter.h"
 #include "host/model/smbios_names.h"
 #include "host/views/machine_json.h"
+#include "host/views/place_sections.h"
 #include "host/views/place_texts.h"
 
 namespace pciinfo {
@@ -45,118 +46,34 @@ std::string CertaintyOf(const MachineSlot& slot, const MachineModel& machine) {
   return Printable(machine.functions[slot.functions.front()].certainty);
 }
 
-class SlotsTable {
- public:
-  SlotsTable(Output& output, const MachineModel& machine, const Terminal& terminal)
-      : output_(output), machine_(machine), terminal_(terminal) {}
-
-  void Write() {
-    WriteSlots();
-    for (const SharedPort& shared : machine_.shared) {
-      if (shared.functions.empty()) continue;
-      WriteCards(SharedTitle(shared, machine_), machine_.FunctionsOf(shared.functions));
-    }
-    WriteCards("On board", machine_.FunctionsAt(FunctionPlace::kOnBoard));
-    WriteUnknown();
-    WriteSentences("Slots that lead nowhere", Unmatched(machine_));
-    WriteSentences("Contradictions", Contradictions(machine_));
-  }
-
- private:
-  void Title(const std::string& title) {
-    if (isStarted_) output_.Write("\n");
-    isStarted_ = true;
-    WriteParagraph(output_, Coloured(title, Colour::kBold, terminal_), 0, terminal_);
-  }
-
-  void WriteSlots() {
-    std::vector<Row> rows;
-    for (const bool isNamed : {true, false}) {
-      for (const MachineSlot& slot : machine_.slots) {
-        if (slot.IsNamed() == isNamed) AddRows(rows, slot);
-      }
-    }
-    if (rows.empty()) return;
-    WriteLines(output_, FormatTable(kSlotColumns, rows, terminal_));
-    isStarted_ = true;
-  }
-
-  /// Adds a row for each card in the slot, the first of them with the slot.
-  void AddRows(std::vector<Row>& rows, const MachineSlot& slot) {
-    Row row = {slot.IsNamed() ? NameOf(slot) : "(no name)",
-               ShortAddress(slot.firmwareAddress, machine_),
-               PortCell(slot, machine_),
-               WidthCell(slot),
-               LinkText(slot.link),
-               StateText(slot),
-               CertaintyOf(slot, machine_),
-               "",
-               ""};
-    const auto cards = CardsOf(machine_.FunctionsOf(slot.functions), machine_.HasDomains());
-    if (cards.empty()) {
-      row[kCardCell] = InsteadOfCards(slot, machine_);
-      rows.push_back(row);
-    }
-    for (const Card& card : cards) {
-      row[kAddressCell] = AddressesText(card);
-      row[kCardCell] = card.text;
-      rows.push_back(row);
-      row = Row(row.size());
-    }
-  }
-
-  void WriteCards(const std::string& title, FunctionList functions) {
-    std::erase_if(functions, [](const auto* function) { return IsBridgeOrChipset(*function); });
-    if (functions.empty()) return;
-    Title(title);
-    std::vector<Row> rows;
-    for (const Card& card : CardsOf(functions, machine_.HasDomains())) {
-      rows.push_back({AddressesText(card), card.text});
-    }
-    WriteLines(output_, FormatTable({{.heading = "ADDRESS", .colour = Colour::kCyan},
-                                     {.heading = "CARD", .isSubject = true}},
-                                    rows, terminal_));
-  }
-
-  /// The functions of which the place is unknown, by the reason.
-  void WriteUnknown() {
-    FunctionList unknown = machine_.FunctionsAt(FunctionPlace::kUnknown);
-    while (!unknown.empty()) {
-      const std::string reason = unknown.front()->placeReason;
-      const auto other = std::stable_partition(
-          unknown.begin(), unknown.end(),
-          [&reason](const auto* function) { return function->placeReason == reason; });
-      WriteCards("Place unknown: " + Printable(reason), {unknown.begin(), other});
-      unknown.erase(unknown.begin(), other);
-    }
-  }
-
-  void WriteSentences(const std::string& title, const std::vector<std::string>& sentences) {
-    if (sentences.empty()) return;
-    Title(title);
-    for (const std::string& sentence : sentences) WriteParagraph(output_, sentence, 0, terminal_);
-  }
-
-  Output& output_;
-  const MachineModel& machine_;
-  const Terminal& terminal_;
-  bool isStarted_ = false;
-};
-
-nlohmann::ordered_json FunctionsJson(const MachineModel& machine, FunctionPlace place) {
-  auto array = nlohmann::ordered_json::array();
-  for (const MachineFunction* function : machine.FunctionsAt(place)) {
-    array.push_back(FunctionJson(*function, machine));
-  }
-  return array;
+/// The link of an empty slot does nothing, and that of a shared port is not the slot's.
+std::string LinkCell(const MachineSlot& slot) {
+  if (slot.state == SlotState::kUnknown) return "";
+  return slot.state == SlotState::kEmpty ? MostLinkText(slot.link) : LinkText(slot.link);
 }
 
-nlohmann::ordered_json SlotsJson(const MachineModel& machine, bool isNamed) {
-  auto array = nlohmann::ordered_json::array();
-  for (const MachineSlot& slot : machine.slots) {
-    if (slot.IsNamed() == isNamed) array.push_back(SlotJson(slot, machine));
+/// Adds a row for each card in the slot, the first of them with the slot.
+void AddRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel& machine) {
+  Row row = {slot.IsNamed() ? NameOf(slot) : "(no name)",
+             ShortAddress(slot.firmwareAddress, machine),
+             PortCell(slot, machine),
+             WidthCell(slot),
+             LinkCell(slot),
+             StateText(slot),
+             CertaintyOf(slot, machine),
+             "",
+             ""};
+  const auto cards = CardsOf(machine.FunctionsOf(slot.functions), machine.HasDomains());
+  if (cards.empty()) {
+    row[kCardCell] = InsteadOfCards(slot, machine);
+    rows.push_back(row);
   }
-  return array;
+  for (const Card& card : cards) {
+    row[kAddressCell] = AddressesText(card);
+    row[kCardCell] = card.text;
+    rows.push_back(row);
+    row = Row(row.size());
+  }
 }
 
 }  // namespace
@@ -174,18 +91,23 @@ MachineModel ChosenSlots(const MachineModel& machine, SlotChoice choice) {
 }
 
 void WriteSlotsTable(Output& output, const MachineModel& machine, const Terminal& terminal) {
-  SlotsTable(output, machine, terminal).Write();
+  PlaceSections sections(output, machine, terminal);
+  std::vector<Row> rows;
+  for (const bool isNamed : {true, false}) {
+    for (const MachineSlot& slot : machine.slots) {
+      if (slot.IsNamed() == isNamed) AddRows(rows, slot, machine);
+    }
+  }
+  if (!rows.empty()) sections.WriteTable("", kSlotColumns, rows);
+  sections.WriteShared();
+  sections.WriteCards("On board", machine.FunctionsAt(FunctionPlace::kOnBoard));
+  sections.WriteUnknown();
+  sections.WriteSentences("Slots that lead nowhere", Unmatched(machine));
+  sections.WriteSentences("Contradictions", Contradictions(machine));
 }
 
 void WriteSlotsJson(Output& output, const MachineModel& machine) {
-  auto shared = nlohmann::ordered_json::array();
-  for (const SharedPort& port : machine.shared) shared.push_back(SharedPortJson(port, machine));
-  WriteJsonLines(output, {{"slots", SlotsJson(machine, true)},
-                          {"shared", std::move(shared)},
-                          {"onBoard", FunctionsJson(machine, FunctionPlace::kOnBoard)},
-                          {"unnamed", SlotsJson(machine, false)},
-                          {"unknown", FunctionsJson(machine, FunctionPlace::kUnknown)},
-                          {"conflicts", ConflictsJson(machine)}});
+  WriteJsonLines(output, MachineJson(machine));
 }
 
 }  // namespace pciinfo
