@@ -55,14 +55,18 @@ Job ViewJob(const Options& options, const Classes& declared, std::vector<std::st
 }
 
 Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto print = [terminal, filter = options.filter](const Session& session, Output& output) {
-    const auto kept = KeptOf(session.GetRepository(), filter);
-    WriteOverview(output, MakeOverview(*kept, ReadIdentity(), session.GetReport().GetLines()),
-                  terminal);
+  const bool asJson = options.format == "json";
+  const auto print = [asJson, terminal, filter = options.filter](const Session& session,
+                                                                 Output& output) {
+    const vtq::Namespace& repository = session.GetRepository();
+    const Overview overview = {ReadIdentity(), session.GetSystemName(),
+                               KeptOf(ReadMachine(repository), filter),
+                               session.GetReport().GetLines()};
+    if (asJson) return WriteOverviewJson(output, overview);
+    WriteOverview(output, overview, terminal);
   };
-  Job job =
-      MakeView(PlanQuery(declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}).collect, print);
-  job.showsTroubles = terminal.width.has_value();
+  Job job = MakeView(PlanQuery(declared, MachineClasses()).collect, print);
+  job.showsTroubles = asJson || terminal.width.has_value();
   return job;
 }
 

@@ -247,6 +247,7 @@ std::shared_ptr<CLI::App> BuildApp(Options& options) {
       "Shows the PCI functions and system slots of this machine.\n"
       "Without a command, prints an overview.",
       "pciinfo");
+  AddFormat(*app, options.format, {"table", "json"});
   AddGlobalOptions(*app, options);
   AddCommands(*app, options);
   return app;

@@ -146,24 +146,22 @@ void WriteLines(Output& output, const std::vector<std::string>& lines) {
   }
 }
 
-void WriteParagraph(Output& output, std::string_view text, std::size_t indent,
-                    const Terminal& terminal) {
-  std::string line(indent, ' ');
-  bool isStarted = false;
+std::vector<std::string> Wrapped(std::string_view text, const Terminal& terminal) {
+  std::vector<std::string> lines(1);
+  bool isEmpty = true;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find(' '), text.size());
     const std::string_view word = text.substr(0, end);
-    const std::size_t length = DisplayWidth(line) + DisplayWidth(word) + (isStarted ? 1 : 0);
-    if (isStarted && terminal.width && length > *terminal.width) {
-      output.Write(line + "\n");
-      line.assign(indent + 2, ' ');
-      isStarted = false;
+    const std::size_t width = DisplayWidth(lines.back()) + DisplayWidth(word) + (isEmpty ? 0 : 1);
+    if (!isEmpty && terminal.width && width > *terminal.width) {
+      lines.emplace_back("  ");
+      isEmpty = true;
     }
-    line.append(isStarted ? " " : "").append(word);
-    isStarted = true;
+    lines.back().append(isEmpty ? "" : " ").append(word);
+    isEmpty = false;
     text.remove_prefix(std::min(end + 1, text.size()));
   }
-  output.Write(line + "\n");
+  return lines;
 }
 
 std::string FitLine(std::string_view line, const Terminal& terminal) {

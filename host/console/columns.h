@@ -33,10 +33,9 @@ std::vector<std::string> FormatTable(const std::vector<Column>& columns,
 /// Writes each line and a line end.
 void WriteLines(Output& output, const std::vector<std::string>& lines);
 
-/// Writes a sentence that may take several lines: on a terminal it is broken between words, and
-/// further lines are indented by two more columns than the first.
-void WriteParagraph(Output& output, std::string_view text, std::size_t indent,
-                    const Terminal& terminal);
+/// Returns the lines of a sentence: on a terminal it is broken between words, and further lines are
+/// indented by two columns.
+std::vector<std::string> Wrapped(std::string_view text, const Terminal& terminal);
 
 /// Cuts a printable line to the width of the terminal and removes trailing spaces.
 std::string FitLine(std::string_view line, const Terminal& terminal);

@@ -121,13 +121,12 @@ std::vector<Card> CardsOf(const FunctionList& functions, bool hasDomains) {
   return cards;
 }
 
-std::string AddressesText(const Card& card) {
+std::vector<std::string> AddressLines(const Card& card) {
   constexpr std::size_t kMost = 8;
-  const std::size_t count = card.addresses.size();
-  if (count <= kMost) return fmt::format("{}", fmt::join(card.addresses, ", "));
-  return fmt::format("{} and {} more",
-                     fmt::join(card.addresses.begin(), card.addresses.begin() + 2, ", "),
-                     count - 2);
+  if (card.addresses.size() <= kMost) return card.addresses;
+  std::vector<std::string> lines(card.addresses.begin(), card.addresses.begin() + kMost - 1);
+  lines.push_back(fmt::format("+ {} more", card.addresses.size() - lines.size()));
+  return lines;
 }
 
 }  // namespace pciinfo

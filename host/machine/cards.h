@@ -27,7 +27,8 @@ std::vector<Card> CardsOf(const FunctionList& functions, bool hasDomains);
 /// Whether a function is a bridge or part of the chip set, which lists of cards leave out.
 bool IsBridgeOrChipset(const MachineFunction& function);
 
-/// Returns a card's addresses in one text. Of more than eight only the first are in it.
-std::string AddressesText(const Card& card);
+/// Returns a card's addresses, one for each line. Of more than eight only the first are listed, and
+/// the last text says how many are missing.
+std::vector<std::string> AddressLines(const Card& card);
 
 }  // namespace pciinfo

@@ -8,6 +8,15 @@
 
 namespace pciinfo {
 
+void AddCard(std::vector<Row>& rows, Row row, std::size_t addressCell, const Card& card) {
+  row[addressCell + 1] = card.text;
+  for (std::string& address : AddressLines(card)) {
+    row[addressCell] = std::move(address);
+    rows.push_back(row);
+    row = Row(row.size());
+  }
+}
+
 PlaceSections::PlaceSections(Output& output, const MachineModel& machine, const Terminal& terminal)
     : output_(output), machine_(machine), terminal_(terminal) {}
 
@@ -15,7 +24,9 @@ void PlaceSections::WriteTitle(const std::string& title) {
   if (isStarted_) output_.Write("\n");
   isStarted_ = true;
   if (title.empty()) return;
-  output_.Write(Coloured(FitLine(title, terminal_), Colour::kBold, terminal_) + "\n");
+  for (const std::string& line : Wrapped(title, terminal_)) {
+    output_.Write(Coloured(line, Colour::kBold, terminal_) + "\n");
+  }
 }
 
 void PlaceSections::WriteTable(const std::string& title, const std::vector<Column>& columns,
@@ -30,7 +41,7 @@ void PlaceSections::WriteCards(const std::string& title, FunctionList functions)
   if (functions.empty()) return;
   std::vector<Row> rows;
   for (const Card& card : CardsOf(functions, machine_.HasDomains())) {
-    rows.push_back({AddressesText(card), card.text});
+    AddCard(rows, {"", ""}, 0, card);
   }
   WriteTable(
       title,
@@ -60,7 +71,9 @@ void PlaceSections::WriteSentences(const std::string& title,
                                    const std::vector<std::string>& sentences) {
   if (sentences.empty()) return;
   WriteTitle(title);
-  for (const std::string& sentence : sentences) WriteParagraph(output_, sentence, 0, terminal_);
+  for (const std::string& sentence : sentences) {
+    WriteLines(output_, Wrapped(sentence, terminal_));
+  }
 }
 
 }  // namespace pciinfo

@@ -9,6 +9,10 @@
 
 namespace pciinfo {
 
+/// Adds rows for a card: its text stands in the first, behind its address, and further addresses in
+/// further rows. `row` has the other cells of the first.
+void AddCard(std::vector<Row>& rows, Row row, std::size_t addressCell, const Card& card);
+
 /// Writes parts of a view under titles, with an empty line between them. Parts without content are
 /// left out.
 class PlaceSections final {

@@ -46,7 +46,7 @@ const SharedPort* SharedPortOf(const MachineSlot& slot, const MachineModel& mach
 std::vector<std::string> InnerSlots(const MachineSlot& slot, const MachineModel& machine) {
   std::vector<std::string> names;
   for (const MachineSlot& inner : machine.slots) {
-    if (inner.outerSlot == slot.name && !slot.name.empty()) names.push_back(NameOf(inner));
+    if (inner.outerSlot == slot.name && !slot.name.empty()) names.push_back(NameOf(inner, machine));
   }
   return names;
 }
@@ -87,7 +87,10 @@ std::string StateText(const MachineSlot& slot) {
   return "unknown";
 }
 
-std::string NameOf(const MachineSlot& slot) {
+std::string NameOf(const MachineSlot& slot, const MachineModel& machine) {
+  if (!slot.IsNamed() && !slot.ports.empty()) {
+    return fmt::format("(port {})", ShortAddress(slot.ports.front(), machine));
+  }
   const std::string name = NameIn(slot.name);
   if (!name.empty()) return name;
   return slot.id ? fmt::format("slot ID {}", *slot.id) : "without a name";
@@ -96,11 +99,10 @@ std::string NameOf(const MachineSlot& slot) {
 std::string PlaceText(const MachineFunction& function, const MachineModel& machine) {
   switch (function.place) {
     case FunctionPlace::kSlot:
-      return function.slot ? NameOf(machine.slots[*function.slot]) : "unknown";
+    case FunctionPlace::kUnnamedSlot:
+      return function.slot ? NameOf(machine.slots[*function.slot], machine) : "unknown";
     case FunctionPlace::kSharedPort:
       return OneOfSlots(function, machine);
-    case FunctionPlace::kUnnamedSlot:
-      return "slot without a name";
     case FunctionPlace::kOnBoard:
       return "on board";
     case FunctionPlace::kUnknown:
@@ -145,7 +147,7 @@ std::vector<std::string> Unmatched(const MachineModel& machine) {
   std::vector<std::pair<std::string, std::string>> reasons;
   for (const MachineSlot& slot : machine.slots) {
     if (slot.noPortBecause.empty() || !slot.ports.empty()) continue;
-    reasons.emplace_back(NameOf(slot), Printable(WithoutRecord(slot.noPortBecause)));
+    reasons.emplace_back(NameOf(slot, machine), Printable(WithoutRecord(slot.noPortBecause)));
   }
   return GroupedByReason(reasons);
 }
@@ -154,7 +156,7 @@ std::vector<std::string> Contradictions(const MachineModel& machine) {
   std::vector<std::pair<std::string, std::string>> reasons;
   for (const MachineSlot& slot : machine.slots) {
     for (const std::string& text : slot.conflicts) {
-      reasons.emplace_back(NameOf(slot), Printable(text));
+      reasons.emplace_back(NameOf(slot, machine), Printable(text));
     }
   }
   return GroupedByReason(reasons);

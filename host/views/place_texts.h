@@ -13,11 +13,11 @@ namespace pciinfo {
 /// What is known of a slot in words: "in use", "empty" or "unknown".
 std::string StateText(const MachineSlot& slot);
 
-/// Returns the slot's name, or what stands for it where the firmware has none.
-std::string NameOf(const MachineSlot& slot);
+/// Returns the slot's name, "(port 00:1c.4)" for a slot that nobody names.
+std::string NameOf(const MachineSlot& slot, const MachineModel& machine);
 
-/// Where a function is, in a word: the name of its slot, "A or B" for a shared port, "on board",
-/// "slot without a name" or "unknown".
+/// Where a function is, in a word: the name of its slot, "A or B" for a shared port, "on board"
+/// or "unknown".
 std::string PlaceText(const MachineFunction& function, const MachineModel& machine);
 
 /// Says why the cards of a slot are not listed with it; empty for slots without functions that are

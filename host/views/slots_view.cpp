@@ -54,7 +54,7 @@ std::string LinkCell(const MachineSlot& slot) {
 
 /// Adds a row for each card in the slot, the first of them with the slot.
 void AddRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel& machine) {
-  Row row = {slot.IsNamed() ? NameOf(slot) : "(no name)",
+  Row row = {NameOf(slot, machine),
              ShortAddress(slot.firmwareAddress, machine),
              PortCell(slot, machine),
              WidthCell(slot),
@@ -69,9 +69,7 @@ void AddRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel
     rows.push_back(row);
   }
   for (const Card& card : cards) {
-    row[kAddressCell] = AddressesText(card);
-    row[kCardCell] = card.text;
-    rows.push_back(row);
+    AddCard(rows, row, kAddressCell, card);
     row = Row(row.size());
   }
 }
