@@ -15,8 +15,7 @@
 #include "host/formats/instance_writer.h"
 #include "host/machine/machine_filter.h"
 #include "host/machine/machine_model.h"
-#include "host/model/bridge_buses.h"
-#include "host/model/bus_tree.h"
+#include "host/machine/port_tree.h"
 #include "host/model/machine_identity.h"
 #include "host/views/classes_view.h"
 #include "host/views/devices_view.h"
@@ -143,29 +142,20 @@ Job SlotsJob(const Options& options, const Classes& declared, const Terminal& te
   return MachineJob(options, declared, write);
 }
 
-/// Reads the tree of the functions that the filter keeps and of the bridges above them.
-std::vector<RootBus> ReadTree(const vtq::Namespace& repository, const Filter& filter) {
-  std::vector<RootBus> tree =
-      MakeBusTree({ReadFunctions(repository), ReadSlots(repository).slots,
-                   [](const PciAddress& address) { return ReadBridgeBuses(address); }});
-  if (filter.IsEmpty()) return tree;
-  const auto kept = KeptOf(repository, filter);
-  Prune(tree, [&kept](const PciFunction& function) {
-    return kept->Find("QZMSG_PCIDevice")->Find(function.path) != nullptr ||
-           kept->Find("QZMSG_PCIBridge")->Find(function.path) != nullptr;
-  });
-  return tree;
-}
-
 Job TreeJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [filter = options.filter, terminal, asJson = options.format == "json",
                       all = options.showAll](const Session& session, Output& output) {
-    std::vector<RootBus> tree = ReadTree(session.GetRepository(), filter);
-    if (asJson) return WriteTreeJson(output, tree);
+    const MachineModel machine = ReadMachine(session.GetRepository());
+    std::vector<RootBus> tree = MakePortTree(machine);
+    if (!filter.IsEmpty()) {
+      Prune(tree,
+            [&](const MachineFunction& function) { return Keeps(filter, machine, function); });
+    }
+    if (asJson) return WriteTreeJson(output, tree, machine);
     if (!all) FoldAlike(tree);
-    WriteTree(output, tree, terminal);
+    WriteTree(output, tree, machine, terminal);
   };
-  return MakeView(PlanQuery(declared, {"QZMSG_DeviceInSlot"}).collect, print);
+  return MakeView(PlanQuery(declared, MachineClasses()).collect, print);
 }
 
 Job ShowJob(const Options& options, const Classes& declared, const Terminal& terminal) {
