@@ -33,10 +33,12 @@ std::optional<Express> DecodeExpress(const ConfigSpace& config, std::size_t at) 
   if (!flags) return std::nullopt;
   Express express;
   express.portType = static_cast<std::uint8_t>((*flags & PCI_EXP_FLAGS_TYPE) >> kPciePortTypeShift);
-  express.most = DecodeLink(config.Dword(at + PCI_EXP_LNKCAP).value_or(0));
-  const std::uint16_t status = config.Word(at + PCI_EXP_LNKSTA).value_or(0);
-  express.now = DecodeLink(status);
-  express.linkActive = (status & PCI_EXP_LNKSTA_DLLLA) != 0;
+  if (express.HasLink()) {
+    const std::uint16_t status = config.Word(at + PCI_EXP_LNKSTA).value_or(0);
+    express.most = DecodeLink(config.Dword(at + PCI_EXP_LNKCAP).value_or(0));
+    express.now = DecodeLink(status);
+    express.linkActive = (status & PCI_EXP_LNKSTA_DLLLA) != 0;
+  }
   // The second control register came with the second version of the capability.
   if (express.LeadsToLink() && (*flags & PCI_EXP_FLAGS_VERS) >= 2) {
     const std::uint16_t control = config.Word(at + PCI_EXP_DEVCTL2).value_or(0);

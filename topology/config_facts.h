@@ -48,6 +48,10 @@ struct Express {
   std::optional<PortSlot> slot;     ///< of root ports and downstream ports with the slot bit
 
   bool Is(PortType type) const noexcept { return portType == static_cast<std::uint8_t>(type); }
+  /// What is part of the root complex has no link, whatever its registers hold.
+  bool HasLink() const noexcept {
+    return !Is(PortType::kIntegratedEndpoint) && !Is(PortType::kEventCollector);
+  }
   /// Whether a link below the function leads to one device: a root port or a downstream port.
   bool LeadsToLink() const noexcept {
     return Is(PortType::kRootPort) || Is(PortType::kDownstreamPort);

@@ -37,26 +37,30 @@ void SetIdentity(const ConfigFacts& config, PropertyWriter& writer) {
   writer.Set("MultiFunction", config.multiFunction);
 }
 
+/// Nothing for reserved codes of speed, of which nobody knows what they mean.
+std::optional<std::uint32_t> RateOf(const Link& link) {
+  const std::uint32_t rate = TransferRate(link.speed);
+  return link.width != 0 && rate != 0 ? std::optional(rate) : std::nullopt;
+}
+
 /// Speed and width of a link, as words and as numbers.
 void SetLinkRates(const Express& express, PropertyWriter& writer) {
   SetLink(express, writer);
-  if (express.most.width != 0) {
-    writer.Set("MaxLinkTransferRate", TransferRate(express.most.speed));
-  }
-  if (express.now.width != 0) writer.Set("LinkTransferRate", TransferRate(express.now.speed));
+  writer.Set("MaxLinkTransferRate", RateOf(express.most));
+  writer.Set("LinkTransferRate", RateOf(express.now));
 }
 
 /// What the port at the other end of the function's link has and can do. A link that is slower or
 /// narrower than both ends allow shows a bad contact or a setting.
 void SetPortLink(const Express& port, PropertyWriter& writer) {
+  writer.Set("PortMaxLinkTransferRate", RateOf(port.most));
+  writer.Set("PortLinkTransferRate", RateOf(port.now));
   if (port.most.width != 0) {
     writer.Set("PortMaxLinkSpeed", SpeedText(port.most.speed));
-    writer.Set("PortMaxLinkTransferRate", TransferRate(port.most.speed));
     writer.Set("PortMaxLinkWidth", port.most.width);
   }
   if (port.now.width != 0) {
     writer.Set("PortLinkSpeed", SpeedText(port.now.speed));
-    writer.Set("PortLinkTransferRate", TransferRate(port.now.speed));
     writer.Set("PortLinkWidth", port.now.width);
   }
 }

@@ -146,6 +146,15 @@ TEST(ConfigFacts, OfAPortWithASlot) {
   EXPECT_TRUE(facts.express->slot->cardPresent);
 }
 
+TEST(ConfigFacts, PartsOfTheRootComplexHaveNoLink) {
+  for (const unsigned flags : {0x0092U, 0x00A2U}) {
+    const ConfigFacts facts =
+        DecodeConfig(ExpressFunction(flags).Put(0x4C, 0x0103, 4).Put(0x52, 0x2081, 2).Get());
+    EXPECT_EQ(facts.express.value().most, Link());
+    EXPECT_EQ(facts.express.value().now, Link());
+  }
+}
+
 TEST(ConfigFacts, TheSlotBitCountsOnPortsOnly) {
   EXPECT_TRUE(DecodeConfig(ExpressFunction(0x0162).Get()).express->slot);
   EXPECT_FALSE(DecodeConfig(ExpressFunction(0x0062).Get()).express->slot);
