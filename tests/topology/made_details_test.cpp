@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A card in a machine made by hand, with everything that the kernel may show of a function.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "tests/fakes/run_process.h"
+#include "tests/runtime/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using nlohmann::json;
+using Texts = std::vector<std::string>;
+
+constexpr const char* kAddress = "0000:00:05.0";
+
+/// A machine with one function, which has vital product data.
+class MadeCard {
+ public:
+  MadeCard() {
+    std::string config(256, '\0');
+    config.replace(0x00, 4, std::string("\x86\x80\x33\x15", 4));  // 8086:1533
+    config[0x06] = 0x10;                                          // a list of capabilities
+    config[0x0A] = 0x00;
+    config[0x0B] = 0x02;  // a network controller
+    config[0x34] = 0x40;
+    config[0x40] = 0x03;  // vital product data
+    Put("config", config);
+    Put("vendor", "0x8086\n");
+    Put("device", "0x1533\n");
+    Put("class", "0x020000\n");
+    Put("irq", "17\n");
+    Put("resource", "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
+  }
+
+  void Put(const std::string& name, const std::string& content) {
+    PutAt(std::string("sys/bus/pci/devices/") + kAddress + "/" + name, content);
+  }
+  void PutAt(const std::string& path, const std::string& content) {
+    const fs::path file = root_ / path;
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+  }
+  void Link(const std::string& path, const std::string& target) {
+    fs::create_symlink(target, root_ / path);
+  }
+
+  json Read() const {
+    const RunResult run = RunProcess({PCIINFO_PROGRAM, "--root", root_.GetPath(), "instances",
+                                      "VTQ_PCIFunctionDetails", "--only-plugin", TOPOLOGY_PLUGIN,
+                                      "--format", "json"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    return json::parse(run.out).at("instances").at(0).at("properties");
+  }
+  /// What lspci prints of all capabilities.
+  std::string AskLspci() const {
+    return RunProcess({"lspci", "-A", "linux-sysfs", "-O",
+                       "sysfs.path=" + root_.GetPath() + "/sys/bus/pci", "-vvv"})
+        .out;
+  }
+
+ private:
+  vtq::TemporaryDirectory root_;
+};
+
+std::string Section(unsigned char tag, const std::string& data) {
+  return std::string{static_cast<char>(tag), static_cast<char>(data.size()), '\0'} + data;
+}
+
+std::string Field(const std::string& keyword, const std::string& value) {
+  return keyword + static_cast<char>(value.size()) + value;
+}
+
+/// Vital product data of which the checksum is `error` too large.
+std::string MakeVitalProductData(int error) {
+  std::string data = Section(0x82, "Two-port adapter") +
+                     Section(0x90, Field("PN", "AB-1234") + Field("EC", "A2") + Field("SN", "X99") +
+                                       Field("MN", "103C") + Field("RV", std::string(2, '\0')));
+  int sum = 0;
+  for (const char byte : data) sum += static_cast<unsigned char>(byte);
+  data[data.size() - 2] = static_cast<char>(error - sum);
+  return data + '\x78';
+}
+
+TEST(MadeDetails, VitalProductDataIsWhatLspciTells) {
+  for (const bool isRight : {true, false}) {
+    MadeCard card;
+    card.Put("vpd", MakeVitalProductData(isRight ? 0 : 1));
+    const json told = card.Read();
+    EXPECT_EQ(told.at("ProductName"), "Two-port adapter");
+    EXPECT_EQ(told.at("VitalProductKeywords"), (Texts{"PN", "EC", "SN", "MN"}));
+    EXPECT_EQ(told.at("VitalProductChecksumRight"), isRight);
+    EXPECT_FALSE(told.contains("VitalProductDataProblem"));
+    const std::string listed = card.AskLspci();
+    const auto says = [&listed](const std::string& text) {
+      return listed.find(text) != std::string::npos;
+    };
+    EXPECT_TRUE(says("Product Name: Two-port adapter\n"));
+    EXPECT_TRUE(says("[PN] Part number: " + told.at("ProductPartNumber").get<std::string>()));
+    EXPECT_TRUE(says("[EC] Engineering changes: " +
+                     told.at("ProductEngineeringChange").get<std::string>()));
+    EXPECT_TRUE(says("[SN] Serial number: " + told.at("ProductSerialNumber").get<std::string>()));
+    EXPECT_TRUE(says("[MN] Manufacture ID: " + told.at("ProductManufacture").get<std::string>()));
+    EXPECT_TRUE(says(isRight ? "checksum good" : "checksum bad")) << listed;
+  }
+}
+
+TEST(MadeDetails, VitalProductDataThatIsNotThereIsNotKnown) {
+  EXPECT_EQ(MadeCard().Read().at("VitalProductDataUnknownBecause"),
+            "the kernel shows no file of it");
+  MadeCard cut;
+  cut.Put("vpd", MakeVitalProductData(0).substr(0, 34));
+  const json told = cut.Read();
+  EXPECT_EQ(told.at("ProductPartNumber"), "AB-1234");
+  EXPECT_EQ(told.at("VitalProductDataProblem"), "the data ends too early");
+}
+
+TEST(MadeDetails, HeaderAloneTellsNoCapabilities) {
+  MadeCard card;
+  card.Put("config", std::string("\x86\x80\x33\x15", 4) + std::string(60, '\0'));
+  const json told = card.Read();
+  EXPECT_EQ(told.at("ExtendedUnknownBecause"), "the capabilities could not be read");
+  EXPECT_EQ(told.at("VitalProductDataUnknownBecause"), "the capabilities could not be read");
+  for (const char* name : {"InterruptMode", "ErrorReporting", "AlternativeRoutingID"}) {
+    EXPECT_FALSE(told.contains(name)) << name;
+  }
+}
+
+TEST(MadeDetails, NamesAndCountersComeFromTheKernelsFiles) {
+  MadeCard card;
+  card.Put("net/enp0s5/address", "52:54:00:12:34:56\n");
+  card.Put("nvme/nvme3/serial", "S99  \n");
+  card.Put("nvme/nvme3/nvme3n1/size", "1\n");
+  card.Put("aer_dev_correctable", "RxErr 0\nBadTLP 2\nTOTAL_ERR_COR 2\n");
+  card.Put("aer_dev_nonfatal", "DLP 0\nTOTAL_ERR_NONFATAL 0\n");
+  card.Put("aer_dev_fatal", "DLP 0\nTOTAL_ERR_FATAL 0\n");
+  card.Put("firmware_node/path", "\\_SB_.PCI0.NIC0\n");
+  card.Put("acpi_index", "3\n");
+  const json told = card.Read();
+  EXPECT_EQ(told.at("NetworkInterfaces"), (Texts{"enp0s5"}));
+  EXPECT_EQ(told.at("NetworkAddresses"), (Texts{"52:54:00:12:34:56"}));
+  EXPECT_EQ(told.at("NvmeControllers"), (Texts{"nvme3"}));
+  EXPECT_EQ(told.at("NvmeModels"), (Texts{""})) << "the lists keep their order";
+  EXPECT_EQ(told.at("NvmeSerialNumbers"), (Texts{"S99"}));
+  EXPECT_EQ(told.at("BlockDevices"), (Texts{"nvme3n1"}));
+  EXPECT_EQ(told.at("CorrectableErrorCount"), 2);
+  EXPECT_EQ(told.at("CorrectableErrorCounters"), (Texts{"BadTLP 2"}));
+  EXPECT_EQ(told.at("NonFatalErrorCount"), 0);
+  EXPECT_EQ(told.at("FatalErrorCount"), 0);
+  EXPECT_EQ(told.at("FirmwarePath"), "\\_SB_.PCI0.NIC0");
+  EXPECT_EQ(told.at("FirmwareIndex"), 3);
+}
+
+TEST(MadeDetails, ModulesComeFromTheCaptureOnly) {
+  MadeCard card;
+  EXPECT_FALSE(card.Read().contains("DriverModules"));
+  EXPECT_TRUE(card.Read().contains("DriverModulesUnknownBecause"));
+  card.PutAt("sys/bus/pci/modules.alias",
+             "alias pci:v00008086d00001533sv*sd*bc*sc*i* igb\n"
+             "alias pci:v*d*sv*sd*bc03sc*i* display\n");
+  EXPECT_EQ(card.Read().at("DriverModules"), (Texts{"igb"}));
+  // The kernel can know better than the registers what a function is.
+  card.Put("modalias", "pci:v00008086d0000FFFFsv00000000sd00000000bc03sc00i00\n");
+  EXPECT_EQ(card.Read().at("DriverModules"), (Texts{"display"}));
+  EXPECT_FALSE(card.Read().contains("DriverModulesUnknownBecause"));
+}
+
+TEST(MadeDetails, VirtualFunctionsAreToldByTheirPhysicalOne) {
+  MadeCard card;
+  const std::string virtualOne = "sys/bus/pci/devices/0000:00:05.1/";
+  card.PutAt(virtualOne + "config", std::string(256, '\0'));
+  card.PutAt(virtualOne + "vendor", "0xffff\n");
+  EXPECT_FALSE(card.Read().contains("VirtualFunctions"));
+  card.Link("sys/bus/pci/devices/0000:00:05.1/physfn", std::string("../") + kAddress);
+  EXPECT_EQ(card.Read().at("VirtualFunctions"), (Texts{"0000:00:05.1"}));
+}
+
+}  // namespace
