@@ -56,6 +56,16 @@ std::pair<std::size_t, std::size_t> BusTree::FindDevice(const Address& address) 
   return {begin, static_cast<std::size_t>(at - functions_.begin())};
 }
 
+std::pair<std::size_t, std::size_t> BusTree::FindBus(std::uint32_t domain, std::uint8_t bus) const {
+  const auto begin = functions_.begin();
+  const auto first =
+      std::lower_bound(begin, functions_.end(), Address{domain, bus, 0, 0}, IsBefore);
+  const auto last = std::partition_point(first, functions_.end(), [&](const Function& function) {
+    return BusKey(function.address.domain, function.address.bus) == BusKey(domain, bus);
+  });
+  return {static_cast<std::size_t>(first - begin), static_cast<std::size_t>(last - begin)};
+}
+
 std::optional<std::size_t> BusTree::FindBridgeTo(std::uint32_t domain, std::uint8_t bus) const {
   const auto found = bridgeTo_.find(BusKey(domain, bus));
   if (found == bridgeTo_.end()) return std::nullopt;

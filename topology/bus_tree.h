@@ -31,6 +31,8 @@ class BusTree {
   std::optional<std::size_t> Find(const Address& address) const;
   /// The functions of the device that the address is of: [first, last).
   std::pair<std::size_t, std::size_t> FindDevice(const Address& address) const;
+  /// The functions on a bus: [first, last).
+  std::pair<std::size_t, std::size_t> FindBus(std::uint32_t domain, std::uint8_t bus) const;
   /// The bridge whose secondary bus this is.
   std::optional<std::size_t> FindBridgeTo(std::uint32_t domain, std::uint8_t bus) const;
   bool HasDomain(std::uint32_t domain) const;

@@ -52,6 +52,21 @@ std::string PresenceConflict(const BusTree& tree, const Slot& slot, const Found&
   return "";
 }
 
+/// Some firmware lists cards as onboard devices, or gives a slot the address of a soldered device.
+void AddOnBoardConflicts(const Machine& machine, const BusTree& tree, Resolution& resolution) {
+  std::vector<Slot*> slots(machine.functions.size(), nullptr);
+  for (const Occupant& occupant : resolution.occupants) {
+    slots[occupant.function] = &resolution.slots[occupant.slot];
+  }
+  for (const OnBoardRecord& record : machine.onBoardRecords) {
+    const auto function = record.enabled ? tree.Find(record.address) : std::nullopt;
+    if (!function || slots[*function] == nullptr) continue;
+    slots[*function]->conflicts.push_back("the firmware lists " + ToText(record.address) +
+                                          " as the onboard device \"" + record.designation +
+                                          "\" as well");
+  }
+}
+
 SlotState StateOf(const Slot& slot, const Found& found) {
   if (found.firstFunction) return SlotState::kOccupied;
   if (slot.targets.empty() || found.isShared || !slot.conflicts.empty()) return SlotState::kUnknown;
@@ -92,6 +107,7 @@ void JudgeSlots(const Machine& machine, const BusTree& tree, Resolution& resolut
     }
     slot.state = StateOf(slot, found[i]);
   }
+  AddOnBoardConflicts(machine, tree, resolution);
 }
 
 }  // namespace topology

@@ -99,12 +99,7 @@ Target SlotNumbers::Fit(const SlotRecord& record, const Numbering& numbering,
   target.port = port;
   target.evidence = RecordText(record) + " has the slot ID " + std::to_string(record.id) +
                     ", the " + numbering.name + " of port " + ToText(tree_.At(port).address);
-  if (!IsConventional(record) || !LeadsToOneDevice(tree_, port)) return target;
-  // A conventional card cannot sit on a link, but on the bus of a bridge behind it.
-  const auto bridge = ConventionalBridgeBehind(tree_, port);
-  if (!bridge) return {};
-  target.port = *bridge;
-  return target;
+  return FitToRecord(tree_, record, target) ? target : Target{};
 }
 
 template <class Allowed>

@@ -17,6 +17,11 @@ struct Holder {
   const Target* target = nullptr;  ///< that led to it
 };
 
+Address DeviceOf(Address address) {
+  address.function = 0;
+  return address;
+}
+
 /// Walks the bus tree from the roots and takes the innermost holder with it.
 class Placing {
  public:
@@ -26,7 +31,8 @@ class Placing {
     for (const auto& [port, group] : ports_) holdersOfPorts_.emplace(port, HolderOf(group));
     for (const auto& [device, group] : devices_) holdersOfDevices_.emplace(device, HolderOf(group));
     for (std::size_t i = 0; i < machine.onBoardRecords.size(); ++i) {
-      onBoard_.emplace(machine.onBoardRecords[i].address, i);
+      const OnBoardRecord& record = machine.onBoardRecords[i];
+      if (record.enabled) onBoard_.emplace(DeviceOf(record.address), i);
     }
     resolution_.places.resize(machine.functions.size());
   }
@@ -52,7 +58,9 @@ class Placing {
   void Put(std::size_t function, const Holder& holder);
   void PutInSlot(std::size_t function, const Holder& holder);
   void PutInShared(std::size_t function, const Holder& holder);
+  bool LeadsToOnBoardDevice(std::size_t port) const;
   FunctionPlace PlaceOutside(std::size_t function) const;
+  FunctionPlace PlaceOnRootBus(const Function& at) const;
   FunctionPlace PlaceBehind(std::size_t bridge) const;
   void NoteOuter(std::size_t slot, const Holder& holder);
   bool IsSwitchOf(std::size_t function, const Holder& holder) const;
@@ -65,7 +73,7 @@ class Placing {
   std::map<std::size_t, Holder> holdersOfPorts_;
   std::map<Address, Holder> holdersOfDevices_;
   std::deque<Target> portTargets_;  // of the slots that this pass adds; their addresses stay
-  std::map<Address, std::size_t> onBoard_;
+  std::map<Address, std::size_t> onBoard_;  // by the first function of the device
 };
 
 void Placing::FindGroups() {
@@ -98,12 +106,15 @@ Holder Placing::HolderOf(const Group& group) {
 }
 
 void Placing::NoteOuter(std::size_t slot, const Holder& holder) {
-  if (holder.slot && *holder.slot != slot) resolution_.slots[slot].outer = holder.slot;
+  // Slots with several ports may be told to hold each other; the first one holds then.
+  for (auto at = holder.slot; at; at = resolution_.slots[*at].outer) {
+    if (*at == slot) return;
+  }
+  if (holder.slot) resolution_.slots[slot].outer = holder.slot;
 }
 
 void Placing::Visit(std::size_t function, Holder holder) {
-  Address device = tree_.At(function).address;
-  device.function = 0;
+  const Address device = DeviceOf(tree_.At(function).address);
   if (const auto own = holdersOfDevices_.find(device); own != holdersOfDevices_.end()) {
     if (own->second.slot) NoteOuter(*own->second.slot, holder);
     holder = own->second;
@@ -121,13 +132,22 @@ Holder Placing::HolderBehind(std::size_t bridge, const Holder& holder) {
   return own->second;
 }
 
+/// Ports to soldered devices may have the slot bit. What the firmware says of the device is
+/// stronger.
+bool Placing::LeadsToOnBoardDevice(std::size_t port) const {
+  const auto& children = tree_.GetChildren(port);
+  return std::any_of(children.begin(), children.end(), [&](std::size_t child) {
+    return onBoard_.contains(DeviceOf(tree_.At(child).address));
+  });
+}
+
 /// A port with the slot bit that no source names leads to a slot all the same, unless it is part of
 /// a card.
 Holder Placing::SlotOfPort(std::size_t port, const Holder& holder) {
   const auto& express = tree_.At(port).config.express;
   const bool isInNamedSlot =
       holder.shared || (holder.slot && resolution_.slots[*holder.slot].source != SlotSource::kPort);
-  if (!express || !express->slot || isInNamedSlot) return holder;
+  if (!express || !express->slot || isInNamedSlot || LeadsToOnBoardDevice(port)) return holder;
   Target target;
   target.kind = Target::Kind::kPort;
   target.port = port;
@@ -193,14 +213,20 @@ bool Placing::IsSwitchOf(std::size_t function, const Holder& holder) const {
 FunctionPlace Placing::PlaceOutside(std::size_t function) const {
   const Function& at = tree_.At(function);
   if (!machine_.noRecordsBecause.empty()) return {Place::kUnknown, machine_.noRecordsBecause};
-  if (const auto record = onBoard_.find(at.address); record != onBoard_.end()) {
+  if (const auto record = onBoard_.find(DeviceOf(at.address)); record != onBoard_.end()) {
     const OnBoardRecord& named = machine_.onBoardRecords[record->second];
     return {Place::kOnBoard,
             "the firmware lists it as the onboard device \"" + named.designation + "\""};
   }
   const auto parent = tree_.GetParent(function);
-  if (!parent) return {Place::kOnBoard, "it is on a root bus"};
-  return PlaceBehind(*parent);
+  return parent ? PlaceBehind(*parent) : PlaceOnRootBus(at);
+}
+
+/// Cards may sit on a conventional root bus, as in emulated machines and in old ones.
+FunctionPlace Placing::PlaceOnRootBus(const Function& at) const {
+  if (IsChipsetClass(at)) return {Place::kOnBoard, "it is a part of the chip set on a root bus"};
+  if (IsRootComplexBus(tree_, at.address)) return {Place::kOnBoard, "it is on a root bus"};
+  return {Place::kUnknown, "it is on a conventional root bus"};
 }
 
 /// Without the slot bit on the way to the root, a link leads to something that is soldered.

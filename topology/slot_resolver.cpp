@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <tuple>
 
 #include "topology/slot_conflicts.h"
 #include "topology/slot_numbers.h"
@@ -13,6 +14,17 @@
 namespace topology {
 namespace {
 
+/// The downstream ports of the switch on the link below `port`.
+std::vector<std::size_t> PortsOfSwitchBelow(const BusTree& tree, std::size_t port) {
+  std::vector<std::size_t> ports;
+  for (const std::size_t child : tree.GetChildren(port)) {
+    for (const std::size_t inner : tree.GetChildren(child)) {
+      if (IsPort(tree, inner)) ports.push_back(inner);
+    }
+  }
+  return ports;
+}
+
 /// The slots of the firmware's records, in their order, with the targets of their addresses.
 class RecordSlots {
  public:
@@ -20,6 +32,9 @@ class RecordSlots {
 
   std::vector<Slot> Make() {
     for (std::size_t i = 0; i < machine_.slotRecords.size(); ++i) slots_.push_back(MakeSlot(i));
+    AddPeers();
+    DropRepeatedRecords();
+    DropCopiedAddresses();
     SeparateByNumber();
     FindByNumber();
     return std::move(slots_);
@@ -28,6 +43,10 @@ class RecordSlots {
  private:
   Slot MakeSlot(std::size_t record) const;
   void AddTarget(Slot& slot, Target target) const;
+  void DropRepeatedRecords();
+  void DropCopiedAddresses();
+  void AddPeers();
+  std::map<std::size_t, std::vector<std::size_t>> SlotsOfPorts() const;
   void SeparateByNumber();
   void Separate(const std::vector<std::size_t>& group, const SlotNumbers& numbers);
   void FindByNumber();
@@ -56,37 +75,77 @@ Slot RecordSlots::MakeSlot(std::size_t record) const {
   slot.record = record;
   slot.name = from.designation.empty() ? source : from.designation;
   if (!from.address) slot.noTargetBecause = source + " gives no address";
-  if (from.address) AddTarget(slot, TargetOfAddress(tree_, *from.address, source));
-  // Bifurcated slots list the other devices that belong to them.
-  for (const Address& peer : from.peers) {
-    AddTarget(slot, TargetOfAddress(tree_, peer, source + ", in its peer group,"));
+  if (from.address) {
+    Target target = TargetOfAddress(tree_, *from.address, source);
+    FitToRecord(tree_, from, target);
+    AddTarget(slot, std::move(target));
   }
-  if (!slot.targets.empty()) slot.noTargetBecause.clear();
   return slot;
 }
 
-/// The downstream ports of the switch on the link below `port`.
-std::vector<std::size_t> PortsOfSwitchBelow(const BusTree& tree, std::size_t port) {
-  std::vector<std::size_t> ports;
-  for (const std::size_t child : tree.GetChildren(port)) {
-    for (const std::size_t inner : tree.GetChildren(child)) {
-      if (IsPort(tree, inner)) ports.push_back(inner);
-    }
+/// Some firmware describes one slot in two records that differ by nothing but the handle.
+void RecordSlots::DropRepeatedRecords() {
+  std::map<std::tuple<std::string, std::uint16_t, Address>, std::size_t> first;
+  for (Slot& slot : slots_) {
+    const SlotRecord& record = machine_.slotRecords[*slot.record];
+    if (record.designation.empty() || slot.targets.empty()) continue;
+    const auto [same, isNew] =
+        first.try_emplace({record.designation, record.id, *record.address}, *slot.record);
+    if (isNew) continue;
+    slot.targets.clear();
+    slot.noTargetBecause =
+        RecordText(record) + " repeats " + RecordText(machine_.slotRecords[same->second]);
   }
-  return ports;
 }
 
-/// Several records may name the port above a switch of the board. Where the ports of the switch are
-/// numbered as all these records are, each record means its own port.
-void RecordSlots::SeparateByNumber() {
+/// A link that ends at one device leads to one slot. Where so many records name it, the address was
+/// copied from a template and tells nothing; two or three may mean parts of one slot.
+void RecordSlots::DropCopiedAddresses() {
+  constexpr std::size_t kMany = 4;
+  for (const auto& [port, slots] : SlotsOfPorts()) {
+    if (slots.size() < kMany || !LeadsToOneDevice(tree_, port) ||
+        !PortsOfSwitchBelow(tree_, port).empty()) {
+      continue;
+    }
+    for (const std::size_t slot : slots) {
+      slots_[slot].noTargetBecause = slots_[slot].targets.front().evidence + ", as " +
+                                     std::to_string(slots.size() - 1) + " other records do";
+      slots_[slot].targets.clear();
+    }
+  }
+}
+
+/// Bifurcated slots list the other devices that belong to them. What another record gives as its
+/// own address belongs to that one.
+void RecordSlots::AddPeers() {
+  const auto own = SlotsOfPorts();
+  for (Slot& slot : slots_) {
+    const SlotRecord& record = machine_.slotRecords[*slot.record];
+    for (const Address& peer : record.peers) {
+      Target target = TargetOfAddress(tree_, peer, RecordText(record) + ", in its peer group,");
+      if (target.kind == Target::Kind::kPort && own.contains(target.port)) continue;
+      AddTarget(slot, std::move(target));
+    }
+    if (!slot.targets.empty()) slot.noTargetBecause.clear();
+  }
+}
+
+/// The slots whose only target is this port.
+std::map<std::size_t, std::vector<std::size_t>> RecordSlots::SlotsOfPorts() const {
   std::map<std::size_t, std::vector<std::size_t>> slotsOfPort;
   for (std::size_t i = 0; i < slots_.size(); ++i) {
     if (slots_[i].targets.size() != 1) continue;
     const Target& target = slots_[i].targets.front();
     if (target.kind == Target::Kind::kPort) slotsOfPort[target.port].push_back(i);
   }
+  return slotsOfPort;
+}
+
+/// Several records may name the port above a switch of the board. Where the ports of the switch are
+/// numbered as all these records are, each record means its own port.
+void RecordSlots::SeparateByNumber() {
   const SlotNumbers numbers(machine_, tree_, {});
-  for (const auto& [port, group] : slotsOfPort) {
+  for (const auto& [port, group] : SlotsOfPorts()) {
     if (group.size() > 1) Separate(group, numbers);
   }
 }

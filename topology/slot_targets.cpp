@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/slot_targets.h"
 
+#include <linux/pci_regs.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -41,25 +43,10 @@ bool Is(const Function& function, PortType type) {
   return function.config.express && function.config.express->Is(type);
 }
 
-/// Host bridges, memory controllers, system peripherals, processors, SMBus controllers and signal
-/// processors (PCI Code and ID Assignment, 1) on a root bus are parts of the chip set. Records that
-/// name them are left over from a template.
-bool IsChipsetClass(const Function& function) {
-  constexpr std::array<std::uint8_t, 5> kBaseClasses{0x05, 0x06, 0x08, 0x0B, 0x11};
-  constexpr std::uint16_t kSmBus = 0x0C05;
-  const std::uint8_t base = function.config.BaseClass();
-  return std::find(kBaseClasses.begin(), kBaseClasses.end(), base) != kBaseClasses.end() ||
-         function.config.Class() == kSmBus;
-}
-
-bool IsPartOfRootComplex(const Function& function) {
-  return Is(function, PortType::kIntegratedEndpoint) || Is(function, PortType::kEventCollector);
-}
-
 Target TargetOnRootBus(const BusTree& tree, std::size_t function, const std::string& names) {
   const Function& named = tree.At(function);
   if (IsChipsetClass(named)) return None(names + ", a part of the chip set on a root bus");
-  if (IsPartOfRootComplex(named)) return None(names + ", a part of the root complex");
+  if (IsRootComplexBus(tree, named.address)) return None(names + ", a part of the root complex");
   return Device(named.address, names + " on a root bus");
 }
 
@@ -113,11 +100,45 @@ Target TargetInDomain(const BusTree& tree, const Address& address, const std::st
   return None(names + ", which does not exist, and no port leads to its bus");
 }
 
+/// Whether the record is of a conventional PCI or PCI-X slot (DSP0134, 7.10.1).
+bool IsConventional(const SlotRecord& record) {
+  constexpr std::array<std::uint8_t, 3> kTypes{0x06, 0x0E, 0x12};  // PCI, PCI 66 MHz, PCI-X
+  return std::find(kTypes.begin(), kTypes.end(), record.type) != kTypes.end();
+}
+
+/// The bridge to a conventional bus that stands on the link below `port`, if there is one.
+std::optional<std::size_t> ConventionalBridgeBehind(const BusTree& tree, std::size_t port) {
+  for (const std::size_t child : tree.GetChildren(port)) {
+    if (Is(tree.At(child), PortType::kExpressToPciBridge)) return child;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 bool Target::IsSamePlace(const Target& other) const {
   if (kind != other.kind) return false;
   return kind == Kind::kPort ? port == other.port : device == other.device;
+}
+
+bool IsChipsetClass(const Function& function) {
+  constexpr std::array<std::uint8_t, 5> kBaseClasses{0x05, 0x06, 0x08, 0x0B, 0x11};
+  constexpr std::uint16_t kSmBus = 0x0C05;
+  const std::uint8_t base = function.config.BaseClass();
+  return std::find(kBaseClasses.begin(), kBaseClasses.end(), base) != kBaseClasses.end() ||
+         function.config.Class() == kSmBus;
+}
+
+bool IsRootComplexBus(const BusTree& tree, const Address& address) {
+  const auto [first, last] = tree.FindBus(address.domain, address.bus);
+  for (std::size_t i = first; i < last; ++i) {
+    const Function& function = tree.At(i);
+    if (Is(function, PortType::kRootPort) || Is(function, PortType::kIntegratedEndpoint) ||
+        Is(function, PortType::kEventCollector)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 bool LeadsToOneDevice(const BusTree& tree, std::size_t function) {
@@ -136,9 +157,11 @@ bool IsPort(const BusTree& tree, std::size_t function) {
   const ConfigFacts& config = tree.At(function).config;
   if (!config.bridge) return false;
   const auto parent = tree.GetParent(function);
-  if (!config.express) return !parent;
   // At the end of a link stands a card or a switch, whatever type it claims to be.
-  return config.express->LeadsToLink() && !(parent && LeadsToOneDevice(tree, *parent));
+  if (parent && LeadsToOneDevice(tree, *parent)) return false;
+  // What can be plugged in is behind a CardBus bridge, on whichever bus that is.
+  if (config.headerType == PCI_HEADER_TYPE_CARDBUS) return true;
+  return config.express ? config.express->LeadsToLink() : !parent;
 }
 
 Target TargetOfAddress(const BusTree& tree, const Address& address, const std::string& source) {
@@ -173,8 +196,13 @@ Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot) {
   if (const auto bridge = tree.FindBridgeTo(slot.device.domain, slot.device.bus)) {
     return TargetBehind(tree, *bridge, slot.device, is);
   }
-  if (first == last) return None(is + ", which does not exist");
-  return TargetOnRootBus(tree, first, is);
+  if (first != last) return TargetOnRootBus(tree, first, is);
+  // The kernel knows the slots of a conventional root bus also while they are empty.
+  const auto [busFirst, busLast] = tree.FindBus(slot.device.domain, slot.device.bus);
+  if (busFirst == busLast || IsRootComplexBus(tree, slot.device)) {
+    return None(is + ", which does not exist");
+  }
+  return Device(slot.device, is + " on a root bus");
 }
 
 std::string RecordText(const SlotRecord& record) {
@@ -183,16 +211,12 @@ std::string RecordText(const SlotRecord& record) {
   return text;
 }
 
-bool IsConventional(const SlotRecord& record) {
-  constexpr std::array<std::uint8_t, 3> kTypes{0x06, 0x0E, 0x12};  // PCI, PCI 66 MHz, PCI-X
-  return std::find(kTypes.begin(), kTypes.end(), record.type) != kTypes.end();
-}
-
-std::optional<std::size_t> ConventionalBridgeBehind(const BusTree& tree, std::size_t port) {
-  for (const std::size_t child : tree.GetChildren(port)) {
-    if (Is(tree.At(child), PortType::kExpressToPciBridge)) return child;
-  }
-  return std::nullopt;
+bool FitToRecord(const BusTree& tree, const SlotRecord& record, Target& target) {
+  if (!IsConventional(record) || target.kind != Target::Kind::kPort) return true;
+  if (!LeadsToOneDevice(tree, target.port)) return true;
+  const auto bridge = ConventionalBridgeBehind(tree, target.port);
+  if (bridge) target.port = *bridge;
+  return bridge.has_value();
 }
 
 }  // namespace topology

@@ -14,6 +14,16 @@ bool LeadsToOneDevice(const BusTree& tree, std::size_t function);
 /// port, or a conventional bridge of a root bus.
 bool IsPort(const BusTree& tree, std::size_t function);
 
+/// Host bridges, memory controllers, system peripherals, processors, SMBus controllers and signal
+/// processors (PCI Code and ID Assignment, 1) on a root bus are parts of the chip set. Records that
+/// name them are left over from a template.
+bool IsChipsetClass(const Function& function);
+
+/// Whether the bus belongs to a root complex of PCI Express. Its slots are behind its ports, so
+/// what stands on the bus itself is soldered. A host that has only endpoints there, as emulated
+/// machines do, may have slots for them.
+bool IsRootComplexBus(const BusTree& tree, const Address& address);
+
 /// What an address in a firmware record means. `source` begins the evidence: "SMBIOS record
 /// 0x0046".
 ///
@@ -27,10 +37,8 @@ Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot);
 /// "SMBIOS record 0x0046".
 std::string RecordText(const SlotRecord& record);
 
-/// Whether the record is of a conventional PCI or PCI-X slot (DSP0134, 7.10.1).
-bool IsConventional(const SlotRecord& record);
-
-/// The bridge to a conventional bus that stands on the link below `port`, if there is one.
-std::optional<std::size_t> ConventionalBridgeBehind(const BusTree& tree, std::size_t port);
+/// A conventional card cannot sit on a link, but on the bus of a bridge at its end: moves the
+/// target of a record of a conventional slot there. Returns false where there is no such bridge.
+bool FitToRecord(const BusTree& tree, const SlotRecord& record, Target& target);
 
 }  // namespace topology

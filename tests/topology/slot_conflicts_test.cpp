@@ -25,6 +25,19 @@ TEST(SlotConflicts, UsageThatTheMachineContradictsIsAConflict) {
   EXPECT_EQ(resolved.SlotNamed("Dead").state, SlotState::kUnknown);
 }
 
+TEST(SlotConflicts, ACardThatTheFirmwareListsAsOnboardIsAConflict) {
+  MadeMachine machine;
+  AddCardBehindPort(machine);
+  machine.Record("Slot 1", "0000:00:01.1");
+  machine.Get().onBoardRecords.push_back({0x29, "LAN", true, At("0000:01:00.1")});
+  machine.Get().onBoardRecords.push_back({0x2A, "SAS", true, At("0000:05:00.0")});
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.In("Slot 1"), kCard);
+  EXPECT_EQ(resolved.SlotNamed("Slot 1").conflicts,
+            (std::vector<std::string>{
+                "the firmware lists 0000:01:00.1 as the onboard device \"LAN\" as well"}));
+}
+
 TEST(SlotConflicts, PresenceCountsOnHotPlugPortsOnly) {
   MadeMachine machine;
   machine.Port("0000:00:01.0", 1, 1);

@@ -30,6 +30,20 @@ TEST(SlotPlaces, WhatNoSlotHoldsIsOnBoardOnlyWithAReason) {
   EXPECT_EQ(resolved.PlaceOf("0000:03:02.0"), Place::kOnBoard);
 }
 
+TEST(SlotPlaces, AnOnboardDeviceIsInNoSlotOfAPort) {
+  MadeMachine machine;
+  machine.Port("0000:00:1c.0", 1, 1, 0);
+  machine.Card("0000:01:00.0");
+  machine.Card("0000:01:00.1");
+  machine.Port("0000:00:1c.1", 2, 2, 0);
+  machine.Card("0000:02:00.0");
+  machine.Get().onBoardRecords.push_back({0x29, "LAN", true, At("0000:01:00.0")});
+  machine.Get().onBoardRecords.push_back({0x2A, "LAN", false, At("0000:02:00.0")});
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.PlaceOf("0000:01:00.1"), Place::kOnBoard) << "a function of that device";
+  EXPECT_EQ(resolved.PlaceOf("0000:02:00.0"), Place::kUnnamedSlot) << "that device is disabled";
+}
+
 TEST(SlotPlaces, WithoutSlotRecordsNothingIsCalledOnBoard) {
   MadeMachine machine;
   machine.Card("0000:00:1f.3", 0x0403);

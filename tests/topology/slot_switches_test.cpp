@@ -33,6 +33,31 @@ TEST(SlotSwitches, SlotsWithOnePortShareTheCardsBehindItsSwitch) {
   EXPECT_EQ(resolved.SlotNamed("B").state, SlotState::kUnknown);
 }
 
+TEST(SlotSwitches, OneSlotInTwoRecordsIsNotShared) {
+  MadeMachine machine;
+  AddCardBehindPort(machine);
+  machine.Record("M.2", "0000:01:00.0", 7).peers = {At("0000:01:00.1")};
+  machine.Record("M.2", "0000:01:00.0", 7).peers = {At("0000:01:00.1")};
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.In("M.2"), kCard);
+  EXPECT_EQ(resolved.SlotNamed("M.2 (2)").noTargetBecause,
+            "SMBIOS record 0x0901 repeats SMBIOS record 0x0900");
+  EXPECT_EQ(resolved.SlotNamed("M.2 (2)").state, SlotState::kUnknown);
+}
+
+TEST(SlotSwitches, AnAddressInManyRecordsOfAPortWithoutASwitchTellsNothing) {
+  MadeMachine machine;
+  AddCardBehindPort(machine);
+  for (const char* name : {"A", "B", "C"}) machine.Record(name, "0000:00:01.1");
+  EXPECT_EQ(Resolved(machine).SharedFunctions(), kCard);
+  machine.Record("D", "0000:00:01.1");
+  const Resolved resolved(machine);
+  EXPECT_TRUE(resolved.All().shared.empty());
+  EXPECT_EQ(resolved.PlaceOf("0000:01:00.0"), Place::kUnnamedSlot);
+  EXPECT_EQ(resolved.SlotNamed("D").noTargetBecause,
+            "SMBIOS record 0x0903 names port 0000:00:01.1, as 3 other records do");
+}
+
 TEST(SlotSwitches, SlotsWithOnePortAreToldApartByNumbersThatMatchAllOfThem) {
   MadeMachine machine;
   AddBoardSwitch(machine, 8, 16);

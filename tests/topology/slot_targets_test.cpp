@@ -116,6 +116,93 @@ TEST(SlotTargets, ARecordOfAConventionalBridgeOnARootBusMeansItsBus) {
   EXPECT_EQ(Resolved(machine).In("PCI"), (Names{"0000:05:01.0"}));
 }
 
+TEST(SlotTargets, ARecordOfAConventionalSlotThatNamesTheRootPortMeansTheBusOfTheBridge) {
+  MadeMachine machine;
+  machine.Port("0000:00:1c.6", 2, 3);
+  machine.Port("0000:02:00.0", 3, 3, -1, PortType::kExpressToPciBridge);
+  machine.Card("0000:03:01.0");
+  for (const char* address : {"0000:00:1c.6", "0000:02:00.0"}) {
+    MadeMachine named = machine;
+    named.Record("PCI 1", address).type = 0x06;
+    EXPECT_EQ(Resolved(named).In("PCI 1"), (Names{"0000:03:01.0"})) << "the bridge is soldered";
+  }
+}
+
+TEST(SlotTargets, ACardBusBridgeLeadsToWhatIsPluggedIn) {
+  MadeMachine machine;
+  machine.Bridge("0000:00:1e.0", 5, 9);
+  machine.Bridge("0000:05:00.0", 6, 6).config.headerType = 2;
+  machine.Card("0000:06:00.0");
+  machine.Record("PC Card", "0000:05:00.0");
+  EXPECT_EQ(Resolved(machine).In("PC Card"), (Names{"0000:06:00.0"}));
+}
+
+TEST(SlotTargets, WhatStandsOnARootBusOfPciExpressIsInNoSlot) {
+  MadeMachine machine;
+  machine.Card("0000:00:1f.2", 0x0106);
+  machine.Record("Slot 1", "0000:00:1f.2");
+  machine.Record("Slot 2", "0000:00:1f.7");
+  machine.Port("0000:00:1c.0", 1, 1);
+  const Resolved resolved(machine);
+  EXPECT_TRUE(resolved.In("Slot 1").empty());
+  EXPECT_TRUE(resolved.In("Slot 2").empty());
+  EXPECT_EQ(resolved.PlaceOf("0000:00:1f.2"), Place::kOnBoard);
+}
+
+TEST(SlotTargets, CardsMaySitOnAConventionalRootBus) {
+  MadeMachine machine;
+  machine.Card("0000:00:00.0", 0x0600);
+  machine.Card("0000:00:03.0");
+  machine.Card("0000:00:04.0");
+  machine.Record("Slot 3", "0000:00:03.0");
+  machine.KernelSlotAt("9", "0000:00:09");
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.In("Slot 3"), (Names{"0000:00:03.0"}));
+  EXPECT_EQ(resolved.PlaceOf("0000:00:04.0"), Place::kUnknown);
+  EXPECT_EQ(resolved.PlaceOf("0000:00:00.0"), Place::kOnBoard);
+  EXPECT_EQ(resolved.SlotNamed("9").state, SlotState::kEmpty);
+}
+
+TEST(SlotTargets, OnALinkAllFunctionsAreOfTheCard) {
+  MadeMachine machine;
+  machine.Port("0000:00:01.0", 1, 2);
+  machine.Card("0000:01:00.0");
+  machine.Card("0000:01:00.7");
+  machine.Card("0000:01:01.3");
+  machine.Card("0000:02:10.1").physicalFunction = At("0000:01:00.0");
+  machine.Record("Slot 1", "0000:01:00.0");
+  EXPECT_EQ(Resolved(machine).In("Slot 1").size(), 4U)
+      << "alternative routing, and virtual functions on a bus that no bridge begins";
+}
+
+TEST(SlotTargets, EachHostBridgeAndDomainHasItsOwnBuses) {
+  MadeMachine machine;
+  for (const char* root : {"0000:40:01.1", "0001:00:01.1", "10000:00:01.1"}) {
+    const unsigned bus = root[5] == '4' ? 0x41 : 1;
+    machine.Port(root, bus, bus);
+  }
+  machine.Card("0000:41:00.0");
+  machine.Card("0001:01:00.0");
+  machine.Card("10000:01:00.0");
+  machine.Record("A", "0000:40:01.1");
+  machine.Record("B", "0001:01:00.0");
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.In("A"), (Names{"0000:41:00.0"}));
+  EXPECT_EQ(resolved.In("B"), (Names{"0001:01:00.0"}));
+  EXPECT_EQ(resolved.PlaceOf("10000:01:00.0"), Place::kUnnamedSlot);
+}
+
+TEST(SlotTargets, APortOfAnotherRecordIsNotAPeer) {
+  MadeMachine machine;
+  AddCardBehindPort(machine, "0000:00:01.1", 1);
+  AddCardBehindPort(machine, "0000:00:01.2", 2);
+  machine.Record("Slot 1", "0000:01:00.0").peers = {At("0000:02:00.0")};
+  machine.Record("Slot 2", "0000:00:01.2");
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.In("Slot 1"), kCard);
+  EXPECT_EQ(resolved.In("Slot 2").size(), 2U);
+}
+
 TEST(SlotTargets, PeersOfABifurcatedSlotBelongToIt) {
   MadeMachine machine;
   AddCardBehindPort(machine, "0000:00:01.1", 1);
