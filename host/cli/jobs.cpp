@@ -160,12 +160,12 @@ Job TreeJob(const Options& options, const Classes& declared, const Terminal& ter
 
 Job ShowJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [name = options.target, terminal, asJson = options.format == "json"](
-                         const vtq::Namespace& kept, Output& output) {
-    const Shown shown = FindNamed(kept, name);
-    if (asJson) return WriteShownJson(output, shown);
-    WriteShown(output, shown, terminal);
+                         const Session& session, Output& output) {
+    const auto shown = FindNamed(session.GetRepository(), name);
+    if (asJson) return WriteShownJson(output, *shown);
+    WriteShown(output, *shown, terminal);
   };
-  return ViewJob(options, declared, ClassesToFind(declared, options.target), print);
+  return MakeView(ClassesToFind(declared, options.target), print);
 }
 
 bool NeedsViewClasses(const Options& options) {

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "host/model/slot_name.h"
+
 namespace pciinfo {
 namespace {
 
@@ -26,6 +28,7 @@ Slot InFilterTerms(const MachineSlot& slot) {
   Slot tested;
   tested.tag = slot.name;
   tested.id = slot.id;
+  if (!slot.kernelSlot.empty()) tested.designation = slot.kernelSlot;
   return tested;
 }
 
@@ -94,6 +97,10 @@ void KeepShared(const MachineModel& machine, const NewPlaces& to, MachineModel& 
 }
 
 }  // namespace
+
+bool IsNamed(const MachineSlot& slot, const std::string& name) {
+  return IsNamed(InFilterTerms(slot), name);
+}
 
 bool Keeps(const Filter& filter, const MachineModel& machine, const MachineFunction& function) {
   const PciFunction tested = InFilterTerms(function);

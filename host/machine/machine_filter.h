@@ -8,6 +8,9 @@
 
 namespace pciinfo {
 
+/// Whether `name` stands for a slot: its name or kernel slot in any case, or its ID.
+bool IsNamed(const MachineSlot& slot, const std::string& name);
+
 /// Whether the filter keeps a function. A function behind a shared port matches each of the port's
 /// slots, since it may sit in any of them.
 bool Keeps(const Filter& filter, const MachineModel& machine, const MachineFunction& function);
