@@ -29,9 +29,9 @@ namespace {
 
 using Classes = std::vector<vtq::ClassSchema>;
 
-constexpr const char* kViewClasses[] = {"QZMSG_PCIDevice",    "QZMSG_PCIBridge",
-                                        "QZMSG_SystemSlot",   "QZMSG_SystemBoard",
-                                        "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
+constexpr const char* kInventoryClasses[] = {"QZMSG_PCIDevice",    "QZMSG_PCIBridge",
+                                             "QZMSG_SystemSlot",   "QZMSG_SystemBoard",
+                                             "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
 
 Job MakeView(std::vector<std::string> collect,
              std::function<void(const Session& session, Output& output)> print) {
@@ -39,18 +39,6 @@ Job MakeView(std::vector<std::string> collect,
   job.collect = std::move(collect);
   job.print = std::move(print);
   return job;
-}
-
-/// Makes the job of a view that shows what the filter keeps. A filter by slot needs the slot
-/// classes too.
-Job ViewJob(const Options& options, const Classes& declared, std::vector<std::string> classes,
-            const std::function<void(const vtq::Namespace& kept, Output& output)>& write) {
-  if (options.filter.NeedsSlots()) classes.emplace_back("QZMSG_DeviceInSlot");
-  return MakeView(PlanQuery(declared, classes).collect,
-                  [write, filter = options.filter](const Session& session, Output& output) {
-                    if (filter.IsEmpty()) return write(session.GetRepository(), output);
-                    write(*KeptOf(session.GetRepository(), filter), output);
-                  });
 }
 
 Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
@@ -85,11 +73,13 @@ Job InstancesJob(const Options& options, const Declarations& plugins, const Term
   std::vector<std::string> collect = print;
   // The filter keeps a slot if it keeps a function in it.
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
-  return ViewJob(options, declared, std::move(collect),
-                 [print, format = options.format, isShown = terminal.width.has_value()](
-                     const vtq::Namespace& kept, Output& output) {
-                   WriteInstances(kept, print, *MakeInstanceWriter(format, output, isShown));
-                 });
+  const auto write = [print, format = options.format, isShown = terminal.width.has_value(),
+                      filter = options.filter](const Session& session, Output& output) {
+    const auto writer = MakeInstanceWriter(format, output, isShown);
+    if (filter.IsEmpty()) return WriteInstances(session.GetRepository(), print, *writer);
+    WriteInstances(*KeptOf(session.GetRepository(), filter), print, *writer);
+  };
+  return MakeView(PlanQuery(declared, collect).collect, write);
 }
 
 Job ClassesJob(const PluginSet& plugins) {
@@ -168,21 +158,25 @@ Job ShowJob(const Options& options, const Classes& declared, const Terminal& ter
   return MakeView(ClassesToFind(declared, options.target), print);
 }
 
-bool NeedsViewClasses(const Options& options) {
-  if (options.command == Command::kClasses) return false;
-  return options.command != Command::kInstances || !options.filter.IsEmpty();
+bool IsPartOfInventory(const Options& options) {
+  if (options.command == Command::kInstances) return !options.filter.IsEmpty();
+  return options.command == Command::kCheck || options.command == Command::kDiff;
 }
 
-}  // namespace
+bool ShowsMachine(const Options& options) {
+  if (options.command == Command::kShow) return !options.target.starts_with('/');
+  return options.command == Command::kOverview || options.command == Command::kDevices ||
+         options.command == Command::kSlots || options.command == Command::kTree;
+}
 
-void RequireViewClasses(const PluginSet& plugins) {
+void RequireClasses(const PluginSet& plugins, const std::vector<std::string>& names) {
   std::vector<std::string> missing;
-  for (const char* name : kViewClasses) {
+  for (const std::string& name : names) {
     const auto& classes = plugins.declared.classes;
     const bool isDeclared =
         std::any_of(classes.begin(), classes.end(),
-                    [name](const vtq::ClassSchema& schema) { return schema.name == name; });
-    if (!isDeclared) missing.emplace_back(name);
+                    [&name](const vtq::ClassSchema& schema) { return schema.name == name; });
+    if (!isDeclared) missing.push_back(name);
   }
   if (missing.empty()) return;
   throw std::runtime_error(
@@ -192,8 +186,15 @@ void RequireViewClasses(const PluginSet& plugins) {
                   fmt::join(missing, ", ")));
 }
 
+}  // namespace
+
+void RequireInventoryClasses(const PluginSet& plugins) {
+  RequireClasses(plugins, {std::begin(kInventoryClasses), std::end(kInventoryClasses)});
+}
+
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal) {
-  if (NeedsViewClasses(options)) RequireViewClasses(plugins);
+  if (IsPartOfInventory(options)) RequireInventoryClasses(plugins);
+  if (ShowsMachine(options)) RequireClasses(plugins, MachineClasses());
   const Classes& declared = plugins.declared.classes;
   switch (options.command) {
     case Command::kDevices:

@@ -31,8 +31,8 @@ struct Job {
 /// must outlive the job.
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal);
 
-/// Throws std::runtime_error unless the classes of functions, slots and the board are declared,
-/// which all views are made of; it says what to do.
-void RequireViewClasses(const PluginSet& plugins);
+/// Throws std::runtime_error unless the classes of the inventory are declared, which `check` and
+/// `diff` read; it says what to do.
+void RequireInventoryClasses(const PluginSet& plugins);
 
 }  // namespace pciinfo

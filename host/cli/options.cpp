@@ -196,8 +196,10 @@ void AddViews(CLI::App& app, Options& options) {
   CLI::App* show =
       AddCommand(app, "show", "Print everything known about one function, slot or instance",
                  options, Command::kShow);
-  show->add_option("NAME", options.target,
-                   "Address of a function, slot ID, designation or tag of a slot, or object path")
+  show->add_option(
+          "NAME", options.target,
+          "Address of a function, name or ID of a slot, network interface, block device, or object "
+          "path")
       ->required();
   AddFormat(*show, options.format, {"table", "json"});
 }
@@ -236,8 +238,9 @@ void AddCommands(CLI::App& app, Options& options) {
 }
 
 bool CanFilter(Command command) {
-  return command != Command::kClasses && command != Command::kCapture &&
-         command != Command::kSchema && command != Command::kCheck && command != Command::kDiff;
+  return command != Command::kShow && command != Command::kClasses &&
+         command != Command::kCapture && command != Command::kSchema &&
+         command != Command::kCheck && command != Command::kDiff;
 }
 
 }  // namespace

@@ -156,13 +156,6 @@ Filter::Term Filter::ReadTerm(const std::string& text) {
   return {key == "slot", *test};
 }
 
-bool Filter::NeedsSlots() const {
-  const auto isAboutSlot = [](const Term& term) { return term.isAboutSlot; };
-  return std::any_of(alternatives_.begin(), alternatives_.end(), [&](const Terms& terms) {
-    return std::any_of(terms.begin(), terms.end(), isAboutSlot);
-  });
-}
-
 bool Filter::Keeps(const PciFunction& function, const Slot* slot) const {
   if (IsEmpty()) return true;
   return std::any_of(alternatives_.begin(), alternatives_.end(), [&](const Terms& terms) {

@@ -77,7 +77,8 @@ TEST(Options, ColoursAndPagerAreForTheTerminalToDecide) {
 TEST(Options, FiltersMayPrecedeOrFollowTheCommand) {
   EXPECT_TRUE(Parsed({}).filter.IsEmpty());
   EXPECT_FALSE(Parsed({"--filter", "class=02", "slots"}).filter.IsEmpty());
-  EXPECT_TRUE(Parsed({"devices", "--filter", "class=02", "--filter=slot=3"}).filter.NeedsSlots());
+  EXPECT_FALSE(Parsed({"devices", "--filter", "class=02", "--filter=slot=3"}).filter.IsEmpty());
+  EXPECT_NE(Error({"show", "00:00.0", "--filter", "class=02"}), "no error");
   EXPECT_THAT(Parsed({"instances", "--filter", "class=02", "A"}).classes, ElementsAre("A"));
 }
 
