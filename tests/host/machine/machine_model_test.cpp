@@ -77,18 +77,15 @@ TEST(MachineModel, LeavesOutPropertiesThatTheClassLacks) {
   auto repository = vtq::Namespace::Create("root/cimv2");
   vtq::ClassSchema schema;
   schema.name = "VTQ_PCIFunction";
-  vtq::PropertySchema address;
-  address.name = "Address";
-  address.type = NQZMVTQ20::TCIMValue::TCIMType::kString;
-  address.isKey = true;
-  vtq::PropertySchema vendor;
-  vendor.name = "VendorID";
-  vendor.type = NQZMVTQ20::TCIMValue::TCIMType::kString;  // not the number that is expected
+  const NQZMVTQ20::TCIMValue::TCIMType text(NQZMVTQ20::TCIMValue::TCIMType::kString);
+  const vtq::PropertySchema address{"Address", text, false, true, {}, ""};
+  const vtq::PropertySchema vendor{"VendorID", text, false,
+                                   false,      {},   ""};  // not the expected number
   schema.properties = {address, vendor};
   repository->Declare(schema);
-  for (const char* text : {"0000:01:00.0", "no address"}) {
+  for (const char* name : {"0000:01:00.0", "no address"}) {
     const auto instance = repository->Find("VTQ_PCIFunction")->CreateInstance({});
-    instance->SetProperty("Address", NQZMVTQ20::TCIMValue(text), {});
+    instance->SetProperty("Address", NQZMVTQ20::TCIMValue(name), {});
     instance->SetProperty("VendorID", NQZMVTQ20::TCIMValue("8086"), {});
     instance->Commit({});
   }
