@@ -77,7 +77,8 @@ TEST(ShowView, SaysWhatItDoesNotFind) {
 
 TEST(ShowView, AsksForTheDetailsOnlyWhereTheyAreDeclared) {
   std::vector<vtq::ClassSchema> declared;
-  for (const auto& cimClass : MakeTopologyRepository()->GetClasses()) {
+  const auto repository = MakeTopologyRepository();
+  for (const auto& cimClass : repository->GetClasses()) {
     declared.push_back(cimClass->GetSchema());
   }
   EXPECT_THAT(ClassesToFind(declared, "01:00.0"), testing::Contains(kDetailsClass));
