@@ -163,7 +163,6 @@ TEST(Options, WrongCommandLinesAreErrorsThatNameTheCulprit) {
   EXPECT_THAT(Error({"--log-level", "-1"}), HasSubstr("--log-level"));
   EXPECT_THAT(Error({"--log-level", "much"}), HasSubstr("--log-level"));
   EXPECT_THAT(Error({"--plugin"}), HasSubstr("--plugin"));
-  EXPECT_THAT(Error({"--format", "json"}), HasSubstr("--format"));
   EXPECT_NE(Error({"slots", "classes"}), "no error");
 }
 
