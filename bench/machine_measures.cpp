@@ -19,6 +19,8 @@ namespace bench {
 namespace {
 
 const std::vector<std::string> kFunctionClasses = {"QZMSG_PCIDevice", "QZMSG_PCIBridge"};
+const std::vector<std::string> kDetailClasses = {"VTQ_PCIFunction", "VTQ_PCIFunctionDetails",
+                                                 "VTQ_PCIFunctionInSlot"};
 
 Command ListInstances(const std::string& program, const std::vector<std::string>& classes) {
   Command command = {program, "instances", "--format", "json"};
@@ -88,6 +90,7 @@ class Comparison {
 
   void CompareLists(unsigned rounds);
   void CompareListings(unsigned rounds);
+  void CompareViews(unsigned rounds);
   void CompareSlowTools();
   void CountInstructions();
 
@@ -150,6 +153,19 @@ void Comparison::CompareListings(unsigned rounds) {
   }
 }
 
+void Comparison::CompareViews(unsigned rounds) {
+  for (unsigned round = 0; round < rounds; ++round) {
+    const double listing = Run("lspci -D", {"lspci", "-D"}).wallSeconds;
+    for (const std::string& view : {"overview", "devices", "slots"}) {
+      Command command = {programs_.pciinfo};
+      if (view != "overview") command.push_back(view);
+      Add(view + "/lspci wall", Run(view, command).wallSeconds / listing);
+    }
+    const double verbose = Run("lspci -vvv again", {"lspci", "-vvv"}).wallSeconds;
+    Add("details/lspci wall", Run("details", Program(kDetailClasses)).wallSeconds / verbose);
+  }
+}
+
 void Comparison::CompareSlowTools() {
   const double list = Median(measures_.at("list wall"));
   const auto run = [this, list](const std::string& name, Command command) {
@@ -186,6 +202,7 @@ Measures MeasureMachine(const Plan& plan, const Programs& programs) {
   Comparison comparison(programs);
   comparison.CompareLists(plan.rounds);
   comparison.CompareListings(plan.listingRounds);
+  comparison.CompareViews(plan.rounds);
   if (plan.withSlowTools) comparison.CompareSlowTools();
   if (plan.withInstructions) comparison.CountInstructions();
   return std::move(comparison.Get());
