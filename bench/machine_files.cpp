@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 
+#include "bench/board_plan.h"
 #include "bench/machine_plan.h"
 #include "tests/recipes/machine_recipe.h"
 #include "tests/recipes/recipe_files.h"
@@ -53,6 +54,22 @@ void WriteMachine(std::size_t functions, const fs::path& directory) {
   WriteKernelSlots(plan, directory);
   WriteManifest(directory);
   recipe::WriteFile(directory / "truth.txt", TruthOf(plan));
+}
+
+void WriteBoard(std::size_t functions, const fs::path& directory) {
+  MakeEmpty(directory);
+  const BoardPlan plan = PlanBoard(functions);
+  BuildMachine(plan.recipe, directory);
+  const fs::path pci = directory / "sys/bus/pci";
+  for (const auto& [name, device] : plan.kernelSlots) {
+    recipe::WriteFile(pci / "slots" / name / "address", device + "\n");
+  }
+  for (const auto& [function, number] : plan.userNumbers) {
+    recipe::WriteFile(pci / "devices" / function / "firmware_node/sun",
+                      fmt::format("{}\n", number));
+  }
+  WriteManifest(directory);
+  recipe::WriteFile(directory / "truth.json", plan.truth.dump(1) + "\n");
 }
 
 void WriteRecipe(const fs::path& file, const fs::path& directory) {

@@ -211,6 +211,14 @@ void WriteOwnSeeds(const fs::path& output) {
   WriteFile(output / "slot_location/text", std::string("\x02\x05\x01\x0B\x05\0\0\x01", 8) +
                                                "$T9 SID:0x0102 SegGrp:0x0000 B:0x3a D:0x00 F:0x00" +
                                                std::string(2, '\0'));
+  // Choices of which machines are made; equal bytes make machines of one kind of function.
+  for (unsigned step = 0; step < 32; ++step) {
+    std::string choices(1024, '\0');
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+      choices[i] = static_cast<char>(i * i * step / 7 + i * step);
+    }
+    WriteFile(output / "slot_resolver" / std::to_string(step), choices);
+  }
   WriteHostileArchives(output / "capture_archive");
   WriteFile(output / "capture_directory/hostile",
             "dsys\nlsys/a/b\t../../etc\nhsys/hard\npsys/pipe\nfother\tx\nfsys/link/x\ty\n");

@@ -123,6 +123,7 @@ void RecordSlots::AddPeers() {
     const SlotRecord& record = machine_.slotRecords[*slot.record];
     for (const Address& peer : record.peers) {
       Target target = TargetOfAddress(tree_, peer, RecordText(record) + ", in its peer group,");
+      FitToRecord(tree_, record, target);
       if (target.kind == Target::Kind::kPort && own.contains(target.port)) continue;
       AddTarget(slot, std::move(target));
     }

@@ -55,20 +55,25 @@ Told AskPlugin(const std::string& root) {
   return told;
 }
 
+/// Compares with the truth of a machine: {"slots": {NAME: [FUNCTION]}, "shared": [{"slots",
+/// "functions"}]}.
+void ExpectTruth(const Told& told, const json& truth, const std::string& machine) {
+  EXPECT_EQ(told.slots, (truth.at("slots").get<std::map<std::string, Functions>>())) << machine;
+  std::set<std::pair<std::set<std::string>, Functions>> shared;
+  for (const json& place : truth.at("shared")) {
+    shared.emplace(place.at("slots").get<std::set<std::string>>(),
+                   place.at("functions").get<Functions>());
+  }
+  EXPECT_EQ(told.shared, shared) << machine;
+}
+
 #ifdef PLACEMENTS
 
 TEST(Placements, OfRealBoardsAreFoundAndNothingElseIsClaimed) {
   const json placements = json::parse(std::ifstream(PLACEMENTS));
   for (const auto& [board, truth] : placements.items()) {
     if (!truth.is_object()) continue;
-    const Told told = AskPlugin(std::string(PCIINFO_MACHINES) + "/" + board + ".tar.gz");
-    EXPECT_EQ(told.slots, (truth.at("slots").get<std::map<std::string, Functions>>())) << board;
-    std::set<std::pair<std::set<std::string>, Functions>> shared;
-    for (const json& place : truth.at("shared")) {
-      shared.emplace(place.at("slots").get<std::set<std::string>>(),
-                     place.at("functions").get<Functions>());
-    }
-    EXPECT_EQ(told.shared, shared) << board;
+    ExpectTruth(AskPlugin(std::string(PCIINFO_MACHINES) + "/" + board + ".tar.gz"), truth, board);
   }
 }
 
@@ -91,6 +96,15 @@ TEST_P(GeneratedServerTest, HasEveryFunctionInItsTrueSlot) {
   std::set<Functions> found;
   for (const auto& [slot, functions] : AskPlugin(root).slots) found.insert(functions);
   EXPECT_EQ(found, expected);
+}
+
+TEST_P(GeneratedServerTest, WithSlotsOfEveryKindIsResolvedAsItWasMade) {
+  const vtq::TemporaryDirectory directory;
+  const std::string root = directory / "machine";
+  ASSERT_EQ(RunProcess({BENCH_MACHINE, "--board", std::to_string(GetParam()), root}).status, 0);
+  const json truth = json::parse(std::ifstream(root + "/truth.json"));
+  ASSERT_FALSE(truth.at("slots").empty());
+  ExpectTruth(AskPlugin(root), truth, root);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, GeneratedServerTest, testing::Values(64, 512, 4096));
