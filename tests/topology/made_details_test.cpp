@@ -158,6 +158,52 @@ TEST(MadeDetails, NamesAndCountersComeFromTheKernelsFiles) {
   EXPECT_EQ(told.at("FirmwareIndex"), 3);
 }
 
+/// Shows the function with all that a capture may hold.
+void PutEverything(MadeCard& card) {
+  card.Put("vpd", MakeVitalProductData(0) + "behind the end");
+  card.Put("power_state", "D0\n");
+  card.Put("enable", "2\n");
+  card.Put("aer_dev_fatal", "DLP 1\nTOTAL_ERR_FATAL 1\n");
+  card.Put("aer_dev_correctable", "RxErr 0\nTOTAL_ERR_COR 0\n");
+  card.Put("firmware_node/path", "\\_SB_.PCI0.NIC0\n");
+  card.Put("virtio1/net/eth7/address", "52:54:00:12:34:56\n");
+  card.Put("virtio2/block/vdc/uevent", "DEVNAME=vdc\n");
+  card.Put("nvme/nvme3/uevent", "");
+  card.Put("nvme/nvme3/model", "Fast disk\n");
+  card.Put("nvme/nvme3/serial", "S99\n");
+  card.Put("nvme/nvme3/firmware_rev", "1.0\n");
+  card.Put("nvme/nvme3/nvme3c0n1/uevent", "");
+  card.Put("ata1/host0/uevent", "");
+  card.Put("ata1/host0/target0:0:0/0:0:0:0/block/sda/uevent", "DEVNAME=sda\n");
+  card.Put("drm/card0/uevent", "");
+  card.Put("infiniband/mlx5_0/fw_ver", "16.35\n");
+  card.Put("modalias", "pci:v00008086d00001533sv00000000sd00000000bc02sc00i00\n");
+  card.PutAt("sys/bus/pci/modules.alias", "alias pci:v00008086d00001533sv*sd*bc*sc*i* igb\n");
+  card.PutAt("sys/bus/pci/devices/0000:00:05.1/config", std::string(256, '\0'));
+  card.Link("sys/bus/pci/devices/0000:00:05.1/physfn", std::string("../") + kAddress);
+}
+
+TEST(MadeDetails, ACaptureTellsTheSame) {
+  MadeCard card;
+  PutEverything(card);
+  const json told = card.Read();
+  EXPECT_EQ(told.at("BlockDevices"), (Texts{"sda", "nvme3n1", "vdc"}));
+  EXPECT_EQ(told.at("ScsiHosts"), (Texts{"host0"}));
+  EXPECT_EQ(card.ReadCapture({}), told);
+}
+
+TEST(MadeDetails, ARedactedCaptureTellsAllButWhatIdentifiesTheCard) {
+  MadeCard card;
+  PutEverything(card);
+  json expected = card.Read();
+  expected["ProductSerialNumber"] = "XXX";
+  expected["VitalProductValues"] = Texts{"AB-1234", "A2", "XXX", "103C"};
+  expected["NetworkAddresses"] = Texts{"XX:XX:XX:XX:XX:XX"};
+  expected["NvmeSerialNumbers"] = Texts{"XXX"};
+  EXPECT_EQ(expected.at("VitalProductChecksumRight"), true);
+  EXPECT_EQ(card.ReadCapture({"--redact"}), expected);
+}
+
 TEST(MadeDetails, ModulesComeFromTheCaptureOnly) {
   MadeCard card;
   EXPECT_FALSE(card.Read().contains("DriverModules"));
