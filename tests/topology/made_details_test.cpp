@@ -33,11 +33,14 @@ class MadeCard {
     config[0x34] = 0x40;
     config[0x40] = 0x03;  // vital product data
     Put("config", config);
-    Put("vendor", "0x8086\n");
-    Put("device", "0x1533\n");
-    Put("class", "0x020000\n");
-    Put("irq", "17\n");
-    Put("resource", "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
+    PutFunction(kAddress, config);
+  }
+
+  void AddVirtualFunction() {
+    const std::string address = "0000:00:05.1";
+    PutFunction(address, std::string(256, '\0'));
+    fs::create_symlink(std::string("../") + kAddress,
+                       root_ / ("sys/bus/pci/devices/" + address + "/physfn"));
   }
 
   void Put(const std::string& name, const std::string& content) {
@@ -48,17 +51,19 @@ class MadeCard {
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
   }
-  void Link(const std::string& path, const std::string& target) {
-    fs::create_symlink(target, root_ / path);
+  json Read() const { return ReadFrom(root_.GetPath()); }
+
+  /// What is told of the function in a capture that is made of this machine.
+  json ReadCapture(const std::vector<std::string>& options) const {
+    const vtq::TemporaryDirectory directory;
+    const std::string copy = directory / "copy";
+    std::vector<std::string> words{PCIINFO_PROGRAM, "--root", root_.GetPath(), "capture", copy};
+    words.insert(words.end(), options.begin(), options.end());
+    const RunResult run = RunProcess(words);
+    EXPECT_EQ(run.status, 0) << run.err;
+    return ReadFrom(copy);
   }
 
-  json Read() const {
-    const RunResult run = RunProcess({PCIINFO_PROGRAM, "--root", root_.GetPath(), "instances",
-                                      "VTQ_PCIFunctionDetails", "--only-plugin", TOPOLOGY_PLUGIN,
-                                      "--format", "json"});
-    EXPECT_EQ(run.status, 0) << run.err;
-    return json::parse(run.out).at("instances").at(0).at("properties");
-  }
   /// What lspci prints of all capabilities.
   std::string AskLspci() const {
     return RunProcess({"lspci", "-A", "linux-sysfs", "-O",
@@ -67,6 +72,25 @@ class MadeCard {
   }
 
  private:
+  /// The files that lspci does not do without.
+  void PutFunction(const std::string& address, const std::string& config) {
+    const std::string directory = "sys/bus/pci/devices/" + address + "/";
+    PutAt(directory + "config", config);
+    PutAt(directory + "vendor", "0x8086\n");
+    PutAt(directory + "device", "0x1533\n");
+    PutAt(directory + "class", "0x020000\n");
+    PutAt(directory + "irq", "17\n");
+    PutAt(directory + "resource", "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
+  }
+
+  static json ReadFrom(const std::string& root) {
+    const RunResult run =
+        RunProcess({PCIINFO_PROGRAM, "--root", root, "instances", "VTQ_PCIFunctionDetails",
+                    "--only-plugin", TOPOLOGY_PLUGIN, "--format", "json"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    return json::parse(run.out).at("instances").at(0).at("properties");
+  }
+
   vtq::TemporaryDirectory root_;
 };
 
@@ -179,8 +203,7 @@ void PutEverything(MadeCard& card) {
   card.Put("infiniband/mlx5_0/fw_ver", "16.35\n");
   card.Put("modalias", "pci:v00008086d00001533sv00000000sd00000000bc02sc00i00\n");
   card.PutAt("sys/bus/pci/modules.alias", "alias pci:v00008086d00001533sv*sd*bc*sc*i* igb\n");
-  card.PutAt("sys/bus/pci/devices/0000:00:05.1/config", std::string(256, '\0'));
-  card.Link("sys/bus/pci/devices/0000:00:05.1/physfn", std::string("../") + kAddress);
+  card.AddVirtualFunction();
 }
 
 TEST(MadeDetails, ACaptureTellsTheSame) {
@@ -220,11 +243,8 @@ TEST(MadeDetails, ModulesComeFromTheCaptureOnly) {
 
 TEST(MadeDetails, VirtualFunctionsAreToldByTheirPhysicalOne) {
   MadeCard card;
-  const std::string virtualOne = "sys/bus/pci/devices/0000:00:05.1/";
-  card.PutAt(virtualOne + "config", std::string(256, '\0'));
-  card.PutAt(virtualOne + "vendor", "0xffff\n");
   EXPECT_FALSE(card.Read().contains("VirtualFunctions"));
-  card.Link("sys/bus/pci/devices/0000:00:05.1/physfn", std::string("../") + kAddress);
+  card.AddVirtualFunction();
   EXPECT_EQ(card.Read().at("VirtualFunctions"), (Texts{"0000:00:05.1"}));
 }
 
