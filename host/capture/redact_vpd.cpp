@@ -38,9 +38,8 @@ class VpdRedactor final {
       rest_ = rest_.subspan(section.size());
       if (hasFields) RedactFields(section);
     }
-    constexpr char kEnd = 0x78;
-    if (!rest_.empty() && rest_[0] == kEnd) rest_ = rest_.subspan(1);
-    std::fill(rest_.begin(), rest_.end(), '\0');
+    if (!rest_.empty() && IsEnd(Unsigned(rest_[0]))) rest_ = rest_.subspan(1);
+    Overwrite(rest_, '\0');
   }
 
  private:
@@ -48,30 +47,37 @@ class VpdRedactor final {
     return tag == kName || tag == kReadOnly || tag == kWritable;
   }
 
+  /// Its low three bits are a length.
+  static bool IsEnd(unsigned tag) { return (tag & 0xF8) == 0x78; }
+
   void RedactFields(VpdBytes section) {
     while (section.size() >= kHeader) {
       const std::string_view keyword(section.data(), 2);
       const std::size_t length = Unsigned(section[2]);
       if (length > section.size() - kHeader) break;
       const VpdBytes value = section.subspan(kHeader, length);
-      if (IdentifiesACard(keyword)) Blank(value);
-      if (keyword == "RV" && !value.empty()) {
-        value[0] = static_cast<char>(Unsigned(value[0]) + removed_);
-      }
+      if (IdentifiesACard(keyword)) Overwrite(value, 'X');
+      if (keyword == "RV" && !value.empty()) CorrectChecksum(value[0]);
       section = section.subspan(kHeader + length);
     }
-    std::fill(section.begin(), section.end(), '\0');
+    Overwrite(section, '\0');
   }
 
-  void Blank(VpdBytes value) {
-    for (char& byte : value) {
-      removed_ = static_cast<std::uint8_t>(removed_ + Unsigned(byte) - 'X');
-      byte = 'X';
+  void CorrectChecksum(char& checksum) {
+    checksum = static_cast<char>(Unsigned(checksum) + removed_);
+    removed_ = 0;
+  }
+
+  void Overwrite(VpdBytes bytes, char with) {
+    for (char& byte : bytes) {
+      removed_ = static_cast<std::uint8_t>(removed_ + Unsigned(byte) - Unsigned(with));
+      byte = with;
     }
   }
 
   VpdBytes rest_;
-  std::uint8_t removed_ = 0;  ///< by how much the sum of the bytes has become less
+  /// By how much the sum of the bytes has become less since the last checksum.
+  std::uint8_t removed_ = 0;
 };
 
 }  // namespace

@@ -47,6 +47,14 @@ TEST(RedactVitalProductData, KeepsTheChecksumAsItWas) {
   }
 }
 
+TEST(RedactVitalProductData, KeepsEachOfSeveralChecksums) {
+  const std::string once =
+      VpdSection(0x90, VpdField("SN", "12345") + VpdField("RV", std::string(1, '\x17')));
+  const std::string redacted = RedactedVpd(once + once);
+  EXPECT_EQ(SumOf(redacted.substr(0, once.size())), SumOf(once));
+  EXPECT_EQ(SumOf(redacted), SumOf(once + once));
+}
+
 TEST(RedactVitalProductData, BlanksWritableFieldsToo) {
   EXPECT_EQ(RedactedVpd(VpdSection(0x91, VpdField("YA", "asset")) + "\x78"),
             VpdSection(0x91, VpdField("YA", "XXXXX")) + "\x78");
