@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/capture/redact.h"
 
+#include <algorithm>
+
 #include "framework/exception.h"
 #include "host/capture/redact_config.h"
 #include "host/capture/redact_smbios.h"
