@@ -102,9 +102,10 @@ class MachineSeeds final {
     Write("raw_lines", "", dump);
     const std::string commands = Content("commands/lspci");
     for (const ListedFunction& at : functions) {
-      Write(
-          "config_space", "-" + at.Address(),
-          Content(fmt::format("proc/bus/pci/{:02x}/{:02x}.{:x}", at.bus, at.device, at.function)));
+      const std::string config =
+          Content(fmt::format("proc/bus/pci/{:02x}/{:02x}.{:x}", at.bus, at.device, at.function));
+      Write("config_space", "-" + at.Address(), config);
+      Write("function_config", "-" + at.Address(), config);
       Write("listing", "-" + at.Address(), at.Address() + "\n" + listing);
       if (!commands.empty()) {
         Write("listing", "-real", at.Address() + "\n" + commands.substr(0, kLongestTable));
@@ -204,6 +205,11 @@ void WriteOwnSeeds(const fs::path& output) {
       output / "config_space/listing",
       "00:00.0 Device\n\tCapabilities: [100 v1] Device Serial Number 01-02-03-04-05-06-07-08\n"
       "\t\t[SN] Serial number: A1\n100: 03 00 01 00 01 02 03 04\n");
+  WriteFile(output / "function_config/extended", std::string(4096, '\0'));
+  WriteFile(output / "vital_product_data/writable",
+            std::string("\x82\x02\0NA\x91\x07\0YA\x04_TAG\x78", 16));
+  WriteFile(output / "vital_product_data/checksum",
+            std::string("\x82\x02\0NA\x90\x0D\0PN\x02\x31\x32SN\x01\x35RV\x01\xCD\x78", 22));
   WriteFile(output / "manifest/whole",
             R"({"formatVersion": 1, "systemName": "box.example.org", "kernelRelease": "6.1.0",
 "capturedAt": "2026-01-31T23:59:59Z", "tools": {"lspci": "lspci version 3.9.0"},

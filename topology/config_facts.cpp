@@ -33,10 +33,17 @@ std::optional<Express> DecodeExpress(const ConfigSpace& config, std::size_t at) 
   if (!flags) return std::nullopt;
   Express express;
   express.portType = static_cast<std::uint8_t>((*flags & PCI_EXP_FLAGS_TYPE) >> kPciePortTypeShift);
-  express.most = DecodeLink(config.Dword(at + PCI_EXP_LNKCAP).value_or(0));
-  const std::uint16_t status = config.Word(at + PCI_EXP_LNKSTA).value_or(0);
-  express.now = DecodeLink(status);
-  express.linkActive = (status & PCI_EXP_LNKSTA_DLLLA) != 0;
+  if (express.HasLink()) {
+    const std::uint16_t status = config.Word(at + PCI_EXP_LNKSTA).value_or(0);
+    express.most = DecodeLink(config.Dword(at + PCI_EXP_LNKCAP).value_or(0));
+    express.now = DecodeLink(status);
+    express.linkActive = (status & PCI_EXP_LNKSTA_DLLLA) != 0;
+  }
+  // The second control register came with the second version of the capability.
+  if (express.LeadsToLink() && (*flags & PCI_EXP_FLAGS_VERS) >= 2) {
+    const std::uint16_t control = config.Word(at + PCI_EXP_DEVCTL2).value_or(0);
+    express.forwardsRoutingIds = (control & PCI_EXP_DEVCTL2_ARI) != 0;
+  }
   if (express.LeadsToLink() && (*flags & PCI_EXP_FLAGS_SLOT) != 0) {
     express.slot = DecodePortSlot(config, at);
   }
@@ -67,29 +74,6 @@ void DecodeSubsystem(const ConfigSpace& config, const std::vector<Capability>& c
   facts.subsystemDevice = config.Word(*at + 2);
 }
 
-bool IsEnabled(const ConfigSpace& config, const std::vector<Capability>& capabilities,
-               std::uint16_t id, std::uint16_t flag) {
-  const auto at = FindCapability(capabilities, id);
-  return at && (config.Word(*at + 2U).value_or(0) & flag) != 0;
-}
-
-void DecodeExtended(const ConfigSpace& config, ConfigFacts& facts) {
-  const std::vector<Capability> list = config.GetExtendedCapabilities();
-  facts.hasErrorReporting = FindCapability(list, PCI_EXT_CAP_ID_ERR).has_value();
-  facts.hasAlternativeRouting = FindCapability(list, PCI_EXT_CAP_ID_ARI).has_value();
-  facts.hasResizableBar = FindCapability(list, PCI_EXT_CAP_ID_REBAR).has_value();
-  if (const auto at = FindCapability(list, PCI_EXT_CAP_ID_DSN)) {
-    const auto low = config.Dword(*at + 4U);
-    const auto high = config.Dword(*at + 8U);
-    if (low && high) facts.serialNumber = std::uint64_t{*high} << 32 | *low;
-  }
-  if (const auto at = FindCapability(list, PCI_EXT_CAP_ID_SRIOV)) {
-    const auto total = config.Word(*at + std::size_t{PCI_SRIOV_TOTAL_VF});
-    const auto enabled = config.Word(*at + std::size_t{PCI_SRIOV_NUM_VF});
-    if (total && enabled) facts.virtualFunctions = {*total, *enabled};
-  }
-}
-
 }  // namespace
 
 ConfigFacts DecodeConfig(const ConfigSpace& config) {
@@ -111,10 +95,6 @@ ConfigFacts DecodeConfig(const ConfigSpace& config) {
   if (const auto at = FindCapability(capabilities, PCI_CAP_ID_EXP)) {
     facts.express = DecodeExpress(config, *at);
   }
-  facts.msiEnabled = IsEnabled(config, capabilities, PCI_CAP_ID_MSI, PCI_MSI_FLAGS_ENABLE);
-  facts.msixEnabled = IsEnabled(config, capabilities, PCI_CAP_ID_MSIX, PCI_MSIX_FLAGS_ENABLE);
-  facts.extendedKnown = config.GetSize() > kConventionalSize;
-  if (facts.extendedKnown) DecodeExtended(config, facts);
   return facts;
 }
 
@@ -122,6 +102,11 @@ std::string SpeedText(std::uint8_t speed) {
   constexpr std::array<const char*, 7> kTexts{"",          "2.5 GT/s",  "5.0 GT/s", "8.0 GT/s",
                                               "16.0 GT/s", "32.0 GT/s", "64.0 GT/s"};
   return speed < kTexts.size() ? kTexts[speed] : "";
+}
+
+std::uint32_t TransferRate(std::uint8_t speed) {
+  constexpr std::array<std::uint32_t, 7> kRates{0, 2500, 5000, 8000, 16000, 32000, 64000};
+  return speed < kRates.size() ? kRates[speed] : 0;
 }
 
 std::string PortTypeText(std::uint8_t portType) {

@@ -43,10 +43,15 @@ struct Express {
   std::uint8_t portType = 0;  ///< a PortType, or a number that is reserved
   Link now;
   Link most;
-  bool linkActive = false;       ///< means something on ports only
-  std::optional<PortSlot> slot;  ///< of root ports and downstream ports with the slot bit
+  bool linkActive = false;          ///< means something on ports only
+  bool forwardsRoutingIds = false;  ///< alternative ones, to the device below a port
+  std::optional<PortSlot> slot;     ///< of root ports and downstream ports with the slot bit
 
   bool Is(PortType type) const noexcept { return portType == static_cast<std::uint8_t>(type); }
+  /// What is part of the root complex has no link, whatever its registers hold.
+  bool HasLink() const noexcept {
+    return !Is(PortType::kIntegratedEndpoint) && !Is(PortType::kEventCollector);
+  }
   /// Whether a link below the function leads to one device: a root port or a downstream port.
   bool LeadsToLink() const noexcept {
     return Is(PortType::kRootPort) || Is(PortType::kDownstreamPort);
@@ -60,13 +65,8 @@ struct BridgeBuses {
   std::uint8_t subordinate = 0;
 };
 
-/// Single root I/O virtualization of a physical function (9.3.3).
-struct VirtualFunctions {
-  std::uint16_t total = 0;
-  std::uint16_t enabled = 0;
-};
-
-/// What the configuration space of a function says. What was not read is unknown, not absent.
+/// What the first 256 bytes of configuration space say, which is enough for the list of functions
+/// and for placing them. What was not read is unknown, not absent.
 struct ConfigFacts {
   std::uint16_t vendor = 0xFFFF;
   std::uint16_t device = 0xFFFF;
@@ -80,24 +80,19 @@ struct ConfigFacts {
 
   bool capabilitiesKnown = false;  ///< false for users without privileges
   std::optional<Express> express;
-  bool msiEnabled = false;
-  bool msixEnabled = false;
-  bool extendedKnown = false;
-  std::optional<std::uint64_t> serialNumber;
-  std::optional<VirtualFunctions> virtualFunctions;
-  bool hasErrorReporting = false;
-  bool hasAlternativeRouting = false;
-  bool hasResizableBar = false;
 
   std::uint8_t BaseClass() const noexcept { return static_cast<std::uint8_t>(classCode >> 16); }
   std::uint16_t Class() const noexcept { return static_cast<std::uint16_t>(classCode >> 8); }
 };
 
-/// Decodes the configuration space of one function.
+/// Decodes the configuration space of one function, or its first 256 bytes.
 ConfigFacts DecodeConfig(const ConfigSpace& config);
 
 /// "2.5 GT/s" to "64.0 GT/s" for the speed codes 1 to 6 (7.5.3.18); empty for others.
 std::string SpeedText(std::uint8_t speed);
+
+/// Million transfers a second on each lane for the same codes: 2500 to 64000; 0 for others.
+std::uint32_t TransferRate(std::uint8_t speed);
 
 /// "root port", "endpoint", ...; empty for reserved numbers.
 std::string PortTypeText(std::uint8_t portType);

@@ -27,6 +27,7 @@ class ConfigSpace {
   explicit ConfigSpace(std::string bytes) : bytes_(std::move(bytes)) {}
 
   std::size_t GetSize() const noexcept { return bytes_.size(); }
+  const std::string& GetBytes() const noexcept { return bytes_; }
 
   /// Little-endian numbers; nothing where the bytes were not read.
   std::optional<std::uint8_t> Byte(std::size_t offset) const noexcept;

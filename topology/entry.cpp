@@ -27,14 +27,15 @@ using NQZMVTQ20::ILogger;
 std::vector<Properties> InstancesOf(const Snapshot& snapshot, const std::string& className,
                                     const std::string& nameSpace) {
   if (className == kFunctionClass) return FunctionInstances(snapshot);
+  if (className == kDetailsClass) return DetailsInstances(snapshot);
   if (className == kSlotClass) return SlotInstances(snapshot);
   if (className == kSharedPortClass) return SharedPortInstances(snapshot);
   return FunctionInSlotInstances(snapshot, nameSpace);
 }
 
 bool IsServed(const std::string& className) {
-  constexpr std::array<const char*, 4> kServed{kFunctionClass, kSlotClass, kFunctionInSlotClass,
-                                               kSharedPortClass};
+  constexpr std::array<const char*, 5> kServed{kFunctionClass, kDetailsClass, kSlotClass,
+                                               kFunctionInSlotClass, kSharedPortClass};
   for (const char* served : kServed) {
     if (className == served) return true;
   }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <array>
-#include <cstdio>
 
 #include "topology/instances.h"
 #include "topology/link_properties.h"
@@ -8,38 +7,6 @@
 
 namespace topology {
 namespace {
-
-using NQZMVTQ20::TCIMValue;
-using Type = TCIMValue::TCIMType;
-
-// Bits of the flags in a `resource` file (the kernel's IORESOURCE_*).
-constexpr std::uint64_t kIo = 0x100;
-constexpr std::uint64_t kPrefetchable = 0x2000;
-constexpr std::uint64_t kWide = 0x100000;
-constexpr unsigned kRomNumber = 6;
-
-std::string KindText(const Region& region) {
-  if ((region.flags & kIo) != 0) return "I/O";
-  return region.number == kRomNumber ? "expansion ROM" : "memory";
-}
-
-/// "00-00-00-00-00-00-00-00", as lspci writes a device serial number.
-std::string SerialText(std::uint64_t number) {
-  std::string text;
-  for (int shift = 56; shift >= 0; shift -= 8) {
-    std::array<char, 4> digits{};
-    std::snprintf(digits.data(), digits.size(), "%02x",
-                  static_cast<unsigned>(number >> shift & 0xFF));
-    text += (text.empty() ? "" : "-") + std::string(digits.data());
-  }
-  return text;
-}
-
-std::string InterruptText(const ConfigFacts& config) {
-  if (!config.capabilitiesKnown) return "";
-  if (config.msixEnabled) return "MSI-X";
-  return config.msiEnabled ? "MSI" : "INTx or none";
-}
 
 std::string PlaceText(Place place) {
   switch (place) {
@@ -70,47 +37,58 @@ void SetIdentity(const ConfigFacts& config, PropertyWriter& writer) {
   writer.Set("MultiFunction", config.multiFunction);
 }
 
-void SetRegions(const std::vector<Region>& regions, PropertyWriter& writer) {
-  writer.SetArray("RegionNumber", Type::kUint8, regions,
-                  [](const Region& region) { return static_cast<std::uint8_t>(region.number); });
-  writer.SetArray("RegionStart", Type::kUint64, regions,
-                  [](const Region& region) { return region.start; });
-  writer.SetArray("RegionSize", Type::kUint64, regions,
-                  [](const Region& region) { return region.size; });
-  writer.SetArray("RegionKind", Type::kString, regions, KindText);
-  writer.SetArray("RegionPrefetchable", Type::kBoolean, regions,
-                  [](const Region& region) { return (region.flags & kPrefetchable) != 0; });
-  writer.SetArray("Region64Bit", Type::kBoolean, regions,
-                  [](const Region& region) { return (region.flags & kWide) != 0; });
+/// Nothing for reserved codes of speed, of which nobody knows what they mean.
+std::optional<std::uint32_t> RateOf(const Link& link) {
+  const std::uint32_t rate = TransferRate(link.speed);
+  return link.width != 0 && rate != 0 ? std::optional(rate) : std::nullopt;
 }
 
-void SetCapabilities(const ConfigFacts& config, PropertyWriter& writer) {
-  writer.Set("InterruptMode", InterruptText(config));
-  if (config.serialNumber) writer.Set("SerialNumber", SerialText(*config.serialNumber));
-  if (!config.extendedKnown) return;
-  writer.Set("ErrorReporting", config.hasErrorReporting);
-  writer.Set("AlternativeRoutingID", config.hasAlternativeRouting);
-  writer.Set("ResizableRegions", config.hasResizableBar);
-  if (!config.virtualFunctions) return;
-  writer.Set("TotalVirtualFunctions", config.virtualFunctions->total);
-  writer.Set("EnabledVirtualFunctions", config.virtualFunctions->enabled);
+/// Speed and width of a link, as words and as numbers.
+void SetLinkRates(const Express& express, PropertyWriter& writer) {
+  SetLink(express, writer);
+  writer.Set("MaxLinkTransferRate", RateOf(express.most));
+  writer.Set("LinkTransferRate", RateOf(express.now));
+}
+
+/// What the port at the other end of the function's link has and can do. A link that is slower or
+/// narrower than both ends allow shows a bad contact or a setting.
+void SetPortLink(const Express& port, PropertyWriter& writer) {
+  writer.Set("PortMaxLinkTransferRate", RateOf(port.most));
+  writer.Set("PortLinkTransferRate", RateOf(port.now));
+  if (port.most.width != 0) {
+    writer.Set("PortMaxLinkSpeed", SpeedText(port.most.speed));
+    writer.Set("PortMaxLinkWidth", port.most.width);
+  }
+  if (port.now.width != 0) {
+    writer.Set("PortLinkSpeed", SpeedText(port.now.speed));
+    writer.Set("PortLinkWidth", port.now.width);
+  }
+}
+
+void SetExpress(const Function& function, const Function* parent, PropertyWriter& writer) {
+  if (!function.config.capabilitiesKnown) {
+    writer.Set("CapabilitiesUnknownBecause",
+               function.front.GetSize() == 0
+                   ? "the configuration space could not be read"
+                   : "only root may read more than the header of the configuration space");
+  }
+  if (!function.config.express) return;
+  const Express& express = *function.config.express;
+  writer.Set("PortType", PortTypeText(express.portType));
+  SetLinkRates(express, writer);
+  // The link of a root port or a downstream port is the one below it.
+  if (express.LeadsToLink() || parent == nullptr || !parent->config.express) return;
+  if (parent->config.express->LeadsToLink()) SetPortLink(*parent->config.express, writer);
 }
 
 void SetKernelFacts(const Function& function, PropertyWriter& writer) {
   writer.Set("Driver", function.driver);
   writer.Set("NumaNode", function.numaNode);
-  writer.Set("IommuGroup", function.iommuGroup);
-  writer.Set("PowerState", function.powerState);
-  writer.Set("EnableCount", function.enableCount);
   writer.Set("FirmwareLabel", function.label);
-  writer.Set("FirmwareIndex", function.index);
-  writer.Set("FirmwarePath", function.firmwarePath);
   writer.Set("SlotUserNumber", function.slotUserNumber);
   if (function.physicalFunction) {
     writer.Set("PhysicalFunction", ToText(*function.physicalFunction));
   }
-  writer.SetTexts("NetworkInterfaces", function.networkInterfaces);
-  writer.SetTexts("BlockDevices", function.blockDevices);
 }
 
 /// Looks the names of each kind of function up once, because a lookup reads many lines.
@@ -157,19 +135,13 @@ Properties InstanceOf(const Snapshot& snapshot, std::size_t place, KindNames& na
   writer.Set("Address", ToText(function.address));
   SetIdentity(function.config, writer);
   names.Set(function.config, writer);
-  if (const auto parent = snapshot.GetTree().GetParent(place)) {
-    writer.Set("ParentPort", ToText(snapshot.GetTree().At(*parent).address));
-  }
+  const auto parent = snapshot.GetTree().GetParent(place);
+  if (parent) writer.Set("ParentPort", ToText(snapshot.GetTree().At(*parent).address));
   if (function.config.bridge) {
     writer.Set("SecondaryBus", function.config.bridge->secondary);
     writer.Set("SubordinateBus", function.config.bridge->subordinate);
   }
-  if (function.config.express) {
-    writer.Set("PortType", PortTypeText(function.config.express->portType));
-    SetLink(*function.config.express, writer);
-  }
-  SetCapabilities(function.config, writer);
-  SetRegions(function.regions, writer);
+  SetExpress(function, parent ? &snapshot.GetTree().At(*parent) : nullptr, writer);
   SetKernelFacts(function, writer);
   const FunctionPlace& where = snapshot.GetResolution().places[place];
   writer.Set("Place", PlaceText(where.place));

@@ -13,6 +13,7 @@
 namespace topology {
 
 inline constexpr const char* kFunctionClass = "VTQ_PCIFunction";
+inline constexpr const char* kDetailsClass = "VTQ_PCIFunctionDetails";
 inline constexpr const char* kSlotClass = "VTQ_PCISlot";
 inline constexpr const char* kFunctionInSlotClass = "VTQ_PCIFunctionInSlot";
 inline constexpr const char* kSharedPortClass = "VTQ_PCISharedPort";
@@ -20,9 +21,11 @@ inline constexpr const char* kSharedPortClass = "VTQ_PCISharedPort";
 /// The properties of one instance. What is not known is not in the map.
 using Properties = std::map<std::string, NQZMVTQ20::TCIMValue>;
 
-/// The instances of the four classes, in the order in which they are committed. `nameSpace` is the
+/// The instances of each class, in the order in which they are committed. `nameSpace` is the
 /// name that references hold.
 std::vector<Properties> FunctionInstances(const Snapshot& snapshot);
+/// Reads more of the kernel's files, see details_reader.h.
+std::vector<Properties> DetailsInstances(const Snapshot& snapshot);
 std::vector<Properties> SlotInstances(const Snapshot& snapshot);
 std::vector<Properties> FunctionInSlotInstances(const Snapshot& snapshot,
                                                 const std::string& nameSpace);

@@ -9,6 +9,10 @@
 
 namespace topology {
 
+/// Where the kernel shows PCI functions: a directory for each, and files of configuration space.
+inline constexpr const char* kSysDevices = "/sys/bus/pci/devices";
+inline constexpr const char* kProcPci = "/proc/bus/pci";
+
 // Reads the kernel's files about PCI. A file that is missing or cannot be read leaves its fact
 // unknown.
 
@@ -21,9 +25,5 @@ bool IsWithoutSysfs();
 
 /// The slots in /sys/bus/pci/slots.
 std::vector<KernelSlot> ReadKernelSlots();
-
-/// The regions that a `resource` file lists: one line each with first byte, last byte and flags.
-/// Lines of zeros are regions that do not exist.
-std::vector<Region> ParseResources(const std::string& text);
 
 }  // namespace topology

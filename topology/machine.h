@@ -11,31 +11,17 @@
 
 namespace topology {
 
-/// A region of a function's base addresses, or its expansion ROM, as the kernel lists it.
-struct Region {
-  unsigned number = 0;  ///< of the base address; 6 is the expansion ROM
-  std::uint64_t start = 0;
-  std::uint64_t size = 0;
-  std::uint64_t flags = 0;  ///< IORESOURCE_* bits of the kernel
-};
-
-/// One PCI function, from the kernel's files.
+/// One PCI function: what a list of functions tells, and what it takes to place them. The rest is
+/// read when somebody asks for it, see function_details.h.
 struct Function {
   Address address;
+  ConfigSpace front;  ///< the first 256 bytes, of which `config` was decoded
   ConfigFacts config;
-  std::vector<Region> regions;
-  std::string driver;           ///< empty: none
-  std::optional<int> numaNode;  ///< unknown on machines without NUMA
-  std::optional<std::uint64_t> iommuGroup;
-  std::string powerState;  ///< as the kernel names it ("D0"); empty: unknown
-  std::optional<std::uint64_t> enableCount;
+  std::string driver;                           ///< empty: none
+  std::optional<int> numaNode;                  ///< unknown on machines without NUMA
   std::string label;                            ///< that the firmware gives it; empty: none
-  std::optional<std::uint64_t> index;           ///< of the onboard device that the firmware names
   std::optional<std::uint64_t> slotUserNumber;  ///< ACPI _SUN of its own node
-  std::string firmwarePath;                     ///< of its ACPI node; empty: none
   std::optional<Address> physicalFunction;      ///< of a virtual function
-  std::vector<std::string> networkInterfaces;
-  std::vector<std::string> blockDevices;
 };
 
 /// A slot that the kernel knows, a directory of /sys/bus/pci/slots.

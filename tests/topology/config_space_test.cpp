@@ -3,30 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/topology/config_bytes.h"
 #include "topology/config_facts.h"
 
 namespace topology {
 namespace {
-
-/// Configuration space whose bytes a test sets.
-class Bytes {
- public:
-  explicit Bytes(std::size_t size) : bytes_(size, '\0') {}
-
-  Bytes& Put(std::size_t offset, std::uint64_t value, int size = 1) {
-    for (int i = 0; i < size; ++i) {
-      bytes_.at(offset + static_cast<std::size_t>(i)) = static_cast<char>(value >> 8 * i);
-    }
-    return *this;
-  }
-  /// A list of capabilities begins at `first`.
-  Bytes& List(std::size_t first) { return Put(0x06, 0x10, 2).Put(0x34, first); }
-
-  ConfigSpace Get() const { return ConfigSpace(bytes_); }
-
- private:
-  std::string bytes_;
-};
 
 std::vector<int> Offsets(const std::vector<Capability>& list) {
   std::vector<int> offsets;
@@ -165,40 +146,32 @@ TEST(ConfigFacts, OfAPortWithASlot) {
   EXPECT_TRUE(facts.express->slot->cardPresent);
 }
 
+TEST(ConfigFacts, PartsOfTheRootComplexHaveNoLink) {
+  for (const unsigned flags : {0x0092U, 0x00A2U}) {
+    const ConfigFacts facts =
+        DecodeConfig(ExpressFunction(flags).Put(0x4C, 0x0103, 4).Put(0x52, 0x2081, 2).Get());
+    EXPECT_EQ(facts.express.value().most, Link());
+    EXPECT_EQ(facts.express.value().now, Link());
+  }
+}
+
 TEST(ConfigFacts, TheSlotBitCountsOnPortsOnly) {
   EXPECT_TRUE(DecodeConfig(ExpressFunction(0x0162).Get()).express->slot);
   EXPECT_FALSE(DecodeConfig(ExpressFunction(0x0062).Get()).express->slot);
   EXPECT_FALSE(DecodeConfig(ExpressFunction(0x0102).Get()).express->slot);
 }
 
-TEST(ConfigFacts, OfExtendedCapabilities) {
-  const ConfigFacts facts = DecodeConfig(ExpressFunction(2)
-                                             .Put(0x100, 0x20010003, 4)
-                                             .Put(0x104, 0x44332211, 4)
-                                             .Put(0x108, 0x88776655, 4)
-                                             .Put(0x200, 0x30010010, 4)
-                                             .Put(0x20E, 64, 2)
-                                             .Put(0x210, 5, 2)
-                                             .Put(0x300, 0x00010015, 4)
-                                             .Get());
-  EXPECT_TRUE(facts.extendedKnown);
-  EXPECT_EQ(facts.serialNumber, 0x8877665544332211U);
-  ASSERT_TRUE(facts.virtualFunctions);
-  EXPECT_EQ(facts.virtualFunctions->total, 64);
-  EXPECT_EQ(facts.virtualFunctions->enabled, 5);
-  EXPECT_TRUE(facts.hasResizableBar);
-  EXPECT_FALSE(facts.hasErrorReporting);
-  EXPECT_FALSE(facts.hasAlternativeRouting);
-}
-
-TEST(ConfigFacts, OfInterrupts) {
-  const ConfigFacts off =
-      DecodeConfig(Bytes(256).List(0x40).Put(0x40, 0x05).Put(0x41, 0x60).Put(0x60, 0x11).Get());
-  EXPECT_FALSE(off.msiEnabled);
-  EXPECT_FALSE(off.msixEnabled);
-  EXPECT_TRUE(DecodeConfig(Bytes(256).List(0x40).Put(0x40, 0x05).Put(0x42, 1, 2).Get()).msiEnabled);
+TEST(ConfigFacts, OfAPortThatForwardsAlternativeRoutingIds) {
   EXPECT_TRUE(
-      DecodeConfig(Bytes(256).List(0x40).Put(0x40, 0x11).Put(0x42, 0x8000, 2).Get()).msixEnabled);
+      DecodeConfig(ExpressFunction(0x0042).Put(0x68, 0x20, 2).Get()).express->forwardsRoutingIds);
+  EXPECT_FALSE(
+      DecodeConfig(ExpressFunction(0x0042).Put(0x68, 0x10, 2).Get()).express->forwardsRoutingIds);
+  EXPECT_FALSE(
+      DecodeConfig(ExpressFunction(0x0041).Put(0x68, 0x20, 2).Get()).express->forwardsRoutingIds)
+      << "the first version of the capability ends before that register";
+  EXPECT_FALSE(
+      DecodeConfig(ExpressFunction(0x0002).Put(0x68, 0x20, 2).Get()).express->forwardsRoutingIds)
+      << "an endpoint";
 }
 
 TEST(ConfigFacts, HaveWords) {
@@ -206,6 +179,10 @@ TEST(ConfigFacts, HaveWords) {
   EXPECT_EQ(SpeedText(6), "64.0 GT/s");
   EXPECT_EQ(SpeedText(0), "");
   EXPECT_EQ(SpeedText(7), "");
+  EXPECT_EQ(TransferRate(1), 2500U);
+  EXPECT_EQ(TransferRate(6), 64000U);
+  EXPECT_EQ(TransferRate(0), 0U);
+  EXPECT_EQ(TransferRate(15), 0U);
   EXPECT_EQ(PortTypeText(4), "root port");
   EXPECT_EQ(PortTypeText(2), "");
 }

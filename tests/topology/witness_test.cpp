@@ -32,8 +32,8 @@ Machine AskLspci(const std::string& root) {
     const std::string key = line.substr(0, tab - 1);
     if (key == "Slot") address = line.substr(tab + 1);
     // Drivers are printed only where the running system has modules, and the physical slot comes
-    // from the kernel's slots.
-    if (key != "Driver" && key != "Module" && key != "PhySlot") {
+    // from the kernel's slots. The IOMMU group is one of the details.
+    if (key != "Driver" && key != "Module" && key != "PhySlot" && key != "IOMMUGroup") {
       machine[address][key] = line.substr(tab + 1);
     }
   }
@@ -86,9 +86,6 @@ Fields FieldsOf(const json& properties) {
   if (properties.contains("Driver")) fields["Driver"] = properties.at("Driver");
   if (properties.contains("NumaNode")) {
     fields["NUMANode"] = std::to_string(properties.at("NumaNode").get<int>());
-  }
-  if (properties.contains("IommuGroup")) {
-    fields["IOMMUGroup"] = std::to_string(properties.at("IommuGroup").get<unsigned>());
   }
   return fields;
 }

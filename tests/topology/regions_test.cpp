@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "topology/kernel_files.h"
+#include "topology/regions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "topology/kernel_directory.h"
+
+namespace topology {
+
+/// What was read of vital product data.
+struct VitalProductBytes {
+  std::string bytes;
+  std::string trouble;  ///< why there are no more of them; empty: they were not needed
+};
+
+/// Reads the `vpd` files of functions. Some cards answer slowly or not at all, so one function gets
+/// a second, and all together get ten.
+class VitalProductReader {
+ public:
+  VitalProductBytes Read(const Directory& device);
+
+ private:
+  std::chrono::steady_clock::duration left_ = std::chrono::seconds(10);
+};
+
+}  // namespace topology
