@@ -19,6 +19,7 @@ namespace bench {
 namespace {
 
 const std::vector<std::string> kFunctionClasses = {"QZMSG_PCIDevice", "QZMSG_PCIBridge"};
+const std::vector<std::string> kPlaceClasses = {"VTQ_PCIFunction", "VTQ_PCIFunctionInSlot"};
 const std::vector<std::string> kDetailClasses = {"VTQ_PCIFunction", "VTQ_PCIFunctionDetails",
                                                  "VTQ_PCIFunctionInSlot"};
 
@@ -90,7 +91,7 @@ class Comparison {
 
   void CompareLists(unsigned rounds);
   void CompareListings(unsigned rounds);
-  void CompareViews(unsigned rounds);
+  void CompareTopology(unsigned rounds);
   void CompareSlowTools();
   void CountInstructions();
 
@@ -153,14 +154,10 @@ void Comparison::CompareListings(unsigned rounds) {
   }
 }
 
-void Comparison::CompareViews(unsigned rounds) {
+void Comparison::CompareTopology(unsigned rounds) {
   for (unsigned round = 0; round < rounds; ++round) {
     const double listing = Run("lspci -D", {"lspci", "-D"}).wallSeconds;
-    for (const std::string& view : {"overview", "devices", "slots"}) {
-      Command command = {programs_.pciinfo};
-      if (view != "overview") command.push_back(view);
-      Add(view + "/lspci wall", Run(view, command).wallSeconds / listing);
-    }
+    Add("places/lspci wall", Run("places", Program(kPlaceClasses)).wallSeconds / listing);
     const double verbose = Run("lspci -vvv again", {"lspci", "-vvv"}).wallSeconds;
     Add("details/lspci wall", Run("details", Program(kDetailClasses)).wallSeconds / verbose);
   }
@@ -202,7 +199,7 @@ Measures MeasureMachine(const Plan& plan, const Programs& programs) {
   Comparison comparison(programs);
   comparison.CompareLists(plan.rounds);
   comparison.CompareListings(plan.listingRounds);
-  comparison.CompareViews(plan.rounds);
+  comparison.CompareTopology(plan.rounds);
   if (plan.withSlowTools) comparison.CompareSlowTools();
   if (plan.withInstructions) comparison.CountInstructions();
   return std::move(comparison.Get());
