@@ -26,8 +26,8 @@ constexpr const char* kFunctions = "/sys/bus/pci/devices";
 constexpr const char* kSlots = "/sys/bus/pci/slots";
 constexpr int kCommandSeconds = 300;
 
-constexpr std::array<const char*, 5> kSlotFiles = {"address", "cur_bus_speed", "max_bus_speed",
-                                                   "adapter", "power"};
+constexpr std::array<const char*, 7> kSlotFiles = {
+    "address", "cur_bus_speed", "max_bus_speed", "adapter", "attention", "latch", "power"};
 
 /// The entry point first: Redactor needs it to find the structures in the table.
 constexpr std::array<const char*, 2> kFirmwareFiles = {
