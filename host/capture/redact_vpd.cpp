@@ -82,6 +82,8 @@ class VpdRedactor final {
 
 }  // namespace
 
-void RedactVitalProductData(std::string& bytes) { VpdRedactor(bytes).Redact(); }
+void RedactVitalProductData(std::string& bytes) {
+  VpdRedactor({bytes.data(), bytes.size()}).Redact();
+}
 
 }  // namespace pciinfo
