@@ -19,6 +19,9 @@ namespace bench {
 namespace {
 
 const std::vector<std::string> kFunctionClasses = {"QZMSG_PCIDevice", "QZMSG_PCIBridge"};
+const std::vector<std::string> kPlaceClasses = {"VTQ_PCIFunction", "VTQ_PCIFunctionInSlot"};
+const std::vector<std::string> kDetailClasses = {"VTQ_PCIFunction", "VTQ_PCIFunctionDetails",
+                                                 "VTQ_PCIFunctionInSlot"};
 
 Command ListInstances(const std::string& program, const std::vector<std::string>& classes) {
   Command command = {program, "instances", "--format", "json"};
@@ -88,6 +91,7 @@ class Comparison {
 
   void CompareLists(unsigned rounds);
   void CompareListings(unsigned rounds);
+  void CompareTopology(unsigned rounds);
   void CompareSlowTools();
   void CountInstructions();
 
@@ -150,6 +154,15 @@ void Comparison::CompareListings(unsigned rounds) {
   }
 }
 
+void Comparison::CompareTopology(unsigned rounds) {
+  for (unsigned round = 0; round < rounds; ++round) {
+    const double listing = Run("lspci -D", {"lspci", "-D"}).wallSeconds;
+    Add("places/lspci wall", Run("places", Program(kPlaceClasses)).wallSeconds / listing);
+    const double verbose = Run("lspci -vvv again", {"lspci", "-vvv"}).wallSeconds;
+    Add("details/lspci wall", Run("details", Program(kDetailClasses)).wallSeconds / verbose);
+  }
+}
+
 void Comparison::CompareSlowTools() {
   const double list = Median(measures_.at("list wall"));
   const auto run = [this, list](const std::string& name, Command command) {
@@ -186,6 +199,7 @@ Measures MeasureMachine(const Plan& plan, const Programs& programs) {
   Comparison comparison(programs);
   comparison.CompareLists(plan.rounds);
   comparison.CompareListings(plan.listingRounds);
+  comparison.CompareTopology(plan.rounds);
   if (plan.withSlowTools) comparison.CompareSlowTools();
   if (plan.withInstructions) comparison.CountInstructions();
   return std::move(comparison.Get());

@@ -41,6 +41,9 @@ constexpr TimeRow kTimeRows[] = {
     {"`lspci -vvv`", "lspci -vvv"},
     {"**`pciinfo`, all seven classes**", "all"},
     {"**`pciinfo`, raw data**", "raw"},
+    {"`lspci -D`", "lspci -D"},
+    {"**`pciinfo`, functions with their slots**", "places"},
+    {"**`pciinfo`, everything about each function**", "details"},
     {"`lshw -json`", "lshw -json"},
     {"`hwinfo --pci`", "hwinfo --pci"},
 };
@@ -70,8 +73,10 @@ std::string TimesOf(const Results& results, unsigned functions) {
   return table;
 }
 
+constexpr unsigned kEverySize = 0;
+
 struct TargetRow {
-  unsigned functions;
+  unsigned functions;   ///< of the machine, or kEverySize
   const char* measure;  ///< the ratios of the rounds
   const char* part;     ///< what is divided
   const char* whole;    ///< by what
@@ -90,6 +95,10 @@ constexpr TargetRow kTargets[] = {
      "raw data: peak memory above 32 MiB, in bytes a byte of text", true, 3.0},
     {kSmall, "list/lspci wall", "list wall", "lspci wall",
      "devices and bridges: wall time, in that of `lspci`", true, 1.60},
+    {kEverySize, "places/lspci wall", "places wall", "lspci -D wall",
+     "functions with their slots: wall time, in that of `lspci -D`", true, 0.60},
+    {kEverySize, "details/lspci wall", "details wall", "lspci -vvv again wall",
+     "everything about each function: wall time, in that of `lspci -vvv`", true, 0.50},
 };
 
 std::string TargetLine(const std::string& machine, const TargetRow& row, double least,
@@ -106,9 +115,13 @@ std::string Growth(const Results& results) {
   const auto* many = Find(results, kLargest, "instructions");
   if (few == nullptr || many == nullptr) return "";
   const double growth = many->front() / kLargest / (few->front() / kSmall);
-  const TargetRow row{
-      0,    "",  "", "", "devices and bridges: growth of own instructions, in that of functions",
-      true, 1.15};
+  const TargetRow row{kEverySize,
+                      "",
+                      "",
+                      "",
+                      "devices and bridges: growth of own instructions, in that of functions",
+                      true,
+                      1.15};
   return TargetLine(fmt::format("{} to {}", kSmall, kLargest), row, growth, growth);
 }
 
@@ -117,11 +130,13 @@ std::string Targets(const Results& results) {
       "\n| functions | what | target | of the least | median | reached "
       "|\n|---:|---|---|---:|---:|---|\n";
   for (const TargetRow& row : kTargets) {
-    const auto* ratios = Find(results, row.functions, row.measure);
-    if (ratios == nullptr) continue;
-    const Measures& measures = results.at(row.functions);
-    const double least = Least(measures.at(row.part)) / Least(measures.at(row.whole));
-    table += TargetLine(std::to_string(row.functions), row, least, Median(*ratios));
+    for (const auto& [functions, measures] : results) {
+      if (row.functions != kEverySize && row.functions != functions) continue;
+      const auto* ratios = Find(results, functions, row.measure);
+      if (ratios == nullptr) continue;
+      const double least = Least(measures.at(row.part)) / Least(measures.at(row.whole));
+      table += TargetLine(std::to_string(functions), row, least, Median(*ratios));
+    }
   }
   return table + Growth(results);
 }

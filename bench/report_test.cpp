@@ -46,6 +46,28 @@ TEST(Report, AMissedMedianIsNotReached) {
   EXPECT_NE(tables.find("| at most 1.5 | 1.60 | 1.60 | no |"), std::string::npos);
 }
 
+TEST(Report, SomeTargetsAreForMachinesOfEverySize) {
+  Results results = Made();
+  for (auto& [functions, measures] : results) {
+    for (const std::string program : {"places", "lspci -D"}) {
+      for (const char* what : {" wall", " cpu", " peak", " output"})
+        measures[program + what] = {0.2};
+    }
+    measures["places wall"] = {0.1};
+    measures["places/lspci wall"] = {functions == 64 ? 0.7 : 0.5};
+  }
+  const std::string tables = MakeTables(results, "Measured.");
+  EXPECT_NE(tables.find(
+                "| 64 | functions with their slots: wall time, in that of `lspci -D` | at most 0.6 "
+                "| 0.50 | 0.70 | at best |"),
+            std::string::npos);
+  EXPECT_NE(
+      tables.find(
+          "| 4096 | functions with their slots: wall time, in that of `lspci -D` | at most 0.6 "
+          "| 0.50 | 0.50 | yes |"),
+      std::string::npos);
+}
+
 TEST(Report, ReplacesOnlyWhatStandsBetweenTheMarkers) {
   char name[] = "/tmp/pciinfo-report-XXXXXX";
   close(mkstemp(name));

@@ -102,9 +102,10 @@ class MachineSeeds final {
     Write("raw_lines", "", dump);
     const std::string commands = Content("commands/lspci");
     for (const ListedFunction& at : functions) {
-      Write(
-          "config_space", "-" + at.Address(),
-          Content(fmt::format("proc/bus/pci/{:02x}/{:02x}.{:x}", at.bus, at.device, at.function)));
+      const std::string config =
+          Content(fmt::format("proc/bus/pci/{:02x}/{:02x}.{:x}", at.bus, at.device, at.function));
+      Write("config_space", "-" + at.Address(), config);
+      Write("function_config", "-" + at.Address(), config);
       Write("listing", "-" + at.Address(), at.Address() + "\n" + listing);
       if (!commands.empty()) {
         Write("listing", "-real", at.Address() + "\n" + commands.substr(0, kLongestTable));
@@ -204,6 +205,11 @@ void WriteOwnSeeds(const fs::path& output) {
       output / "config_space/listing",
       "00:00.0 Device\n\tCapabilities: [100 v1] Device Serial Number 01-02-03-04-05-06-07-08\n"
       "\t\t[SN] Serial number: A1\n100: 03 00 01 00 01 02 03 04\n");
+  WriteFile(output / "function_config/extended", std::string(4096, '\0'));
+  WriteFile(output / "vital_product_data/writable",
+            std::string("\x82\x02\0NA\x91\x07\0YA\x04_TAG\x78", 16));
+  WriteFile(output / "vital_product_data/checksum",
+            std::string("\x82\x02\0NA\x90\x0D\0PN\x02\x31\x32SN\x01\x35RV\x01\xCD\x78", 22));
   WriteFile(output / "manifest/whole",
             R"({"formatVersion": 1, "systemName": "box.example.org", "kernelRelease": "6.1.0",
 "capturedAt": "2026-01-31T23:59:59Z", "tools": {"lspci": "lspci version 3.9.0"},
@@ -211,6 +217,14 @@ void WriteOwnSeeds(const fs::path& output) {
   WriteFile(output / "slot_location/text", std::string("\x02\x05\x01\x0B\x05\0\0\x01", 8) +
                                                "$T9 SID:0x0102 SegGrp:0x0000 B:0x3a D:0x00 F:0x00" +
                                                std::string(2, '\0'));
+  // Choices of which machines are made; equal bytes make machines of one kind of function.
+  for (unsigned step = 0; step < 32; ++step) {
+    std::string choices(1024, '\0');
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+      choices[i] = static_cast<char>(i * i * step / 7 + i * step);
+    }
+    WriteFile(output / "slot_resolver" / std::to_string(step), choices);
+  }
   WriteHostileArchives(output / "capture_archive");
   WriteFile(output / "capture_directory/hostile",
             "dsys\nlsys/a/b\t../../etc\nhsys/hard\npsys/pipe\nfother\tx\nfsys/link/x\ty\n");

@@ -7,6 +7,7 @@ namespace topology {
 namespace {
 
 constexpr std::size_t kPeerSize = 5;
+constexpr std::size_t kHandleSize = 2;
 
 /// Reads the fields of one structure. A field behind the end of its formatted area is absent.
 class Fields {
@@ -90,6 +91,19 @@ std::optional<OnBoardRecord> DecodeOnBoardRecord(Structure structure) {
   record.designation = fields.Text(0x04);
   record.enabled = (fields.Byte(0x05) & 0x80) != 0;
   record.address = fields.AddressAt(0x07, 0x09);
+  return record;
+}
+
+std::optional<BoardRecord> DecodeBoardRecord(Structure structure) {
+  const Fields fields(structure);
+  if (!fields.Has(0x0E, 1)) return std::nullopt;
+  BoardRecord record;
+  record.product = fields.Text(0x05);
+  for (std::size_t i = 0; i < fields.Byte(0x0E); ++i) {
+    const std::size_t at = 0x0F + i * kHandleSize;
+    if (!fields.Has(at, kHandleSize)) break;
+    record.contained.push_back(fields.Word(at));
+  }
   return record;
 }
 

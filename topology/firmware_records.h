@@ -18,4 +18,7 @@ std::optional<SlotRecord> DecodeSlotRecord(Structure structure);
 /// Decodes an Onboard Devices Extended Information structure (7.42).
 std::optional<OnBoardRecord> DecodeOnBoardRecord(Structure structure);
 
+/// Decodes a Baseboard structure (7.3). Returns nothing when it is too short for contained handles.
+std::optional<BoardRecord> DecodeBoardRecord(Structure structure);
+
 }  // namespace topology

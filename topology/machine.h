@@ -28,6 +28,11 @@ struct Function {
 struct KernelSlot {
   std::string name;
   Address device;  ///< the device in the slot, or the port's own; its function number is 0
+  // What its driver tells; unknown for slots that the kernel cannot switch.
+  std::optional<unsigned> power = {};      ///< 0: off
+  std::optional<unsigned> attention = {};  ///< 0: off, 1: on, 2: blinking
+  std::optional<unsigned> latch = {};      ///< 0: closed
+  std::optional<unsigned> adapter = {};    ///< 0: there is no card
 };
 
 /// A slot record of the firmware: SMBIOS type 9 (DSP0134, 7.10).
@@ -44,6 +49,12 @@ struct SlotRecord {
   std::vector<Address> peers;      ///< 7.10.9
 };
 
+/// A board of the firmware: SMBIOS type 2 (7.3), of which the slots are.
+struct BoardRecord {
+  std::string product;
+  std::vector<std::uint16_t> contained;  ///< handles of the records of its parts
+};
+
 /// An onboard device of the firmware: SMBIOS type 41 (7.42).
 struct OnBoardRecord {
   std::uint16_t handle = 0;
@@ -58,6 +69,7 @@ struct Machine {
   std::vector<KernelSlot> kernelSlots;
   std::vector<SlotRecord> slotRecords;
   std::vector<OnBoardRecord> onBoardRecords;
+  std::vector<BoardRecord> boardRecords;
   /// Why the slot records could not be read; empty when they could.
   std::string noRecordsBecause;
 };

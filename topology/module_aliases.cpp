@@ -61,7 +61,7 @@ std::optional<PciAlias> ParsePciAlias(std::string_view text) {
     if (!TakeAliasPart(text, kAliasParts[i], alias.numbers[i])) return std::nullopt;
   }
   // The kernel's build ends every alias with a star, also one that ends with a number.
-  if (text != "" && text != "*") return std::nullopt;
+  if (!text.empty() && text != "*") return std::nullopt;
   return alias;
 }
 

@@ -22,9 +22,31 @@ const PortSlot* PortSlotOf(const BusTree& tree, const Slot& slot) {
   return express && express->slot ? &*express->slot : nullptr;
 }
 
+/// Whether the driver of the slot has turned off the power of a card. Then nothing can answer.
+bool IsPoweredOff(const Machine& machine, const Slot& slot) {
+  if (!slot.kernelSlot) return false;
+  const KernelSlot& kernel = machine.kernelSlots[*slot.kernelSlot];
+  return kernel.power == 0U && kernel.adapter.value_or(0) != 0;
+}
+
+std::string PowerConflict(const Machine& machine, const Slot& slot, const Found& found) {
+  if (!IsPoweredOff(machine, slot)) return "";
+  return found.firstFunction ? "the slot has no power, and a function answers"
+                             : "a card is in the slot, which has no power";
+}
+
+/// A link comes up only with something at its end.
+std::string LinkConflict(const BusTree& tree, const Slot& slot, const Found& found) {
+  if (PortSlotOf(tree, slot) == nullptr || found.isShared || found.firstFunction) return "";
+  const Function& port = tree.At(slot.targets.front().port);
+  if (!port.config.express->linkActive) return "";
+  return "the link of port " + ToText(port.address) + " is active, and no function answers";
+}
+
 std::string UsageConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
                           const Found& found) {
   if (!slot.record || slot.targets.empty() || found.isShared) return "";
+  if (IsPoweredOff(machine, slot)) return "";
   const std::uint8_t usage = machine.slotRecords[*slot.record].usage;
   if (usage == kInUse && !found.firstFunction) {
     return "the firmware says in use, and no function answers: the card may have failed, or is not "
@@ -67,8 +89,9 @@ void AddOnBoardConflicts(const Machine& machine, const BusTree& tree, Resolution
   }
 }
 
-SlotState StateOf(const Slot& slot, const Found& found) {
+SlotState StateOf(const Slot& slot, const Found& found, bool isPoweredOff) {
   if (found.firstFunction) return SlotState::kOccupied;
+  if (isPoweredOff) return SlotState::kOccupied;
   if (slot.targets.empty() || found.isShared || !slot.conflicts.empty()) return SlotState::kUnknown;
   return SlotState::kEmpty;
 }
@@ -102,10 +125,11 @@ void JudgeSlots(const Machine& machine, const BusTree& tree, Resolution& resolut
   for (std::size_t i = 0; i < resolution.slots.size(); ++i) {
     Slot& slot = resolution.slots[i];
     for (const std::string& conflict :
-         {UsageConflict(machine, tree, slot, found[i]), PresenceConflict(tree, slot, found[i])}) {
+         {UsageConflict(machine, tree, slot, found[i]), PresenceConflict(tree, slot, found[i]),
+          PowerConflict(machine, slot, found[i]), LinkConflict(tree, slot, found[i])}) {
       if (!conflict.empty()) slot.conflicts.push_back(conflict);
     }
-    slot.state = StateOf(slot, found[i]);
+    slot.state = StateOf(slot, found[i], IsPoweredOff(machine, slot));
   }
   AddOnBoardConflicts(machine, tree, resolution);
 }

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <array>
+
 #include "topology/instances.h"
 #include "topology/link_properties.h"
 #include "topology/properties.h"
@@ -41,11 +44,43 @@ std::string TargetText(const BusTree& tree, const Target& target) {
   return ToText(target.kind == Target::Kind::kPort ? tree.At(target.port).address : target.device);
 }
 
+std::string AttentionText(unsigned attention) {
+  constexpr std::array<const char*, 3> kTexts{"off", "on", "blinking"};
+  return attention < kTexts.size() ? kTexts[attention] : "";
+}
+
+/// Lanes by the data bus width of a PCI Express slot (DSP0134, 7.10.2); 0 for others.
+std::uint8_t LanesOf(std::uint8_t width) {
+  constexpr std::array<std::uint8_t, 7> kLanes{1, 2, 4, 8, 12, 16, 32};
+  constexpr std::uint8_t kOneLane = 0x08;
+  const bool isKnown = width >= kOneLane && width < kOneLane + kLanes.size();
+  return isKnown ? kLanes[width - kOneLane] : std::uint8_t{0};
+}
+
+std::string BoardOf(const Machine& machine, std::uint16_t slotHandle) {
+  for (const BoardRecord& board : machine.boardRecords) {
+    const auto& contained = board.contained;
+    if (std::find(contained.begin(), contained.end(), slotHandle) != contained.end()) {
+      return board.product;
+    }
+  }
+  return "";
+}
+
+void SetKernelSlot(const KernelSlot& slot, PropertyWriter& writer) {
+  writer.Set("KernelSlot", slot.name);
+  if (slot.power) writer.Set("PowerOn", *slot.power != 0);
+  if (slot.attention) writer.Set("AttentionIndicator", AttentionText(*slot.attention));
+  if (slot.latch) writer.Set("LatchOpen", *slot.latch != 0);
+  if (slot.adapter) writer.Set("CardPresent", *slot.adapter != 0);
+}
+
 void SetRecord(const SlotRecord& record, PropertyWriter& writer) {
   writer.Set("RecordHandle", record.handle);
   writer.Set("SlotID", record.id);
   writer.Set("SlotType", record.type);
   writer.Set("SlotDataBusWidth", record.width);
+  if (const std::uint8_t lanes = LanesOf(record.width)) writer.Set("SlotLanes", lanes);
   writer.Set("SlotLength", record.length);
   writer.Set("FirmwareUsage", record.usage);
   writer.Set("SupportsHotPlug", record.hotPlug);
@@ -78,8 +113,12 @@ Properties InstanceOf(const Snapshot& snapshot, const Slot& slot) {
   writer.Set("Name", slot.name);
   writer.Set("Source", SourceText(slot.source));
   writer.Set("State", StateText(slot.state));
-  if (slot.record) SetRecord(machine.slotRecords[*slot.record], writer);
-  if (slot.kernelSlot) writer.Set("KernelSlot", machine.kernelSlots[*slot.kernelSlot].name);
+  if (slot.record) {
+    const SlotRecord& record = machine.slotRecords[*slot.record];
+    SetRecord(record, writer);
+    writer.Set("Board", BoardOf(machine, record.handle));
+  }
+  if (slot.kernelSlot) SetKernelSlot(machine.kernelSlots[*slot.kernelSlot], writer);
   std::vector<std::string> ports;
   for (const Target& target : slot.targets) ports.push_back(TargetText(snapshot.GetTree(), target));
   writer.SetTexts("Leads", ports);

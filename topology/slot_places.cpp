@@ -155,7 +155,9 @@ Holder Placing::SlotOfPort(std::size_t port, const Holder& holder) {
   target.evidence = "port " + ToText(tree_.At(port).address) +
                     " says that it leads to a slot, which the firmware does not name";
   Slot slot;
-  slot.name = "Port " + ToText(tree_.At(port).address);
+  // ACPI may label a port with the name of its slot.
+  const std::string& label = tree_.At(port).label;
+  slot.name = label.empty() ? "Port " + ToText(tree_.At(port).address) : label;
   slot.source = SlotSource::kPort;
   slot.outer = holder.slot;
   slot.targets.push_back(target);

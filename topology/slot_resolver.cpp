@@ -88,7 +88,7 @@ void RecordSlots::DropRepeatedRecords() {
   std::map<std::tuple<std::string, std::uint16_t, Address>, std::size_t> first;
   for (Slot& slot : slots_) {
     const SlotRecord& record = machine_.slotRecords[*slot.record];
-    if (record.designation.empty() || slot.targets.empty()) continue;
+    if (record.designation.empty() || !record.address || slot.targets.empty()) continue;
     const auto [same, isNew] =
         first.try_emplace({record.designation, record.id, *record.address}, *slot.record);
     if (isNew) continue;
@@ -123,6 +123,7 @@ void RecordSlots::AddPeers() {
     const SlotRecord& record = machine_.slotRecords[*slot.record];
     for (const Address& peer : record.peers) {
       Target target = TargetOfAddress(tree_, peer, RecordText(record) + ", in its peer group,");
+      FitToRecord(tree_, record, target);
       if (target.kind == Target::Kind::kPort && own.contains(target.port)) continue;
       AddTarget(slot, std::move(target));
     }

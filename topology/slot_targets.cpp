@@ -46,7 +46,6 @@ bool Is(const Function& function, PortType type) {
 Target TargetOnRootBus(const BusTree& tree, std::size_t function, const std::string& names) {
   const Function& named = tree.At(function);
   if (IsChipsetClass(named)) return None(names + ", a part of the chip set on a root bus");
-  if (IsRootComplexBus(tree, named.address)) return None(names + ", a part of the root complex");
   return Device(named.address, names + " on a root bus");
 }
 
@@ -141,6 +140,19 @@ bool IsRootComplexBus(const BusTree& tree, const Address& address) {
   return false;
 }
 
+namespace {
+
+/// A card of PCI Express sits behind a port, not on the bus of the root complex.
+void RefuseRootComplex(const BusTree& tree, Target& target) {
+  if (target.kind != Target::Kind::kDevice) return;
+  const auto [first, last] = tree.FindDevice(target.device);
+  const bool isOnRootBus = first != last && !tree.GetParent(first);
+  if (!isOnRootBus || !IsRootComplexBus(tree, target.device)) return;
+  target = None(target.evidence + ", a part of the root complex");
+}
+
+}  // namespace
+
 bool LeadsToOneDevice(const BusTree& tree, std::size_t function) {
   const Function& bridge = tree.At(function);
   if (!bridge.config.bridge) return false;
@@ -196,7 +208,11 @@ Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot) {
   if (const auto bridge = tree.FindBridgeTo(slot.device.domain, slot.device.bus)) {
     return TargetBehind(tree, *bridge, slot.device, is);
   }
-  if (first != last) return TargetOnRootBus(tree, first, is);
+  if (first != last) {
+    Target target = TargetOnRootBus(tree, first, is);
+    RefuseRootComplex(tree, target);
+    return target;
+  }
   // The kernel knows the slots of a conventional root bus also while they are empty.
   const auto [busFirst, busLast] = tree.FindBus(slot.device.domain, slot.device.bus);
   if (busFirst == busLast || IsRootComplexBus(tree, slot.device)) {
@@ -212,6 +228,7 @@ std::string RecordText(const SlotRecord& record) {
 }
 
 bool FitToRecord(const BusTree& tree, const SlotRecord& record, Target& target) {
+  if (!IsConventional(record)) RefuseRootComplex(tree, target);
   if (!IsConventional(record) || target.kind != Target::Kind::kPort) return true;
   if (!LeadsToOneDevice(tree, target.port)) return true;
   const auto bridge = ConventionalBridgeBehind(tree, target.port);

@@ -20,8 +20,8 @@ bool IsPort(const BusTree& tree, std::size_t function);
 bool IsChipsetClass(const Function& function);
 
 /// Whether the bus belongs to a root complex of PCI Express. Its slots are behind its ports, so
-/// what stands on the bus itself is soldered. A host that has only endpoints there, as emulated
-/// machines do, may have slots for them.
+/// what stands on the bus itself is soldered, unless the firmware tells of conventional slots
+/// there. A host that has only endpoints there, as emulated machines do, may have slots for them.
 bool IsRootComplexBus(const BusTree& tree, const Address& address);
 
 /// What an address in a firmware record means. `source` begins the evidence: "SMBIOS record
@@ -39,6 +39,7 @@ std::string RecordText(const SlotRecord& record);
 
 /// A conventional card cannot sit on a link, but on the bus of a bridge at its end: moves the
 /// target of a record of a conventional slot there. Returns false where there is no such bridge.
+/// Other cards cannot sit on the bus of a root complex: such a target becomes none.
 bool FitToRecord(const BusTree& tree, const SlotRecord& record, Target& target);
 
 }  // namespace topology

@@ -9,6 +9,7 @@
 #include "topology/firmware_records.h"
 #include "topology/kernel_files.h"
 #include "topology/slot_resolver.h"
+#include "topology/slot_states.h"
 
 namespace topology {
 namespace {
@@ -17,6 +18,7 @@ using NQZMVTQ20::TOSSpecific;
 using NQZMVTQ20::TVTQStatusCode;
 using Status = TVTQStatusCode::EVTQStatusCode;
 
+constexpr int kBoardType = 2;
 constexpr int kSlotType = 9;
 constexpr int kOnBoardType = 41;
 
@@ -67,6 +69,11 @@ void ReadFirmware(const NQZMVTQ20::TPluginManagerProvider* provider, Machine& ma
       machine.slotRecords.push_back(std::move(*record));
     }
   });
+  ForEachStructure(handle, kBoardType, [&](Structure structure) {
+    if (auto record = DecodeBoardRecord(structure)) {
+      machine.boardRecords.push_back(std::move(*record));
+    }
+  });
   ForEachStructure(handle, kOnBoardType, [&](Structure structure) {
     if (auto record = DecodeOnBoardRecord(structure)) {
       machine.onBoardRecords.push_back(std::move(*record));
@@ -94,6 +101,7 @@ std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider
   Machine machine;
   machine.functions = ReadFunctions();
   machine.kernelSlots = ReadKernelSlots();
+  ReadSlotStates(machine.kernelSlots);
   ReadFirmware(provider, machine);
   return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), ReadNames()));
 }

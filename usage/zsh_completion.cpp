@@ -24,7 +24,7 @@ std::string Escaped(const std::string& text, std::string_view special) {
 }
 
 /// Returns the completion of a value: ":NAME:ACTION".
-std::string ValueText(const Usage& usage, const UsageOption& option) {
+std::string ValueAction(const Usage& usage, const UsageOption& option) {
   const std::string name = Escaped(option.valueName, "\\:");
   if (option.kind == ValueKind::kFile) return fmt::format(":{}:_files", name);
   const std::vector<std::string>& values = ValuesOf(usage, option);
@@ -40,7 +40,7 @@ std::string OptionLines(const Usage& usage, const UsageCommand& command, int ind
       const bool takesEqualSign = !isFlag && name.rfind("--", 0) == 0;
       lines += fmt::format("{:{}}'{}{}{}[{}]{}'\n", "", indent, option.isRepeatable ? "*" : "",
                            name, takesEqualSign ? "=" : "", Escaped(option.description, "\\[]:"),
-                           isFlag ? "" : ValueText(usage, option));
+                           isFlag ? "" : ValueAction(usage, option));
     }
   }
   return lines;
@@ -52,7 +52,7 @@ std::string ArgumentLines(const Usage& usage, const UsageCommand& command) {
     UsageOption named = argument;
     named.valueName = argument.names.front();
     lines += fmt::format("            '{}{}'\n", argument.isRepeatable ? "*" : "",
-                         ValueText(usage, named));
+                         ValueAction(usage, named));
   }
   return lines;
 }

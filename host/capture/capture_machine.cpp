@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/capture/capture_machine.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <system_error>
-#include <vector>
 
 #include "framework/exception.h"
 #include "framework/os_specific.h"
+#include "host/capture/capture_function.h"
+#include "host/capture/capture_modules.h"
+#include "host/capture/capture_parts.h"
 #include "runtime/service_failures.h"
 
 namespace pciinfo {
@@ -25,84 +26,14 @@ constexpr const char* kFunctions = "/sys/bus/pci/devices";
 constexpr const char* kSlots = "/sys/bus/pci/slots";
 constexpr int kCommandSeconds = 300;
 
-constexpr std::array<const char*, 23> kFunctionFiles = {"config",
-                                                        "resource",
-                                                        "vendor",
-                                                        "device",
-                                                        "class",
-                                                        "revision",
-                                                        "irq",
-                                                        "subsystem_vendor",
-                                                        "subsystem_device",
-                                                        "modalias",
-                                                        "label",
-                                                        "index",
-                                                        "acpi_index",
-                                                        "numa_node",
-                                                        "current_link_speed",
-                                                        "current_link_width",
-                                                        "max_link_speed",
-                                                        "max_link_width",
-                                                        "sriov_totalvfs",
-                                                        "sriov_numvfs",
-                                                        "sriov_offset",
-                                                        "sriov_stride",
-                                                        "sriov_vf_device"};
-
-/// A symbolic link of a function, and the directory of its target relative to the function's
-/// directory in a capture, which is a plain directory and not a link as in the kernel's /sys.
-struct FunctionLink {
-  const char* name;
-  const char* directory;
-};
-
-constexpr std::array<FunctionLink, 2> kFunctionLinks = {
-    {{"driver", "../../../../bus/pci/drivers/"},
-     {"iommu_group", "../../../../kernel/iommu_groups/"}}};
-
-constexpr std::array<const char*, 5> kSlotFiles = {"address", "cur_bus_speed", "max_bus_speed",
-                                                   "adapter", "power"};
+constexpr std::array<const char*, 7> kSlotFiles = {
+    "address", "cur_bus_speed", "max_bus_speed", "adapter", "attention", "latch", "power"};
 
 /// The entry point first: Redactor needs it to find the structures in the table.
 constexpr std::array<const char*, 2> kFirmwareFiles = {
     "/sys/firmware/dmi/tables/smbios_entry_point", "/sys/firmware/dmi/tables/DMI"};
 
 constexpr std::array<const char*, 3> kCommands = {"lspci", "lspci -xxxx", "lspci -vvv"};
-
-std::string InCapture(const fs::path& path) { return path.relative_path(); }
-
-/// Returns the sorted entries of a directory; none if it does not exist.
-std::vector<fs::path> Listing(CaptureReceiver& receiver, const fs::path& directory) {
-  std::vector<fs::path> paths;
-  std::error_code error;
-  for (fs::directory_iterator entry(directory, error), end; !error && entry != end;
-       entry.increment(error)) {
-    paths.push_back(entry->path());
-  }
-  const bool missing = error == std::errc::no_such_file_or_directory;
-  if (error && !missing) receiver.NoteUnread(InCapture(directory), error.message());
-  std::sort(paths.begin(), paths.end());
-  return paths;
-}
-
-void AddFile(CaptureReceiver& receiver, const fs::path& path) {
-  std::string content;
-  try {
-    content = TOSSpecific::CaptureFile(path);
-  } catch (const TVTQException& failure) {
-    if (failure.GetStatusCode() == TVTQStatusCode::kNotFound) return;
-    receiver.NoteUnread(InCapture(path), failure.what());
-    return;
-  }
-  receiver.Add({InCapture(path), std::move(content), ""});
-}
-
-void AddLink(CaptureReceiver& receiver, const fs::path& function, const FunctionLink& link) {
-  std::error_code ignored;
-  const fs::path target = fs::read_symlink(function / link.name, ignored);
-  if (target.empty()) return;
-  receiver.Add({InCapture(function / link.name), "", link.directory + target.filename().string()});
-}
 
 void CaptureBusDirectories(CaptureReceiver& receiver) {
   for (const fs::path& path : Listing(receiver, kPciBus)) {
@@ -117,10 +48,10 @@ void CaptureBusDirectories(CaptureReceiver& receiver) {
 }
 
 void CaptureFunctions(CaptureReceiver& receiver) {
+  FunctionCapture capture(receiver);
   for (const fs::path& function : Listing(receiver, kFunctions)) {
     receiver.Begin(function);
-    for (const char* name : kFunctionFiles) AddFile(receiver, function / name);
-    for (const FunctionLink& link : kFunctionLinks) AddLink(receiver, function, link);
+    capture.Add(function);
   }
 }
 
@@ -176,6 +107,7 @@ void CaptureMachine(CaptureReceiver& receiver) {
   CaptureBusDirectories(receiver);
   AddFile(receiver, "/proc/pci");
   CaptureFunctions(receiver);
+  CaptureModules(receiver);
   CaptureSlots(receiver);
   CaptureFirmware(receiver);
   if (!HasPciBus()) return;  // lspci fails where there is nothing to list

@@ -15,11 +15,12 @@ class CannotRedact : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Blanks the data that identifies this machine: serial numbers, asset tags, UUIDs. Takes the parts
-/// in the order of CaptureMachine. No part changes its length.
+/// Blanks the data that identifies this machine: serial numbers, asset tags, UUIDs, link-layer
+/// addresses. Takes the parts in the order of CaptureMachine. No part changes its length.
 class Redactor final {
  public:
-  /// Throws CannotRedact for SMBIOS tables whose structures cannot be found.
+  /// Throws CannotRedact for SMBIOS tables whose structures cannot be found, and for parts whose
+  /// path contains a link-layer address.
   void Redact(CapturePart& part);
 
  private:

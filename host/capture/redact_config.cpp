@@ -71,7 +71,7 @@ bool AddHexLine(HexDump& dump, std::string_view listing, std::size_t start, std:
 void RedactDump(const HexDump& dump, std::string& listing) {
   for (const std::size_t number : SerialNumbersIn(dump.bytes)) {
     const std::size_t end = std::min(number + kNumberLength, dump.bytes.size());
-    for (std::size_t i = number; i < end; ++i) listing.replace(dump.places[i], 2, "00");
+    for (std::size_t i = number; i < end; ++i) std::fill_n(&listing[dump.places[i]], 2, '0');
   }
 }
 

@@ -44,6 +44,10 @@ struct Fault {
   bool lasting = false;
 };
 
+/// Returns which call fails after call `number` did: the next one. With sanitizers, where a fault
+/// takes ten times as long, only each tenth call after the first ten.
+unsigned NextToFail(unsigned number) noexcept;
+
 /// For messages: "open 3", "allocation 17 and all after it".
 std::string TextOf(const Fault& fault);
 

@@ -95,8 +95,8 @@ TEST_P(ProgramFaults, EachIsToldAndLeavesTheRest) {
   ASSERT_EQ(whole_.status, 0) << whole_.err;
   unsigned faults = 0;
   unsigned wrong = 0;
-  for (unsigned number = 1; wrong < 10; number += GetParam().step) {
-    const Fault fault{GetParam().call, number, GetParam().lasting};
+  for (unsigned number = 1; wrong < 10; number = NextToFail(number)) {
+    const Fault fault{GetParam().call, GetParam().step * (number - 1) + 1, GetParam().lasting};
     ProgramEnd end;
     const EndApart apart = RunApart([&](std::string& failure) {
       end = RunProgram(*GetParam().words, fault);

@@ -57,7 +57,7 @@ class Rounds {
     const EndApart whole = Try(0);
     EXPECT_EQ(whole.failure, "") << Classes()[asking_] << " without a fault";
     unsigned wrong = 0;
-    for (unsigned number = 1; wrong < 10; ++number) {
+    for (unsigned number = 1; wrong < 10; number = NextToFail(number)) {
       const EndApart end = Try(number);
       if (!HasStruck()) return;
       ++faults_;

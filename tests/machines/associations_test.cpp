@@ -43,7 +43,7 @@ class AssociationsTest : public MachineTest {
  protected:
   void SetUp() override {
     MachineTest::SetUp();
-    collection_ = Collect();
+    collection_ = Collect(GetParam());
     functions_ = collection_.Functions();
     inSlot_ = collection_.Of("QZMSG_DeviceInSlot");
     onBoard_ = collection_.Of("QZMSG_OnBoardDevice");

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 
 #include "tests/fakes/machine_tree.h"
@@ -31,7 +32,9 @@ bool Collection::HasLogged(const std::string& record) const {
   return std::find(log.begin(), log.end(), record) != log.end();
 }
 
-Collection Collect(const std::vector<std::string>& classes) {
+namespace {
+
+Collection RunProgram(const std::vector<std::string>& classes) {
   const std::string logFile = MachineTree::Real("/log");
   std::filesystem::remove(logFile);
   std::vector<std::string> words = {PCIINFO_PROGRAM, "instances"};
@@ -41,6 +44,15 @@ Collection Collect(const std::vector<std::string>& classes) {
   std::ifstream log(logFile);
   const std::string records(std::istreambuf_iterator<char>(log), {});
   return {run.status, run.err, json::parse(run.out).at("instances"), LinesOf(records)};
+}
+
+}  // namespace
+
+const Collection& Collect(const Machine& machine, const std::vector<std::string>& classes) {
+  static std::map<std::pair<std::string, std::vector<std::string>>, Collection> collected;
+  const auto [place, isNew] = collected.try_emplace({machine.name, classes});
+  if (isNew) place->second = RunProgram(classes);
+  return place->second;
 }
 
 std::string AddressOf(const json& function) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/machines/machine.h"
+
 /// The output of `pciinfo instances --format json` for the machine.
 struct Collection {
   int status = -1;
@@ -20,8 +22,10 @@ struct Collection {
   bool HasLogged(const std::string& record) const;
 };
 
-/// Runs the program for these classes, or for all. Throws when its output is not JSON of that form.
-Collection Collect(const std::vector<std::string>& classes = {});
+/// Runs the program for these classes, or for all, on the machine that MachineTest shows. Throws
+/// when its output is not JSON of that form. A process that asks for the same again gets what it
+/// got.
+const Collection& Collect(const Machine& machine, const std::vector<std::string>& classes = {});
 
 /// Returns the address "BB:DD.F" in the location of a function ("PCI Bus  0, device  31, function
 /// 2"). Throws for any other text.

@@ -16,7 +16,7 @@ class CollectionTest : public MachineTest {};
 INSTANTIATE_TEST_SUITE_P(Machines, CollectionTest, testing::ValuesIn(AllMachines()), TestNameOf);
 
 TEST_P(CollectionTest, AsksForAllSevenClassesAndHoldsNoOther) {
-  const Collection collection = Collect();
+  const Collection collection = Collect(GetParam());
   EXPECT_TRUE(collection.status == 0 || collection.status == 1) << collection.status;
   std::size_t known = 0;
   for (const char* name : kClasses) {
@@ -30,7 +30,7 @@ TEST_P(CollectionTest, AsksForAllSevenClassesAndHoldsNoOther) {
 
 TEST_P(CollectionTest, NamesEachInstanceOnce) {
   std::set<std::string> paths;
-  for (const nlohmann::json& instance : Collect().instances) {
+  for (const nlohmann::json& instance : Collect(GetParam()).instances) {
     EXPECT_TRUE(paths.insert(instance.at("path")).second) << instance.at("path");
   }
 }

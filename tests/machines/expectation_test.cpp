@@ -64,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(Machines, ExpectationTest, testing::ValuesIn(OwnMachine
 
 TEST_P(ExpectationTest, HoldsWhatTheProgramCollects) {
   const std::filesystem::path file = GetParam().source / "expected.json";
-  const Collection collection = Collect();
+  const Collection collection = Collect(GetParam());
   const json collected = Masked(collection);
   if (std::getenv("PCIINFO_REFRESH_MACHINES") != nullptr) {
     Write(collected, file);

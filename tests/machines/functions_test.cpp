@@ -24,7 +24,7 @@ class FunctionsTest : public MachineTest {
  protected:
   void SetUp() override {
     MachineTest::SetUp();
-    collection_ = Collect();
+    collection_ = Collect(GetParam());
     listed_ = ListFunctions();
     domain0_ = InDomain0(listed_);
   }

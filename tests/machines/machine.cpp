@@ -83,14 +83,24 @@ std::ostream& operator<<(std::ostream& stream, const Machine& machine) {
   return stream << machine.name;
 }
 
-std::vector<Machine> OwnMachines() { return MachinesWithRecipe(false); }
+// GoogleTest asks for the machines once for each test, in each process; so they are read once.
+const std::vector<Machine>& OwnMachines() {
+  static const std::vector<Machine> machines = MachinesWithRecipe(false);
+  return machines;
+}
 
-std::vector<Machine> EndlessMachines() { return MachinesWithRecipe(true); }
+const std::vector<Machine>& EndlessMachines() {
+  static const std::vector<Machine> machines = MachinesWithRecipe(true);
+  return machines;
+}
 
-std::vector<Machine> AllMachines() {
-  std::vector<Machine> machines = OwnMachines();
-  const std::vector<Machine> captures = Captures();
-  machines.insert(machines.end(), captures.begin(), captures.end());
+const std::vector<Machine>& AllMachines() {
+  static const std::vector<Machine> machines = [] {
+    std::vector<Machine> all = OwnMachines();
+    const std::vector<Machine> captures = Captures();
+    all.insert(all.end(), captures.begin(), captures.end());
+    return all;
+  }();
   return machines;
 }
 

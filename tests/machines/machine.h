@@ -20,14 +20,14 @@ struct Machine {
 std::ostream& operator<<(std::ostream& stream, const Machine& machine);
 
 /// The machines of this project whose collection ends, sorted by name.
-std::vector<Machine> OwnMachines();
+const std::vector<Machine>& OwnMachines();
 
 /// The machines of this project whose collection does not end.
-std::vector<Machine> EndlessMachines();
+const std::vector<Machine>& EndlessMachines();
 
 /// OwnMachines, then the captures in the directory PCIINFO_MACHINES, if the build sets it. Throws
 /// when the directory cannot be read.
-std::vector<Machine> AllMachines();
+const std::vector<Machine>& AllMachines();
 
 /// Returns a machine's name in a form that a test's name may contain.
 std::string TestNameOf(const testing::TestParamInfo<Machine>& info);

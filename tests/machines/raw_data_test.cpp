@@ -27,7 +27,7 @@ TEST_P(RawDataTest, IsTheOutputOfBothListingsLineForLine) {
     expected.push_back(Expected(std::string("lspci ") + option, run));
   }
   std::vector<json> collected;
-  for (const json& listing : Collect({"QZMSG_PCIRawData"}).instances) {
+  for (const json& listing : Collect(GetParam(), {"QZMSG_PCIRawData"}).instances) {
     collected.push_back(listing.at("properties"));
   }
   EXPECT_EQ(collected, expected);

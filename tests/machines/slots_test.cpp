@@ -105,7 +105,7 @@ class SlotsTest : public MachineTest {
  protected:
   void SetUp() override {
     MachineTest::SetUp();
-    collected_ = Collect({"QZMSG_SystemSlot"}).instances;
+    collected_ = Collect(GetParam(), {"QZMSG_SystemSlot"}).instances;
     for (const DecodedSlot& slot : DecodeSlots()) {
       decoded_.insert(decoded_.end(), static_cast<std::size_t>(CountOf(slot)), slot);
     }

@@ -74,6 +74,15 @@ TEST(SlotRecord, AStringThatIsMissingIsEmpty) {
   EXPECT_TRUE(DecodeSlotRecord(longer));
 }
 
+TEST(BoardRecord, IsDecoded) {
+  const std::vector<unsigned char> fields{0, 1, 0, 0, 0, 9, 0, 3, 0, 0x0A, 3, 0x46, 0, 0x47, 9};
+  const auto record = DecodeBoardRecord(StructureOf(2, fields, std::string("Riser 2 \0", 9)));
+  ASSERT_TRUE(record);
+  EXPECT_EQ(record->product, "Riser 2");
+  EXPECT_EQ(record->contained, (std::vector<std::uint16_t>{0x46, 0x0947})) << "the third is cut";
+  EXPECT_FALSE(DecodeBoardRecord(StructureOf(2, {0, 1, 0, 0}, "")));
+}
+
 TEST(OnBoardRecord, IsDecoded) {
   const auto record = DecodeOnBoardRecord(
       StructureOf(41, {1, 0x85, 1, 0x00, 0x01, 0x02, 0xFA}, std::string("LAN 1\0", 6)));

@@ -33,11 +33,14 @@ class MadeCard {
     config[0x34] = 0x40;
     config[0x40] = 0x03;  // vital product data
     Put("config", config);
-    Put("vendor", "0x8086\n");
-    Put("device", "0x1533\n");
-    Put("class", "0x020000\n");
-    Put("irq", "17\n");
-    Put("resource", "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
+    PutFunction(kAddress, config);
+  }
+
+  void AddVirtualFunction() {
+    const std::string address = "0000:00:05.1";
+    PutFunction(address, std::string(256, '\0'));
+    fs::create_symlink(std::string("../") + kAddress,
+                       root_ / ("sys/bus/pci/devices/" + address + "/physfn"));
   }
 
   void Put(const std::string& name, const std::string& content) {
@@ -48,17 +51,19 @@ class MadeCard {
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
   }
-  void Link(const std::string& path, const std::string& target) {
-    fs::create_symlink(target, root_ / path);
+  json Read() const { return ReadFrom(root_.GetPath()); }
+
+  /// What is told of the function in a capture that is made of this machine.
+  json ReadCapture(const std::vector<std::string>& options) const {
+    const vtq::TemporaryDirectory directory;
+    const std::string copy = directory / "copy";
+    std::vector<std::string> words{PCIINFO_PROGRAM, "--root", root_.GetPath(), "capture", copy};
+    words.insert(words.end(), options.begin(), options.end());
+    const RunResult run = RunProcess(words);
+    EXPECT_EQ(run.status, 0) << run.err;
+    return ReadFrom(copy);
   }
 
-  json Read() const {
-    const RunResult run = RunProcess({PCIINFO_PROGRAM, "--root", root_.GetPath(), "instances",
-                                      "VTQ_PCIFunctionDetails", "--only-plugin", TOPOLOGY_PLUGIN,
-                                      "--format", "json"});
-    EXPECT_EQ(run.status, 0) << run.err;
-    return json::parse(run.out).at("instances").at(0).at("properties");
-  }
   /// What lspci prints of all capabilities.
   std::string AskLspci() const {
     return RunProcess({"lspci", "-A", "linux-sysfs", "-O",
@@ -67,6 +72,25 @@ class MadeCard {
   }
 
  private:
+  /// The files that lspci does not do without.
+  void PutFunction(const std::string& address, const std::string& config) {
+    const std::string directory = "sys/bus/pci/devices/" + address + "/";
+    PutAt(directory + "config", config);
+    PutAt(directory + "vendor", "0x8086\n");
+    PutAt(directory + "device", "0x1533\n");
+    PutAt(directory + "class", "0x020000\n");
+    PutAt(directory + "irq", "17\n");
+    PutAt(directory + "resource", "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
+  }
+
+  static json ReadFrom(const std::string& root) {
+    const RunResult run =
+        RunProcess({PCIINFO_PROGRAM, "--root", root, "instances", "VTQ_PCIFunctionDetails",
+                    "--only-plugin", TOPOLOGY_PLUGIN, "--format", "json"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    return json::parse(run.out).at("instances").at(0).at("properties");
+  }
+
   vtq::TemporaryDirectory root_;
 };
 
@@ -158,6 +182,51 @@ TEST(MadeDetails, NamesAndCountersComeFromTheKernelsFiles) {
   EXPECT_EQ(told.at("FirmwareIndex"), 3);
 }
 
+/// Shows the function with all that a capture may hold.
+void PutEverything(MadeCard& card) {
+  card.Put("vpd", MakeVitalProductData(0) + "behind the end");
+  card.Put("power_state", "D0\n");
+  card.Put("enable", "2\n");
+  card.Put("aer_dev_fatal", "DLP 1\nTOTAL_ERR_FATAL 1\n");
+  card.Put("aer_dev_correctable", "RxErr 0\nTOTAL_ERR_COR 0\n");
+  card.Put("firmware_node/path", "\\_SB_.PCI0.NIC0\n");
+  card.Put("virtio1/net/eth7/address", "52:54:00:12:34:56\n");
+  card.Put("virtio2/block/vdc/uevent", "DEVNAME=vdc\n");
+  card.Put("nvme/nvme3/uevent", "");
+  card.Put("nvme/nvme3/model", "Fast disk\n");
+  card.Put("nvme/nvme3/serial", "S99\n");
+  card.Put("nvme/nvme3/firmware_rev", "1.0\n");
+  card.Put("nvme/nvme3/nvme3c0n1/uevent", "");
+  card.Put("ata1/host0/uevent", "");
+  card.Put("ata1/host0/target0:0:0/0:0:0:0/block/sda/uevent", "DEVNAME=sda\n");
+  card.Put("drm/card0/uevent", "");
+  card.Put("infiniband/mlx5_0/fw_ver", "16.35\n");
+  card.Put("modalias", "pci:v00008086d00001533sv00000000sd00000000bc02sc00i00\n");
+  card.PutAt("sys/bus/pci/modules.alias", "alias pci:v00008086d00001533sv*sd*bc*sc*i* igb\n");
+  card.AddVirtualFunction();
+}
+
+TEST(MadeDetails, ACaptureTellsTheSame) {
+  MadeCard card;
+  PutEverything(card);
+  const json told = card.Read();
+  EXPECT_EQ(told.at("BlockDevices"), (Texts{"sda", "nvme3n1", "vdc"}));
+  EXPECT_EQ(told.at("ScsiHosts"), (Texts{"host0"}));
+  EXPECT_EQ(card.ReadCapture({}), told);
+}
+
+TEST(MadeDetails, ARedactedCaptureTellsAllButWhatIdentifiesTheCard) {
+  MadeCard card;
+  PutEverything(card);
+  json expected = card.Read();
+  expected["ProductSerialNumber"] = "XXX";
+  expected["VitalProductValues"] = Texts{"AB-1234", "A2", "XXX", "103C"};
+  expected["NetworkAddresses"] = Texts{"XX:XX:XX:XX:XX:XX"};
+  expected["NvmeSerialNumbers"] = Texts{"XXX"};
+  EXPECT_EQ(expected.at("VitalProductChecksumRight"), true);
+  EXPECT_EQ(card.ReadCapture({"--redact"}), expected);
+}
+
 TEST(MadeDetails, ModulesComeFromTheCaptureOnly) {
   MadeCard card;
   EXPECT_FALSE(card.Read().contains("DriverModules"));
@@ -174,11 +243,8 @@ TEST(MadeDetails, ModulesComeFromTheCaptureOnly) {
 
 TEST(MadeDetails, VirtualFunctionsAreToldByTheirPhysicalOne) {
   MadeCard card;
-  const std::string virtualOne = "sys/bus/pci/devices/0000:00:05.1/";
-  card.PutAt(virtualOne + "config", std::string(256, '\0'));
-  card.PutAt(virtualOne + "vendor", "0xffff\n");
   EXPECT_FALSE(card.Read().contains("VirtualFunctions"));
-  card.Link("sys/bus/pci/devices/0000:00:05.1/physfn", std::string("../") + kAddress);
+  card.AddVirtualFunction();
   EXPECT_EQ(card.Read().at("VirtualFunctions"), (Texts{"0000:00:05.1"}));
 }
 

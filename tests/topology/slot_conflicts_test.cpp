@@ -38,6 +38,30 @@ TEST(SlotConflicts, ACardThatTheFirmwareListsAsOnboardIsAConflict) {
                 "the firmware lists 0000:01:00.1 as the onboard device \"LAN\" as well"}));
 }
 
+TEST(SlotConflicts, ACardWithoutPowerIsThereAndDoesNotAnswer) {
+  MadeMachine machine;
+  machine.Port("0000:00:02.0", 2, 2);
+  machine.Record("Slot 2", "0000:00:02.0");
+  machine.KernelSlotAt("2", "0000:02:00");
+  machine.Get().kernelSlots[0].power = 0;
+  machine.Get().kernelSlots[0].adapter = 1;
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.SlotNamed("Slot 2").state, SlotState::kOccupied);
+  EXPECT_EQ(resolved.SlotNamed("Slot 2").conflicts,
+            (std::vector<std::string>{"a card is in the slot, which has no power"}));
+}
+
+TEST(SlotConflicts, AnActiveLinkLeadsToSomething) {
+  MadeMachine machine;
+  machine.Port("0000:00:02.0", 2, 2).config.express->linkActive = true;
+  machine.Record("Slot 2", "0000:00:02.0").usage = 3;
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.SlotNamed("Slot 2").state, SlotState::kUnknown);
+  EXPECT_EQ(resolved.SlotNamed("Slot 2").conflicts,
+            (std::vector<std::string>{
+                "the link of port 0000:00:02.0 is active, and no function answers"}));
+}
+
 TEST(SlotConflicts, PresenceCountsOnHotPlugPortsOnly) {
   MadeMachine machine;
   machine.Port("0000:00:01.0", 1, 1);

@@ -44,6 +44,13 @@ TEST(SlotPlaces, AnOnboardDeviceIsInNoSlotOfAPort) {
   EXPECT_EQ(resolved.PlaceOf("0000:02:00.0"), Place::kUnnamedSlot) << "that device is disabled";
 }
 
+TEST(SlotPlaces, ASlotOfAPortHasTheLabelOfThePort) {
+  MadeMachine machine;
+  machine.Port("0000:00:1c.1", 2, 2, 0).label = "SLOT 1";
+  machine.Card("0000:02:00.0");
+  EXPECT_EQ(Resolved(machine).In("SLOT 1"), (Names{"0000:02:00.0"}));
+}
+
 TEST(SlotPlaces, WithoutSlotRecordsNothingIsCalledOnBoard) {
   MadeMachine machine;
   machine.Card("0000:00:1f.3", 0x0403);

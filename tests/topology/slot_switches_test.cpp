@@ -45,6 +45,15 @@ TEST(SlotSwitches, OneSlotInTwoRecordsIsNotShared) {
   EXPECT_EQ(resolved.SlotNamed("M.2 (2)").state, SlotState::kUnknown);
 }
 
+TEST(SlotSwitches, RecordsThatGiveOnlyPeersAreNoRepetitions) {
+  MadeMachine machine;
+  AddCardBehindPort(machine);
+  machine.Record("M.2", "", 7).peers = {At("0000:01:00.0")};
+  machine.Record("M.2", "", 7).peers = {At("0000:01:00.0")};
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.SharedFunctions(), kCard);
+}
+
 TEST(SlotSwitches, AnAddressInManyRecordsOfAPortWithoutASwitchTellsNothing) {
   MadeMachine machine;
   AddCardBehindPort(machine);

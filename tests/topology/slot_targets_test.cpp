@@ -149,6 +149,15 @@ TEST(SlotTargets, WhatStandsOnARootBusOfPciExpressIsInNoSlot) {
   EXPECT_EQ(resolved.PlaceOf("0000:00:1f.2"), Place::kOnBoard);
 }
 
+TEST(SlotTargets, AConventionalSlotMayBeOnARootBusThatHasPortsToo) {
+  MadeMachine machine;
+  machine.Card("0000:00:10.0", 0x0100);
+  machine.Port("0000:00:15.0", 1, 1);
+  machine.Record("PCI Slot J12", "0000:00:10.0").type = 0x06;
+  EXPECT_EQ(Resolved(machine).In("PCI Slot J12"), (Names{"0000:00:10.0"}))
+      << "emulated machines are so";
+}
+
 TEST(SlotTargets, CardsMaySitOnAConventionalRootBus) {
   MadeMachine machine;
   machine.Card("0000:00:00.0", 0x0600);

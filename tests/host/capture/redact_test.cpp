@@ -48,6 +48,18 @@ TEST(Redactor, ListingsAreRedacted) {
   EXPECT_EQ(Redacted("commands/lspci", line), line);
 }
 
+TEST(Redactor, SerialNumbersAndAddressesInTheKernelsFilesAreRedacted) {
+  const std::string function = "sys/bus/pci/devices/0000:01:00.0/";
+  EXPECT_EQ(Redacted(function + "nvme/nvme0/serial", "S12 34  \n"), "XXX XX  \n");
+  EXPECT_EQ(Redacted(function + "virtio0/net/eth0/address", "52:54:00:12:34:56\n"),
+            "XX:XX:XX:XX:XX:XX\n");
+  EXPECT_EQ(Redacted(function + "nvme/nvme0/model", "Fast disk\n"), "Fast disk\n");
+  EXPECT_EQ(Redacted("sys/bus/pci/slots/3/address", "0000:03:00\n"), "0000:03:00\n");
+  EXPECT_EQ(Redacted(function + "vpd", "\xFF\xFF"), std::string(2, '\0'));
+  EXPECT_THROW(Redacted(function + "net/enx525400123456/address", "52:54:00:12:34:56\n"),
+               CannotRedact);
+}
+
 TEST(Redactor, TheTableUsesTheEntryPointBeforeIt) {
   const std::string table = VendorStructure(1, "SECRET");
   Redactor redactor;

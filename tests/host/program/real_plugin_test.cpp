@@ -119,8 +119,8 @@ TEST(RealPlugin, InstancesPrintsTheInventoryUnlessMoreIsAskedFor) {
       "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice", "QZMSG_PCIRawData"};
   EXPECT_EQ(CountedClasses(RunPciinfo({"instances"})), inventory);
   std::vector<std::string> all = inventory;
-  all.insert(all.end(),
-             {"VTQ_PCIFunction", "VTQ_PCISlot", "VTQ_PCIFunctionInSlot", "VTQ_PCISharedPort"});
+  all.insert(all.end(), {"VTQ_PCIFunction", "VTQ_PCIFunctionDetails", "VTQ_PCISlot",
+                         "VTQ_PCIFunctionInSlot", "VTQ_PCISharedPort"});
   EXPECT_EQ(CountedClasses(RunPciinfo({"instances", "--all"})), all);
   EXPECT_EQ(CountedClasses(RunPciinfo({"instances", "VTQ_PCISlot"})),
             (std::vector<std::string>{"VTQ_PCISlot"}));
