@@ -16,8 +16,6 @@ namespace pciinfo {
 struct Job {
   std::vector<std::string> collect;
   std::function<void(const Session& session, Output& output)> print;
-  /// Whether the output shows slots. If not, troubles about slots are not reported.
-  bool showsSlots = true;
   /// The exit status when everything was collected and printed; empty: kAllCollected.
   std::function<ExitStatus()> answer = nullptr;
   /// Whether the output itself shows the troubles, so that they are not repeated as messages.

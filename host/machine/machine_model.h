@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "host/model/address.h"
-#include "host/model/bridge_buses.h"
 #include "runtime/repository.h"
 
 namespace pciinfo {
@@ -24,6 +23,12 @@ struct Link {
   std::string speed;  ///< "8.0 GT/s"; empty if unknown
   std::optional<unsigned> maxWidth;
   std::string maxSpeed;
+};
+
+/// The buses behind a bridge.
+struct BridgeBuses {
+  unsigned secondary = 0;    ///< the bus directly behind the bridge
+  unsigned subordinate = 0;  ///< the highest bus behind the bridge
 };
 
 /// One PCI function. Texts are as the plug-in published them; what is not known is empty.

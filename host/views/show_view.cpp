@@ -150,8 +150,7 @@ std::string SlotBecause(const MachineSlot& slot, const MachineModel& machine) {
 }
 
 Facts SlotFacts(const MachineSlot& slot, const MachineModel& machine) {
-  Facts facts = {{"Slot", NameOf(slot, machine)},
-                 {"Known from", Printable(slot.source)},
+  Facts facts = {{"Known from", Printable(slot.source)},
                  {"State", StateText(slot)},
                  {"Firmware", InWords(slot.usage, SlotUsageText)},
                  {"because", SlotBecause(slot, machine)},
@@ -174,7 +173,7 @@ Facts SlotFacts(const MachineSlot& slot, const MachineModel& machine) {
 }
 
 void WriteShownFacts(Output& output, const Facts& facts, const Terminal& terminal) {
-  constexpr std::size_t kLabel = 14;
+  constexpr std::size_t kLabel = 15;
   Terminal beside = terminal;
   if (terminal.width) beside.width = *terminal.width - kLabel;
   for (const auto& [name, words] : facts) {

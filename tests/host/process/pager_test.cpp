@@ -78,7 +78,7 @@ TEST(Pager, MessagesComeWhenItHasEnded) {
                      {{"PAGER", "cat; sleep 0.3; echo end of the pager"}, {"NO_COLOR", "1"}}};
   const RunResult result = RunOnTerminal(run);
   EXPECT_EQ(result.status, 0);
-  EXPECT_LT(result.out.find("On board:\r\n"), result.out.find("end of the pager"));
+  EXPECT_LT(result.out.find("On board\r\n"), result.out.find("end of the pager"));
   EXPECT_LT(result.out.find("end of the pager"), result.out.find("pciinfo: this machine has no"));
 }
 

@@ -32,7 +32,7 @@ nlohmann::json ShownJson(const std::string& name) {
 TEST(ShowView, ShowsAFunctionWithTheEvidenceForItsPlace) {
   const std::string text = ShownText("01:00.0");
   for (const char* part : {"NVIDIA GP104 [GeForce GTX 1080]\n", "0000:01:00.0", "PCIEX16_1",
-                           "because     0000:01:00.0 is behind the port", "nouveau",
+                           "because      0000:01:00.0 is behind the port", "nouveau",
                            "x8 of x16, 8 of 16 GT/s", "(10de:1b80)"}) {
     EXPECT_THAT(text, HasSubstr(part));
   }
@@ -40,10 +40,10 @@ TEST(ShowView, ShowsAFunctionWithTheEvidenceForItsPlace) {
 
 TEST(ShowView, NeverSaysOnBoardWhereThatIsNotKnown) {
   const std::string text = ShownText("04:00.0");
-  EXPECT_THAT(text, HasSubstr("Place       unknown\n"));
-  EXPECT_THAT(text, HasSubstr("because     it is on the conventional bus"));
+  EXPECT_THAT(text, HasSubstr("Place        unknown\n"));
+  EXPECT_THAT(text, HasSubstr("because      it is on the conventional bus"));
   EXPECT_THAT(text, Not(HasSubstr("board")));
-  EXPECT_THAT(ShownText("02:00.1"), HasSubstr("Place       PCIEX4_1 or PCIEX4_2\n"));
+  EXPECT_THAT(ShownText("02:00.1"), HasSubstr("Place        PCIEX4_1 or PCIEX4_2\n"));
   EXPECT_THAT(ShownText("03:00.0"), HasSubstr("(likely)"));
 }
 
@@ -53,8 +53,8 @@ TEST(ShowView, ShowsASlotByNameNumberAndPort) {
     EXPECT_THAT(text, HasSubstr("Slot PCIEX16_1\n"));
     EXPECT_THAT(text, HasSubstr("01:00.0-1  NVIDIA GP104 [GeForce GTX 1080] + audio\n"));
   }
-  EXPECT_THAT(ShownText("00:01.1"), HasSubstr("Leads to    PCIEX4_1 or PCIEX4_2\n"));
-  EXPECT_THAT(ShownText("M2_1"), HasSubstr("Doubt       the firmware says in use"));
+  EXPECT_THAT(ShownText("00:01.1"), HasSubstr("Leads to     PCIEX4_1 or PCIEX4_2\n"));
+  EXPECT_THAT(ShownText("M2_1"), HasSubstr("Doubt        the firmware says in use"));
 }
 
 TEST(ShowView, FindsTheFunctionOfANetworkInterface) {
