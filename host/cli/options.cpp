@@ -194,7 +194,8 @@ void AddViews(CLI::App& app, Options& options) {
   AddFormat(*tree, options.format, {"table", "json"});
   tree->add_flag("--all", options.showAll, "Show every function; do not fold similar ones");
   CLI::App* show =
-      AddCommand(app, "show", "Print everything known about one function, slot or instance",
+      AddCommand(app, "show",
+                 "Print everything known about a function, slot, network interface or block device",
                  options, Command::kShow);
   show->add_option(
           "NAME", options.target,

@@ -30,6 +30,10 @@ std::string SpeedText(const Link& link) {
   return now == most || most.empty() ? now + " GT/s" : fmt::format("{} of {} GT/s", now, most);
 }
 
+bool LeadsToLink(const MachineFunction& port) {
+  return port.portType == "root port" || port.portType == "switch downstream port";
+}
+
 }  // namespace
 
 std::string LinkText(const Link& link) {
@@ -42,10 +46,14 @@ std::string MostLinkText(const Link& link) {
   return LinkText({link.maxWidth, link.maxSpeed, link.maxWidth, link.maxSpeed});
 }
 
-std::string NarrowLinkText(const Link& device, const Link& port) {
-  if (!device.width || !device.maxWidth || !port.maxWidth) return "";
-  const unsigned possible = std::min(*device.maxWidth, *port.maxWidth);
-  return *device.width < possible ? fmt::format("x{} of x{}", *device.width, possible) : "";
+std::string NarrowLinkText(const MachineFunction& function, const MachineModel& machine) {
+  if (!function.parentPort || function.address.address.function != 0) return "";
+  const MachineFunction* port = machine.Find(*function.parentPort);
+  if (port == nullptr || !LeadsToLink(*port)) return "";
+  const Link& link = function.link;
+  if (!link.width || !link.maxWidth || !port->link.maxWidth) return "";
+  const unsigned possible = std::min(*link.maxWidth, *port->link.maxWidth);
+  return *link.width < possible ? fmt::format("x{} of x{}", *link.width, possible) : "";
 }
 
 }  // namespace pciinfo

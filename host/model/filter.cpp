@@ -115,7 +115,7 @@ constexpr KeyRow kKeys[] = {
     {"bus", &BusTest, "bus number, hexadecimal"},
     {"address", &AddressTest, "[DOMAIN:]BUS:DEVICE[.FUNCTION]"},
     {"kind", &KindTest, "device or bridge"},
-    {"slot", &SlotTest, "slot ID, designation, tag, or none for functions in no slot"},
+    {"slot", &SlotTest, "slot name or ID (tag with instances), or none for functions in no slot"},
 };
 
 std::string KeyList() {

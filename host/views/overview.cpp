@@ -10,6 +10,7 @@
 #include "host/console/text.h"
 #include "host/console/utf8.h"
 #include "host/machine/cards.h"
+#include "host/machine/link_text.h"
 #include "host/machine/names.h"
 #include "host/views/machine_json.h"
 #include "host/views/place_sections.h"
@@ -129,6 +130,16 @@ std::vector<std::string> Doubts(const MachineModel& machine) {
   if (unmatched != 0) {
     doubts.push_back(fmt::format("{} nowhere (\"pciinfo slots\" says why)",
                                  Count(unmatched, "slot leads", "slots lead")));
+  }
+  const auto narrow =
+      static_cast<std::size_t>(std::count_if(machine.functions.begin(), machine.functions.end(),
+                                             [&machine](const MachineFunction& function) {
+                                               return !NarrowLinkText(function, machine).empty();
+                                             }));
+  if (narrow != 0) {
+    doubts.push_back(fmt::format("{} than both ends allow (\"pciinfo tree\" marks {})",
+                                 Count(narrow, "link is narrower", "links are narrower"),
+                                 narrow == 1 ? "it" : "them"));
   }
   return doubts;
 }

@@ -38,15 +38,6 @@ std::string BusesText(const BridgeBuses& buses) {
   return fmt::format("buses {:02x}-{:02x}", buses.secondary, buses.subordinate);
 }
 
-/// A link is between a port and the device below it, whose functions all show it.
-std::string NarrowText(const MachineFunction& function, const MachineModel& machine) {
-  if (!function.parentPort || function.address.address.function != 0) return "";
-  const MachineFunction* port = machine.Find(*function.parentPort);
-  const bool leadsToLink = port != nullptr && (port->portType == "root port" ||
-                                               port->portType == "switch downstream port");
-  return leadsToLink ? NarrowLinkText(function.link, port->link) : "";
-}
-
 /// The names of the slots that each port leads to, "A" or "A or B".
 std::map<std::string, std::string> SlotsAtPorts(const MachineModel& machine) {
   std::map<std::string, std::string> names;
@@ -100,7 +91,7 @@ class TreeWriter {
     const auto slot = slots_.find(FormatAddress(function.address));
     if (slot != slots_.end()) Add(" [" + slot->second + "]", Colour::kGreen);
     if (function.buses) Add("  " + BusesText(*function.buses), Colour::kFaint);
-    const std::string narrow = NarrowText(function, machine_);
+    const std::string narrow = NarrowLinkText(function, machine_);
     if (!narrow.empty()) Add("  link only " + narrow, Colour::kYellow);
     Add("  " + NodeText(node), Colour::kNone);
     output_.Write(TrimEnd(line_) + "\n");
@@ -138,7 +129,7 @@ nlohmann::ordered_json NodeJson(const PortNode& node, const MachineModel& machin
         std::find(slot.ports.begin(), slot.ports.end(), address) != slot.ports.end();
     if (isHere) object["slots"].push_back(ToUtf8(slot.name));
   }
-  const std::string narrow = NarrowText(function, machine);
+  const std::string narrow = NarrowLinkText(function, machine);
   if (!narrow.empty()) object["narrowLink"] = narrow;
   if (!function.buses) return object;
   object["functions"] = nlohmann::ordered_json::array();

@@ -119,10 +119,29 @@ TEST(Links, TellWhatTheyDoOfWhatTheyCan) {
   EXPECT_EQ(MostLinkText({1, "2.5 GT/s", 4, "16.0 GT/s"}), "x4, 16 GT/s");
 }
 
+/// What is told of the link between a port and a card's function.
+std::string NarrowLink(const Link& card, const Link& port, unsigned function = 0,
+                       const char* portType = "root port") {
+  MachineModel machine;
+  machine.functions.resize(2);
+  machine.functions[0].address = {0, {0, 1, 0}};
+  machine.functions[0].portType = portType;
+  machine.functions[0].link = port;
+  machine.functions[1].address = {0, {1, 0, function}};
+  machine.functions[1].parentPort = machine.functions[0].address;
+  machine.functions[1].link = card;
+  return NarrowLinkText(machine.functions[1], machine);
+}
+
 TEST(Links, AreNarrowBelowWhatBothEndsAllow) {
-  EXPECT_EQ(NarrowLinkText({8, "", 16, ""}, {8, "", 16, ""}), "x8 of x16");
-  EXPECT_EQ(NarrowLinkText({8, "", 16, ""}, {8, "", 8, ""}), "");
-  EXPECT_EQ(NarrowLinkText({{}, "", 16, ""}, {8, "", 16, ""}), "");
+  EXPECT_EQ(NarrowLink({8, "", 16, ""}, {8, "", 16, ""}), "x8 of x16");
+  EXPECT_EQ(NarrowLink({8, "", 16, ""}, {8, "", 8, ""}), "");
+  EXPECT_EQ(NarrowLink({{}, "", 16, ""}, {8, "", 16, ""}), "");
+}
+
+TEST(Links, AreToldOnceAndBelowPortsOnly) {
+  EXPECT_EQ(NarrowLink({8, "", 16, ""}, {8, "", 16, ""}, 1), "");
+  EXPECT_EQ(NarrowLink({8, "", 16, ""}, {8, "", 16, ""}, 0, "switch upstream port"), "");
 }
 
 }  // namespace

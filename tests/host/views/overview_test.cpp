@@ -46,6 +46,7 @@ TEST(OverviewOfTheMachine, TellsMachineSlotsAndDoubts) {
         "NVIDIA GP104 [GeForce GTX 1080] + audio\n", "In PCIEX4_1 or PCIEX4_2",
         "In slots that the firmware does not name\n", "On board\n", "Place unknown: ",
         "4 bridges and chipset functions are not listed here", "1 slot leads nowhere",
+        "1 link is narrower than both ends allow (\"pciinfo tree\" marks it)\n",
         "M2_1: the firmware says in use, and none answers\n", "Not shown\na reason\n"}) {
     EXPECT_THAT(text, HasSubstr(part));
   }
