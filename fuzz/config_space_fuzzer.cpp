@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Configuration spaces with any capabilities, as bytes and as listings: which bytes redaction
-// clears, and which buses a bridge leads to. An input is a configuration space; it is also read as
-// the text of a listing.
+// clears. An input is a configuration space; it is also read as the text of a listing.
 #include <array>
 #include <random>
 #include <span>
@@ -11,7 +10,6 @@
 #include "fuzz/fuzz.h"
 #include "fuzz/mutate.h"
 #include "host/capture/redact_config.h"
-#include "host/model/bridge_buses.h"
 
 namespace {
 
@@ -90,26 +88,12 @@ void CheckText(const std::string& text) {
   }
 }
 
-void CheckBuses(const std::string& bytes) {
-  const unsigned bus = ByteAt(bytes, 0x18);
-  const auto* begin = reinterpret_cast<const std::uint8_t*>(bytes.data());
-  const auto buses = pciinfo::ParseBridgeBuses({bus, 0, 0}, std::span(begin, bytes.size()));
-  const unsigned type = ByteAt(bytes, 0x0E) % 128;
-  const unsigned first = ByteAt(bytes, 0x19);
-  const unsigned last = ByteAt(bytes, 0x1A);
-  const bool leads =
-      bytes.size() > 0x1A && (type == 1 || type == 2) && first > bus && last >= first;
-  Require(buses.has_value() == leads, "a bridge leads to buses of higher numbers");
-  if (leads) Require(buses->secondary == first && buses->subordinate == last, "to those it names");
-}
-
 }  // namespace
 
 void fuzz::CheckInput(std::string_view input) {
   const std::string bytes(input);
   CheckConfigSpace(bytes);
   CheckText(bytes);
-  CheckBuses(bytes);
 }
 
 namespace {

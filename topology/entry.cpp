@@ -17,6 +17,7 @@
 #include "framework/root_object.h"
 #include "topology/instances.h"
 #include "topology/kernel_files.h"
+#include "topology/read_failures.h"
 
 namespace topology {
 namespace {
@@ -72,6 +73,7 @@ class Callbacks final : public NQZMVTQ20::IPluginCallbacks,
       const std::string className = cimClass->GetName({});
       if (!IsServed(className)) continue;
       CommitAll(InstancesOf(SnapshotFor(className), className, nameSpaceName), *cimClass);
+      LogReadFailures();
     }
   }
 

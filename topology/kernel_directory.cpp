@@ -10,19 +10,48 @@
 #include <cerrno>
 #include <climits>
 
+#include "topology/read_failures.h"
+
 namespace topology {
 
+namespace {
+
+/// What the kernel answers where a device lacks something, or where links are refused.
+bool IsAbsence(int error) {
+  constexpr std::array kAbsences = {ENOENT, ENOTDIR, ENODEV, ENXIO,
+                                    ELOOP,  EINVAL,  EISDIR, EOPNOTSUPP};
+  return std::find(kAbsences.begin(), kAbsences.end(), error) != kAbsences.end();
+}
+
+}  // namespace
+
 Directory::Directory(const std::string& path)
-    : file_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+    : name_(path), file_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (!IsOpen()) NoteFailure("");
+}
 
 Directory::Directory(const Directory& parent, const char* name, Links links)
-    : file_(parent.IsOpen() ? openat(parent.file_, name,
+    : parent_(&parent),
+      name_(name),
+      file_(parent.IsOpen() ? openat(parent.file_, name,
                                      O_RDONLY | O_DIRECTORY | O_CLOEXEC |
                                          (links == Links::kRefuse ? O_NOFOLLOW : 0))
-                            : -1) {}
+                            : -1) {
+  if (!IsOpen() && parent.IsOpen()) NoteFailure("");
+}
 
 Directory::~Directory() {
   if (IsOpen()) close(file_);
+}
+
+std::string Directory::GetPath() const {
+  return parent_ == nullptr ? name_ : parent_->GetPath() + "/" + name_;
+}
+
+void Directory::NoteFailure(const char* name) const {
+  if (IsAbsence(errno)) return;
+  const int error = errno;
+  NoteReadFailure(*name == '\0' ? GetPath() : GetPath() + "/" + name, error);
 }
 
 std::vector<std::string> Directory::Names() const {
@@ -30,6 +59,7 @@ std::vector<std::string> Directory::Names() const {
   const int copy = IsOpen() ? openat(file_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
   DIR* const stream = copy < 0 ? nullptr : fdopendir(copy);
   if (stream == nullptr) {
+    if (IsOpen()) NoteFailure("");
     if (copy >= 0) close(copy);
     return names;
   }
@@ -52,12 +82,16 @@ int Directory::OpenFile(const char* name) const {
 std::optional<std::string> Directory::Read(const char* name, std::size_t limit,
                                            std::size_t offset) const {
   const int file = OpenFile(name);
-  if (file < 0) return std::nullopt;
+  if (file < 0) {
+    NoteFailure(name);
+    return std::nullopt;
+  }
   std::string content(limit, '\0');
   std::size_t size = 0;
   while (size < limit) {
     const ssize_t count =
         pread(file, content.data() + size, limit - size, static_cast<off_t>(offset + size));
+    if (count < 0) NoteFailure(name);
     if (count <= 0) break;
     const bool isLast = static_cast<std::size_t>(count) < limit - size;
     size += static_cast<std::size_t>(count);
@@ -80,6 +114,7 @@ std::string Directory::ReadLinkName(const char* name) const {
   if (!IsOpen()) return "";
   std::array<char, PATH_MAX> target{};
   const ssize_t size = readlinkat(file_, name, target.data(), target.size());
+  if (size < 0) NoteFailure(name);
   if (size <= 0) return "";
   const std::string text(target.data(), static_cast<std::size_t>(size));
   return text.substr(text.rfind('/') + 1);

@@ -20,7 +20,8 @@ std::optional<Number> ParseNumber(const std::string& text) {
 }
 
 /// A directory of the kernel's that is open. Files are opened relative to it, which spares the
-/// kernel the path. What cannot be opened or read is as if it were not there.
+/// kernel the path. What cannot be opened or read is as if it were not there; where that is a
+/// failure, see read_failures.h, it is noted.
 class Directory {
  public:
   /// Links in /sys lead to other devices, so whoever walks downwards refuses them.
@@ -33,6 +34,8 @@ class Directory {
   ~Directory();
 
   bool IsOpen() const { return file_ >= 0; }
+
+  std::string GetPath() const;
 
   /// The entries whose names do not begin with a dot, sorted.
   std::vector<std::string> Names() const;
@@ -56,6 +59,11 @@ class Directory {
   int OpenFile(const char* name) const;
 
  private:
+  /// Notes why a call for `name` failed, unless errno says that there is no such thing.
+  void NoteFailure(const char* name) const;
+
+  const Directory* parent_ = nullptr;  ///< outlives this one
+  std::string name_;                   ///< below the parent
   int file_;
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/logger.h"
 #include "framework/os_specific.h"
 #include "framework/smbios.h"
 #include "topology/firmware_records.h"
@@ -30,16 +31,19 @@ Structure StructureIn(const std::vector<unsigned char>& buffer) {
 }
 
 /// Passes every structure of `type` to `take`. One that is larger than the buffer is left out.
+/// Returns the status of the first, kNotFound if there is none.
 template <class Take>
-void ForEachStructure(void* handle, int type, const Take& take) {
+Status ForEachStructure(void* handle, int type, const Take& take) {
   // A formatted area of at most 255 bytes and as many strings; real ones have some hundred bytes.
   std::vector<unsigned char> buffer(0x10000);
   auto size = static_cast<int>(buffer.size());
-  Status status = NQZMVTQ20::smBiosGetFirst(handle, type, buffer.data(), &size);
+  const Status first = NQZMVTQ20::smBiosGetFirst(handle, type, buffer.data(), &size);
+  Status status = first;
   while (status == TVTQStatusCode::kSuccess || status == TVTQStatusCode::kBufferTooSmall) {
     if (status == TVTQStatusCode::kSuccess) take(StructureIn(buffer));
     status = NQZMVTQ20::smBiosGetNext(handle, buffer.data(), &size);
   }
+  return first;
 }
 
 std::string Reason(Status status) {
@@ -55,20 +59,31 @@ std::string Reason(Status status) {
   }
 }
 
+/// Says in the framework's log why instances are missing.
+void Report(const std::string& record) {
+  NQZMVTQ20::fdrWriteLog(NQZMVTQ20::ILogger::kStatus, record.c_str());
+}
+
+void ReportStatus(const std::string& what, Status status) {
+  Report(what + ": status " + std::to_string(status));
+}
+
 void ReadFirmware(const NQZMVTQ20::TPluginManagerProvider* provider, Machine& machine) {
   void* handle = nullptr;
   const Status status = NQZMVTQ20::smBiosLoad(provider, &handle);
   if (status != TVTQStatusCode::kSuccess) {
     machine.noRecordsBecause = Reason(status);
+    ReportStatus("SMBIOS tables not loaded", status);
     return;
   }
   const std::unique_ptr<void, void (*)(void*)> closer(
       handle, [](void* open) { NQZMVTQ20::smBiosClose(&open); });
-  ForEachStructure(handle, kSlotType, [&](Structure structure) {
+  const Status first = ForEachStructure(handle, kSlotType, [&](Structure structure) {
     if (auto record = DecodeSlotRecord(structure)) {
       machine.slotRecords.push_back(std::move(*record));
     }
   });
+  if (first != TVTQStatusCode::kSuccess) ReportStatus("SMBIOS slot records not read", first);
   ForEachStructure(handle, kBoardType, [&](Structure structure) {
     if (auto record = DecodeBoardRecord(structure)) {
       machine.boardRecords.push_back(std::move(*record));
@@ -100,6 +115,7 @@ Snapshot::Snapshot(Machine machine, PciNames names)
 std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider* provider) {
   Machine machine;
   machine.functions = ReadFunctions();
+  if (machine.functions.empty()) Report("The kernel shows no PCI functions.");
   machine.kernelSlots = ReadKernelSlots();
   ReadSlotStates(machine.kernelSlots);
   ReadFirmware(provider, machine);

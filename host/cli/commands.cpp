@@ -145,8 +145,7 @@ bool IsNeeded(const PluginFile& plugin, const Job& job) {
 /// The work of a view: collects what the job needs and prints it.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
                        const LogSettings& log, Worker& worker) {
-  TroubleReport report(std::filesystem::exists("/proc/bus/pci"), job.showsSlots,
-                       !options.root.empty());
+  TroubleReport report(std::filesystem::exists("/proc/bus/pci"), !options.root.empty());
   Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
   for (const PluginFile& plugin : plugins.plugins) {

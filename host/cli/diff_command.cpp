@@ -108,7 +108,7 @@ ExitStatus CompareSides(const Options& options, const WorkRunner& compare,
                         const CommandRunner& view) {
   CheckSides(options);
   const PluginSet plugins = FindPlugins(options.plugins);
-  RequireViewClasses(plugins);
+  RequireInventoryClasses(plugins);
   const Classes& declared = plugins.declared.classes;
   CheckIgnored(options.ignored, declared);
   const DiffSide before = ReadDiffSide(options.diffBefore, options, view);

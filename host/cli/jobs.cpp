@@ -13,8 +13,9 @@
 #include "host/check/check_view.h"
 #include "host/collect/query_order.h"
 #include "host/formats/instance_writer.h"
-#include "host/model/bridge_buses.h"
-#include "host/model/bus_tree.h"
+#include "host/machine/machine_filter.h"
+#include "host/machine/machine_model.h"
+#include "host/machine/port_tree.h"
 #include "host/model/machine_identity.h"
 #include "host/views/classes_view.h"
 #include "host/views/devices_view.h"
@@ -28,9 +29,9 @@ namespace {
 
 using Classes = std::vector<vtq::ClassSchema>;
 
-constexpr const char* kViewClasses[] = {"QZMSG_PCIDevice",    "QZMSG_PCIBridge",
-                                        "QZMSG_SystemSlot",   "QZMSG_SystemBoard",
-                                        "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
+constexpr const char* kInventoryClasses[] = {"QZMSG_PCIDevice",    "QZMSG_PCIBridge",
+                                             "QZMSG_SystemSlot",   "QZMSG_SystemBoard",
+                                             "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
 
 Job MakeView(std::vector<std::string> collect,
              std::function<void(const Session& session, Output& output)> print) {
@@ -40,38 +41,19 @@ Job MakeView(std::vector<std::string> collect,
   return job;
 }
 
-/// Makes the job of a view that shows what the filter keeps. A filter by slot needs the slot
-/// classes too.
-Job ViewJob(const Options& options, const Classes& declared, std::vector<std::string> classes,
-            const std::function<void(const vtq::Namespace& kept, Output& output)>& write) {
-  if (options.filter.NeedsSlots()) classes.emplace_back("QZMSG_DeviceInSlot");
-  return MakeView(PlanQuery(declared, classes).collect,
-                  [write, filter = options.filter](const Session& session, Output& output) {
-                    if (filter.IsEmpty()) return write(session.GetRepository(), output);
-                    write(*KeptOf(session.GetRepository(), filter), output);
-                  });
-}
-
 Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto print = [terminal, filter = options.filter](const Session& session, Output& output) {
-    const auto kept = KeptOf(session.GetRepository(), filter);
-    WriteOverview(output, MakeOverview(*kept, ReadIdentity(), session.GetReport().GetLines()),
-                  terminal);
-  };
-  Job job =
-      MakeView(PlanQuery(declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}).collect, print);
-  job.showsTroubles = terminal.width.has_value();
-  return job;
-}
-
-Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const bool asJson = options.format == "json";
-  Job job = ViewJob(options, declared, {"QZMSG_PCIDevice", "QZMSG_PCIBridge"},
-                    [asJson, terminal](const vtq::Namespace& kept, Output& output) {
-                      if (asJson) return WriteDevicesJson(output, kept);
-                      WriteDevicesTable(output, kept, terminal);
-                    });
-  job.showsSlots = options.filter.NeedsSlots();
+  const auto print = [asJson, terminal, filter = options.filter](const Session& session,
+                                                                 Output& output) {
+    const vtq::Namespace& repository = session.GetRepository();
+    const Overview overview = {ReadIdentity(), session.GetSystemName(),
+                               KeptOf(ReadMachine(repository), filter),
+                               session.GetReport().GetLines()};
+    if (asJson) return WriteOverviewJson(output, overview);
+    WriteOverview(output, overview, terminal);
+  };
+  Job job = MakeView(PlanQuery(declared, MachineClasses()).collect, print);
+  job.showsTroubles = asJson || terminal.width.has_value();
   return job;
 }
 
@@ -91,11 +73,13 @@ Job InstancesJob(const Options& options, const Declarations& plugins, const Term
   std::vector<std::string> collect = print;
   // The filter keeps a slot if it keeps a function in it.
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
-  return ViewJob(options, declared, std::move(collect),
-                 [print, format = options.format, isShown = terminal.width.has_value()](
-                     const vtq::Namespace& kept, Output& output) {
-                   WriteInstances(kept, print, *MakeInstanceWriter(format, output, isShown));
-                 });
+  const auto write = [print, format = options.format, isShown = terminal.width.has_value(),
+                      filter = options.filter](const Session& session, Output& output) {
+    const auto writer = MakeInstanceWriter(format, output, isShown);
+    if (filter.IsEmpty()) return WriteInstances(session.GetRepository(), print, *writer);
+    WriteInstances(*KeptOf(session.GetRepository(), filter), print, *writer);
+  };
+  return MakeView(PlanQuery(declared, collect).collect, write);
 }
 
 Job ClassesJob(const PluginSet& plugins) {
@@ -120,66 +104,79 @@ Job CheckJob(const Options& options, const Classes& declared) {
   return job;
 }
 
-Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const bool asJson = options.format == "json";
-  return ViewJob(options, declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"},
-                 [asJson, terminal](const vtq::Namespace& kept, Output& output) {
-                   const SlotsModel model = ReadSlots(kept);
-                   if (asJson) return WriteSlotsJson(output, model);
-                   WriteSlotsTable(output, model, terminal);
-                 });
+/// Makes the job of a view of the machine, as far as the filter keeps it.
+Job MachineJob(const Options& options, const Classes& declared,
+               const std::function<void(const MachineModel& kept, Output& output)>& write) {
+  return MakeView(PlanQuery(declared, MachineClasses()).collect,
+                  [write, filter = options.filter](const Session& session, Output& output) {
+                    write(KeptOf(ReadMachine(session.GetRepository()), filter), output);
+                  });
 }
 
-/// Reads the tree of the functions that the filter keeps and of the bridges above them.
-std::vector<RootBus> ReadTree(const vtq::Namespace& repository, const Filter& filter) {
-  std::vector<RootBus> tree =
-      MakeBusTree({ReadFunctions(repository), ReadSlots(repository).slots,
-                   [](const PciAddress& address) { return ReadBridgeBuses(address); }});
-  if (filter.IsEmpty()) return tree;
-  const auto kept = KeptOf(repository, filter);
-  Prune(tree, [&kept](const PciFunction& function) {
-    return kept->Find("QZMSG_PCIDevice")->Find(function.path) != nullptr ||
-           kept->Find("QZMSG_PCIBridge")->Find(function.path) != nullptr;
-  });
-  return tree;
+Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
+  const auto write = [asJson = options.format == "json", columns = options.columns, terminal](
+                         const MachineModel& kept, Output& output) {
+    if (asJson) return WriteDevicesJson(output, kept);
+    WriteDevicesTable(output, kept, columns, terminal);
+  };
+  return MachineJob(options, declared, write);
+}
+
+Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
+  const auto write = [asJson = options.format == "json", choice = options.slotChoice, terminal](
+                         const MachineModel& kept, Output& output) {
+    const MachineModel chosen = ChosenSlots(kept, choice);
+    if (asJson) return WriteSlotsJson(output, chosen);
+    WriteSlotsTable(output, chosen, terminal);
+  };
+  return MachineJob(options, declared, write);
 }
 
 Job TreeJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [filter = options.filter, terminal, asJson = options.format == "json",
                       all = options.showAll](const Session& session, Output& output) {
-    std::vector<RootBus> tree = ReadTree(session.GetRepository(), filter);
-    if (asJson) return WriteTreeJson(output, tree);
+    const MachineModel machine = ReadMachine(session.GetRepository());
+    std::vector<RootBus> tree = MakePortTree(machine);
+    if (!filter.IsEmpty()) {
+      Prune(tree,
+            [&](const MachineFunction& function) { return Keeps(filter, machine, function); });
+    }
+    if (asJson) return WriteTreeJson(output, tree, machine);
     if (!all) FoldAlike(tree);
-    WriteTree(output, tree, terminal);
+    WriteTree(output, tree, machine, terminal);
   };
-  return MakeView(PlanQuery(declared, {"QZMSG_DeviceInSlot"}).collect, print);
+  return MakeView(PlanQuery(declared, MachineClasses()).collect, print);
 }
 
 Job ShowJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto print = [name = options.target, terminal, asJson = options.format == "json"](
-                         const vtq::Namespace& kept, Output& output) {
-    const Shown shown = FindNamed(kept, name);
-    if (asJson) return WriteShownJson(output, shown);
-    WriteShown(output, shown, terminal);
+                         const Session& session, Output& output) {
+    const auto shown = FindNamed(session.GetRepository(), name);
+    if (asJson) return WriteShownJson(output, *shown);
+    WriteShown(output, *shown, terminal);
   };
-  return ViewJob(options, declared, ClassesToFind(declared, options.target), print);
+  return MakeView(ClassesToFind(declared, options.target), print);
 }
 
-bool NeedsViewClasses(const Options& options) {
-  if (options.command == Command::kClasses) return false;
-  return options.command != Command::kInstances || !options.filter.IsEmpty();
+bool IsPartOfInventory(const Options& options) {
+  if (options.command == Command::kInstances) return !options.filter.IsEmpty();
+  return options.command == Command::kCheck || options.command == Command::kDiff;
 }
 
-}  // namespace
+bool ShowsMachine(const Options& options) {
+  if (options.command == Command::kShow) return !options.target.starts_with('/');
+  return options.command == Command::kOverview || options.command == Command::kDevices ||
+         options.command == Command::kSlots || options.command == Command::kTree;
+}
 
-void RequireViewClasses(const PluginSet& plugins) {
+void RequireClasses(const PluginSet& plugins, const std::vector<std::string>& names) {
   std::vector<std::string> missing;
-  for (const char* name : kViewClasses) {
+  for (const std::string& name : names) {
     const auto& classes = plugins.declared.classes;
     const bool isDeclared =
         std::any_of(classes.begin(), classes.end(),
-                    [name](const vtq::ClassSchema& schema) { return schema.name == name; });
-    if (!isDeclared) missing.emplace_back(name);
+                    [&name](const vtq::ClassSchema& schema) { return schema.name == name; });
+    if (!isDeclared) missing.push_back(name);
   }
   if (missing.empty()) return;
   throw std::runtime_error(
@@ -189,8 +186,15 @@ void RequireViewClasses(const PluginSet& plugins) {
                   fmt::join(missing, ", ")));
 }
 
+}  // namespace
+
+void RequireInventoryClasses(const PluginSet& plugins) {
+  RequireClasses(plugins, {std::begin(kInventoryClasses), std::end(kInventoryClasses)});
+}
+
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal) {
-  if (NeedsViewClasses(options)) RequireViewClasses(plugins);
+  if (IsPartOfInventory(options)) RequireInventoryClasses(plugins);
+  if (ShowsMachine(options)) RequireClasses(plugins, MachineClasses());
   const Classes& declared = plugins.declared.classes;
   switch (options.command) {
     case Command::kDevices:

@@ -16,8 +16,6 @@ namespace pciinfo {
 struct Job {
   std::vector<std::string> collect;
   std::function<void(const Session& session, Output& output)> print;
-  /// Whether the output shows slots. If not, troubles about slots are not reported.
-  bool showsSlots = true;
   /// The exit status when everything was collected and printed; empty: kAllCollected.
   std::function<ExitStatus()> answer = nullptr;
   /// Whether the output itself shows the troubles, so that they are not repeated as messages.
@@ -31,8 +29,8 @@ struct Job {
 /// must outlive the job.
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal);
 
-/// Throws std::runtime_error unless the classes of functions, slots and the board are declared,
-/// which all views are made of; it says what to do.
-void RequireViewClasses(const PluginSet& plugins);
+/// Throws std::runtime_error unless the classes of the inventory are declared, which `check` and
+/// `diff` read; it says what to do.
+void RequireInventoryClasses(const PluginSet& plugins);
 
 }  // namespace pciinfo

@@ -8,6 +8,7 @@
 #include "host/formats/instance_writer.h"
 #include "host/replay/protection.h"
 #include "host/schema/schema_writer.h"
+#include "host/views/devices_view.h"
 
 namespace pciinfo {
 namespace {
@@ -166,18 +167,40 @@ void AddDiff(CLI::App& app, Options& options) {
   diff->footer(kDiffFooter);
 }
 
+void AddSlots(CLI::App& app, Options& options) {
+  CLI::App* slots = AddCommand(app, "slots", "Print the slots, and which card sits in which",
+                               options, Command::kSlots);
+  AddFormat(*slots, options.format, {"table", "json"});
+  CLI::Option* free = slots->add_flag_callback(
+      "--free", [&options] { options.slotChoice = SlotChoice::kFree; },
+      "Show only slots that are known to be empty");
+  slots
+      ->add_flag_callback(
+          "--occupied", [&options] { options.slotChoice = SlotChoice::kOccupied; },
+          "Show only slots that are known to hold a card")
+      ->excludes(free);
+}
+
 void AddViews(CLI::App& app, Options& options) {
   CLI::App* devices =
       AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
   AddFormat(*devices, options.format, {"table", "json"});
+  devices->add_option("--columns", options.columns, "Show these columns, in this order")
+      ->type_name("NAME,...")
+      ->delimiter(',')
+      ->expected(1)
+      ->check(CLI::IsMember(DeviceColumns()));
   CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
   AddFormat(*tree, options.format, {"table", "json"});
   tree->add_flag("--all", options.showAll, "Show every function; do not fold similar ones");
   CLI::App* show =
-      AddCommand(app, "show", "Print everything known about one function, slot or instance",
+      AddCommand(app, "show",
+                 "Print everything known about a function, slot, network interface or block device",
                  options, Command::kShow);
-  show->add_option("NAME", options.target,
-                   "Address of a function, slot ID, designation or tag of a slot, or object path")
+  show->add_option(
+          "NAME", options.target,
+          "Address of a function, name or ID of a slot, network interface, block device, or object "
+          "path")
       ->required();
   AddFormat(*show, options.format, {"table", "json"});
 }
@@ -192,9 +215,7 @@ void AddCommands(CLI::App& app, Options& options) {
   AddFormat(*instances, options.format, InstanceFormats());
   AddCommand(app, "classes", "Print the plug-ins and the classes that they provide", options,
              Command::kClasses);
-  CLI::App* slots = AddCommand(app, "slots", "Print system slots with the PCI functions in them",
-                               options, Command::kSlots);
-  AddFormat(*slots, options.format, {"table", "json"});
+  AddSlots(app, options);
   AddViews(app, options);
   CLI::App* check =
       AddCommand(app, "check", "Report what is missing or doubtful in the inventory, and why",
@@ -218,8 +239,9 @@ void AddCommands(CLI::App& app, Options& options) {
 }
 
 bool CanFilter(Command command) {
-  return command != Command::kClasses && command != Command::kCapture &&
-         command != Command::kSchema && command != Command::kCheck && command != Command::kDiff;
+  return command != Command::kShow && command != Command::kClasses &&
+         command != Command::kCapture && command != Command::kSchema &&
+         command != Command::kCheck && command != Command::kDiff;
 }
 
 }  // namespace
@@ -229,6 +251,7 @@ std::shared_ptr<CLI::App> BuildApp(Options& options) {
       "Shows the PCI functions and system slots of this machine.\n"
       "Without a command, prints an overview.",
       "pciinfo");
+  AddFormat(*app, options.format, {"table", "json"});
   AddGlobalOptions(*app, options);
   AddCommands(*app, options);
   return app;

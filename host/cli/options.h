@@ -11,6 +11,7 @@
 #include "host/collect/plugin_files.h"
 #include "host/console/terminal.h"
 #include "host/model/filter.h"
+#include "host/views/slots_view.h"
 
 namespace CLI {
 class App;
@@ -68,6 +69,8 @@ struct Options {
   std::vector<std::string> ignored;
   std::string target;    ///< of `show`: an address, a slot, or an object path
   bool showAll = false;  ///< of `tree`: every function on its line; of `instances`: every class
+  SlotChoice slotChoice = SlotChoice::kAll;  ///< of `slots`
+  std::vector<std::string> columns;          ///< of `devices`; empty: the usual ones
   Filter filter;
   TerminalWishes terminal;
 };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "framework/exception.h"
+#include "framework/schema_helper.h"
 #include "host/base/namespace_name.h"
 #include "host/collect/stderr_log.h"
 #include "runtime/root.h"
@@ -125,6 +126,10 @@ std::vector<std::string> Session::EndPlugins() {
     manager_->End(plugin);
   }
   return manager_->GetViolations();
+}
+
+std::string Session::GetSystemName() const {
+  return NQZMVTQ20::TCIMSchemaHelper::GetSystemName(repository_);
 }
 
 std::optional<std::string> Session::GetLogFailure() const {

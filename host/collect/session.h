@@ -45,6 +45,8 @@ class Session final {
   std::vector<std::string> EndPlugins();
 
   const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
+  /// The name of the system, see NQZMVTQ20::TCIMSchemaHelper.
+  std::string GetSystemName() const;
   const TroubleReport& GetReport() const noexcept { return report_; }
   /// Returns why a log record could not be written; nothing if all were.
   std::optional<std::string> GetLogFailure() const;

@@ -7,8 +7,7 @@ namespace pciinfo {
 
 using NQZMVTQ20::ILogger;
 
-TroubleReport::TroubleReport(bool hasPciBus, bool slotsMatter, bool isCapture)
-    : slotsMatter_(slotsMatter) {
+TroubleReport::TroubleReport(bool hasPciBus, bool isCapture) {
   circumstances_.hasPciBus = hasPciBus;
   circumstances_.isCapture = isCapture;
 }
@@ -32,16 +31,13 @@ void TroubleReport::AddServiceFailure(const std::string& description) {
 }
 
 void TroubleReport::AddDoubt(const std::string& description) {
-  Add({Verdict::kTrouble, Subject::kFunctions, description});
+  Add({Verdict::kTrouble, description});
 }
 
-void TroubleReport::AddFailure(const std::string& why) {
-  Add({Verdict::kClassLost, Subject::kFunctions, why});
-}
+void TroubleReport::AddFailure(const std::string& why) { Add({Verdict::kClassLost, why}); }
 
 void TroubleReport::Add(const Finding& finding) {
   if (finding.verdict == Verdict::kNothing) return;
-  if (finding.subject == Subject::kSlots && !slotsMatter_) return;
   const std::string line = LineOf(finding);
   const bool lostClass = finding.verdict == Verdict::kClassLost;
   if (!told_.insert(lostClass ? line : finding.text).second) return;

@@ -13,9 +13,8 @@ namespace pciinfo {
 /// reported once, for the first of them. A lost class is reported for every such class.
 class TroubleReport final {
  public:
-  /// `hasPciBus` and `isCapture` as in Circumstances. Findings about slots are dropped unless
-  /// `slotsMatter`.
-  TroubleReport(bool hasPciBus, bool slotsMatter, bool isCapture = false);
+  /// `hasPciBus` and `isCapture` as in Circumstances.
+  explicit TroubleReport(bool hasPciBus, bool isCapture = false);
 
   /// Later records and failures belong to `className`.
   void BeginClass(std::string className);
@@ -42,7 +41,6 @@ class TroubleReport final {
   void Add(const Finding& finding);
   std::string LineOf(const Finding& finding) const;
 
-  bool slotsMatter_;
   Circumstances circumstances_;
   std::string className_;
   std::set<std::string> told_;

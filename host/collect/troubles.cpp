@@ -21,18 +21,29 @@ struct RecordRow {
   std::string_view beginning;
   When when;
   Verdict verdict;
-  Subject subject;
-  /// The message, with {record} for the whole record, {rest} for the part after `beginning` and
-  /// {why} for the reason that the failing service gave.
+  /// The message, with {effect} for what is missing therefore, {record} for the whole record,
+  /// {rest} for the part after `beginning` and {why} for the reason that the failing service gave.
   const char* clause;
 };
 
 constexpr const char* kNoPciBus =
     "this machine shows no PCI bus (/proc/bus/pci does not exist), so it has no PCI functions";
 
+constexpr const char* kNoFunctions =
+    "this machine shows no PCI bus (/sys/bus/pci/devices and /proc/bus/pci are missing or empty), "
+    "so "
+    "it has no PCI functions";
+
 constexpr const char* kNoTables =
-    "this machine has no SMBIOS tables, so no slots are known; they come from the firmware of "
-    "physical machines and of virtual machines that are set up with SMBIOS slot records";
+    "this machine has no SMBIOS tables, so {effect}; they come from the firmware of physical "
+    "machines and of virtual machines that are set up with SMBIOS slot records";
+
+constexpr const char* kNoSlotRecords =
+    "this machine's SMBIOS tables hold no slot records, so {effect}; a firmware update or, for a "
+    "virtual machine, SMBIOS type 9 records in its settings can add them";
+
+constexpr const char* kNoSlots = "no slots are known";
+constexpr const char* kKernelSlotsOnly = "only the slots that the kernel shows are known";
 
 /// The wording for a capture: the captured machine may have what the capture lacks.
 struct CaptureRow {
@@ -42,8 +53,10 @@ struct CaptureRow {
 
 constexpr CaptureRow kCaptureClauses[] = {
     {kNoPciBus, "this capture holds no /proc/bus/pci, so it has no PCI functions"},
+    {kNoFunctions,
+     "this capture holds no /sys/bus/pci/devices and no /proc/bus/pci, so it has no PCI functions"},
     {kNoTables,
-     "this capture holds no SMBIOS tables, so no slots are known; on most machines only root can "
+     "this capture holds no SMBIOS tables, so {effect}; on most machines only root can "
      "capture them"},
 };
 
@@ -51,34 +64,33 @@ constexpr CaptureRow kCaptureClauses[] = {
 constexpr RecordRow kRecords[] = {
     // A progress line that the plug-in writes as an error for every function that is in no slot: on
     // most machines, nearly every function.
-    {"Exiting correlateDeviceAndSlot", When::kAlways, Verdict::kNothing, Subject::kSlots, ""},
-    {"Could not open PCI devices file.", When::kNoPciBus, Verdict::kNotice, Subject::kFunctions,
-     kNoPciBus},
-    {"Could not open PCI devices file.", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
+    {"Exiting correlateDeviceAndSlot", When::kAlways, Verdict::kNothing, ""},
+    {"Could not open PCI devices file.", When::kNoPciBus, Verdict::kNotice, kNoPciBus},
+    {"Could not open PCI devices file.", When::kAlways, Verdict::kTrouble,
      "the kernel's list of PCI functions, /proc/bus/pci/devices, could not be opened"},
     // Only very old kernels have /proc/pci.
-    {"Could not open PCI description file.", When::kAlways, Verdict::kNothing, Subject::kFunctions,
-     ""},
+    {"Could not open PCI description file.", When::kAlways, Verdict::kNothing, ""},
     {"PCI description spawn encountered an error in lspci: ", When::kAlways, Verdict::kTrouble,
-     Subject::kFunctions, "lspci gave no descriptions: {rest}"},
-    {"PCI description buffer is empty", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
+     "lspci gave no descriptions: {rest}"},
+    {"PCI description buffer is empty", When::kAlways, Verdict::kTrouble,
      "lspci gave no descriptions: it printed nothing"},
-    {"Could not open PCI file.", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
+    {"Could not open PCI file.", When::kAlways, Verdict::kTrouble,
      "{rest} could not be opened; this function is missing"},
-    {"Could not read PCI file ", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
+    {"Could not read PCI file ", When::kAlways, Verdict::kTrouble,
      "{rest} could not be read; this function is missing"},
-    {"Configuration vendor id ", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
+    {"Configuration vendor id ", When::kAlways, Verdict::kTrouble,
      "{record} This function is missing."},
-    {"Configuration device id ", When::kAlways, Verdict::kTrouble, Subject::kFunctions,
+    {"Configuration device id ", When::kAlways, Verdict::kTrouble,
      "{record} This function is missing."},
     // lspci fails where there is nothing to list.
     {"PCIInfo plugin threw unknown exception", When::kLspciWithoutPciBus, Verdict::kNotice,
-     Subject::kFunctions, kNoPciBus},
+     kNoPciBus},
     {"PCIInfo plugin threw unknown exception", When::kAlways, Verdict::kClassLost,
-     Subject::kFunctions, "the class could not be collected: {why}"},
+     "the class could not be collected: {why}"},
     {"PciDevInfo encountered an error generating CIM instances for ", When::kAlways,
-     Verdict::kTrouble, Subject::kFunctions, "an instance could not be created: {rest}"},
-    {"PCI Slot ID ", When::kAlways, Verdict::kTrouble, Subject::kSlots,
+     Verdict::kTrouble, "an instance could not be created: {rest}"},
+    {"The kernel shows no PCI functions.", When::kAlways, Verdict::kNotice, kNoFunctions},
+    {"PCI Slot ID ", When::kAlways, Verdict::kTrouble,
      "a PCI function refers to a slot that does not exist: {record}"},
 };
 
@@ -87,13 +99,16 @@ enum class Step { kLoad, kFirst };
 struct SmbiosRow {
   std::string_view beginning;  // the rest of the record is a status code
   Step step;
+  const char* effect;
 };
 
 constexpr SmbiosRow kSmbiosRecords[] = {
-    {"SMBIOS library could not load. Error ", Step::kLoad},
-    {"Unable to open SMBIOS library error: ", Step::kLoad},
-    {"Return from smBiosGetFirst: Error ", Step::kFirst},
-    {"Return from smBiosGetFirst: ", Step::kFirst},
+    {"SMBIOS library could not load. Error ", Step::kLoad, kNoSlots},
+    {"Unable to open SMBIOS library error: ", Step::kLoad, kNoSlots},
+    {"Return from smBiosGetFirst: Error ", Step::kFirst, kNoSlots},
+    {"Return from smBiosGetFirst: ", Step::kFirst, kNoSlots},
+    {"SMBIOS tables not loaded: status ", Step::kLoad, kKernelSlotsOnly},
+    {"SMBIOS slot records not read: status ", Step::kFirst, kKernelSlotsOnly},
 };
 
 struct StatusRow {
@@ -105,19 +120,17 @@ struct StatusRow {
 
 constexpr StatusRow kStatuses[] = {
     {Step::kLoad, TVTQStatusCode::kNotFound, Verdict::kNotice, kNoTables},
-    {Step::kFirst, TVTQStatusCode::kNotFound, Verdict::kNotice,
-     "this machine's SMBIOS tables hold no slot records, so no slots are known; a firmware update "
-     "or, for a virtual machine, SMBIOS type 9 records in its settings can add them"},
+    {Step::kFirst, TVTQStatusCode::kNotFound, Verdict::kNotice, kNoSlotRecords},
     {Step::kLoad, TVTQStatusCode::kAccessDenied, Verdict::kTrouble,
-     "this user may not read the SMBIOS tables, so no slots are known; run as root"},
+     "this user may not read the SMBIOS tables, so {effect}; run as root"},
     {Step::kLoad, TVTQStatusCode::kCorruptData, Verdict::kTrouble,
-     "the SMBIOS tables are damaged, so no slots are known: {why}"},
+     "the SMBIOS tables are damaged, so {effect}: {why}"},
     {Step::kFirst, TVTQStatusCode::kBufferTooSmall, Verdict::kTrouble,
-     "the first SMBIOS slot record is too large, so no slots are known"},
+     "the first SMBIOS slot record is too large, so {effect}"},
 };
 
 constexpr const char* kOtherStatus =
-    "the SMBIOS tables could not be read (status {rest}), so no slots are known: {why}";
+    "the SMBIOS tables could not be read (status {rest}), so {effect}: {why}";
 
 /// Replaces each run of tabs, which align the text in a log, by one space.
 std::string WithoutTabs(std::string_view record) {
@@ -141,10 +154,10 @@ const char* Worded(const char* clause, const Circumstances& circumstances) {
 }
 
 std::string Fill(const char* clause, std::string_view record, std::string_view rest,
-                 const Circumstances& circumstances) {
+                 const Circumstances& circumstances, const char* effect = "") {
   if (*clause == '\0') return {};
   const std::string& failure = circumstances.serviceFailure;
-  return fmt::format(fmt::runtime(Worded(clause, circumstances)),
+  return fmt::format(fmt::runtime(Worded(clause, circumstances)), fmt::arg("effect", effect),
                      fmt::arg("record", WithoutTabs(record)), fmt::arg("rest", WithoutTabs(rest)),
                      fmt::arg("why", failure.empty() ? "no reason was given" : failure));
 }
@@ -156,19 +169,23 @@ std::optional<int> StatusCodeIn(std::string_view text) {
   return code;
 }
 
-Finding JudgeStatus(Step step, std::string_view record, std::string_view rest,
+Finding JudgeStatus(const SmbiosRow& read, std::string_view record,
                     const Circumstances& circumstances) {
+  const std::string_view rest = record.substr(read.beginning.size());
+  const auto fill = [&](const char* clause) {
+    return Fill(clause, record, rest, circumstances, read.effect);
+  };
   for (const StatusRow& row : kStatuses) {
-    if (row.step != step || row.code != StatusCodeIn(rest)) continue;
-    return {row.verdict, Subject::kSlots, Fill(row.clause, record, rest, circumstances)};
+    if (row.step != read.step || row.code != StatusCodeIn(rest)) continue;
+    return {row.verdict, fill(row.clause)};
   }
-  return {Verdict::kTrouble, Subject::kSlots, Fill(kOtherStatus, record, rest, circumstances)};
+  return {Verdict::kTrouble, fill(kOtherStatus)};
 }
 
 std::optional<Finding> JudgeSmbios(std::string_view record, const Circumstances& circumstances) {
   for (const SmbiosRow& row : kSmbiosRecords) {
     if (!record.starts_with(row.beginning)) continue;
-    return JudgeStatus(row.step, record, record.substr(row.beginning.size()), circumstances);
+    return JudgeStatus(row, record, circumstances);
   }
   return std::nullopt;
 }
@@ -187,9 +204,9 @@ Finding JudgeText(std::string_view record, const Circumstances& circumstances) {
   for (const RecordRow& row : kRecords) {
     if (!Fits(row, record, circumstances)) continue;
     const std::string_view rest = record.substr(row.beginning.size());
-    return {row.verdict, row.subject, Fill(row.clause, record, rest, circumstances)};
+    return {row.verdict, Fill(row.clause, record, rest, circumstances)};
   }
-  return {Verdict::kTrouble, Subject::kFunctions, WithoutTabs(record)};
+  return {Verdict::kTrouble, WithoutTabs(record)};
 }
 
 }  // namespace

@@ -15,12 +15,8 @@ enum class Verdict {
   kNothing,    ///< not reported
 };
 
-/// What a finding is about.
-enum class Subject { kFunctions, kSlots };
-
 struct Finding {
   Verdict verdict = Verdict::kNothing;
-  Subject subject = Subject::kFunctions;
   std::string text;  ///< a message; empty for Verdict::kNothing
 };
 

@@ -2,6 +2,7 @@
 #include "host/console/columns.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <string_view>
 
@@ -14,6 +15,7 @@ using Widths = std::vector<std::size_t>;
 
 constexpr std::string_view kGap = "  ";
 constexpr std::size_t kLeastText = 10;  // a shorter text is not worth reading
+constexpr std::size_t kReadable = 40;   // the subject has this room before other columns stay
 constexpr std::size_t kLeastCell = 4;   // for columns that must not shrink, if nothing else is left
 
 Widths NaturalWidths(const std::vector<Column>& columns, const std::vector<Row>& rows) {
@@ -30,35 +32,85 @@ std::size_t Total(const Widths& widths) {
   return std::accumulate(widths.begin(), widths.end(), kGap.size() * (widths.size() - 1));
 }
 
-/// The widest column that may shrink (any column with `all`) and is wider than `least`; null if
-/// none.
-std::size_t* WidestShrinkable(Widths& widths, const std::vector<Column>& columns, bool all,
-                              std::size_t least) {
+/// The widest column that `shrinks` says and that is wider than `least`; null if none.
+template <class Shrinks>
+std::size_t* WidestShrinkable(Widths& widths, const std::vector<Column>& columns, std::size_t least,
+                              const Shrinks& shrinks) {
   std::size_t* widest = nullptr;
   for (std::size_t i = 0; i < widths.size(); ++i) {
-    if ((!all && !columns[i].shrinks) || widths[i] <= least) continue;
+    if (!shrinks(columns[i]) || widths[i] <= least) continue;
     if (widest == nullptr || widths[i] > *widest) widest = &widths[i];
   }
   return widest;
 }
 
+std::size_t* NextToShrink(Widths& widths, const std::vector<Column>& columns) {
+  const auto isText = [](const Column& column) { return column.shrinks && !column.isSubject; };
+  const auto isSubject = [](const Column& column) { return column.isSubject; };
+  const auto isAny = [](const Column&) { return true; };
+  if (auto* width = WidestShrinkable(widths, columns, kLeastText, isText)) return width;
+  if (auto* width = WidestShrinkable(widths, columns, kLeastText, isSubject)) return width;
+  return WidestShrinkable(widths, columns, kLeastCell, isAny);
+}
+
 void Shrink(Widths& widths, const std::vector<Column>& columns, std::size_t limit) {
   for (std::size_t total = Total(widths); total > limit; --total) {
-    std::size_t* widest = WidestShrinkable(widths, columns, false, kLeastText);
-    if (widest == nullptr) widest = WidestShrinkable(widths, columns, true, kLeastCell);
+    std::size_t* widest = NextToShrink(widths, columns);
     if (widest == nullptr) return;
     --*widest;
   }
 }
 
-std::string Line(const Row& row, const Widths& widths, const std::vector<Colour>& colours,
+/// The total width once every text is as short as it may be and the subject can still be read.
+std::size_t ReadableTotal(const Widths& widths, const std::vector<Column>& columns) {
+  Widths least = widths;
+  for (std::size_t i = 0; i < least.size(); ++i) {
+    const std::size_t room = columns[i].isSubject ? kReadable : 2 * kLeastText;
+    if (columns[i].isSubject || columns[i].shrinks) least[i] = std::min(least[i], room);
+  }
+  return Total(least);
+}
+
+/// The places of the columns that stay on a terminal of this width.
+std::vector<std::size_t> StayingColumns(const std::vector<Column>& columns, const Widths& widths,
+                                        std::size_t limit) {
+  std::vector<std::size_t> places(columns.size());
+  std::iota(places.begin(), places.end(), std::size_t{0});
+  for (;;) {
+    Widths left;
+    std::vector<Column> staying;
+    auto next = places.begin();
+    for (auto place = places.begin(); place != places.end(); ++place) {
+      left.push_back(widths[*place]);
+      staying.push_back(columns[*place]);
+      if (columns[*place].leaves > columns[*next].leaves) next = place;
+    }
+    if (places.empty() || columns[*next].leaves == 0 || ReadableTotal(left, staying) <= limit) {
+      return places;
+    }
+    places.erase(next);
+  }
+}
+
+template <class Item>
+std::vector<Item> Picked(const std::vector<Item>& items, const std::vector<std::size_t>& places) {
+  std::vector<Item> picked;
+  for (const std::size_t place : places) picked.push_back(items[place]);
+  return picked;
+}
+
+std::string CutCell(const std::string& cell, const Column& column, std::size_t width) {
+  return TrimEnd(column.isSubject ? CutMiddle(cell, width) : Cut(cell, width));
+}
+
+std::string Line(const Row& row, const Widths& widths, const std::vector<Column>& columns,
                  const Terminal& terminal) {
   std::string line;
   std::size_t blanks = 0;
   for (std::size_t i = 0; i < row.size(); ++i) {
-    const std::string cell = TrimEnd(Cut(row[i], widths[i]));
+    const std::string cell = CutCell(row[i], columns[i], widths[i]);
     if (!cell.empty()) {
-      line.append(blanks, ' ').append(Coloured(cell, colours[i], terminal));
+      line.append(blanks, ' ').append(Coloured(cell, columns[i].colour, terminal));
       blanks = 0;
     }
     blanks += widths[i] - DisplayWidth(cell) + kGap.size();
@@ -70,17 +122,20 @@ std::string Line(const Row& row, const Widths& widths, const std::vector<Colour>
 
 std::vector<std::string> FormatTable(const std::vector<Column>& columns,
                                      const std::vector<Row>& rows, const Terminal& terminal) {
-  Widths widths = NaturalWidths(columns, rows);
-  if (terminal.width) Shrink(widths, columns, *terminal.width);
+  const Widths natural = NaturalWidths(columns, rows);
+  const std::vector<std::size_t> places = StayingColumns(
+      columns, natural, terminal.width.value_or(std::numeric_limits<std::size_t>::max()));
+  const std::vector<Column> staying = Picked(columns, places);
+  Widths widths = Picked(natural, places);
+  if (terminal.width) Shrink(widths, staying, *terminal.width);
   Row headings;
-  std::vector<Colour> colours;
-  for (const Column& column : columns) {
+  std::vector<Column> bold = staying;
+  for (Column& column : bold) {
     headings.push_back(column.heading);
-    colours.push_back(column.colour);
+    column.colour = Colour::kBold;
   }
-  const std::vector<Colour> bold(columns.size(), Colour::kBold);
   std::vector<std::string> lines = {Line(headings, widths, bold, terminal)};
-  for (const Row& row : rows) lines.push_back(Line(row, widths, colours, terminal));
+  for (const Row& row : rows) lines.push_back(Line(Picked(row, places), widths, staying, terminal));
   return lines;
 }
 
@@ -89,6 +144,24 @@ void WriteLines(Output& output, const std::vector<std::string>& lines) {
     output.Write(line);
     output.Write("\n");
   }
+}
+
+std::vector<std::string> Wrapped(std::string_view text, const Terminal& terminal) {
+  std::vector<std::string> lines(1);
+  bool isEmpty = true;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    const std::string_view word = text.substr(0, end);
+    const std::size_t width = DisplayWidth(lines.back()) + DisplayWidth(word) + (isEmpty ? 0 : 1);
+    if (!isEmpty && terminal.width && width > *terminal.width) {
+      lines.emplace_back("  ");
+      isEmpty = true;
+    }
+    lines.back().append(isEmpty ? "" : " ").append(word);
+    isEmpty = false;
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
 }
 
 std::string FitLine(std::string_view line, const Terminal& terminal) {

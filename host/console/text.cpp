@@ -95,6 +95,21 @@ std::string Cut(std::string_view utf8, std::size_t width) {
   return std::string(Beginning(utf8, width - kEllipsis.size())).append(kEllipsis);
 }
 
+std::string CutMiddle(std::string_view utf8, std::size_t width) {
+  constexpr std::string_view kEllipsis = "...";
+  constexpr std::size_t kLeastHalf = 4;
+  if (DisplayWidth(utf8) <= width) return std::string(utf8);
+  if (width < kEllipsis.size() + 2 * kLeastHalf) return Cut(utf8, width);
+  const std::size_t room = width - kEllipsis.size();
+  std::string_view end = utf8;
+  while (DisplayWidth(end) > room / 2) {
+    std::size_t next = 0;
+    NextCodePoint(end, next);
+    end.remove_prefix(std::max<std::size_t>(next, 1));
+  }
+  return std::string(Beginning(utf8, room - room / 2)).append(kEllipsis).append(end);
+}
+
 std::string TrimEnd(std::string_view text) {
   return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
 }

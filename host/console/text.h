@@ -22,6 +22,10 @@ std::string PadRight(std::string utf8, std::size_t width);
 /// columns.
 std::string Cut(std::string_view utf8, std::size_t width);
 
+/// Cuts text to a width and marks the cut with an ellipsis in the middle, so that its beginning and
+/// its end stay.
+std::string CutMiddle(std::string_view utf8, std::size_t width);
+
 /// Returns `text` without trailing spaces.
 std::string TrimEnd(std::string_view text);
 

@@ -41,7 +41,7 @@ std::optional<unsigned> ParseHex(std::string_view text, unsigned highest) {
 }
 
 std::optional<WrittenAddress> ParseAddress(std::string_view text) {
-  if (const auto location = ParseLocation(text)) return WrittenAddress{0, *location};
+  if (const auto location = ParseLocation(text)) return WrittenAddress{{}, *location};
   constexpr unsigned kHighestDomain = 0x7FFFFFFF;
   const std::size_t dot = text.rfind('.');
   const std::size_t colon = text.rfind(':', dot);
@@ -49,16 +49,26 @@ std::optional<WrittenAddress> ParseAddress(std::string_view text) {
   const std::string_view front = text.substr(0, colon);
   const std::size_t first = front.rfind(':');
   const bool hasDomain = first != std::string_view::npos;
-  const auto domain = hasDomain ? ParseHex(front.substr(0, first), kHighestDomain) : 0U;
+  const auto domain = hasDomain ? ParseHex(front.substr(0, first), kHighestDomain) : std::nullopt;
   const auto bus = ParseHex(hasDomain ? front.substr(first + 1) : front, 255);
   const auto device = ParseHex(text.substr(colon + 1, dot - colon - 1), 31);
   const auto function = ParseHex(text.substr(dot + 1), 7);
-  if (!domain || !bus || !device || !function) return std::nullopt;
-  return WrittenAddress{*domain, {*bus, *device, *function}};
+  if ((hasDomain && !domain) || !bus || !device || !function) return std::nullopt;
+  return WrittenAddress{domain, {*bus, *device, *function}};
+}
+
+std::optional<DomainAddress> ParseDomainAddress(std::string_view text) {
+  const auto written = ParseAddress(text);
+  if (!written || !written->domain) return std::nullopt;
+  return DomainAddress{*written->domain, written->address};
 }
 
 std::string FormatAddress(const PciAddress& address) {
   return fmt::format("{:02x}:{:02x}.{:x}", address.bus, address.device, address.function);
+}
+
+std::string FormatAddress(const DomainAddress& address) {
+  return fmt::format("{:04x}:{}", address.domain, FormatAddress(address.address));
 }
 
 }  // namespace pciinfo

@@ -17,13 +17,21 @@ struct PciAddress {
   friend auto operator<=>(const PciAddress&, const PciAddress&) = default;
 };
 
+/// The address of a function among all PCI domains of a machine. Ordered by domain first.
+struct DomainAddress {
+  unsigned domain = 0;
+  PciAddress address;
+
+  friend auto operator<=>(const DomainAddress&, const DomainAddress&) = default;
+};
+
 /// Parses a location such as "PCI Bus  0, device  31, function  3" (decimal numbers, padded with
 /// any number of blanks). Returns nothing for other texts and for numbers out of range.
 std::optional<PciAddress> ParseLocation(std::string_view location);
 
 /// An address as a user types it.
 struct WrittenAddress {
-  unsigned domain = 0;  ///< 0 if omitted
+  std::optional<unsigned> domain;  ///< no value if omitted
   PciAddress address;
 };
 
@@ -35,7 +43,13 @@ std::optional<WrittenAddress> ParseAddress(std::string_view text);
 /// texts.
 std::optional<unsigned> ParseHex(std::string_view text, unsigned highest);
 
+/// Parses "0000:00:1f.3". Returns nothing for other texts and for those without a domain.
+std::optional<DomainAddress> ParseDomainAddress(std::string_view text);
+
 /// Returns the usual short form, in hexadecimal: "00:1f.3".
 std::string FormatAddress(const PciAddress& address);
+
+/// Returns the full form, in hexadecimal: "0000:00:1f.3".
+std::string FormatAddress(const DomainAddress& address);
 
 }  // namespace pciinfo

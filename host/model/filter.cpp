@@ -78,7 +78,9 @@ std::optional<Test> AddressTest(std::string_view value) {
   const auto written = ParseAddress(hasFunction ? std::string(value) : std::string(value) + ".0");
   if (!written) return std::nullopt;
   return [wanted = *written, hasFunction](const PciFunction& function, const Slot*) {
-    if (!function.address || wanted.domain != 0) return false;
+    if (!function.address || wanted.domain.value_or(function.domain) != function.domain) {
+      return false;
+    }
     PciAddress address = *function.address;
     if (!hasFunction) address.function = 0;
     return address == wanted.address;
@@ -111,9 +113,9 @@ constexpr KeyRow kKeys[] = {
     {"device", &DeviceTest, "device ID, hexadecimal"},
     {"subsystem", &SubsystemTest, "subsystem VENDOR or VENDOR:DEVICE, hexadecimal"},
     {"bus", &BusTest, "bus number, hexadecimal"},
-    {"address", &AddressTest, "BUS:DEVICE.FUNCTION or BUS:DEVICE"},
+    {"address", &AddressTest, "[DOMAIN:]BUS:DEVICE[.FUNCTION]"},
     {"kind", &KindTest, "device or bridge"},
-    {"slot", &SlotTest, "slot ID, designation, tag, or none for functions in no slot"},
+    {"slot", &SlotTest, "slot name or ID (tag with instances), or none for functions in no slot"},
 };
 
 std::string KeyList() {
@@ -152,13 +154,6 @@ Filter::Term Filter::ReadTerm(const std::string& text) {
     throw UsageError(fmt::format("invalid filter \"{}\": expected {}", text, row->value));
   }
   return {key == "slot", *test};
-}
-
-bool Filter::NeedsSlots() const {
-  const auto isAboutSlot = [](const Term& term) { return term.isAboutSlot; };
-  return std::any_of(alternatives_.begin(), alternatives_.end(), [&](const Terms& terms) {
-    return std::any_of(terms.begin(), terms.end(), isAboutSlot);
-  });
 }
 
 bool Filter::Keeps(const PciFunction& function, const Slot* slot) const {

@@ -21,8 +21,6 @@ class Filter final {
   explicit Filter(const std::vector<std::string>& texts);
 
   bool IsEmpty() const noexcept { return alternatives_.empty(); }
-  /// Whether a term is about slots, so that slots must be collected.
-  bool NeedsSlots() const;
 
   /// Whether a function matches; `slot` is the slot that holds it, null if there is none.
   bool Keeps(const PciFunction& function, const Slot* slot) const;

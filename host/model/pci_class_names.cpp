@@ -165,16 +165,16 @@ std::string BaseClassText(unsigned baseClass) {
   return text != nullptr ? text : fmt::format("class {:02x}", baseClass);
 }
 
-std::string ClassText(const PciFunction& function) {
-  if (!function.classCode) return "";
-  if (!function.subclass) return BaseClassText(*function.classCode);
-  const unsigned code = (*function.classCode << 8U) | *function.subclass;
-  if (function.programmingInterface) {
-    const char* text = Find(kInterfaces, (code << 8U) | *function.programmingInterface);
+std::string ClassText(const ClassCode& code) {
+  if (!code.baseClass) return "";
+  if (!code.subclass) return BaseClassText(*code.baseClass);
+  const unsigned number = (*code.baseClass << 8U) | *code.subclass;
+  if (code.programmingInterface) {
+    const char* text = Find(kInterfaces, (number << 8U) | *code.programmingInterface);
     if (text != nullptr) return text;
   }
-  const char* text = Find(kSubclasses, code);
-  return text != nullptr ? text : BaseClassText(*function.classCode);
+  const char* text = Find(kSubclasses, number);
+  return text != nullptr ? text : BaseClassText(*code.baseClass);
 }
 
 }  // namespace pciinfo

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <string>
-
-#include "host/model/pci_function.h"
 
 namespace pciinfo {
 
@@ -11,8 +10,15 @@ namespace pciinfo {
 /// number if it has none.
 std::string BaseClassText(unsigned baseClass);
 
-/// Returns the most specific name of a function's class code: of the programming interface, else of
-/// the subclass, else of the base class. Empty if the base class is unknown.
-std::string ClassText(const PciFunction& function);
+/// The class code of a function; a part that is unknown has no value.
+struct ClassCode {
+  std::optional<unsigned> baseClass;
+  std::optional<unsigned> subclass;
+  std::optional<unsigned> programmingInterface;
+};
+
+/// Returns the most specific name of a class code: of the programming interface, else of the
+/// subclass, else of the base class. Empty if the base class is unknown.
+std::string ClassText(const ClassCode& code);
 
 }  // namespace pciinfo

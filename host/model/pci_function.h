@@ -12,8 +12,9 @@ namespace pciinfo {
 
 /// One PCI function as the views show it.
 struct PciFunction {
-  std::string path;  ///< of its instance
-  std::string kind;  ///< "device" or "bridge"
+  std::string path;     ///< of its instance
+  std::string kind;     ///< "device" or "bridge"
+  unsigned domain = 0;  ///< the classes of the inventory know domain 0 only
   /// No value if the location cannot be parsed.
   std::optional<PciAddress> address;
   std::string location;  ///< as the plug-in published it

@@ -127,11 +127,12 @@ void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classe
                        {"$id", std::string("urn:pciinfo:json-schema:") + kJsonSchemaVersion},
                        {"title", "JSON of pciinfo"},
                        {"description",
-                        "What pciinfo instances, slots, devices, tree and show print with --format "
-                        "json, and a line of --format jsonl. Keys may be added in later versions."},
+                        "What pciinfo without a command, instances, slots, devices, tree and show "
+                        "print with --format json, and a line of --format jsonl. Keys may be added "
+                        "in later versions."},
                        {"oneOf",
-                        {RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
-                         RefTo("tree"), RefTo("shown")}},
+                        {RefTo("overview"), RefTo("instances"), RefTo("instance"), RefTo("slots"),
+                         RefTo("devices"), RefTo("tree"), RefTo("shown")}},
                        {"$defs", Definitions(classes)}};
   output.Write(SafeJson(schema.dump(2)) + "\n");
 }

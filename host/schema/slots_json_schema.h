@@ -7,34 +7,117 @@ namespace pciinfo {
 inline constexpr const char* kSlotsJsonSchema = R"({
   "slots": {
     "description": "pciinfo slots --format json",
+    "allOf": [{"$ref": "#/$defs/places"}],
+    "not": {"required": ["counts"]}
+  },
+  "places": {
+    "description": "The slots, and where the functions are.",
     "type": "object",
-    "required": ["slots", "onBoard"],
+    "required": ["slots", "shared", "onBoard", "unnamed", "unknown", "conflicts"],
     "properties": {
       "slots": {
-        "description": "Every slot record of the firmware, in firmware order.",
+        "description": "The slots that firmware or kernel name.",
         "type": "array",
         "items": {"$ref": "#/$defs/slot"}
       },
+      "shared": {
+        "description": "Ports that the firmware gives to several slots.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/sharedPort"}
+      },
       "onBoard": {
-        "description": "The functions outside slots, by address.",
+        "description": "The functions that are known to be on the board.",
         "type": "array",
         "items": {"$ref": "#/$defs/function"}
+      },
+      "unnamed": {
+        "description": "Slots that only a port tells of.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/slot"}
+      },
+      "unknown": {
+        "description": "The functions of which the place is unknown.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/function"}
+      },
+      "conflicts": {
+        "description": "Where the sources contradict each other.",
+        "type": "array",
+        "items": {
+          "type": "object",
+          "required": ["slot", "text"],
+          "properties": {"slot": {"type": "string"}, "text": {"type": "string"}}
+        }
       }
     }
   },
   "slot": {
     "type": "object",
-    "required": ["tag", "path", "functions"],
+    "required": ["name", "state", "ports", "functions"],
     "properties": {
-      "tag": {"type": "string"},
-      "designation": {"description": "Exactly as in the firmware.", "type": "string"},
+      "name": {"description": "Unique in the machine.", "type": "string"},
+      "designation": {"description": "The firmware's name.", "type": "string"},
+      "source": {"enum": ["SMBIOS record", "kernel slot", "port"]},
+      "state": {"enum": ["occupied", "empty", "unknown"]},
       "type": {"description": "DSP0134 7.10.1.", "$ref": "#/$defs/code"},
-      "usage": {"description": "DSP0134 7.10.3.", "$ref": "#/$defs/code"},
       "width": {"description": "DSP0134 7.10.2.", "$ref": "#/$defs/code"},
+      "length": {"description": "DSP0134 7.10.4.", "$ref": "#/$defs/code"},
+      "usage": {"description": "What the firmware says, DSP0134 7.10.3.", "$ref": "#/$defs/code"},
       "id": {"description": "The slot ID.", "type": "integer", "minimum": 0, "maximum": 65535},
+      "recordHandle": {"type": "integer", "minimum": 0, "maximum": 65535},
       "hotPlug": {"type": "boolean"},
-      "path": {"type": "string", "pattern": "^/root/cimv2:QZMSG_SystemSlot\\."},
+      "firmwareAddress": {"$ref": "#/$defs/address"},
+      "peerAddresses": {"type": "array", "items": {"$ref": "#/$defs/address"}},
+      "kernelSlot": {"type": "string"},
+      "ports": {
+        "description": "The ports that lead to the slot.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/address"}
+      },
+      "noPortBecause": {"description": "Why no port is known.", "type": "string"},
+      "physicalNumber": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "portHotPlug": {"type": "boolean"},
+      "surpriseRemoval": {"type": "boolean"},
+      "cardPresent": {"type": "boolean"},
+      "link": {"$ref": "#/$defs/link"},
+      "numaNode": {"type": "integer"},
+      "outerSlot": {"description": "The slot that holds this one.", "type": "string"},
+      "conflicts": {"type": "array", "items": {"type": "string"}},
       "functions": {"type": "array", "items": {"$ref": "#/$defs/function"}}
+    }
+  },
+  "sharedPort": {
+    "type": "object",
+    "required": ["port", "slots", "functions"],
+    "properties": {
+      "port": {"$ref": "#/$defs/address"},
+      "slots": {"description": "Their names.", "type": "array", "items": {"type": "string"}},
+      "evidence": {"type": "string"},
+      "functions": {
+        "description": "The functions that sit in one of the slots.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/function"}
+      }
+    }
+  },
+  "address": {
+    "description": "Domain, bus, device and function.",
+    "type": "string",
+    "pattern": "^[0-9a-f]{4,}:[0-9a-f]{2}:[0-9a-f]{2}\\.[0-7]$"
+  },
+  "ids": {
+    "description": "Vendor and device in hexadecimal.",
+    "type": "string",
+    "pattern": "^([0-9a-f]{4}|\\?{4}):([0-9a-f]{4}|\\?{4})$"
+  },
+  "link": {
+    "description": "A link now, and at most; a width that is not there is unknown, or the link is down.",
+    "type": "object",
+    "properties": {
+      "width": {"type": "integer", "minimum": 0, "maximum": 255},
+      "speed": {"type": "string"},
+      "maxWidth": {"type": "integer", "minimum": 0, "maximum": 255},
+      "maxSpeed": {"type": "string"}
     }
   },
   "code": {
@@ -58,20 +141,40 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     }
   },
   "function": {
-    "description": "A PCI function. A function that an association names but no plug-in published has only a path and an empty description.",
+    "description": "A PCI function, and where it is.",
     "type": "object",
-    "required": ["description", "path"],
+    "required": ["address", "kind", "name", "id", "place"],
     "properties": {
-      "address": {"type": "string", "pattern": "^[0-9a-f]{2}:[0-9a-f]{2}\\.[0-7]$"},
+      "address": {"$ref": "#/$defs/address"},
       "kind": {"enum": ["device", "bridge"]},
-      "class": {"$ref": "#/$defs/classCode"},
+      "name": {"description": "What it is, for people.", "type": "string"},
+      "vendor": {"type": "string"},
+      "device": {"type": "string"},
+      "subsystemVendor": {"type": "string"},
+      "subsystemDevice": {"type": "string"},
+      "id": {"$ref": "#/$defs/ids"},
       "vendorID": {"type": "integer", "minimum": 0, "maximum": 65535},
-      "pciDeviceID": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "deviceID": {"type": "integer", "minimum": 0, "maximum": 65535},
+      "subsystem": {"$ref": "#/$defs/ids"},
       "subsystemVendorID": {"type": "integer", "minimum": 0, "maximum": 65535},
       "subsystemID": {"type": "integer", "minimum": 0, "maximum": 65535},
       "revision": {"type": "integer", "minimum": 0, "maximum": 255},
-      "description": {"type": "string"},
-      "path": {"type": "string", "pattern": "^/root/cimv2:QZMSG_PCI(Device|Bridge)\\."}
+      "class": {"$ref": "#/$defs/classCode"},
+      "portType": {"type": "string"},
+      "parentPort": {"$ref": "#/$defs/address"},
+      "secondaryBus": {"type": "integer", "minimum": 0, "maximum": 255},
+      "subordinateBus": {"type": "integer", "minimum": 0, "maximum": 255},
+      "link": {"$ref": "#/$defs/link"},
+      "driver": {"type": "string"},
+      "numaNode": {"type": "integer"},
+      "physicalFunction": {"$ref": "#/$defs/address"},
+      "place": {
+        "enum": ["slot", "one of several slots", "slot without a name", "on board", "unknown"]
+      },
+      "placeReason": {"type": "string"},
+      "slot": {"description": "Name of the slot that holds the function.", "type": "string"},
+      "certainty": {"enum": ["certain", "likely"]},
+      "evidence": {"description": "Why it is said to be in the slot.", "type": "string"}
     }
   }
 })";

@@ -1,36 +1,136 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/views/devices_view.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "host/console/columns.h"
-#include "host/console/safe_json.h"
 #include "host/console/text.h"
-#include "host/model/pci_function.h"
-#include "host/views/function_json.h"
+#include "host/machine/cards.h"
+#include "host/machine/link_text.h"
+#include "host/machine/names.h"
+#include "host/views/machine_json.h"
+#include "host/views/place_texts.h"
 
 namespace pciinfo {
+namespace {
 
-void WriteDevicesTable(Output& output, const vtq::Namespace& repository, const Terminal& terminal) {
-  const std::vector<Column> columns = {
-      {"ADDRESS", false, Colour::kCyan}, {"KIND"}, {"ID"}, {"DESCRIPTION", true}};
-  std::vector<Row> rows;
-  for (const PciFunction& function : ReadFunctions(repository)) {
-    rows.push_back(
-        {AddressText(function), function.kind, IdText(function), Printable(function.description)});
-  }
-  WriteLines(output, FormatTable(columns, rows, terminal));
+std::string AddressCell(const MachineFunction& function, const MachineModel& machine) {
+  return AddressText(function.address, machine.HasDomains());
 }
 
-void WriteDevicesJson(Output& output, const vtq::Namespace& repository) {
-  output.Write("{\"functions\":[");
-  const char* separator = "\n";
-  for (const PciFunction& function : ReadFunctions(repository)) {
-    output.Write(separator);
-    output.Write(SafeJson(FunctionJson(function).dump()));
-    separator = ",\n";
+std::string ClassCell(const MachineFunction& function, const MachineModel&) {
+  return ClassName(function);
+}
+
+std::string IdCell(const MachineFunction& function, const MachineModel&) {
+  return IdText(function);
+}
+
+std::string NameCell(const MachineFunction& function, const MachineModel&) {
+  return MakerAndModel(function);
+}
+
+std::string DriverCell(const MachineFunction& function, const MachineModel&) {
+  return Printable(function.driver);
+}
+
+std::string LinkCellOf(const MachineFunction& function, const MachineModel&) {
+  return LinkText(function.link);
+}
+
+std::string NumaCell(const MachineFunction& function, const MachineModel&) {
+  return function.numaNode.value_or(-1) < 0 ? "" : std::to_string(*function.numaNode);
+}
+
+std::string SlotCell(const MachineFunction& function, const MachineModel& machine) {
+  return PlaceText(function, machine);
+}
+
+struct DeviceColumn {
+  const char* name;
+  Column column;
+  std::string (*cell)(const MachineFunction& function, const MachineModel& machine);
+};
+
+const std::vector<DeviceColumn>& AllColumns() {
+  static const std::vector<DeviceColumn> columns = {
+      {"address", {.heading = "ADDRESS", .colour = Colour::kCyan}, &AddressCell},
+      {"id", {.heading = "ID", .leaves = 6}, &IdCell},
+      {"class", {.heading = "CLASS", .shrinks = true, .leaves = 2}, &ClassCell},
+      {"name", {.heading = "NAME", .isSubject = true}, &NameCell},
+      {"driver", {.heading = "DRIVER", .leaves = 3}, &DriverCell},
+      {"link", {.heading = "LINK", .leaves = 4}, &LinkCellOf},
+      {"numa", {.heading = "NUMA", .leaves = 5}, &NumaCell},
+      {"slot",
+       {.heading = "SLOT", .shrinks = true, .colour = Colour::kGreen, .leaves = 1},
+       &SlotCell},
+  };
+  return columns;
+}
+
+bool HasSeveralNodes(const MachineModel& machine) {
+  std::set<int> nodes;
+  for (const MachineFunction& function : machine.functions) {
+    nodes.insert(function.numaNode.value_or(-1));
   }
-  output.Write("\n]}\n");
+  nodes.erase(-1);
+  return nodes.size() > 1;
+}
+
+std::vector<DeviceColumn> UsualColumns(const MachineModel& machine) {
+  std::vector<DeviceColumn> columns = AllColumns();
+  std::erase_if(columns, [&machine](const DeviceColumn& column) {
+    const std::string_view name = column.name;
+    return name == "id" || (name == "numa" && !HasSeveralNodes(machine));
+  });
+  return columns;
+}
+
+/// Columns that the user has chosen stay.
+std::vector<DeviceColumn> NamedColumns(const std::vector<std::string>& names) {
+  std::vector<DeviceColumn> columns;
+  for (const std::string& name : names) {
+    for (const DeviceColumn& column : AllColumns()) {
+      if (column.name != name) continue;
+      columns.push_back(column);
+      columns.back().column.leaves = 0;
+    }
+  }
+  return columns;
+}
+
+}  // namespace
+
+std::vector<std::string> DeviceColumns() {
+  std::vector<std::string> names;
+  for (const DeviceColumn& column : AllColumns()) names.emplace_back(column.name);
+  return names;
+}
+
+void WriteDevicesTable(Output& output, const MachineModel& machine,
+                       const std::vector<std::string>& columns, const Terminal& terminal) {
+  const auto shown = columns.empty() ? UsualColumns(machine) : NamedColumns(columns);
+  std::vector<Column> headings;
+  for (const DeviceColumn& column : shown) headings.push_back(column.column);
+  std::vector<Row> rows;
+  for (const MachineFunction& function : machine.functions) {
+    Row& row = rows.emplace_back();
+    for (const DeviceColumn& column : shown) row.push_back(column.cell(function, machine));
+  }
+  WriteLines(output, FormatTable(headings, rows, terminal));
+}
+
+void WriteDevicesJson(Output& output, const MachineModel& machine) {
+  auto functions = nlohmann::ordered_json::array();
+  for (const MachineFunction& function : machine.functions) {
+    functions.push_back(FunctionJson(function, machine));
+  }
+  WriteJsonLines(output, {{"functions", std::move(functions)}});
 }
 
 }  // namespace pciinfo

@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "host/console/output.h"
 #include "host/console/terminal.h"
-#include "runtime/repository.h"
+#include "host/machine/machine_model.h"
 
 namespace pciinfo {
 
-/// Writes every PCI function of the repository, sorted by address, one per line.
-void WriteDevicesTable(Output& output, const vtq::Namespace& repository, const Terminal& terminal);
+/// The names of the columns of `devices`.
+std::vector<std::string> DeviceColumns();
 
-/// Writes the same as JSON; docs/formats.md describes it.
-void WriteDevicesJson(Output& output, const vtq::Namespace& repository);
+/// Writes every PCI function, sorted by address, one per line. `columns` are names of
+/// DeviceColumns; if there are none, those that tell something about this machine are shown.
+void WriteDevicesTable(Output& output, const MachineModel& machine,
+                       const std::vector<std::string>& columns, const Terminal& terminal);
+
+/// Writes the same as JSON, whatever the columns; docs/formats.md describes it.
+void WriteDevicesJson(Output& output, const MachineModel& machine);
 
 }  // namespace pciinfo

@@ -2,215 +2,207 @@
 #include "host/views/overview.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
-#include <map>
-#include <set>
+#include <nlohmann/json.hpp>
 
 #include "host/console/columns.h"
 #include "host/console/text.h"
-#include "host/model/pci_class_names.h"
-#include "host/model/slot_name.h"
-#include "host/model/smbios_names.h"
+#include "host/console/utf8.h"
+#include "host/machine/cards.h"
+#include "host/machine/link_text.h"
+#include "host/machine/names.h"
+#include "host/views/machine_json.h"
+#include "host/views/place_sections.h"
+#include "host/views/place_texts.h"
 
 namespace pciinfo {
 namespace {
 
-/// Whether a function is a bridge or part of the chipset; the overview only counts those.
-bool IsBridgeOrChipset(const PciFunction& function) {
-  constexpr unsigned kBaseClasses[] = {0x05, 0x06, 0x08, 0x11};
-  return function.kind == "bridge" ||
-         std::any_of(std::begin(kBaseClasses), std::end(kBaseClasses),
-                     [&function](unsigned code) { return function.classCode == code; });
-}
+const std::vector<Column> kOverviewColumns = {{"SLOT", true, Colour::kGreen},
+                                              {"STATE"},
+                                              {.heading = "ADDRESS", .colour = Colour::kCyan},
+                                              {.heading = "CARD", .isSubject = true}};
 
-std::string Joined(const std::vector<std::string>& texts, const char* separator) {
-  std::vector<std::string> filled;
-  std::copy_if(texts.begin(), texts.end(), std::back_inserter(filled),
-               [](const std::string& text) { return !text.empty(); });
-  return fmt::format("{}", fmt::join(filled, separator));
-}
-
-std::string Count(std::size_t count, const char* one, const char* many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
-/// Functions with the same text, shown on one line.
-struct Group {
-  std::string addresses;
-  std::string text;
-  std::size_t count = 0;
+struct Counts {
+  std::size_t functions = 0;
+  std::size_t bridges = 0;
+  std::size_t slots = 0;  ///< with a name
+  std::size_t inUse = 0;
+  std::size_t matched = 0;
 };
 
-std::vector<Group> Grouped(const std::vector<PciFunction>& functions) {
-  std::vector<Group> groups;
-  std::map<std::string, std::size_t> byText;
-  for (const PciFunction& function : functions) {
-    std::string text = Printable(function.description);
-    if (text.empty()) text = IdText(function);
-    const auto [place, isNew] = byText.emplace(text, groups.size());
-    if (isNew) groups.push_back({AddressText(function), text, 0});
-    ++groups[place->second].count;
-  }
-  return groups;
+/// Where the hardware does not tell, the firmware's word is taken.
+bool IsInUse(const MachineSlot& slot) {
+  constexpr unsigned kInUseCode = 4;  // DSP0134, 7.10.3
+  if (slot.state != SlotState::kUnknown) return slot.state == SlotState::kOccupied;
+  return slot.usage == kInUseCode;
 }
 
-std::string GroupText(const Group& group) {
-  return group.count == 1 ? group.text : fmt::format("{} x {}", group.count, group.text);
+Counts CountAll(const MachineModel& machine) {
+  Counts counts;
+  counts.functions = machine.functions.size();
+  for (const MachineFunction& function : machine.functions) {
+    if (function.IsBridge()) ++counts.bridges;
+  }
+  for (const MachineSlot& slot : machine.slots) {
+    if (!slot.IsNamed()) continue;
+    ++counts.slots;
+    if (IsInUse(slot)) ++counts.inUse;
+    if (!slot.functions.empty()) ++counts.matched;
+  }
+  return counts;
 }
 
-class OverviewWriter {
- public:
-  OverviewWriter(Output& output, const Overview& overview, const Terminal& terminal)
-      : output_(output), overview_(overview), terminal_(terminal) {}
+std::string WithComma(const std::string& text, const std::string& more) {
+  return text.empty() || more.empty() ? text + more : text + ", " + more;
+}
 
-  void Write() {
-    WriteMachine();
-    WriteSlots();
-    WriteOthers();
-    WriteNotRead();
+std::string PciText(const Counts& counts) {
+  if (counts.functions == 0) return "no functions";
+  return fmt::format("{}, {} of them bridges", Count(counts.functions, "function", "functions"),
+                     counts.bridges);
+}
+
+std::string SlotsText(const Counts& counts) {
+  if (counts.slots == 0) return "none known";
+  return fmt::format("{}: {} in use, {} matched to a card", Count(counts.slots, "slot", "slots"),
+                     counts.inUse, counts.matched);
+}
+
+void WriteFact(Output& output, const char* name, const std::string& text,
+               const Terminal& terminal) {
+  if (text.empty()) return;
+  const std::string line = FitLine(fmt::format("{:8}  {}", name, text), terminal);
+  const std::size_t length = std::min(line.find(' '), line.size());
+  output.Write(Coloured(line.substr(0, length), Colour::kBold, terminal) + line.substr(length) +
+               "\n");
+}
+
+std::string MakerText(const std::string& maker, const std::string& product) {
+  return MakerAndProduct(ShortMaker(maker), NameIn(product));
+}
+
+void WriteFacts(Output& output, const Overview& overview, const Terminal& terminal) {
+  const MachineIdentity& identity = overview.identity;
+  const Counts counts = CountAll(overview.machine);
+  WriteFact(output, "System", Printable(overview.systemName), terminal);
+  WriteFact(output, "Machine", MakerText(identity.maker, identity.product), terminal);
+  const std::string board = MakerText(identity.boardMaker, identity.boardProduct);
+  const std::string version = NameIn(identity.boardVersion);
+  WriteFact(output, "Board", board.empty() || version.empty() ? board : board + " " + version,
+            terminal);
+  WriteFact(
+      output, "BIOS",
+      WithComma(MakerText(identity.biosMaker, identity.biosVersion), NameIn(identity.biosDate)),
+      terminal);
+  WriteFact(output, "PCI", PciText(counts), terminal);
+  WriteFact(output, "Slots", SlotsText(counts), terminal);
+}
+
+void AddOverviewRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel& machine) {
+  Row row = {NameOf(slot, machine), StateText(slot), "", ""};
+  const auto cards = CardsOf(machine.FunctionsOf(slot.functions), machine.HasDomains());
+  if (cards.empty()) {
+    row.back() = InsteadOfCards(slot, machine);
+    rows.push_back(row);
   }
-
- private:
-  void Title(const std::string& text) {
-    output_.Write("\n" + Coloured(text, Colour::kBold, terminal_) + "\n");
+  for (const Card& card : cards) {
+    AddCard(rows, row, 2, card);
+    row = Row(row.size());
   }
+}
 
-  void Fact(const char* name, const std::string& text) {
-    if (text.empty()) return;
-    const std::string line = FitLine(fmt::format("{:8}  {}", name, text), terminal_);
-    const std::size_t length = std::min<std::size_t>(line.find(' '), line.size());
-    output_.Write(Coloured(line.substr(0, length), Colour::kBold, terminal_) + line.substr(length) +
-                  "\n");
+void WriteSlotSection(PlaceSections& sections, const MachineModel& machine) {
+  std::vector<Row> rows;
+  for (const MachineSlot& slot : machine.slots) {
+    if (slot.IsNamed()) AddOverviewRows(rows, slot, machine);
   }
+  sections.WriteTable("Slots", kOverviewColumns, rows);
+}
 
-  void WriteMachine() {
-    const MachineIdentity& machine = overview_.machine;
-    Fact("System", Printable(overview_.systemName));
-    Fact("Machine", Joined({machine.maker, machine.product}, " "));
-    Fact("Board", Joined({machine.boardMaker, machine.boardProduct, machine.boardVersion}, " "));
-    Fact("BIOS",
-         Joined({Joined({machine.biosMaker, machine.biosVersion}, " "), machine.biosDate}, ", "));
-    Fact("PCI", PciText());
+/// A line for each thing that needs a look, with the command that tells more.
+std::vector<std::string> Doubts(const MachineModel& machine) {
+  std::vector<std::string> doubts = Contradictions(machine);
+  const auto unmatched = static_cast<std::size_t>(std::count_if(
+      machine.slots.begin(), machine.slots.end(),
+      [](const MachineSlot& slot) { return slot.ports.empty() && !slot.noPortBecause.empty(); }));
+  if (unmatched != 0) {
+    doubts.push_back(fmt::format("{} nowhere (\"pciinfo slots\" says why)",
+                                 Count(unmatched, "slot leads", "slots lead")));
   }
-
-  std::string PciText() const {
-    const std::vector<PciFunction>& functions = overview_.functions;
-    if (functions.empty()) return "no functions";
-    const auto bridges = static_cast<std::size_t>(
-        std::count_if(functions.begin(), functions.end(),
-                      [](const PciFunction& function) { return function.kind == "bridge"; }));
-    std::set<unsigned> buses;
-    for (const PciFunction& function : functions) {
-      if (function.address) buses.insert(function.address->bus);
-    }
-    return fmt::format("{} ({}, {}) on {}", Count(functions.size(), "function", "functions"),
-                       Count(functions.size() - bridges, "device", "devices"),
-                       Count(bridges, "bridge", "bridges"), Count(buses.size(), "bus", "buses"));
+  const auto narrow =
+      static_cast<std::size_t>(std::count_if(machine.functions.begin(), machine.functions.end(),
+                                             [&machine](const MachineFunction& function) {
+                                               return !NarrowLinkText(function, machine).empty();
+                                             }));
+  if (narrow != 0) {
+    doubts.push_back(fmt::format("{} than both ends allow (\"pciinfo tree\" marks {})",
+                                 Count(narrow, "link is narrower", "links are narrower"),
+                                 narrow == 1 ? "it" : "them"));
   }
+  return doubts;
+}
 
-  void WriteSlots() {
-    const std::vector<Slot>& slots = overview_.slots.slots;
-    if (slots.empty()) return;
-    const auto filled = std::count_if(slots.begin(), slots.end(),
-                                      [](const Slot& slot) { return !slot.functions.empty(); });
-    Title(fmt::format("{}, {} with PCI functions", Count(slots.size(), "slot", "slots"), filled));
-    std::vector<Row> rows;
-    for (const Slot& slot : slots) AddRows(rows, slot);
-    WriteLines(output_, FormatTable({{"SLOT", true, Colour::kGreen},
-                                     {"TYPE", true},
-                                     {"USAGE"},
-                                     {"ADDRESS", false, Colour::kCyan},
-                                     {"CARD", true}},
-                                    rows, terminal_));
-  }
-
-  /// Adds the functions of a slot; its bridges only if it has no other functions.
-  static void AddRows(std::vector<Row>& rows, const Slot& slot) {
-    Row row = {SlotName(slot), slot.type ? ConnectorTypeText(*slot.type) : "-",
-               slot.usage ? SlotUsageText(*slot.usage) : "-", "-", ""};
-    std::vector<PciFunction> card = slot.functions;
-    std::erase_if(card, IsBridgeOrChipset);
-    for (const Group& group : Grouped(card.empty() ? slot.functions : card)) {
-      row[3] = group.addresses;
-      row[4] = GroupText(group);
-      rows.push_back(row);
-      row = Row(row.size());
-    }
-    if (slot.functions.empty()) rows.push_back(row);
-  }
-
-  std::vector<PciFunction> Others() const {
-    std::set<std::string> inSlots;
-    for (const Slot& slot : overview_.slots.slots) {
-      for (const PciFunction& function : slot.functions) inSlots.insert(function.path);
-    }
-    std::vector<PciFunction> others = overview_.functions;
-    std::erase_if(others, [&inSlots](const PciFunction& function) {
-      return inSlots.contains(function.path);
-    });
-    return others;
-  }
-
-  void WriteOthers() {
-    std::vector<PciFunction> others = Others();
-    if (others.empty()) return;
-    // If no slots are known, these functions may be in slots too.
-    Title(overview_.slots.slots.empty() ? "Devices" : "On board");
-    const auto hidden = std::erase_if(others, IsBridgeOrChipset);
-    std::vector<Row> rows;
-    for (const Group& group : Grouped(others)) {
-      rows.push_back({group.addresses, GroupText(group)});
-    }
-    if (!rows.empty()) {
-      WriteLines(output_, FormatTable({{"ADDRESS", false, Colour::kCyan}, {"DESCRIPTION", true}},
-                                      rows, terminal_));
-    }
-    if (hidden == 0) return;
-    const char* form =
-        rows.empty() ? "{} (pciinfo devices lists all)" : "plus {} (pciinfo devices lists all)";
-    WriteFaint(fmt::format(fmt::runtime(form), Count(hidden, "bridge or chipset function",
-                                                     "bridges and chipset functions")));
-  }
-
-  void WriteFaint(const std::string& line) {
-    output_.Write(Coloured(FitLine(line, terminal_), Colour::kFaint, terminal_) + "\n");
-  }
-
-  void WriteNotRead() {
-    if (overview_.notRead.empty()) return;
-    Title("Not shown");
-    for (const std::string& reason : overview_.notRead) {
-      output_.Write(Coloured(Printable(reason), Colour::kYellow, terminal_) + "\n");
-    }
-  }
-
-  Output& output_;
-  const Overview& overview_;
-  const Terminal& terminal_;
-};
-
-std::string SystemNameOf(const vtq::Namespace& repository) {
-  for (const char* name : {"QZMSG_SystemBoard", "QZMSG_PCIDevice", "QZMSG_PCIBridge"}) {
-    const auto& instances = repository.Find(name)->GetInstances();
-    if (instances.empty()) continue;
-    const auto value = instances.front()->GetProperty("SystemName", {}).value;
-    return value.IsNull() ? "" : value.GetString();
-  }
-  return "";
+std::vector<std::string> Uncounted(const MachineModel& machine) {
+  const auto count = static_cast<std::size_t>(std::count_if(
+      machine.functions.begin(), machine.functions.end(), [](const MachineFunction& function) {
+        return !function.slot && IsBridgeOrChipset(function);
+      }));
+  if (count == 0) return {};
+  return {fmt::format(
+      "{} not listed here (\"pciinfo devices\" lists all)",
+      Count(count, "bridge or chipset function is", "bridges and chipset functions are"))};
 }
 
 }  // namespace
 
-Overview MakeOverview(const vtq::Namespace& repository, MachineIdentity machine,
-                      std::vector<std::string> notRead) {
-  return {std::move(machine), SystemNameOf(repository), ReadSlots(repository),
-          ReadFunctions(repository), std::move(notRead)};
+void WriteOverview(Output& output, const Overview& overview, const Terminal& terminal) {
+  const MachineModel& machine = overview.machine;
+  WriteFacts(output, overview, terminal);
+  output.Write("\n");
+  PlaceSections sections(output, machine, terminal);
+  WriteSlotSection(sections, machine);
+  sections.WriteShared();
+  sections.WriteCards("In slots that the firmware does not name",
+                      machine.FunctionsAt(FunctionPlace::kUnnamedSlot));
+  sections.WriteCards("On board", machine.FunctionsAt(FunctionPlace::kOnBoard));
+  sections.WriteUnknown();
+  sections.WriteSentences("", Uncounted(machine));
+  sections.WriteSentences("Doubts", Doubts(machine));
+  std::vector<std::string> notRead;
+  for (const std::string& line : overview.notRead) notRead.push_back(Printable(line));
+  sections.WriteSentences("Not shown", notRead);
 }
 
-void WriteOverview(Output& output, const Overview& overview, const Terminal& terminal) {
-  OverviewWriter(output, overview, terminal).Write();
+void WriteOverviewJson(Output& output, const Overview& overview) {
+  const MachineIdentity& identity = overview.identity;
+  const Counts counts = CountAll(overview.machine);
+  nlohmann::ordered_json machine = nlohmann::ordered_json::object();
+  const auto add = [&machine](const char* name, const std::string& text) {
+    const std::string fit = NameIn(text);
+    if (!fit.empty()) machine[name] = ToUtf8(fit);
+  };
+  add("maker", identity.maker);
+  add("product", identity.product);
+  add("boardMaker", identity.boardMaker);
+  add("boardProduct", identity.boardProduct);
+  add("boardVersion", identity.boardVersion);
+  add("biosMaker", identity.biosMaker);
+  add("biosVersion", identity.biosVersion);
+  add("biosDate", identity.biosDate);
+  nlohmann::ordered_json object = {{"system", ToUtf8(overview.systemName)},
+                                   {"machine", std::move(machine)},
+                                   {"counts",
+                                    {{"functions", counts.functions},
+                                     {"bridges", counts.bridges},
+                                     {"slots", counts.slots},
+                                     {"inUse", counts.inUse},
+                                     {"matched", counts.matched}}}};
+  object.update(MachineJson(overview.machine));
+  object["notRead"] = nlohmann::ordered_json::array();
+  for (const std::string& line : overview.notRead) object["notRead"].push_back(ToUtf8(line));
+  WriteJsonLines(output, object);
 }
 
 }  // namespace pciinfo

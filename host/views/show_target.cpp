@@ -9,7 +9,8 @@
 #include "host/base/errors.h"
 #include "host/collect/query_order.h"
 #include "host/formats/path_reader.h"
-#include "host/model/slot_name.h"
+#include "host/machine/machine_filter.h"
+#include "host/views/place_texts.h"
 
 namespace pciinfo {
 namespace {
@@ -22,99 +23,105 @@ std::string ClassOfPath(const std::string& path) {
   return path.substr(start, path.find('.', start) - start);
 }
 
-bool HasPath(const std::vector<PciFunction>& functions, const std::string& path) {
-  return std::any_of(functions.begin(), functions.end(),
-                     [&path](const PciFunction& function) { return function.path == path; });
-}
-
-/// Adds the function and slot that belong to an instance, if it is a function or a slot.
-Shown WithFunctionAndSlot(const vtq::Namespace& repository, std::shared_ptr<vtq::Class> cimClass,
-                          std::shared_ptr<vtq::Instance> instance) {
-  const SlotsModel model = ReadSlots(repository);
-  const std::string& className = cimClass->GetSchema().name;
-  const std::string path = instance->GetPath();
-  Shown shown;
-  if (className == "QZMSG_PCIDevice" || className == "QZMSG_PCIBridge") {
-    shown.function = ReadFunction(*cimClass, *instance);
-    shown.isOnBoard = HasPath(model.onBoard, path);
-  }
-  for (const Slot& slot : model.slots) {
-    if (slot.path == path || HasPath(slot.functions, path)) shown.slot = slot;
-  }
-  shown.cimClass = std::move(cimClass);
-  shown.instance = std::move(instance);
-  return shown;
-}
-
-Shown FindPath(const vtq::Namespace& repository, const std::string& path) {
+void FindPath(const vtq::Namespace& repository, const std::string& path, Shown& shown) {
   try {
     const NQZMVTQ20::TCIMReference reference = ReadPath(path, repository);
-    const auto cimClass = repository.Find(reference.GetClassName());
-    if (auto instance = cimClass->Find(reference.ToString())) {
-      return WithFunctionAndSlot(repository, cimClass, std::move(instance));
-    }
+    shown.cimClass = repository.Find(reference.GetClassName());
+    shown.instance = shown.cimClass->Find(reference.ToString());
   } catch (const PathError& error) {
     throw UsageError(fmt::format("{} is not an object path: {}", path, error.what()));
   }
+  if (shown.instance != nullptr) return;
   throw NotFound(
       fmt::format("there is no instance {} (\"pciinfo instances {} --format jsonl\" "
                   "prints all paths)",
                   path, ClassOfPath(path)));
 }
 
-Shown FindFunction(const vtq::Namespace& repository, const WrittenAddress& written) {
-  const std::string name = FormatAddress(written.address);
-  if (written.domain != 0) {
-    throw NotFound(
-        fmt::format("there is no function {:04x}:{}: only functions of PCI domain 0000 "
-                    "are known (\"pciinfo devices\" lists them)",
-                    written.domain, name));
+/// Returns the only one of several matches, or null if there is none.
+template <class Match, class ToText>
+const Match* Only(const std::vector<const Match*>& matches, const std::string& name,
+                  const ToText& toText) {
+  if (matches.empty()) return nullptr;
+  if (matches.size() == 1) return matches.front();
+  std::vector<std::string> texts;
+  for (const Match* match : matches) texts.push_back(toText(*match));
+  throw UsageError(fmt::format("\"{}\" stands for several things: {}; name one of them", name,
+                               fmt::join(texts, ", ")));
+}
+
+std::string FullAddress(const MachineFunction& function) { return FormatAddress(function.address); }
+
+const MachineFunction* FindAddress(const MachineModel& machine, const WrittenAddress& written,
+                                   const std::string& name) {
+  FunctionList matches;
+  for (const MachineFunction& function : machine.functions) {
+    const unsigned domain = written.domain.value_or(function.address.domain);
+    if (function.address == DomainAddress{domain, written.address}) matches.push_back(&function);
   }
-  for (const PciFunction& function : ReadFunctions(repository)) {
-    if (function.address != written.address) continue;
-    const auto cimClass =
-        repository.Find(function.kind == "bridge" ? "QZMSG_PCIBridge" : "QZMSG_PCIDevice");
-    return WithFunctionAndSlot(repository, cimClass, cimClass->Find(function.path));
-  }
+  const MachineFunction* function = Only(matches, name, FullAddress);
+  if (function != nullptr) return function;
   throw NotFound(fmt::format("there is no function {} (\"pciinfo devices\" lists all)", name));
 }
 
-Shown FindSlot(const vtq::Namespace& repository, const std::string& name) {
-  std::vector<std::string> matches;
-  std::string path;
-  for (const Slot& slot : ReadSlots(repository).slots) {
-    if (!IsNamed(slot, name)) continue;
-    matches.push_back(fmt::format("{} ({})", slot.tag, SlotName(slot)));
-    path = slot.path;
+const MachineSlot* FindSlot(const MachineModel& machine, const std::string& name) {
+  std::vector<const MachineSlot*> matches;
+  for (const MachineSlot& slot : machine.slots) {
+    if (IsNamed(slot, name)) matches.push_back(&slot);
   }
-  if (matches.empty()) {
-    throw NotFound(
-        fmt::format("there is no function or slot \"{}\": \"pciinfo devices\" lists "
-                    "the addresses, \"pciinfo slots\" the slot IDs, designations and "
-                    "tags",
-                    name));
+  return Only(matches, name,
+              [&](const MachineSlot& slot) { return "\"" + NameOf(slot, machine) + "\""; });
+}
+
+const MachineFunction* FindDevice(const vtq::Namespace& repository, const MachineModel& machine,
+                                  const std::string& name) {
+  FunctionList matches;
+  for (const DomainAddress& address : FunctionsWithDevice(repository, name)) {
+    if (const MachineFunction* function = machine.Find(address)) matches.push_back(function);
   }
-  if (matches.size() > 1) {
-    throw UsageError(fmt::format("several slots are called \"{}\": {}; use the tag", name,
-                                 fmt::join(matches, ", ")));
+  return Only(matches, name, FullAddress);
+}
+
+void FindInMachine(const vtq::Namespace& repository, const std::string& name, Shown& shown) {
+  if (const auto written = ParseAddress(name)) {
+    shown.function = FindAddress(shown.machine, *written, name);
+    return;
   }
-  const auto cimClass = repository.Find("QZMSG_SystemSlot");
-  return WithFunctionAndSlot(repository, cimClass, cimClass->Find(path));
+  shown.slot = FindSlot(shown.machine, name);
+  if (shown.slot != nullptr) return;
+  shown.function = FindDevice(repository, shown.machine, name);
+  if (shown.function != nullptr) return;
+  throw NotFound(
+      fmt::format("there is no function, slot or device \"{}\": \"pciinfo devices\" lists the "
+                  "addresses, \"pciinfo slots\" the slots",
+                  name));
 }
 
 }  // namespace
 
 std::vector<std::string> ClassesToFind(const std::vector<vtq::ClassSchema>& declared,
                                        const std::string& name) {
-  std::vector<std::string> classes = {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
-  if (IsPath(name)) classes.push_back(ClassOfPath(name));
+  if (IsPath(name)) return PlanQuery(declared, {ClassOfPath(name)}).collect;
+  std::vector<std::string> classes = MachineClasses();
+  const bool hasDetails =
+      std::any_of(declared.begin(), declared.end(),
+                  [](const vtq::ClassSchema& schema) { return schema.name == kDetailsClass; });
+  if (hasDetails) classes.emplace_back(kDetailsClass);
   return PlanQuery(declared, classes).collect;
 }
 
-Shown FindNamed(const vtq::Namespace& repository, const std::string& name) {
-  if (IsPath(name)) return FindPath(repository, name);
-  if (const auto written = ParseAddress(name)) return FindFunction(repository, *written);
-  return FindSlot(repository, name);
+std::unique_ptr<Shown> FindNamed(const vtq::Namespace& repository, const std::string& name) {
+  auto shown = std::make_unique<Shown>();
+  if (IsPath(name)) {
+    FindPath(repository, name, *shown);
+    return shown;
+  }
+  shown->machine = ReadMachine(repository);
+  FindInMachine(repository, name, *shown);
+  if (shown->function != nullptr) {
+    shown->details = ReadDetails(repository, shown->function->address);
+  }
+  return shown;
 }
 
 }  // namespace pciinfo

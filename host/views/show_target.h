@@ -2,12 +2,12 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "host/model/slots_model.h"
+#include "host/machine/function_details.h"
+#include "host/machine/machine_model.h"
 #include "runtime/repository.h"
 
 namespace pciinfo {
@@ -18,13 +18,14 @@ class NotFound : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// An instance with the function and slot that belong to it.
+/// A function, a slot or an instance that a name stands for.
 struct Shown {
-  std::shared_ptr<vtq::Class> cimClass;
+  MachineModel machine;
+  const MachineFunction* function = nullptr;  ///< of `machine`; null if the name is another thing's
+  const MachineSlot* slot = nullptr;          ///< likewise
+  FunctionDetails details;                    ///< of the function
+  std::shared_ptr<vtq::Class> cimClass;       ///< of an instance that an object path names
   std::shared_ptr<vtq::Instance> instance;
-  std::optional<PciFunction> function;  ///< if the instance is a function
-  std::optional<Slot> slot;             ///< the slot itself, or the slot that holds the function
-  bool isOnBoard = false;               ///< an association places the function on the board
 };
 
 /// Returns the classes to collect before FindNamed(name). Throws UsageError for an object path of
@@ -32,8 +33,9 @@ struct Shown {
 std::vector<std::string> ClassesToFind(const std::vector<vtq::ClassSchema>& declared,
                                        const std::string& name);
 
-/// Finds a function by address, a slot by ID, designation or tag, or an instance by object path.
-/// Throws NotFound, or UsageError if several slots have the name.
-Shown FindNamed(const vtq::Namespace& repository, const std::string& name);
+/// Finds a function by address or by the name of its network interface or block device, a slot by
+/// name, ID or kernel slot, or an instance by object path. Throws NotFound, or UsageError if the
+/// name stands for several things.
+std::unique_ptr<Shown> FindNamed(const vtq::Namespace& repository, const std::string& name);
 
 }  // namespace pciinfo

@@ -1,92 +1,111 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/views/slots_view.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "host/console/columns.h"
-#include "host/console/safe_json.h"
 #include "host/console/text.h"
+#include "host/machine/link_text.h"
+#include "host/machine/machine_filter.h"
 #include "host/model/smbios_names.h"
-#include "host/views/function_json.h"
-#include "host/views/slot_json.h"
+#include "host/views/machine_json.h"
+#include "host/views/place_sections.h"
+#include "host/views/place_texts.h"
 
 namespace pciinfo {
 namespace {
 
 const std::vector<Column> kSlotColumns = {
-    {"TAG"},    {"DESIGNATION", true, Colour::kGreen}, {"TYPE", true}, {"USAGE"}, {"WIDTH"}, {"ID"},
-    {"HOTPLUG"}};
+    {"SLOT", true, Colour::kGreen},        {.heading = "FIRMWARE", .leaves = 6},
+    {.heading = "PORT", .leaves = 4},      {.heading = "WIDTH", .leaves = 2},
+    {.heading = "LINK", .leaves = 5},      {"STATE"},
+    {.heading = "CERTAINTY", .leaves = 3}, {.heading = "ADDRESS", .colour = Colour::kCyan},
+    {.heading = "CARD", .isSubject = true}};
 
-std::string CodeCell(const std::optional<unsigned>& code, std::string (*text)(unsigned)) {
-  return code ? text(*code) : "-";
+constexpr std::size_t kAddressCell = 7;
+constexpr std::size_t kCardCell = 8;
+
+std::string WidthCell(const MachineSlot& slot) {
+  constexpr unsigned kOther = 1;
+  constexpr unsigned kUnknown = 2;
+  if (!slot.width || slot.width == kOther || slot.width == kUnknown) return "";
+  return SlotWidthText(*slot.width);
 }
 
-std::string HotPlugCell(const std::optional<bool>& hotPlug) {
-  if (!hotPlug) return "-";
-  return *hotPlug ? "yes" : "no";
-}
-
-std::string DesignationCell(const Slot& slot) {
-  const std::string trimmed = TrimEnd(Printable(slot.designation.value_or("")));
-  return trimmed.empty() ? "-" : trimmed;
-}
-
-Row SlotRow(const Slot& slot) {
-  return {Printable(slot.tag),
-          DesignationCell(slot),
-          CodeCell(slot.type, ConnectorTypeText),
-          CodeCell(slot.usage, SlotUsageText),
-          CodeCell(slot.width, SlotWidthText),
-          slot.id ? std::to_string(*slot.id) : "-",
-          HotPlugCell(slot.hotPlug)};
-}
-
-void WriteFunctions(Output& output, const std::vector<PciFunction>& functions,
-                    std::string_view indent, const Terminal& terminal) {
-  for (const PciFunction& function : functions) {
-    const std::string line = AddressText(function) + "  " + Printable(function.description);
-    output.Write(FitLine(std::string(indent) + line, terminal));
-    output.Write("\n");
+std::string PortCell(const MachineSlot& slot, const MachineModel& machine) {
+  std::string text;
+  for (const std::string& port : slot.ports) {
+    text += (text.empty() ? "" : ", ") + ShortAddress(port, machine);
   }
+  return text;
 }
 
-using Json = nlohmann::ordered_json;
+std::string CertaintyOf(const MachineSlot& slot, const MachineModel& machine) {
+  if (slot.functions.empty()) return "";
+  return Printable(machine.functions[slot.functions.front()].certainty);
+}
 
-template <class Item>
-void WriteArray(Output& output, const std::vector<Item>& items, Json (*toJson)(const Item&)) {
-  output.Write("[");
-  bool first = true;
-  for (const Item& item : items) {
-    output.Write(first ? "\n" : ",\n");
-    first = false;
-    output.Write(SafeJson(toJson(item).dump()));
+/// The link of an empty slot does nothing, and that of a shared port is not the slot's.
+std::string LinkCell(const MachineSlot& slot) {
+  if (slot.state == SlotState::kUnknown) return "";
+  return slot.state == SlotState::kEmpty ? MostLinkText(slot.link) : LinkText(slot.link);
+}
+
+/// Adds a row for each card in the slot, the first of them with the slot.
+void AddRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel& machine) {
+  Row row = {NameOf(slot, machine),
+             ShortAddress(slot.firmwareAddress, machine),
+             PortCell(slot, machine),
+             WidthCell(slot),
+             LinkCell(slot),
+             StateText(slot),
+             CertaintyOf(slot, machine),
+             "",
+             ""};
+  const auto cards = CardsOf(machine.FunctionsOf(slot.functions), machine.HasDomains());
+  if (cards.empty()) {
+    row[kCardCell] = InsteadOfCards(slot, machine);
+    rows.push_back(row);
   }
-  output.Write(first ? "]" : "\n]");
+  for (const Card& card : cards) {
+    AddCard(rows, row, kAddressCell, card);
+    row = Row(row.size());
+  }
 }
 
 }  // namespace
 
-void WriteSlotsTable(Output& output, const SlotsModel& model, const Terminal& terminal) {
-  std::vector<Row> rows;
-  for (const Slot& slot : model.slots) rows.push_back(SlotRow(slot));
-  const std::vector<std::string> lines = FormatTable(kSlotColumns, rows, terminal);
-  if (!model.slots.empty()) output.Write(lines.front() + "\n");
-  for (std::size_t i = 0; i < model.slots.size(); ++i) {
-    output.Write(lines[i + 1] + "\n");
-    WriteFunctions(output, model.slots[i].functions, "        ", terminal);
-  }
-  if (model.onBoard.empty()) return;
-  if (!model.slots.empty()) output.Write("\n");
-  output.Write(Coloured("On board:", Colour::kBold, terminal) + "\n");
-  WriteFunctions(output, model.onBoard, "  ", terminal);
+MachineModel ChosenSlots(const MachineModel& machine, SlotChoice choice) {
+  if (choice == SlotChoice::kAll) return machine;
+  const SlotState state = choice == SlotChoice::kFree ? SlotState::kEmpty : SlotState::kOccupied;
+  const auto isChosen = [state](const MachineSlot& slot) { return slot.state == state; };
+  return PartOf(
+      machine,
+      [&](const MachineFunction& function) {
+        return function.slot && isChosen(machine.slots[*function.slot]);
+      },
+      isChosen);
 }
 
-void WriteSlotsJson(Output& output, const SlotsModel& model) {
-  output.Write("{\"slots\":");
-  WriteArray(output, model.slots, &SlotJson);
-  output.Write(",\"onBoard\":");
-  WriteArray(output, model.onBoard, &FunctionJson);
-  output.Write("}\n");
+void WriteSlotsTable(Output& output, const MachineModel& machine, const Terminal& terminal) {
+  PlaceSections sections(output, machine, terminal);
+  std::vector<Row> rows;
+  for (const bool isNamed : {true, false}) {
+    for (const MachineSlot& slot : machine.slots) {
+      if (slot.IsNamed() == isNamed) AddRows(rows, slot, machine);
+    }
+  }
+  if (!rows.empty()) sections.WriteTable("", kSlotColumns, rows);
+  sections.WriteShared();
+  sections.WriteCards("On board", machine.FunctionsAt(FunctionPlace::kOnBoard));
+  sections.WriteUnknown();
+  sections.WriteSentences("Slots that lead nowhere", Unmatched(machine));
+  sections.WriteSentences("Contradictions", Contradictions(machine));
+}
+
+void WriteSlotsJson(Output& output, const MachineModel& machine) {
+  WriteJsonLines(output, MachineJson(machine));
 }
 
 }  // namespace pciinfo

@@ -3,11 +3,16 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 
-#include "host/console/safe_json.h"
 #include "host/console/text.h"
-#include "host/views/function_json.h"
+#include "host/console/utf8.h"
+#include "host/machine/link_text.h"
+#include "host/machine/names.h"
+#include "host/views/machine_json.h"
+#include "host/views/place_texts.h"
 
 namespace pciinfo {
 namespace {
@@ -22,15 +27,10 @@ struct Lines {
 constexpr Lines kUnicode = {"\u251C\u2500 ", "\u2514\u2500 ", "\u2502  ", "   "};
 constexpr Lines kAscii = {"|- ", "`- ", "|  ", "   "};
 
-std::string AddressesText(const BusNode& node) {
-  const std::string first = AddressText(node.function);
-  return node.alike.empty() ? first : first + " .. " + AddressText(node.alike.back());
-}
-
-std::string DescriptionText(const BusNode& node) {
-  std::string text = Printable(node.function.description);
-  if (text.empty()) text = IdText(node.function);
-  return node.alike.empty() ? text : fmt::format("{} x {}", node.alike.size() + 1, text);
+std::string NodeText(const PortNode& node) {
+  const std::string text = ModelText(*node.functions.front());
+  const std::size_t count = node.functions.size();
+  return count == 1 ? text : fmt::format("{} x {}", count, text);
 }
 
 std::string BusesText(const BridgeBuses& buses) {
@@ -38,20 +38,38 @@ std::string BusesText(const BridgeBuses& buses) {
   return fmt::format("buses {:02x}-{:02x}", buses.secondary, buses.subordinate);
 }
 
+/// The names of the slots that each port leads to, "A" or "A or B".
+std::map<std::string, std::string> SlotsAtPorts(const MachineModel& machine) {
+  std::map<std::string, std::string> names;
+  for (const MachineSlot& slot : machine.slots) {
+    if (!slot.IsNamed()) continue;
+    for (const std::string& port : slot.ports) {
+      std::string& text = names[port];
+      text += (text.empty() ? "" : " or ") + NameOf(slot, machine);
+    }
+  }
+  return names;
+}
+
 class TreeWriter {
  public:
-  TreeWriter(Output& output, const Terminal& terminal)
-      : output_(output), terminal_(terminal), lines_(terminal.unicode ? kUnicode : kAscii) {}
+  TreeWriter(Output& output, const MachineModel& machine, const Terminal& terminal)
+      : output_(output),
+        machine_(machine),
+        terminal_(terminal),
+        lines_(terminal.unicode ? kUnicode : kAscii),
+        slots_(SlotsAtPorts(machine)) {}
 
   void Write(const RootBus& root) {
-    const std::string title =
-        root.bus ? fmt::format("Bus {:02x}", *root.bus) : "Without an address";
-    output_.Write(Coloured(title, Colour::kBold, terminal_) + "\n");
+    const std::string domain =
+        machine_.HasDomains() ? fmt::format("{:04x}:", root.domain) : std::string();
+    output_.Write(
+        Coloured(fmt::format("Bus {}{:02x}", domain, root.bus), Colour::kBold, terminal_) + "\n");
     WriteNodes(root.nodes, "");
   }
 
  private:
-  void WriteNodes(const std::vector<BusNode>& nodes, const std::string& indent) {
+  void WriteNodes(const std::vector<PortNode>& nodes, const std::string& indent) {
     for (std::size_t i = 0; i < nodes.size(); ++i) {
       const bool isLast = i + 1 == nodes.size();
       WriteNode(nodes[i], indent + (isLast ? lines_.last : lines_.branch));
@@ -59,12 +77,23 @@ class TreeWriter {
     }
   }
 
-  void WriteNode(const BusNode& node, const std::string& indent) {
+  std::string AddressesText(const PortNode& node) const {
+    const bool hasDomains = machine_.HasDomains();
+    const std::string first = AddressText(node.functions.front()->address, hasDomains);
+    if (node.functions.size() == 1) return first;
+    return first + " .. " + AddressText(node.functions.back()->address, hasDomains);
+  }
+
+  void WriteNode(const PortNode& node, const std::string& indent) {
+    const MachineFunction& function = *node.functions.front();
     Begin(indent);
     Add(AddressesText(node), Colour::kCyan);
-    if (!node.slot.empty()) Add(" [" + node.slot + "]", Colour::kGreen);
-    if (node.buses) Add("  " + BusesText(*node.buses), Colour::kFaint);
-    Add("  " + DescriptionText(node), Colour::kNone);
+    const auto slot = slots_.find(FormatAddress(function.address));
+    if (slot != slots_.end()) Add(" [" + slot->second + "]", Colour::kGreen);
+    if (function.buses) Add("  " + BusesText(*function.buses), Colour::kFaint);
+    const std::string narrow = NarrowLinkText(function, machine_);
+    if (!narrow.empty()) Add("  link only " + narrow, Colour::kYellow);
+    Add("  " + NodeText(node), Colour::kNone);
     output_.Write(TrimEnd(line_) + "\n");
   }
 
@@ -76,58 +105,55 @@ class TreeWriter {
 
   void Add(std::string text, Colour colour) {
     if (remainingWidth_) {
-      text = Cut(text, *remainingWidth_);
+      text = CutMiddle(text, *remainingWidth_);
       *remainingWidth_ -= DisplayWidth(text);
     }
     line_ += Coloured(text, colour, terminal_);
   }
 
   Output& output_;
+  const MachineModel& machine_;
   const Terminal& terminal_;
   const Lines& lines_;
+  std::map<std::string, std::string> slots_;  ///< by the address of the port
   std::string line_;
   std::optional<std::size_t> remainingWidth_;
 };
 
-using Json = nlohmann::ordered_json;
-
-Json NodesJson(const std::vector<BusNode>& nodes);
-
-Json NodeJson(const BusNode& node) {
-  Json object = FunctionJson(node.function);
-  if (!node.slot.empty()) object["slot"] = node.slot;
-  if (node.buses) {
-    object["secondaryBus"] = node.buses->secondary;
-    object["subordinateBus"] = node.buses->subordinate;
-    object["functions"] = NodesJson(node.behind);
+nlohmann::ordered_json NodeJson(const PortNode& node, const MachineModel& machine) {
+  const MachineFunction& function = *node.functions.front();
+  nlohmann::ordered_json object = FunctionJson(function, machine);
+  const std::string address = FormatAddress(function.address);
+  for (const MachineSlot& slot : machine.slots) {
+    const bool isHere =
+        std::find(slot.ports.begin(), slot.ports.end(), address) != slot.ports.end();
+    if (isHere) object["slots"].push_back(ToUtf8(slot.name));
   }
+  const std::string narrow = NarrowLinkText(function, machine);
+  if (!narrow.empty()) object["narrowLink"] = narrow;
+  if (!function.buses) return object;
+  object["functions"] = nlohmann::ordered_json::array();
+  for (const PortNode& inner : node.behind) object["functions"].push_back(NodeJson(inner, machine));
   return object;
-}
-
-Json NodesJson(const std::vector<BusNode>& nodes) {
-  Json array = Json::array();
-  for (const BusNode& node : nodes) array.push_back(NodeJson(node));
-  return array;
 }
 
 }  // namespace
 
-void WriteTree(Output& output, const std::vector<RootBus>& tree, const Terminal& terminal) {
-  TreeWriter writer(output, terminal);
+void WriteTree(Output& output, const std::vector<RootBus>& tree, const MachineModel& machine,
+               const Terminal& terminal) {
+  TreeWriter writer(output, machine, terminal);
   for (const RootBus& root : tree) writer.Write(root);
 }
 
-void WriteTreeJson(Output& output, const std::vector<RootBus>& tree) {
-  output.Write("{\"buses\":[");
-  const char* separator = "\n";
+void WriteTreeJson(Output& output, const std::vector<RootBus>& tree, const MachineModel& machine) {
+  auto buses = nlohmann::ordered_json::array();
   for (const RootBus& root : tree) {
-    Json object = Json::object();
-    if (root.bus) object["bus"] = *root.bus;
-    object["functions"] = NodesJson(root.nodes);
-    output.Write(separator + SafeJson(object.dump()));
-    separator = ",\n";
+    auto functions = nlohmann::ordered_json::array();
+    for (const PortNode& node : root.nodes) functions.push_back(NodeJson(node, machine));
+    buses.push_back(
+        {{"domain", root.domain}, {"bus", root.bus}, {"functions", std::move(functions)}});
   }
-  output.Write("\n]}\n");
+  WriteJsonLines(output, {{"buses", std::move(buses)}});
 }
 
 }  // namespace pciinfo

@@ -61,13 +61,13 @@ TEST_P(CapturedMachine, ItsFormatsHoldTheSame) {
 
 nlohmann::json Document(const RunResult& result) { return nlohmann::json::parse(result.out); }
 
-std::multiset<std::string> PathsIn(const nlohmann::json& functions) {
-  std::multiset<std::string> paths;
+std::multiset<std::string> AddressesIn(const nlohmann::json& functions) {
+  std::multiset<std::string> addresses;
   for (const auto& function : functions) {
-    paths.insert(function["path"]);
-    if (function.contains("functions")) paths.merge(PathsIn(function["functions"]));
+    addresses.insert(function["address"]);
+    if (function.contains("functions")) addresses.merge(AddressesIn(function["functions"]));
   }
-  return paths;
+  return addresses;
 }
 
 /// Returns the number of functions that the lines of a tree represent.
@@ -84,10 +84,10 @@ std::size_t CountDrawn(const std::string& tree) {
 
 TEST_P(CapturedMachine, ItsTreeHasEveryFunctionOnce) {
   const auto devices = Document(Run(GetParam(), {"devices", "--format", "json"}));
-  const auto expected = PathsIn(devices["functions"]);
+  const auto expected = AddressesIn(devices["functions"]);
   std::multiset<std::string> found;
   const auto tree = Document(Run(GetParam(), {"tree", "--format", "json"}));
-  for (const auto& bus : tree["buses"]) found.merge(PathsIn(bus["functions"]));
+  for (const auto& bus : tree["buses"]) found.merge(AddressesIn(bus["functions"]));
   EXPECT_EQ(found, expected);
   EXPECT_EQ(CountDrawn(Run(GetParam(), {"tree"}).out), expected.size());
   EXPECT_EQ(CountDrawn(Run(GetParam(), {"tree", "--all"}).out), expected.size());
@@ -104,7 +104,7 @@ TEST_P(CapturedMachine, WhatIsListedCanBeShown) {
     EXPECT_EQ(shown["function"], devices[i]);
   }
   for (const auto& slot : slots["slots"]) {
-    const auto shown = Document(Run(GetParam(), {"show", slot["tag"], "--format", "json"}));
+    const auto shown = Document(Run(GetParam(), {"show", slot["name"], "--format", "json"}));
     EXPECT_EQ(shown["slot"], slot);
   }
 }

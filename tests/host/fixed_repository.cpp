@@ -8,6 +8,7 @@
 #include "host/base/namespace_name.h"
 #include "tests/fakes/pci_schema.h"
 #include "tests/host/plugins/fixed_machine.h"
+#include "tests/host/plugins/fixed_topology.h"
 
 std::shared_ptr<vtq::Namespace> MakeEmptyRepository() {
   auto repository = vtq::Namespace::Create(pciinfo::kNamespaceName);
@@ -18,6 +19,15 @@ std::shared_ptr<vtq::Namespace> MakeEmptyRepository() {
 std::shared_ptr<vtq::Namespace> MakeFixedRepository() {
   auto repository = MakeEmptyRepository();
   for (const auto& cimClass : repository->GetClasses()) fake::MakeFixedInstances(*cimClass);
+  return repository;
+}
+
+std::shared_ptr<vtq::Namespace> MakeTopologyRepository() {
+  auto repository = vtq::Namespace::Create(pciinfo::kNamespaceName);
+  for (vtq::ClassSchema& schema : pciinfo::LoadClasses(TOPOLOGY_CLASS_FILE)) {
+    repository->Declare(std::move(schema));
+  }
+  for (const auto& cimClass : repository->GetClasses()) fake::MakeTopologyInstances(*cimClass);
   return repository;
 }
 

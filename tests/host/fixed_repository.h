@@ -13,6 +13,9 @@ std::shared_ptr<vtq::Namespace> MakeEmptyRepository();
 /// A repository with the invented machine of the plug-in "fixed".
 std::shared_ptr<vtq::Namespace> MakeFixedRepository();
 
+/// A repository with the classes of the topology and the invented machine of the plug-in "fixed".
+std::shared_ptr<vtq::Namespace> MakeTopologyRepository();
+
 /// An output whose text can be read back.
 class OutputToText {
  public:

@@ -25,6 +25,13 @@ RunResult RunPciinfo(const std::vector<std::string>& arguments,
   return Run(words, environment);
 }
 
+std::vector<std::string> InventoryWords(const std::vector<std::string>& more) {
+  std::vector<std::string> words = {"instances"};
+  words.insert(words.end(), kInventoryClasses.begin(), kInventoryClasses.end());
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
 RunResult RunFake(const std::string& plugin, std::vector<std::string> arguments,
                   const std::map<std::string, std::string>& environment) {
   arguments.insert(arguments.end(), {"--only-plugin", FakePluginFile(plugin)});

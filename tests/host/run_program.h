@@ -7,6 +7,15 @@
 
 #include "tests/fakes/run_process.h"
 
+/// The classes of the first plug-in, in the order of its class file. The test plug-ins serve those
+/// of the second one too, so these are named where only they are wanted.
+inline const std::vector<std::string> kInventoryClasses = {
+    "QZMSG_PCIDevice",    "QZMSG_PCIBridge",     "QZMSG_SystemSlot", "QZMSG_SystemBoard",
+    "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice", "QZMSG_PCIRawData"};
+
+/// Returns the words of `instances` for these classes, and further ones.
+std::vector<std::string> InventoryWords(const std::vector<std::string>& more = {});
+
 /// Runs pciinfo.
 RunResult RunPciinfo(const std::vector<std::string>& arguments,
                      const std::map<std::string, std::string>& environment = {});

@@ -40,17 +40,18 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"formats", {"base", "console", "formats"}},
     {"process", {"base", "console", "process"}},
     {"model", {"base", "console", "formats", "model"}},
+    {"machine", {"base", "console", "formats", "model", "machine"}},
     {"schema", {"base", "console", "formats", "model", "schema"}},
     {"check", {"base", "console", "formats", "model", "check"}},
     {"diff", {"base", "console", "formats", "model", "diff"}},
     {"collect", {"base", "console", "schema", "process", "collect"}},
     {"capture", {"base", "console", "process", "schema", "capture"}},
     {"replay", {"base", "console", "process", "capture", "replay"}},
-    {"views", {"base", "console", "formats", "model", "schema", "collect", "views"}},
+    {"views", {"base", "console", "formats", "model", "machine", "schema", "collect", "views"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
-     {"base", "console", "formats", "process", "model", "schema", "check", "diff", "collect",
-      "capture", "replay", "views", "cli"}},
+     {"base", "console", "formats", "process", "model", "machine", "schema", "check", "diff",
+      "collect", "capture", "replay", "views", "cli"}},
 };
 
 struct Include {

@@ -57,13 +57,27 @@ TEST_F(RestrictedUserTest, UnreadableSmbiosTablesAreNamedOnceAndTheFunctionsAreT
 }
 
 TEST_F(RestrictedUserTest, AFunctionThatMayNotBeReadIsNamedOnce) {
-  const RunResult whole = Run({"devices"});
-  const std::string first = LinesOf(whole.out).at(1).substr(0, 7);  // "00:00.0"
+  const std::vector<std::string> words = {"instances", "QZMSG_PCIDevice", "QZMSG_PCIBridge",
+                                          "--format", "jsonl"};
+  const RunResult whole = Run(words);
+  const std::string first = LinesOf(Run({"devices"}).out).at(1).substr(0, 7);  // "00:00.0"
   Lock("/proc/bus/pci/" + first.substr(0, 2) + "/" + first.substr(3));
-  const RunResult result = Run({"devices"});
+  const RunResult result = Run(words);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(LinesOf(result.out).size() + 1, LinesOf(whole.out).size());
   EXPECT_THAT(LinesOf(result.err), ElementsAre(HasSubstr(first.substr(3) + " could not be ")));
+}
+
+TEST_F(RestrictedUserTest, ViewsNameAFileThatMayNotBeRead) {
+  const RunResult whole = Run({"devices"});
+  const std::string file =
+      "/sys/bus/pci/devices/0000:" + LinesOf(whole.out).at(1).substr(0, 7) + "/config";
+  Lock(file);
+  const RunResult result = Run({"devices"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(LinesOf(result.out).size(), LinesOf(whole.out).size());
+  EXPECT_THAT(LinesOf(result.err), ElementsAre("pciinfo: VTQ_PCIFunction: " + file +
+                                               " could not be read: Permission denied"));
 }
 
 TEST_F(RestrictedUserTest, NothingIsWrittenWhereTheUserStands) {

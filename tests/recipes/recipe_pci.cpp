@@ -217,6 +217,9 @@ void WriteSysfs(const Function& function, const std::string& config, const fs::p
   for (const Region& region : function.regions) resource += ResourceLine(region);
   WriteFile(directory / "resource", resource);
   WriteFile(directory / "config", config);
+  if (!function.driver.empty()) {
+    fs::create_symlink("../../../../bus/pci/drivers/" + function.driver, directory / "driver");
+  }
 }
 
 void WriteFunction(const Function& function, bool sysfs, const fs::path& root) {

@@ -22,7 +22,7 @@ class TroubleReportTest : public testing::Test {
     report_.EndClass();
   }
 
-  TroubleReport report_{true, true};
+  TroubleReport report_{true};
 };
 
 TEST_F(TroubleReportTest, StartsWithoutTroubles) {
@@ -93,17 +93,6 @@ TEST_F(TroubleReportTest, AFailureOutsideOfACollectionHasNoClass) {
   report_.AddFailure("x.pi.so: it failed");
   EXPECT_THAT(report_.GetLines(), ElementsAre("x.pi.so: it failed"));
   EXPECT_TRUE(report_.HasTroubles());
-}
-
-TEST(TroubleReport, SlotTroublesAreDroppedIfSlotsDoNotMatter) {
-  TroubleReport report(true, false);
-  report.BeginClass("A");
-  report.AddRecord(ILogger::kError, "Unable to open SMBIOS library error: 4");
-  report.AddRecord(ILogger::kError, "Unable to open SMBIOS library error: 2");
-  EXPECT_FALSE(report.HasTroubles());
-  EXPECT_THAT(report.GetLines(), IsEmpty());
-  report.AddRecord(ILogger::kStatus, "odd");
-  EXPECT_TRUE(report.HasTroubles());
 }
 
 }  // namespace

@@ -17,7 +17,6 @@ Finding Judge(const std::string& text, const Circumstances& circumstances = {}) 
 struct Case {
   const char* record;
   Verdict verdict;
-  Subject subject;
   const char* text;
 };
 
@@ -26,57 +25,55 @@ class KnownRecord : public testing::TestWithParam<Case> {};
 TEST_P(KnownRecord, IsJudged) {
   const Finding finding = Judge(GetParam().record, {true, "the reason"});
   EXPECT_EQ(finding.verdict, GetParam().verdict);
-  EXPECT_EQ(finding.subject, GetParam().subject);
   EXPECT_THAT(finding.text, HasSubstr(GetParam().text));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Troubles, KnownRecord,
     testing::Values(
-        Case{"Could not open PCI devices file.", Verdict::kTrouble, Subject::kFunctions,
+        Case{"Could not open PCI devices file.", Verdict::kTrouble,
              "/proc/bus/pci/devices, could not be opened"},
         Case{"PCI description spawn encountered an error in lspci: not found", Verdict::kTrouble,
-             Subject::kFunctions, "lspci gave no descriptions: not found"},
-        Case{"PCI description buffer is empty", Verdict::kTrouble, Subject::kFunctions,
-             "it printed nothing"},
+             "lspci gave no descriptions: not found"},
+        Case{"PCI description buffer is empty", Verdict::kTrouble, "it printed nothing"},
         Case{"Could not open PCI file./proc/bus/pci/03/1f.2", Verdict::kTrouble,
-             Subject::kFunctions, "/proc/bus/pci/03/1f.2 could not be opened; this function is"},
+             "/proc/bus/pci/03/1f.2 could not be opened; this function is"},
         Case{"Could not read PCI file /proc/bus/pci/03/1f.2", Verdict::kTrouble,
-             Subject::kFunctions, "/proc/bus/pci/03/1f.2 could not be read; this function is"},
+             "/proc/bus/pci/03/1f.2 could not be read; this function is"},
         Case{"Configuration vendor id 1 and devices file vendor id 2 did not match.",
-             Verdict::kTrouble, Subject::kFunctions,
+             Verdict::kTrouble,
              "Configuration vendor id 1 and devices file vendor id 2 did not match. This function"},
         Case{"Configuration device id 1 and devices file device id 2 did not match.",
-             Verdict::kTrouble, Subject::kFunctions, "Configuration device id 1 and"},
-        Case{"PCIInfo plugin threw unknown exception", Verdict::kClassLost, Subject::kFunctions,
+             Verdict::kTrouble, "Configuration device id 1 and"},
+        Case{"PCIInfo plugin threw unknown exception", Verdict::kClassLost,
              "the class could not be collected: the reason"},
         Case{"PciDevInfo encountered an error generating CIM instances for X Error Code: no key",
-             Verdict::kTrouble, Subject::kFunctions, "X Error Code: no key"},
-        Case{"PCI Slot ID 3 not found", Verdict::kTrouble, Subject::kSlots,
-             "PCI Slot ID 3 not found"},
-        Case{"SMBIOS library could not load. Error 2", Verdict::kNotice, Subject::kSlots,
+             Verdict::kTrouble, "X Error Code: no key"},
+        Case{"PCI Slot ID 3 not found", Verdict::kTrouble, "PCI Slot ID 3 not found"},
+        Case{"SMBIOS library could not load. Error 2", Verdict::kNotice,
              "this machine has no SMBIOS tables"},
-        Case{"Unable to open SMBIOS library error: 2", Verdict::kNotice, Subject::kSlots,
+        Case{"Unable to open SMBIOS library error: 2", Verdict::kNotice,
              "this machine has no SMBIOS tables"},
-        Case{"SMBIOS library could not load. Error 4", Verdict::kTrouble, Subject::kSlots,
-             "run as root"},
-        Case{"Unable to open SMBIOS library error: 4", Verdict::kTrouble, Subject::kSlots,
-             "run as root"},
-        Case{"SMBIOS library could not load. Error 6", Verdict::kTrouble, Subject::kSlots,
+        Case{"SMBIOS library could not load. Error 4", Verdict::kTrouble, "run as root"},
+        Case{"Unable to open SMBIOS library error: 4", Verdict::kTrouble, "run as root"},
+        Case{"SMBIOS library could not load. Error 6", Verdict::kTrouble,
              "damaged, so no slots are known: the reason"},
-        Case{"SMBIOS library could not load. Error 3", Verdict::kTrouble, Subject::kSlots,
+        Case{"SMBIOS library could not load. Error 3", Verdict::kTrouble,
              "could not be read (status 3), so no slots are known: the reason"},
-        Case{"Return from smBiosGetFirst: Error 2", Verdict::kNotice, Subject::kSlots,
-             "hold no slot records"},
-        Case{"Return from smBiosGetFirst: 2", Verdict::kNotice, Subject::kSlots,
-             "hold no slot records"},
-        Case{"Return from smBiosGetFirst: Error 5", Verdict::kTrouble, Subject::kSlots,
-             "too large"},
-        Case{"Return from smBiosGetFirst: 4", Verdict::kTrouble, Subject::kSlots, "status 4"},
-        Case{"Return from smBiosGetFirst: Error 22", Verdict::kTrouble, Subject::kSlots,
-             "status 22"},
-        Case{"SMBIOS library could not load. Error 2x", Verdict::kTrouble, Subject::kSlots,
-             "status 2x"}));
+        Case{"Return from smBiosGetFirst: Error 2", Verdict::kNotice, "hold no slot records"},
+        Case{"Return from smBiosGetFirst: 2", Verdict::kNotice, "hold no slot records"},
+        Case{"SMBIOS tables not loaded: status 2", Verdict::kNotice,
+             "no SMBIOS tables, so only the slots that the kernel shows are known; "},
+        Case{"SMBIOS tables not loaded: status 4", Verdict::kTrouble,
+             "so only the slots that the kernel shows are known; run as root"},
+        Case{"SMBIOS slot records not read: status 2", Verdict::kNotice,
+             "hold no slot records, so only the slots that the kernel shows are known; "},
+        Case{"The kernel shows no PCI functions.", Verdict::kNotice,
+             "this machine shows no PCI bus (/sys/bus/pci/devices"},
+        Case{"Return from smBiosGetFirst: Error 5", Verdict::kTrouble, "too large"},
+        Case{"Return from smBiosGetFirst: 4", Verdict::kTrouble, "status 4"},
+        Case{"Return from smBiosGetFirst: Error 22", Verdict::kTrouble, "status 22"},
+        Case{"SMBIOS library could not load. Error 2x", Verdict::kTrouble, "status 2x"}));
 
 TEST(Troubles, ProgressLinesAndOldKernelFilesMeanNothing) {
   for (const char* text :
@@ -92,6 +89,10 @@ TEST(Troubles, ACaptureHasItsOwnWording) {
   const Finding bus = Judge("Could not open PCI devices file.", capture);
   EXPECT_EQ(bus.verdict, Verdict::kNotice);
   EXPECT_THAT(bus.text, HasSubstr("this capture holds no /proc/bus/pci"));
+  EXPECT_THAT(Judge("The kernel shows no PCI functions.", capture).text,
+              HasSubstr("this capture holds no /sys/bus/pci/devices"));
+  EXPECT_THAT(Judge("SMBIOS tables not loaded: status 2", capture).text,
+              HasSubstr("this capture holds no SMBIOS tables, so only the slots"));
   const Finding tables = Judge("SMBIOS library could not load. Error 2", capture);
   EXPECT_EQ(tables.verdict, Verdict::kNotice);
   EXPECT_THAT(tables.text, HasSubstr("this capture holds no SMBIOS tables"));

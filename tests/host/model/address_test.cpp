@@ -40,10 +40,21 @@ TEST(WrittenAddress, MayBeSpelledInSeveralWays) {
        {"0a:1f.3", "0A:1F.3", "a:1f.3", "0000:0a:1f.3", "PCI Bus 10, device  31, function  3"}) {
     const auto written = ParseAddress(text);
     ASSERT_TRUE(written.has_value()) << text;
-    EXPECT_EQ(written->domain, 0U);
     EXPECT_EQ(written->address, (PciAddress{10, 31, 3})) << text;
   }
   EXPECT_EQ(ParseAddress("10000:00:00.0")->domain, 0x10000U);
+  EXPECT_EQ(ParseAddress("0000:0a:1f.3")->domain, 0U);
+  EXPECT_EQ(ParseAddress("0a:1f.3")->domain, std::nullopt);
+}
+
+TEST(DomainAddress, IsReadAndWrittenWithItsDomain) {
+  const auto address = ParseDomainAddress("10000:0a:1f.3");
+  ASSERT_TRUE(address.has_value());
+  EXPECT_EQ(*address, (DomainAddress{0x10000, {10, 31, 3}}));
+  EXPECT_EQ(FormatAddress(*address), "10000:0a:1f.3");
+  EXPECT_EQ(FormatAddress(DomainAddress{0, {10, 31, 3}}), "0000:0a:1f.3");
+  EXPECT_FALSE(ParseDomainAddress("0a:1f.3").has_value());
+  EXPECT_FALSE(ParseDomainAddress("nonsense").has_value());
 }
 
 TEST(WrittenAddress, OtherTextsAreRejected) {

@@ -83,12 +83,10 @@ TEST(Filter, MatchesSlotsByTheirNames) {
   for (const char* term : {"slot=7", "slot=tag 2", "slot=pciex16_1"}) {
     EXPECT_TRUE(Keeps({term}, &slot)) << term;
     EXPECT_TRUE(Filter({term}).Keeps(slot)) << term;
-    EXPECT_TRUE(Filter({term}).NeedsSlots());
   }
   EXPECT_FALSE(Keeps({"slot=none"}, &slot));
   EXPECT_FALSE(Filter({"slot=7,class=02"}).Keeps(slot));
   EXPECT_TRUE(Filter({"slot=7,class=02"}).Keeps(Card(), &slot));
-  EXPECT_FALSE(Filter({"class=02"}).NeedsSlots());
 }
 
 TEST(Filter, ErrorsForBadTermsListTheKeys) {

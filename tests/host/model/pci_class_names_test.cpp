@@ -8,11 +8,7 @@ namespace {
 
 std::string Words(std::optional<unsigned> base, std::optional<unsigned> subclass = {},
                   std::optional<unsigned> interface = {}) {
-  PciFunction function;
-  function.classCode = base;
-  function.subclass = subclass;
-  function.programmingInterface = interface;
-  return ClassText(function);
+  return ClassText({base, subclass, interface});
 }
 
 TEST(PciClassNames, GiveTheMostSpecificName) {

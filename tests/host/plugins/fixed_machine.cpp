@@ -9,6 +9,7 @@
 #include "framework/add_to_vector_callback.h"
 #include "framework/cim_instance.h"
 #include "framework/cim_namespace.h"
+#include "tests/host/plugins/fixed_topology.h"
 
 namespace fake {
 namespace {
@@ -160,6 +161,7 @@ void MakeFixedInstances(ICIMClass& cimClass) {
   if (name == "QZMSG_DeviceInSlot") MakeAssociations(cimClass, "QZMSG_SystemSlot", true);
   if (name == "QZMSG_OnBoardDevice") MakeAssociations(cimClass, "QZMSG_SystemBoard", false);
   if (name == "QZMSG_PCIRawData") MakeListings(cimClass);
+  MakeTopologyInstances(cimClass);
 }
 
 }  // namespace fake

@@ -14,6 +14,10 @@ class Grumbling final : public fake::FakePlugin {
     const std::string name = cimClass.GetName({});
     if (name == "QZMSG_PCIDevice" || name == "QZMSG_PCIBridge") GrumbleAboutFunctions();
     if (name == "QZMSG_SystemSlot") fake::Log(2, "SMBIOS library could not load. Error 4");
+    if (name == "VTQ_PCIFunction") {
+      fake::Log(2, "SMBIOS tables not loaded: status 4");
+      fake::Log(2, "a fan has stopped");
+    }
     if (name == "QZMSG_PCIRawData") return FailToList();
     FakePlugin::Serve(cimClass);
   }

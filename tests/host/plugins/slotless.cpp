@@ -9,11 +9,9 @@ class Slotless final : public fake::FakePlugin {
   void Serve(NQZMVTQ20::ICIMClass& cimClass) override {
     const std::string name = cimClass.GetName({});
     if (name == "QZMSG_PCIDevice") fake::Log(0, "Unable to open SMBIOS library error: 2");
-    if (name == "QZMSG_SystemSlot") {
-      fake::Log(2, "SMBIOS library could not load. Error 2");
-    } else {
-      FakePlugin::Serve(cimClass);
-    }
+    if (name == "QZMSG_SystemSlot") fake::Log(2, "SMBIOS library could not load. Error 2");
+    if (name == "VTQ_PCIFunction") fake::Log(2, "SMBIOS tables not loaded: status 2");
+    if (name != "QZMSG_SystemSlot" && name != "VTQ_PCISlot") FakePlugin::Serve(cimClass);
   }
 };
 

@@ -16,8 +16,8 @@ using testing::Not;
 TEST(ProgressLine, TellsWhatTakesLongAndIsErased) {
   const RunResult result = RunOnTerminal(
       {{"slots", "--no-pager", "--timeout", "6", "--only-plugin", FakePluginFile("hostile")},
-       {{"HOSTILE", "Hang QZMSG_SystemSlot"}}});
-  const std::string line = "pciinfo: collecting QZMSG_SystemSlot (";
+       {{"HOSTILE", "Hang VTQ_PCISlot"}}});
+  const std::string line = "pciinfo: collecting VTQ_PCISlot (";
   ASSERT_THAT(result.out, HasSubstr(line));
   const std::size_t shown = result.out.find(line);
   const std::size_t erased = result.out.find("\r\x1B[K\r", shown);
@@ -40,14 +40,14 @@ TEST(ProgressLine, IsNotShownForAMoment) {
 }
 
 TEST(ProgressLine, IsNotShownWhereNobodyLooks) {
-  const RunResult result = RunHostile("Hang QZMSG_SystemSlot", {"slots", "--timeout", "4"});
+  const RunResult result = RunHostile("Hang VTQ_PCISlot", {"slots", "--timeout", "4"});
   EXPECT_THAT(result.err, Not(HasSubstr("collecting")));
 }
 
 TEST(ProgressLine, GivesWayToTheLog) {
   const RunResult result = RunOnTerminal({{"slots", "--no-pager", "--timeout", "4", "--log-level",
                                            "3", "--only-plugin", FakePluginFile("hostile")},
-                                          {{"HOSTILE", "Hang QZMSG_SystemSlot"}}});
+                                          {{"HOSTILE", "Hang VTQ_PCISlot"}}});
   EXPECT_THAT(result.out, Not(HasSubstr("pciinfo: collecting")));
 }
 

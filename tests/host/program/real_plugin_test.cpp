@@ -19,10 +19,10 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 
-/// "00:1f.3 8086:a170" for every function that `lspci -n` lists, sorted.
+/// "0000:00:1f.3 8086:a170" for every function that `lspci -Dn` lists, sorted.
 std::vector<std::string> FunctionsOfLspci() {
   std::vector<std::string> functions;
-  for (const std::string& line : LinesOf(RunProcess({"/usr/bin/lspci", "-n"}).out)) {
+  for (const std::string& line : LinesOf(RunProcess({"/usr/bin/lspci", "-D", "-n"}).out)) {
     std::istringstream words(line);
     std::string address, baseClass, ids;
     words >> address >> baseClass >> ids;
@@ -32,26 +32,25 @@ std::vector<std::string> FunctionsOfLspci() {
   return functions;
 }
 
-/// The same for the functions that pciinfo lists, in its order.
-std::vector<std::string> FunctionsOfPciinfo(const std::string& out) {
+/// The same for functions in the JSON of views, in its order.
+std::vector<std::string> FunctionsIn(const json& listed) {
   std::vector<std::string> functions;
-  for (const std::string& line : LinesOf(out)) {
-    std::istringstream words(line);
-    std::string address, kind, ids;
-    words >> address >> kind >> ids;
-    if (address != "ADDRESS") functions.push_back(address + " " + ids);
+  for (const json& function : listed) {
+    functions.push_back(function["address"].get<std::string>() + " " +
+                        function["id"].get<std::string>());
   }
   return functions;
 }
 
-TEST(RealPlugin, TheInventoryIsThatOfLspci) {
-  const RunResult result = RunPciinfo({"devices"});
+TEST(RealPlugin, TheDevicesAreThoseOfLspci) {
+  const RunResult result = RunPciinfo({"devices", "--format", "json"});
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(FunctionsOfPciinfo(result.out), FunctionsOfLspci());
+  EXPECT_EQ(FunctionsIn(json::parse(result.out)["functions"]), FunctionsOfLspci());
 }
 
 TEST(RealPlugin, DescriptionsAreThoseOfLspci) {
-  const std::string out = RunPciinfo({"devices"}).out;
+  const std::string out =
+      RunPciinfo({"instances", "QZMSG_PCIDevice", "QZMSG_PCIBridge", "--format", "yaml"}).out;
   for (const std::string& line : LinesOf(RunProcess({"/usr/bin/lspci"}).out)) {
     const std::string description = line.substr(line.find(' ') + 1);
     const std::string withoutRevision = description.substr(0, description.find(" (rev"));
@@ -59,12 +58,18 @@ TEST(RealPlugin, DescriptionsAreThoseOfLspci) {
   }
 }
 
-TEST(RealPlugin, EveryFunctionIsInASlotOrOnTheBoard) {
-  const RunResult result = RunPciinfo({"slots", "--format", "json"});
-  const json document = json::parse(result.out);
-  std::size_t count = document["onBoard"].size();
-  for (const json& slot : document["slots"]) count += slot["functions"].size();
-  EXPECT_EQ(count, FunctionsOfLspci().size());
+TEST(RealPlugin, EveryFunctionIsInOnePlace) {
+  const json document = json::parse(RunPciinfo({"slots", "--format", "json"}).out);
+  std::vector<std::string> placed;
+  const auto add = [&placed](const json& functions) {
+    for (const std::string& function : FunctionsIn(functions)) placed.push_back(function);
+  };
+  for (const char* place : {"onBoard", "unnamed", "unknown"}) add(document[place]);
+  for (const char* groups : {"slots", "shared"}) {
+    for (const json& group : document[groups]) add(group["functions"]);
+  }
+  std::sort(placed.begin(), placed.end());
+  EXPECT_EQ(placed, FunctionsOfLspci());
 }
 
 TEST(RealPlugin, RawDataIsTheOutputOfLspci) {

@@ -46,7 +46,7 @@ TEST(Scarcity, WhatNewKernelsHaveIsNotNeeded) {
 
 TEST(Scarcity, AToolIsStartedWithoutWhatNewKernelsHave) {
   if (!std::filesystem::exists("/proc/bus/pci")) GTEST_SKIP() << "this machine has no PCI bus";
-  const std::vector<std::string> devices = {PCIINFO_PROGRAM, "devices"};
+  const std::vector<std::string> devices = {PCIINFO_PROGRAM, "instances", "QZMSG_PCIDevice"};
   const RunResult result = RunWith({{SYS_close_range, ENOSYS}, {SYS_clone3, ENOSYS}}, devices);
   EXPECT_EQ(result.status, RunProcess(devices).status) << result.err;
   EXPECT_EQ(result.out, RunProcess(devices).out);
@@ -61,7 +61,8 @@ TEST(Scarcity, AProcessThatCannotBeStartedIsSaid) {
 #ifdef SYS_vfork
 TEST(Scarcity, AToolThatCannotBeStartedIsSaid) {
   if (!std::filesystem::exists("/proc/bus/pci")) GTEST_SKIP() << "this machine has no PCI bus";
-  const RunResult result = RunWith({{SYS_vfork, EAGAIN}}, {PCIINFO_PROGRAM, "devices"});
+  const RunResult result =
+      RunWith({{SYS_vfork, EAGAIN}}, {PCIINFO_PROGRAM, "instances", "QZMSG_PCIDevice"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("cannot be started: Resource temporarily unavailable"));
 }
@@ -127,8 +128,9 @@ TEST_F(LessMounted, WithoutProcTheProgramWorks) {
   EXPECT_EQ(result.out, RunProcess(kSlots).out);
 }
 
-TEST_F(LessMounted, WithoutProcThereIsNoPciBus) {
-  const RunResult result = RunAfter("mount -t tmpfs none /proc", "devices");
+TEST_F(LessMounted, WithoutProcAndSysThereIsNoPciBus) {
+  const RunResult result =
+      RunAfter("mount -t tmpfs none /proc && mount -t tmpfs none /sys", "devices");
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(result.err, StartsWith("pciinfo: this machine shows no PCI bus"));
 }

@@ -50,8 +50,8 @@ class Survival : public testing::Test {
  protected:
   /// Collects all classes of a misbehaving plug-in; every log record goes to Log().
   RunResult Run(const std::string& harm, std::vector<std::string> options = {}) {
-    options.insert(options.begin(), {"instances", "--format", "jsonl", "--log-file", LogFile()});
-    return RunHostile(harm, options);
+    options.insert(options.begin(), {"--format", "jsonl", "--log-file", LogFile()});
+    return RunHostile(harm, InventoryWords(options));
   }
 
   std::string LogFile() const { return directory_ / "log"; }
@@ -306,21 +306,21 @@ class InheritedChildren : public Survival {
 
 TEST_F(InheritedChildren, AreLeftAlone) {
   const std::string note = directory_ / "note";
-  const RunResult result = RunAfter("sleep 60 & echo $! >" + note + ";", "Abort QZMSG_SystemSlot",
+  const RunResult result = RunAfter("sleep 60 & echo $! >" + note + ";", "Abort VTQ_PCISlot",
                                     "kill $(cat " + note + ") && echo it slept");
   EXPECT_EQ(result.out, "1\nit slept\n");
 }
 
 TEST_F(InheritedChildren, MayHaveChildrenOfTheirOwn) {
   const std::string note = directory_ / "note";
-  const RunResult result = RunAfter("(setsid sleep 60 & echo $! >" + note + "; sleep 0.01) & ",
-                                    "LeaveProcessAndAbort QZMSG_SystemSlot",
-                                    "kill $(cat " + note + ") && echo it slept");
+  const RunResult result =
+      RunAfter("(setsid sleep 60 & echo $! >" + note + "; sleep 0.01) & ",
+               "LeaveProcessAndAbort VTQ_PCISlot", "kill $(cat " + note + ") && echo it slept");
   EXPECT_EQ(result.out, "1\nit slept\n");
 }
 
 TEST_F(InheritedChildren, DoNotKeepTheProgramFromEndingItsOwnProcesses) {
-  RunAfter("sleep 1 &", "LeaveProcessAndAbort QZMSG_SystemSlot", "");
+  RunAfter("sleep 1 &", "LeaveProcessAndAbort VTQ_PCISlot", "");
   EXPECT_FALSE(IsProcessThere());
 }
 
@@ -335,11 +335,11 @@ TEST_F(InheritedChildren, ASignalEndsTheProgramAndItsProcesses) {
   for (const std::string signal : {"TERM", "KILL"}) {
     const std::string note = directory_ / "note";
     const RunResult result =
-        RunShell("export HOSTILE='Hang QZMSG_SystemSlot'; bash -c 'sleep 60 & echo $! >" + note +
+        RunShell("export HOSTILE='Hang VTQ_PCISlot'; bash -c 'sleep 60 & echo $! >" + note +
                  "; exec $PCIINFO slots --log-file " + LogFile() +
-                 " --only-plugin ${PLUGINS}hostile.pi.so' & until grep -qs SystemSlot " +
-                 LogFile() + "; do sleep 0.01; done; kill -" + signal +
-                 " $!; wait $!; echo $?; kill $(cat " + note + ") && echo it slept");
+                 " --only-plugin ${PLUGINS}hostile.pi.so' & until grep -qs PCISlot " + LogFile() +
+                 "; do sleep 0.01; done; kill -" + signal + " $!; wait $!; echo $?; kill $(cat " +
+                 note + ") && echo it slept");
     EXPECT_EQ(result.out, (signal == "TERM" ? "143" : "137") + std::string("\nit slept\n"));
     EXPECT_TRUE(BecomesGone()) << signal;
     std::filesystem::remove(LogFile());

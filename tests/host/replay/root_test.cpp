@@ -73,8 +73,8 @@ class Root : public testing::Test {
 TEST_F(Root, ShowsTheCapturedMachine) {
   const RunResult result = RunPciinfo({"devices", "--root", Archive(SmallMachine())});
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(LinesOf(result.out),
-              ElementsAre(testing::StartsWith("ADDRESS"), HasSubstr("Recorded Card")));
+  EXPECT_THAT(LinesOf(result.out), ElementsAre(testing::StartsWith("ADDRESS"),
+                                               HasSubstr("00:01.0  Ethernet controller  Intel ")));
   EXPECT_EQ(result.err, "");
 }
 
@@ -112,9 +112,9 @@ TEST_F(Root, RunsTheRealToolsOnTheCapturedFiles) {
 TEST_F(Root, RunsWhatIsNotRecorded) {
   std::vector<MadeEntry> machine = SmallMachine();
   std::erase_if(machine, [](const MadeEntry& entry) { return entry.path == "commands/lspci"; });
-  const RunResult result = RunPciinfo({"devices", "--root", Archive(machine)});
-  EXPECT_THAT(LinesOf(result.out),
-              Contains(testing::AllOf(HasSubstr("8086:1234"), HasSubstr("Ethernet controller"))));
+  const RunResult result =
+      RunPciinfo({"instances", "QZMSG_PCIDevice", "--format", "jsonl", "--root", Archive(machine)});
+  EXPECT_THAT(result.out, HasSubstr("\"Ethernet controller: Intel Corporation "));
 }
 
 TEST_F(Root, AcceptsADirectoryMadeByHand) {
@@ -132,7 +132,7 @@ TEST_F(Root, AcceptsADirectoryMadeByHand) {
 
 TEST_F(Root, ReadsAnArchiveFromStandardInput) {
   const RunResult result = RunShell("$PCIINFO --root - < " + Archive(SmallMachine()));
-  EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
+  EXPECT_THAT(result.out, HasSubstr("00:01.0  Intel "));
 }
 
 TEST_F(Root, PartsThatTheCaptureLacksAreNotThoseOfThisMachine) {
@@ -157,7 +157,7 @@ TEST_F(Root, NeedsNoPciBusInThisMachinesKernel) {
       "tmpfs none /sys/bus && $PCIINFO --root " +
       capture + "'");
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
+  EXPECT_THAT(result.out, HasSubstr("00:01.0  Intel "));
 }
 
 TEST_F(Root, FilesOnTheCommandLineAreThoseOfThisMachine) {
@@ -285,7 +285,7 @@ TEST_F(Root, APipeThatNeverEndsIsGivenUpInTime) {
 TEST_F(Root, ReadsAnArchiveFromAPipe) {
   const RunResult result = RunShell("$PCIINFO --root <(cat " + Archive(SmallMachine()) + ")");
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(result.out, HasSubstr("Recorded Card"));
+  EXPECT_THAT(result.out, HasSubstr("00:01.0  Intel "));
 }
 
 /// Cuts of a plain archive between its entries, of which nothing is left but the missing end.
@@ -322,7 +322,7 @@ RunResult RunAsNobody(const std::string& capture, const std::string& arguments) 
 TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
   const RunResult result = RunAsNobody(Archive(SmallMachine()), "devices --live-commands");
   if (result.status == 0) {
-    EXPECT_THAT(result.out, HasSubstr("8086:1234"));
+    EXPECT_THAT(result.out, HasSubstr("Ethernet controller  Intel "));
   } else {
     EXPECT_THAT(LinesOf(result.err),
                 ElementsAre(testing::AllOf(HasSubstr("run as root"), HasSubstr("sysctl kernel."))));

@@ -7,8 +7,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "host/model/slots_model.h"
 #include "host/views/devices_view.h"
+#include "host/views/overview.h"
 #include "host/views/show_view.h"
 #include "host/views/slots_view.h"
 #include "host/views/tree_view.h"
@@ -32,29 +32,22 @@ std::string SchemaText() {
   return output.Text();
 }
 
-std::string SlotsText() {
-  OutputToText output;
-  WriteSlotsJson(output.Get(), ReadSlots(*MakeFixedRepository()));
-  return output.Text();
-}
-
-/// The JSON output of the other views.
-std::vector<std::string> ViewTexts(const vtq::Namespace& repository) {
+/// The JSON output of the views: slots, devices, tree, overview, and what `show` prints.
+std::vector<std::string> ViewTexts() {
+  const auto repository = MakeTopologyRepository();
+  const MachineModel machine = ReadMachine(*repository);
   std::vector<std::string> texts;
   const auto add = [&texts](const auto& write) {
     OutputToText output;
     write(output.Get());
     texts.push_back(output.Text());
   };
-  add([&](Output& output) { WriteDevicesJson(output, repository); });
-  add([&](Output& output) {
-    WriteTreeJson(output, MakeBusTree({ReadFunctions(repository), ReadSlots(repository).slots,
-                                       [](const PciAddress&) {
-                                         return BridgeBuses{1, 1};
-                                       }}));
-  });
-  for (const char* name : {"01:00.0", "Tag 1", "00:00.0"}) {
-    add([&](Output& output) { WriteShownJson(output, FindNamed(repository, name)); });
+  add([&](Output& output) { WriteSlotsJson(output, machine); });
+  add([&](Output& output) { WriteDevicesJson(output, machine); });
+  add([&](Output& output) { WriteTreeJson(output, MakePortTree(machine), machine); });
+  add([&](Output& output) { WriteOverviewJson(output, {{}, "box", machine, {"a reason"}}); });
+  for (const char* name : {"01:00.0", "PCIEX16_1", "eth0"}) {
+    add([&](Output& output) { WriteShownJson(output, *FindNamed(*repository, name)); });
   }
   return texts;
 }
@@ -115,8 +108,8 @@ TEST(PublishedJsonSchema, NamesTheValuesOfCodedProperties) {
 TEST_F(JsonSchema, AcceptsTheProgramsOutput) {
   const auto repository = MakeFixedRepository();
   json documents = {json::parse(Written("json", *repository)),
-                    json::parse(Written("json", *MakeEmptyRepository())), json::parse(SlotsText())};
-  for (const std::string& text : ViewTexts(*repository)) documents.push_back(json::parse(text));
+                    json::parse(Written("json", *MakeEmptyRepository()))};
+  for (const std::string& text : ViewTexts()) documents.push_back(json::parse(text));
   for (const std::string& line : LinesOf(Written("jsonl", *repository))) {
     documents.push_back(json::parse(line));
   }
@@ -126,7 +119,8 @@ TEST_F(JsonSchema, AcceptsTheProgramsOutput) {
 TEST_F(JsonSchema, RejectsInvalidDocuments) {
   const json slot = json::parse(Written("json", *MakeFixedRepository(), {"QZMSG_SystemSlot"}));
   const json link = json::parse(Written("json", *MakeFixedRepository(), {"QZMSG_DeviceInSlot"}));
-  const json slots = json::parse(SlotsText());
+  const std::vector<std::string> views = ViewTexts();
+  const json slots = json::parse(views[0]);
   json documents = json::array();
   const auto add = [&documents](json document, const char* pointer, json value) {
     document[json::json_pointer(pointer)] = std::move(value);
@@ -143,11 +137,18 @@ TEST_F(JsonSchema, RejectsInvalidDocuments) {
   add(slot, "/instances/0/properties", json::object());
   add(link, "/instances/0/properties/Antecedent", "/root/cimv2:QZMSG_PCIDevice.x=\"\"");
   add(slots, "/slots/0/type", 182);
+  add(slots, "/slots/0/state", "full");
+  add(slots, "/slots/0/functions/0/certainty", "perhaps");
+  add(slots, "/shared/0/port", "00:01.1");
+  add(slots, "/conflicts/0/slot", 1);
   add(slots, "/onBoard/0/kind", "board");
-  const std::vector<std::string> views = ViewTexts(*MakeFixedRepository());
-  add(json::parse(views[0]), "/functions/0/class/base", 256);
-  add(json::parse(views[1]), "/buses/0/functions/1/functions/0/address", "1");
-  add(json::parse(views[2]), "/instance/class", "Other");
+  add(json::parse(views[1]), "/functions/0/class/base", 256);
+  add(json::parse(views[1]), "/functions/0/id", "8086");
+  add(json::parse(views[2]), "/buses/0/functions/1/functions/0/address", "1");
+  add(json::parse(views[3]), "/counts/slots", "six");
+  add(json::parse(views[4]), "/function/address", "01:00.0");
+  add(json::parse(views[5]), "/slot/ports", "none");
+  add(json::parse(views[6]), "/details/class", "Other");
   documents.push_back(json::object());
   documents.push_back(json::array());
   EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "invalid"));

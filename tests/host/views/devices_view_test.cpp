@@ -7,49 +7,59 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/host/fixed_repository.h"
+#include "tests/host/run_program.h"
 
 namespace pciinfo {
 namespace {
 
+using testing::HasSubstr;
+
+std::vector<std::string> Devices(const std::vector<std::string>& columns, MachineModel machine) {
+  OutputToText output;
+  WriteDevicesTable(output.Get(), machine, columns, {});
+  return LinesOf(output.Text());
+}
+
+MachineModel MachineOfDevices() { return ReadMachine(*MakeTopologyRepository()); }
+
 TEST(DevicesView, ListsEveryFunctionByAddress) {
-  OutputToText output;
-  WriteDevicesTable(output.Get(), *MakeFixedRepository(), {});
-  EXPECT_EQ(output.Text(),
-            "ADDRESS  KIND    ID         DESCRIPTION\n"
-            "00:00.0  bridge  8086:191f  Host bridge: Intel\n"
-            "00:01.0  bridge  8086:1901  PCI bridge: Intel\n"
-            "00:02.0  device  8086:1912  Display controller with a description that is so "
-            "long that no line of a hundred columns could ever hold all of it\n"
-            "00:1f.3  device  8086:a170  Audio device: Fa\xc3\xa7onn\xc3\xa9\n"
-            "01:00.0  device  10de:1b80  VGA compatible controller: NVIDIA Corporation "
-            "GP104\n");
+  const auto lines = Devices({}, MachineOfDevices());
+  ASSERT_EQ(lines.size(), 13U);
+  EXPECT_THAT(lines[0], testing::MatchesRegex("ADDRESS +CLASS +NAME +DRIVER +LINK +SLOT"));
+  EXPECT_EQ(lines[6].substr(0, 7), "01:00.0");
+  for (const char* part : {"VGA compatible controller", "NVIDIA GP104 [GeForce GTX 1080]",
+                           "nouveau", "x8 of x16, 8 of 16 GT/s", "PCIEX16_1"}) {
+    EXPECT_THAT(lines[6], HasSubstr(part));
+  }
+  EXPECT_THAT(lines[8], HasSubstr("PCIEX4_1 or PCIEX4_2"));
+  EXPECT_THAT(lines[12], testing::EndsWith("unknown"));
 }
 
-TEST(DevicesView, WithoutFunctionsWritesOnlyHeadings) {
-  OutputToText output;
-  WriteDevicesTable(output.Get(), *MakeEmptyRepository(), {});
-  EXPECT_EQ(output.Text(), "ADDRESS  KIND  ID  DESCRIPTION\n");
+TEST(DevicesView, ShowsTheColumnsThatAreAskedFor) {
+  const auto lines = Devices({"id", "address"}, MachineOfDevices());
+  EXPECT_EQ(lines[0], "ID         ADDRESS");
+  EXPECT_EQ(lines[1], "8086:191f  00:00.0");
 }
 
-TEST(DevicesView, CutsDescriptionsToTheTerminalWidth) {
-  OutputToText output;
-  Terminal terminal;
-  terminal.width = 60;
-  WriteDevicesTable(output.Get(), *MakeFixedRepository(), terminal);
-  EXPECT_THAT(output.Text(),
-              testing::HasSubstr("00:02.0  device  8086:1912  Display controller with a des...\n"));
+TEST(DevicesView, ShowsDomainsAndNodesWhereThereAreSeveral) {
+  MachineModel machine = MachineOfDevices();
+  machine.functions.back().address.domain = 0x10000;
+  machine.functions.front().numaNode = 0;
+  machine.functions.back().numaNode = 1;
+  const auto lines = Devices({}, machine);
+  EXPECT_THAT(lines[0], HasSubstr("NUMA"));
+  EXPECT_THAT(lines[1], testing::StartsWith("0000:00:00.0 "));
+  EXPECT_THAT(lines[12], testing::StartsWith("10000:04:00.0"));
 }
 
 TEST(DevicesView, WritesJson) {
   OutputToText output;
-  WriteDevicesJson(output.Get(), *MakeFixedRepository());
+  WriteDevicesJson(output.Get(), MachineOfDevices());
   const auto functions = nlohmann::json::parse(output.Text())["functions"];
-  ASSERT_EQ(functions.size(), 5U);
-  EXPECT_EQ(functions[0]["address"], "00:00.0");
-  EXPECT_EQ(functions[4]["class"]["text"], "Display controller");
-  OutputToText nothing;
-  WriteDevicesJson(nothing.Get(), *MakeEmptyRepository());
-  EXPECT_EQ(nlohmann::json::parse(nothing.Text())["functions"], nlohmann::json::array());
+  ASSERT_EQ(functions.size(), 12U);
+  EXPECT_EQ(functions[0]["address"], "0000:00:00.0");
+  EXPECT_EQ(functions[5]["class"]["text"], "VGA compatible controller");
+  EXPECT_EQ(functions[5]["link"]["maxWidth"], 16);
 }
 
 }  // namespace

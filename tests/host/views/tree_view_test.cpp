@@ -4,75 +4,52 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/console/text.h"
+#include <nlohmann/json.hpp>
+
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 
 namespace pciinfo {
 namespace {
 
-using testing::ElementsAre;
+using testing::HasSubstr;
 
-/// A bridge with four similar cards behind it in a slot, and one more function.
-std::vector<RootBus> SmallTree() {
-  std::vector<PciFunction> functions(6);
-  functions[0].address = PciAddress{0, 1, 0};
-  functions[0].kind = "bridge";
-  functions[0].description = "PCI bridge";
-  functions[5].address = PciAddress{0, 2, 0};
-  functions[5].description = "Last \x1B[31m";
-  Slot slot;
-  slot.designation = "SLOT 1";
-  for (unsigned i = 1; i < 5; ++i) {
-    functions[i].path = std::to_string(i);
-    functions[i].address = PciAddress{1, 0, i};
-    functions[i].description = "Ethernet controller";
-    slot.functions.push_back(functions[i]);
-  }
-  return MakeBusTree({functions, {slot}, [](const PciAddress&) { return BridgeBuses{1, 3}; }});
-}
-
-std::vector<std::string> Drawn(const std::vector<RootBus>& tree, const Terminal& terminal) {
+std::string Tree(const MachineModel& machine, const Terminal& terminal) {
   OutputToText output;
-  WriteTree(output.Get(), tree, terminal);
-  return LinesOf(output.Text());
+  WriteTree(output.Get(), MakePortTree(machine), machine, terminal);
+  return output.Text();
 }
 
-TEST(TreeView, DrawsBusesBridgesAndSlots) {
-  EXPECT_THAT(Drawn(SmallTree(), {}),
-              ElementsAre("Bus 00", "|- 00:01.0  buses 01-03  PCI bridge",
-                          "|  |- 01:00.1 [SLOT 1]  Ethernet controller",
-                          "|  |- 01:00.2 [SLOT 1]  Ethernet controller",
-                          "|  |- 01:00.3 [SLOT 1]  Ethernet controller",
-                          "|  `- 01:00.4 [SLOT 1]  Ethernet controller", "`- 00:02.0  Last ?[31m"));
+TEST(TreeView, DrawsSlotsAtTheirPortsAndMarksNarrowLinks) {
+  const std::string text = Tree(ReadMachine(*MakeTopologyRepository()), {});
+  const auto lines = LinesOf(text);
+  EXPECT_EQ(lines[0], "Bus 00");
+  EXPECT_EQ(lines[1], "|- 00:00.0  Intel Host Bridge");
+  EXPECT_EQ(lines[2], "|- 00:01.0 [PCIEX16_1]  bus 01  Intel Root Port");
+  EXPECT_EQ(lines[3], "|  |- 01:00.0  link only x8 of x16  NVIDIA GP104 [GeForce GTX 1080]");
+  EXPECT_THAT(text, HasSubstr("00:01.1 [PCIEX4_1 or PCIEX4_2]"));
+  EXPECT_THAT(text, HasSubstr("Bus 04\n`- 04:00.0"));
 }
 
-TEST(TreeView, CountsMergedFunctions) {
-  auto tree = SmallTree();
-  FoldAlike(tree);
-  EXPECT_EQ(Drawn(tree, {})[2], "|  `- 01:00.1 .. 01:00.4 [SLOT 1]  4 x Ethernet controller");
-}
-
-TEST(TreeView, DrawsUnicodeLinesIfTheTerminalShowsThem) {
+TEST(TreeView, UsesUnicodeAndTheWidthOfTheTerminal) {
   Terminal terminal;
   terminal.unicode = true;
-  EXPECT_EQ(Drawn(SmallTree(), terminal).back(), "\u2514\u2500 00:02.0  Last ?[31m");
-}
-
-TEST(TreeView, FitsTheTerminal) {
-  Terminal terminal;
   terminal.width = 40;
-  auto tree = SmallTree();
-  FoldAlike(tree);
-  for (const std::string& line : Drawn(tree, terminal)) EXPECT_LE(DisplayWidth(line), 40U) << line;
-  EXPECT_EQ(Drawn(tree, terminal)[2], "|  `- 01:00.1 .. 01:00.4 [SLOT 1]  4 ...");
+  const std::string text = Tree(ReadMachine(*MakeTopologyRepository()), terminal);
+  EXPECT_THAT(text, HasSubstr("\u251C\u2500 00:00.0"));
+  EXPECT_THAT(text, HasSubstr("..."));
 }
 
-TEST(TreeView, MarksWithColours) {
-  Terminal terminal;
-  terminal.colour = true;
-  EXPECT_EQ(Drawn(SmallTree(), terminal)[2],
-            "|  |- \x1B[36m01:00.1\x1B[0m\x1B[32m [SLOT 1]\x1B[0m  Ethernet controller");
+TEST(TreeView, WritesJson) {
+  const MachineModel machine = ReadMachine(*MakeTopologyRepository());
+  OutputToText output;
+  WriteTreeJson(output.Get(), MakePortTree(machine), machine);
+  const auto buses = nlohmann::json::parse(output.Text())["buses"];
+  const auto& port = buses[0]["functions"][1];
+  EXPECT_EQ(port["slots"][0], "PCIEX16_1");
+  EXPECT_EQ(port["functions"][0]["address"], "0000:01:00.0");
+  EXPECT_EQ(port["functions"][0]["narrowLink"], "x8 of x16");
+  EXPECT_EQ(buses[1]["bus"], 4);
 }
 
 }  // namespace

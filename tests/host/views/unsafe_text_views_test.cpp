@@ -8,7 +8,6 @@
 
 #include "host/check/check_view.h"
 #include "host/diff/diff_view.h"
-#include "host/model/bus_tree.h"
 #include "host/views/devices_view.h"
 #include "host/views/overview.h"
 #include "host/views/show_view.h"
@@ -26,9 +25,8 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-/// The invented machine with unsafe characters before each text that is no key.
-std::shared_ptr<vtq::Namespace> MakeUnsafeMachine() {
-  auto repository = MakeFixedRepository();
+/// Puts unsafe characters before each text that is no key.
+std::shared_ptr<vtq::Namespace> MadeUnsafe(std::shared_ptr<vtq::Namespace> repository) {
   for (const auto& cimClass : repository->GetClasses()) {
     for (const vtq::PropertySchema& property : cimClass->GetSchema().properties) {
       const bool isText = property.type.GetCode() == TCIMValue::TCIMType::kString;
@@ -41,6 +39,16 @@ std::shared_ptr<vtq::Namespace> MakeUnsafeMachine() {
   return repository;
 }
 
+/// The invented machine with unsafe characters; the places of its functions are kept.
+MachineModel MakeUnsafeMachine() {
+  const auto readable = ReadMachine(*MakeTopologyRepository());
+  MachineModel machine = ReadMachine(*MadeUnsafe(MakeTopologyRepository()));
+  for (std::size_t i = 0; i < machine.functions.size(); ++i) {
+    machine.functions[i].place = readable.functions[i].place;
+  }
+  return machine;
+}
+
 void ExpectSafe(const std::function<void(Output& output)>& write) {
   OutputToText output;
   write(output.Get());
@@ -50,35 +58,34 @@ void ExpectSafe(const std::function<void(Output& output)>& write) {
 }
 
 TEST(UnsafeTextInViews, OfDevicesAndSlots) {
-  const auto machine = MakeUnsafeMachine();
-  const SlotsModel slots = ReadSlots(*machine);
-  ExpectSafe([&](Output& output) { WriteDevicesTable(output, *machine, {}); });
-  ExpectSafe([&](Output& output) { WriteDevicesJson(output, *machine); });
-  ExpectSafe([&](Output& output) { WriteSlotsTable(output, slots, {}); });
-  ExpectSafe([&](Output& output) { WriteSlotsJson(output, slots); });
+  const MachineModel machine = MakeUnsafeMachine();
+  ExpectSafe([&](Output& output) { WriteDevicesTable(output, machine, {}, {}); });
+  ExpectSafe([&](Output& output) { WriteDevicesJson(output, machine); });
+  ExpectSafe([&](Output& output) { WriteSlotsTable(output, machine, {}); });
+  ExpectSafe([&](Output& output) { WriteSlotsJson(output, machine); });
 }
 
 TEST(UnsafeTextInViews, OfTheTree) {
-  const auto machine = MakeUnsafeMachine();
-  const auto tree = MakeBusTree({ReadFunctions(*machine), ReadSlots(*machine).slots,
-                                 [](const PciAddress&) { return std::nullopt; }});
-  ExpectSafe([&](Output& output) { WriteTree(output, tree, {}); });
-  ExpectSafe([&](Output& output) { WriteTreeJson(output, tree); });
+  const MachineModel machine = MakeUnsafeMachine();
+  const auto tree = MakePortTree(machine);
+  ExpectSafe([&](Output& output) { WriteTree(output, tree, machine, {}); });
+  ExpectSafe([&](Output& output) { WriteTreeJson(output, tree, machine); });
 }
 
 TEST(UnsafeTextInViews, OfOneThing) {
-  const auto machine = MakeUnsafeMachine();
-  for (const char* name : {"Tag 1", "01:00.0"}) {
-    const Shown shown = FindNamed(*machine, name);
-    ExpectSafe([&](Output& output) { WriteShown(output, shown, {}); });
-    ExpectSafe([&](Output& output) { WriteShownJson(output, shown); });
+  const auto repository = MadeUnsafe(MakeTopologyRepository());
+  for (const char* name : {"PCIEX16_1", "01:00.0", "02:00.0"}) {
+    const auto shown = FindNamed(*repository, name);
+    ExpectSafe([&](Output& output) { WriteShown(output, *shown, {}); });
+    ExpectSafe([&](Output& output) { WriteShownJson(output, *shown); });
   }
 }
 
 TEST(UnsafeTextInViews, OfTheOverview) {
-  Overview overview = MakeOverview(*MakeUnsafeMachine(), {}, {EveryUnsafeCharacter()});
-  overview.systemName = EveryUnsafeCharacter();
+  const std::string text = EveryUnsafeCharacter();
+  const Overview overview{{}, text, MakeUnsafeMachine(), {text}};
   ExpectSafe([&](Output& output) { WriteOverview(output, overview, {}); });
+  ExpectSafe([&](Output& output) { WriteOverviewJson(output, overview); });
 }
 
 TEST(UnsafeTextInViews, OfChecks) {
@@ -91,7 +98,7 @@ TEST(UnsafeTextInViews, OfChecks) {
 
 TEST(UnsafeTextInViews, OfDifferences) {
   const auto before = MakeFixedRepository();
-  const auto after = MakeUnsafeMachine();
+  const auto after = MadeUnsafe(MakeFixedRepository());
   const std::string name = EveryUnsafeCharacter();
   const DiffHeading heading{name, "caf\xe9", {}};
   const DiffResult result = Compare({before.get(), true}, {after.get(), true}, {});

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "host/machine/machine_model.h"
+
+namespace pciinfo {
+
+/// Returns a link in words, "x8 of x16, 8 of 16 GT/s": what it does now, and what it can do at most
+/// where that is more. Empty if nothing is known.
+std::string LinkText(const Link& link);
+
+/// Returns what a link can do at most, "x16, 16 GT/s", whatever it does now.
+std::string MostLinkText(const Link& link);
+
+/// Returns how the link above a device is narrower than both of its ends allow, "x8 of x16"; empty
+/// if it is not, and for other functions of a device than the first, which share its link. Speeds
+/// are not compared, because idle devices lower them to save power.
+std::string NarrowLinkText(const MachineFunction& function, const MachineModel& machine);
+
+}  // namespace pciinfo

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+namespace topology {
+
+// Files of the kernel that exist and cannot be read. Their facts are unknown, and the log says why:
+// one record a reason, however many files it hits. A file that does not exist is no failure,
+// because kernels and devices differ in what they have. Calls come on one thread, as the
+// framework's do.
+
+/// Notes that `file` could not be opened or read. `error` is the value of errno.
+void NoteReadFailure(const std::string& file, int error);
+
+/// Writes what was noted to the framework's log, and forgets it.
+void LogReadFailures();
+
+}  // namespace topology
