@@ -14,6 +14,7 @@
 #include "host/cli/diff_command.h"
 #include "host/cli/jobs.h"
 #include "host/cli/limits.h"
+#include "host/collect/foreign_domains.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
 #include "host/console/repeatable_input.h"
@@ -145,7 +146,10 @@ bool IsNeeded(const PluginFile& plugin, const Job& job) {
 /// The work of a view: collects what the job needs and prints it.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
                        const LogSettings& log, Worker& worker) {
-  TroubleReport report(std::filesystem::exists("/proc/bus/pci"), !options.root.empty());
+  TroubleReport report({.hasPciBus = std::filesystem::exists("/proc/bus/pci"),
+                        .serviceFailure = "",
+                        .isCapture = !options.root.empty(),
+                        .domainOf = MakeDomainLookup()});
   Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
   for (const PluginFile& plugin : plugins.plugins) {

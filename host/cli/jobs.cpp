@@ -41,14 +41,26 @@ Job MakeView(std::vector<std::string> collect,
   return job;
 }
 
+/// An empty output does not explain itself.
+void TellNothingMatches(const Filter& filter) {
+  WriteMessage(fmt::format("no function or slot matches the filter {}", filter.GetText()));
+}
+
+/// Reads the machine as far as the filter keeps it.
+MachineModel ReadKept(const vtq::Namespace& repository, const Filter& filter) {
+  MachineModel kept = KeptOf(ReadMachine(repository), filter);
+  const bool isNothing = kept.functions.empty() && kept.slots.empty();
+  if (isNothing && !filter.IsEmpty()) TellNothingMatches(filter);
+  return kept;
+}
+
 Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const bool asJson = options.format == "json";
   const auto print = [asJson, terminal, filter = options.filter](const Session& session,
                                                                  Output& output) {
     const vtq::Namespace& repository = session.GetRepository();
-    const Overview overview = {ReadIdentity(), session.GetSystemName(),
-                               KeptOf(ReadMachine(repository), filter),
-                               session.GetReport().GetLines()};
+    const Overview overview = {ReadIdentity(), session.GetSystemName(), filter.GetText(),
+                               ReadKept(repository, filter), session.GetReport().GetLines()};
     if (asJson) return WriteOverviewJson(output, overview);
     WriteOverview(output, overview, terminal);
   };
@@ -109,7 +121,7 @@ Job MachineJob(const Options& options, const Classes& declared,
                const std::function<void(const MachineModel& kept, Output& output)>& write) {
   return MakeView(PlanQuery(declared, MachineClasses()).collect,
                   [write, filter = options.filter](const Session& session, Output& output) {
-                    write(KeptOf(ReadMachine(session.GetRepository()), filter), output);
+                    write(ReadKept(session.GetRepository(), filter), output);
                   });
 }
 
@@ -140,6 +152,7 @@ Job TreeJob(const Options& options, const Classes& declared, const Terminal& ter
     if (!filter.IsEmpty()) {
       Prune(tree,
             [&](const MachineFunction& function) { return Keeps(filter, machine, function); });
+      if (tree.empty()) TellNothingMatches(filter);
     }
     if (asJson) return WriteTreeJson(output, tree, machine);
     if (!all) FoldAlike(tree);

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/options.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 
 #include "host/base/errors.h"
+#include "host/cli/suggestion.h"
 #include "host/formats/instance_writer.h"
 #include "host/replay/protection.h"
 #include "host/schema/schema_writer.h"
@@ -238,6 +241,17 @@ void AddCommands(CLI::App& app, Options& options) {
   app.require_subcommand(0, 1);
 }
 
+/// The message for a first word that is no command; empty if that is not what is wrong.
+std::string UnknownCommand(const CLI::App& app) {
+  const std::vector<std::string> words = app.remaining();
+  if (!app.get_subcommands().empty() || words.empty() || words[0].starts_with('-')) return "";
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  const std::string nearest = NearestOf(words[0], names);
+  return fmt::format("there is no command \"{}\"{}", words[0],
+                     nearest.empty() ? "" : fmt::format(": did you mean \"{}\"?", nearest));
+}
+
 bool CanFilter(Command command) {
   return command != Command::kShow && command != Command::kClasses &&
          command != Command::kCapture && command != Command::kSchema &&
@@ -268,7 +282,8 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
     return Answer{false, std::string(version.what()) + "\n" +
                              (options.isVerbose ? DescribeProtection() : "")};
   } catch (const CLI::ParseError& error) {
-    return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
+    const std::string unknown = UnknownCommand(*app);
+    return Answer{true, (unknown.empty() ? error.what() : unknown) + " (see \"pciinfo --help\")"};
   } catch (const UsageError& error) {
     return Answer{true, std::string(error.what()) + " (see \"pciinfo --help\")"};
   }

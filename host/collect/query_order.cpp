@@ -5,6 +5,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cctype>
 
 #include "host/base/errors.h"
 
@@ -24,9 +25,18 @@ Names NamesOf(const Schemas& declared) {
   return names;
 }
 
+/// The case of letters does not distinguish names of CIM classes (DSP0004).
+bool IsSameName(const std::string& left, const std::string& right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) ==
+           std::tolower(static_cast<unsigned char>(b));
+  });
+}
+
 const vtq::ClassSchema* Find(const Schemas& declared, const std::string& name) {
-  const auto found = std::find_if(declared.begin(), declared.end(),
-                                  [&name](const auto& schema) { return schema.name == name; });
+  const auto found = std::find_if(declared.begin(), declared.end(), [&name](const auto& schema) {
+    return IsSameName(schema.name, name);
+  });
   return found == declared.end() ? nullptr : &*found;
 }
 
@@ -63,7 +73,7 @@ QueryPlan PlanQuery(const Schemas& declared, const Names& asked) {
                                    fmt::join(NamesOf(declared), ", ")));
     }
     collector.Add(*schema);
-    if (!Holds(plan.print, name)) plan.print.push_back(name);
+    if (!Holds(plan.print, schema->name)) plan.print.push_back(schema->name);
   }
   plan.collect = collector.TakeOrder();
   if (asked.empty()) plan.print = plan.collect;

@@ -17,8 +17,9 @@ struct QueryPlan {
   std::vector<std::string> print;
 };
 
-/// Returns the plan for the classes in `asked`; an empty `asked` means all declared classes. Throws
-/// UsageError, which lists the declared classes, when a class is not declared.
+/// Returns the plan for the classes in `asked`, named in any case; an empty `asked` means all
+/// declared classes. Throws UsageError, which lists the declared classes, when a class is not
+/// declared.
 QueryPlan PlanQuery(const std::vector<vtq::ClassSchema>& declared,
                     const std::vector<std::string>& asked);
 

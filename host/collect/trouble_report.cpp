@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/collect/trouble_report.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace pciinfo {
 
 using NQZMVTQ20::ILogger;
 
-TroubleReport::TroubleReport(bool hasPciBus, bool isCapture) {
-  circumstances_.hasPciBus = hasPciBus;
-  circumstances_.isCapture = isCapture;
-}
+TroubleReport::TroubleReport(Circumstances circumstances)
+    : circumstances_(std::move(circumstances)) {}
 
 void TroubleReport::BeginClass(std::string className) {
   className_ = std::move(className);
@@ -38,21 +39,36 @@ void TroubleReport::AddFailure(const std::string& why) { Add({Verdict::kClassLos
 
 void TroubleReport::Add(const Finding& finding) {
   if (finding.verdict == Verdict::kNothing) return;
-  const std::string line = LineOf(finding);
   const bool lostClass = finding.verdict == Verdict::kClassLost;
-  if (!told_.insert(lostClass ? line : finding.text).second) return;
-  const bool isNotice = finding.verdict == Verdict::kNotice;
-  (isNotice ? notices_ : troubles_).push_back(line);
+  const std::string& about = lostClass ? className_ : finding.subject;
+  if (!seen_.emplace(finding.text, about).second) return;
+  std::vector<Told>& told = finding.verdict == Verdict::kNotice ? notices_ : troubles_;
+  const auto alike = std::find_if(told.begin(), told.end(), [&finding](const Told& other) {
+    return !finding.ofMany.empty() && other.finding.ofMany == finding.ofMany;
+  });
+  if (alike != told.end()) {
+    ++alike->count;
+  } else {
+    told.push_back({finding, className_});
+  }
 }
 
-std::string TroubleReport::LineOf(const Finding& finding) const {
-  if (finding.verdict == Verdict::kNotice || className_.empty()) return finding.text;
-  return className_ + ": " + finding.text;
+std::string TroubleReport::LineOf(const Told& told) {
+  const Finding& finding = told.finding;
+  const std::string text =
+      told.count == 1
+          ? finding.text
+          : fmt::format(fmt::runtime(finding.ofMany), fmt::arg("count", told.count),
+                        fmt::arg("others", told.count - 1), fmt::arg("first", finding.subject));
+  if (finding.verdict == Verdict::kNotice || told.className.empty()) return text;
+  return told.className + ": " + text;
 }
 
 std::vector<std::string> TroubleReport::GetLines() const {
-  std::vector<std::string> lines = notices_;
-  lines.insert(lines.end(), troubles_.begin(), troubles_.end());
+  std::vector<std::string> lines;
+  for (const std::vector<Told>* told : {&notices_, &troubles_}) {
+    for (const Told& one : *told) lines.push_back(LineOf(one));
+  }
   return lines;
 }
 

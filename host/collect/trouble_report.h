@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/collect/troubles.h"
@@ -13,8 +14,8 @@ namespace pciinfo {
 /// reported once, for the first of them. A lost class is reported for every such class.
 class TroubleReport final {
  public:
-  /// `hasPciBus` and `isCapture` as in Circumstances.
-  explicit TroubleReport(bool hasPciBus, bool isCapture = false);
+  /// `circumstances` without a service failure.
+  explicit TroubleReport(Circumstances circumstances);
 
   /// Later records and failures belong to `className`.
   void BeginClass(std::string className);
@@ -38,14 +39,21 @@ class TroubleReport final {
   std::vector<std::string> GetLines() const;
 
  private:
+  /// A finding, and how often it was made.
+  struct Told {
+    Finding finding;
+    std::string className;  ///< the first class in whose collection it was made
+    std::size_t count = 1;
+  };
+
   void Add(const Finding& finding);
-  std::string LineOf(const Finding& finding) const;
+  static std::string LineOf(const Told& told);
 
   Circumstances circumstances_;
   std::string className_;
-  std::set<std::string> told_;
-  std::vector<std::string> notices_;
-  std::vector<std::string> troubles_;
+  std::set<std::pair<std::string, std::string>> seen_;  ///< texts, and what they are about
+  std::vector<Told> notices_;
+  std::vector<Told> troubles_;
 };
 
 }  // namespace pciinfo

@@ -15,15 +15,18 @@ namespace {
 using NQZMVTQ20::ILogger;
 using NQZMVTQ20::TVTQStatusCode;
 
-enum class When { kAlways, kNoPciBus, kLspciWithoutPciBus };
+enum class When { kAlways, kNoPciBus, kLspciWithoutPciBus, kInOtherDomain };
 
 struct RecordRow {
   std::string_view beginning;
   When when;
   Verdict verdict;
   /// The message, with {effect} for what is missing therefore, {record} for the whole record,
-  /// {rest} for the part after `beginning` and {why} for the reason that the failing service gave.
+  /// {rest} for the part after `beginning`, {domain} for the domain of the function there, and
+  /// {why} for the reason that the failing service gave.
   const char* clause;
+  /// Becomes Finding::ofMany; double braces stay for the report.
+  const char* ofMany = "";
 };
 
 constexpr const char* kNoPciBus =
@@ -74,10 +77,22 @@ constexpr RecordRow kRecords[] = {
      "lspci gave no descriptions: {rest}"},
     {"PCI description buffer is empty", When::kAlways, Verdict::kTrouble,
      "lspci gave no descriptions: it printed nothing"},
+    // The kernel's list of functions names no domains.
+    {"Could not open PCI file.", When::kInOtherDomain, Verdict::kTrouble,
+     "1 function in domain {domain} is not part of these classes (\"pciinfo devices\" shows it)",
+     "{{count}} functions in domain {domain} are not part of these classes (\"pciinfo devices\" "
+     "shows "
+     "them)"},
     {"Could not open PCI file.", When::kAlways, Verdict::kTrouble,
-     "{rest} could not be opened; this function is missing"},
+     "{rest} could not be opened; this function is missing",
+     "{{count}} functions are missing: {{first}} and {{others}} more could not be opened "
+     "(--log-file saves "
+     "all names)"},
     {"Could not read PCI file ", When::kAlways, Verdict::kTrouble,
-     "{rest} could not be read; this function is missing"},
+     "{rest} could not be read; this function is missing",
+     "{{count}} functions are missing: {{first}} and {{others}} more could not be read (--log-file "
+     "saves "
+     "all names)"},
     {"Configuration vendor id ", When::kAlways, Verdict::kTrouble,
      "{record} This function is missing."},
     {"Configuration device id ", When::kAlways, Verdict::kTrouble,
@@ -153,12 +168,20 @@ const char* Worded(const char* clause, const Circumstances& circumstances) {
   return clause;
 }
 
+/// The domain of a function of /proc/bus/pci; empty unless it is another one than the first.
+std::string DomainOf(std::string_view file, const Circumstances& circumstances) {
+  constexpr std::string_view kProc = "/proc/bus/pci/";
+  if (!circumstances.domainOf || !file.starts_with(kProc)) return "";
+  return circumstances.domainOf(std::string(file.substr(kProc.size())));
+}
+
 std::string Fill(const char* clause, std::string_view record, std::string_view rest,
                  const Circumstances& circumstances, const char* effect = "") {
   if (*clause == '\0') return {};
   const std::string& failure = circumstances.serviceFailure;
   return fmt::format(fmt::runtime(Worded(clause, circumstances)), fmt::arg("effect", effect),
                      fmt::arg("record", WithoutTabs(record)), fmt::arg("rest", WithoutTabs(rest)),
+                     fmt::arg("domain", DomainOf(rest, circumstances)),
                      fmt::arg("why", failure.empty() ? "no reason was given" : failure));
 }
 
@@ -190,21 +213,24 @@ std::optional<Finding> JudgeSmbios(std::string_view record, const Circumstances&
   return std::nullopt;
 }
 
-bool Holds(When when, const Circumstances& circumstances) {
+bool Holds(When when, std::string_view rest, const Circumstances& circumstances) {
   if (when == When::kAlways) return true;
+  if (when == When::kInOtherDomain) return !DomainOf(rest, circumstances).empty();
   if (circumstances.hasPciBus) return false;
   return when == When::kNoPciBus || circumstances.serviceFailure.find("lspci") != std::string::npos;
 }
 
 bool Fits(const RecordRow& row, std::string_view record, const Circumstances& circumstances) {
-  return record.starts_with(row.beginning) && Holds(row.when, circumstances);
+  return record.starts_with(row.beginning) &&
+         Holds(row.when, record.substr(row.beginning.size()), circumstances);
 }
 
 Finding JudgeText(std::string_view record, const Circumstances& circumstances) {
   for (const RecordRow& row : kRecords) {
     if (!Fits(row, record, circumstances)) continue;
     const std::string_view rest = record.substr(row.beginning.size());
-    return {row.verdict, Fill(row.clause, record, rest, circumstances)};
+    const auto fill = [&](const char* text) { return Fill(text, record, rest, circumstances); };
+    return {row.verdict, fill(row.clause), fill(row.ofMany), WithoutTabs(rest)};
   }
   return {Verdict::kTrouble, WithoutTabs(record)};
 }

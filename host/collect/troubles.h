@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "framework/logger.h"
@@ -18,6 +19,11 @@ enum class Verdict {
 struct Finding {
   Verdict verdict = Verdict::kNothing;
   std::string text;  ///< a message; empty for Verdict::kNothing
+  /// For findings of which one cause makes many: the message for several of them, the same for
+  /// each, with {count} for their number, {others} for one less, and {first} for the `subject` of
+  /// the first. Empty: each finding is told by itself.
+  std::string ofMany = {};
+  std::string subject = {};
 };
 
 /// What JudgeRecord uses besides the record itself.
@@ -28,6 +34,8 @@ struct Circumstances {
   std::string serviceFailure;
   /// Whether the machine comes from a capture (--root).
   bool isCapture = false;
+  /// See MakeDomainLookup.
+  std::function<std::string(const std::string&)> domainOf = nullptr;
 };
 
 /// Decides what a record means that a plug-in wrote while it collected a class. Records less severe

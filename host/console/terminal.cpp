@@ -39,10 +39,15 @@ bool IsUnicode(std::string_view locale) {
   return plain.find("utf8") != std::string::npos;
 }
 
+/// A terminal that moves no cursor and has no colours, or one of which nothing is known.
+bool IsDumb(const Environment& environment) {
+  const std::string_view kind = ValueOf(environment, "TERM");
+  return kind.empty() || kind == "dumb";
+}
+
 bool HasColour(const OutputFacts& facts, const Environment& environment, const std::string& wish) {
   if (wish != "auto") return wish == "always";
-  return facts.isTerminal && ValueOf(environment, "NO_COLOR").empty() &&
-         ValueOf(environment, "TERM") != "dumb";
+  return facts.isTerminal && ValueOf(environment, "NO_COLOR").empty() && !IsDumb(environment);
 }
 
 std::size_t WidthOf(const OutputFacts& facts, const Environment& environment) {
@@ -54,8 +59,9 @@ std::size_t WidthOf(const OutputFacts& facts, const Environment& environment) {
   return std::max(width == 0 ? kUsualWidth : width, kLeastWidth);
 }
 
-/// The pager command. An empty command and `cat` mean no pager.
+/// The pager command. An empty command and `cat` mean no pager. Pagers need a cursor to move.
 std::optional<std::string> PagerOf(const Environment& environment) {
+  if (IsDumb(environment)) return std::nullopt;
   std::string pager = "less";
   for (const char* name : {"PCIINFO_PAGER", "PAGER"}) {
     if (const char* value = environment(name)) {

@@ -107,12 +107,12 @@ std::vector<Card> CardsOf(const FunctionList& functions, bool hasDomains) {
   FunctionList shown = functions;
   std::erase_if(shown, [](const MachineFunction* function) { return function->IsBridge(); });
   std::vector<Card> cards;
+  std::map<std::string, std::size_t> places;  // in `cards`, by text
   for (const Device& device : DevicesOf(shown.empty() ? functions : shown)) {
     const std::string text = DeviceText(device);
-    auto card = std::find_if(cards.begin(), cards.end(),
-                             [&text](const Card& known) { return known.text == text; });
-    if (card == cards.end()) card = cards.insert(cards.end(), {{}, text});
-    card->addresses.push_back(FunctionNumbersText(device.functions, hasDomains));
+    const auto [place, isNew] = places.try_emplace(text, cards.size());
+    if (isNew) cards.push_back({{}, text});
+    cards[place->second].addresses.push_back(FunctionNumbersText(device.functions, hasDomains));
   }
   for (Card& card : cards) {
     const std::size_t count = card.addresses.size();

@@ -36,17 +36,10 @@ Slot InFilterTerms(const MachineSlot& slot) {
 std::vector<const MachineSlot*> SlotsOf(const MachineModel& machine,
                                         const MachineFunction& function) {
   if (function.slot) return {&machine.slots[*function.slot]};
-  const auto place = static_cast<std::size_t>(&function - machine.functions.data());
   std::vector<const MachineSlot*> slots;
-  for (const SharedPort& shared : machine.shared) {
-    if (std::find(shared.functions.begin(), shared.functions.end(), place) ==
-        shared.functions.end()) {
-      continue;
-    }
-    for (const MachineSlot& slot : machine.slots) {
-      const auto& names = shared.slots;
-      if (std::find(names.begin(), names.end(), slot.name) != names.end()) slots.push_back(&slot);
-    }
+  if (!function.sharedPort) return slots;
+  for (const std::size_t place : machine.shared[*function.sharedPort].slotPlaces) {
+    slots.push_back(&machine.slots[place]);
   }
   return slots;
 }
@@ -119,6 +112,7 @@ MachineModel PartOf(const MachineModel& machine,
   const NewPlaces to = KeepFunctions(machine, keepsFunction, kept);
   KeepSlots(machine, keepsSlot, to, kept);
   KeepShared(machine, to, kept);
+  kept.LinkParts();
   return kept;
 }
 

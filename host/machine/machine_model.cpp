@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 #include "host/machine/property_reader.h"
 
@@ -162,6 +163,7 @@ class MachineReader {
     ReadSlotInstances();
     ReadOccupants();
     ReadShared();
+    model_.LinkParts();
     return std::move(model_);
   }
 
@@ -229,6 +231,33 @@ class MachineReader {
 
 bool MachineFunction::IsBridge() const {
   return headerType == 1U || headerType == 2U || baseClass == 0x06U;
+}
+
+void MachineModel::LinkParts() {
+  std::unordered_map<std::string, std::size_t> slotByName;
+  for (std::size_t place = 0; place < slots.size(); ++place) {
+    slots[place].innerSlots.clear();
+    slots[place].sharedPort.reset();
+    slotByName.emplace(slots[place].name, place);
+  }
+  for (std::size_t place = 0; place < slots.size(); ++place) {
+    const auto outer = slotByName.find(slots[place].outerSlot);
+    const bool isInner = !slots[place].outerSlot.empty() && outer != slotByName.end();
+    if (isInner) slots[outer->second].innerSlots.push_back(place);
+  }
+  for (MachineFunction& function : functions) function.sharedPort.reset();
+  for (std::size_t place = 0; place < shared.size(); ++place) {
+    for (const std::size_t function : shared[place].functions) {
+      functions[function].sharedPort = place;
+    }
+    shared[place].slotPlaces.clear();
+    for (const std::string& name : shared[place].slots) {
+      const auto slot = slotByName.find(name);
+      if (slot == slotByName.end()) continue;
+      shared[place].slotPlaces.push_back(slot->second);
+      slots[slot->second].sharedPort = place;
+    }
+  }
 }
 
 const MachineFunction* MachineModel::Find(const DomainAddress& address) const {

@@ -58,8 +58,9 @@ struct MachineFunction {
   std::optional<DomainAddress> physicalFunction;  ///< of a virtual function
   FunctionPlace place = FunctionPlace::kUnknown;
   std::string placeReason;
-  std::optional<std::size_t> slot;  ///< its place in the slots of the model
-  std::string certainty;            ///< "certain" or "likely", for a function in a slot
+  std::optional<std::size_t> slot;        ///< its place in the slots of the model
+  std::optional<std::size_t> sharedPort;  ///< its place in the shared ports, if one lists it
+  std::string certainty;                  ///< "certain" or "likely", for a function in a slot
   std::string evidence;
 
   /// Whether the function is a bridge to other buses.
@@ -91,7 +92,9 @@ struct MachineSlot {
   std::optional<bool> cardPresent;
   std::string outerSlot;
   std::vector<std::string> conflicts;
-  std::vector<std::size_t> functions;  ///< their places in the functions of the model
+  std::vector<std::size_t> functions;     ///< their places in the functions of the model
+  std::vector<std::size_t> innerSlots;    ///< the places of the slots whose `outerSlot` this is
+  std::optional<std::size_t> sharedPort;  ///< the place of the port that it shares
 
   /// Whether firmware or kernel name the slot; otherwise only a port says that it is there.
   bool IsNamed() const { return source != "port"; }
@@ -101,7 +104,8 @@ struct MachineSlot {
 struct SharedPort {
   std::string port;
   std::vector<std::string> slots;
-  std::vector<std::size_t> functions;  ///< that sit in one of the slots
+  std::vector<std::size_t> slotPlaces;  ///< those of the slots that the model has
+  std::vector<std::size_t> functions;   ///< that sit in one of the slots
   std::string evidence;
 };
 
@@ -111,6 +115,8 @@ struct MachineModel {
   std::vector<MachineSlot> slots;          ///< in the order of the plug-in
   std::vector<SharedPort> shared;
 
+  /// Sets `sharedPort`, `innerSlots` and `slotPlaces` everywhere.
+  void LinkParts();
   /// Returns the function at an address; null if there is none.
   const MachineFunction* Find(const DomainAddress& address) const;
   /// Whether addresses are shown with their domain: there are functions outside domain 0.

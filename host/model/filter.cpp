@@ -126,7 +126,8 @@ std::string KeyList() {
 
 }  // namespace
 
-Filter::Filter(const std::vector<std::string>& texts) {
+Filter::Filter(const std::vector<std::string>& texts)
+    : text_(fmt::format("{}", fmt::join(texts, " or "))) {
   for (const std::string& text : texts) alternatives_.push_back(ReadTerms(text));
 }
 

@@ -21,6 +21,8 @@ class Filter final {
   explicit Filter(const std::vector<std::string>& texts);
 
   bool IsEmpty() const noexcept { return alternatives_.empty(); }
+  /// Returns the texts, joined by " or ".
+  const std::string& GetText() const noexcept { return text_; }
 
   /// Whether a function matches; `slot` is the slot that holds it, null if there is none.
   bool Keeps(const PciFunction& function, const Slot* slot) const;
@@ -37,6 +39,7 @@ class Filter final {
   static Terms ReadTerms(const std::string& text);
   static Term ReadTerm(const std::string& text);
 
+  std::string text_;
   std::vector<Terms> alternatives_;
 };
 

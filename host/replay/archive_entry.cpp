@@ -43,6 +43,16 @@ std::string PlainPath(const ArchiveEntry& entry) {
   return plain;
 }
 
+/// Whether the path is one of a capture below a folder of any name.
+bool IsInAFolder(const std::string& path) {
+  const std::size_t end = std::min(path.find('/'), path.size());
+  const auto isPart = [](const std::string& name) {
+    return name == "proc" || name == "sys" || name == "commands" || name == kManifestFile;
+  };
+  if (end == path.size() || isPart(path.substr(0, end))) return false;
+  return isPart(path.substr(end + 1, path.find('/', end + 1) - end - 1));
+}
+
 }  // namespace
 
 CaptureLimits LimitsWithin(const std::optional<std::uint64_t>& memory) {
@@ -68,6 +78,11 @@ bool IsInnerLink(const std::string& path, const std::string& target) {
 std::string EntryGate::Admit(const ArchiveEntry& entry) {
   Count(entry);
   std::string path = PlainPath(entry);
+  if (IsInAFolder(path)) {
+    throw BadCapture(
+        fmt::format("its parts are in the folder \"{}\"; unpack it and name that folder instead",
+                    path.substr(0, std::min<std::size_t>(path.find('/'), 200))));
+  }
   if (entry.kind == EntryKind::kHardLink) Refuse(entry, "is a hard link");
   if (entry.kind == EntryKind::kOther)
     Refuse(entry, "is neither a file nor a directory nor a symbolic link");

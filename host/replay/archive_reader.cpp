@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <archive.h>
 #include <archive_entry.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -72,6 +74,7 @@ class LibraryReader final : public CaptureReader {
   void Start();
   std::string_view ReadHole();
   void RequireEndMarker() const;
+  [[noreturn]] void FailAsNoArchive() const;
   [[noreturn]] void Fail() const;
 
   vtq::FileDescriptor file_;
@@ -94,7 +97,10 @@ LibraryReader::LibraryReader(vtq::FileDescriptor file)
 
 void LibraryReader::Start() {
   if (std::exchange(hasStarted_, true)) return;
-  if (archive_read_open_fd(archive_.get(), file_.Get(), kBlockSize) != ARCHIVE_OK) Fail();
+  if (archive_read_open_fd(archive_.get(), file_.Get(), kBlockSize) == ARCHIVE_OK) return;
+  // libarchive's error for a format that it does not know
+  if (archive_errno(archive_.get()) == EILSEQ) FailAsNoArchive();
+  Fail();
 }
 
 std::optional<ArchiveEntry> LibraryReader::Next() {
@@ -139,6 +145,16 @@ void LibraryReader::RequireEndMarker() const {
   const la_int64_t end = archive_filter_bytes(archive_.get(), 0);
   if (end - archive_read_header_position(archive_.get()) >= kMarker) return;
   throw BadCapture("it is cut off: the mark at the end of the archive is missing");
+}
+
+void LibraryReader::FailAsNoArchive() const {
+  struct stat status {};
+  const bool isEmptyFile =
+      fstat(file_.Get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0;
+  if (isEmptyFile) throw BadCapture("it is empty");
+  throw BadCapture(
+      "it is no archive that is known here; a capture is a .tar, .tar.gz or .tar.zst file that "
+      "\"pciinfo capture\" wrote, or a directory");
 }
 
 void LibraryReader::Fail() const {

@@ -12,6 +12,7 @@ inline constexpr const char* kViewsJsonSchema = R"({
     "required": ["system", "machine", "counts", "notRead"],
     "properties": {
       "system": {"description": "The name of the system.", "type": "string"},
+      "filter": {"description": "As the user wrote it; missing if there is none.", "type": "string"},
       "machine": {
         "type": "object",
         "properties": {

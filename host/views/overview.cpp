@@ -96,6 +96,7 @@ void WriteFacts(Output& output, const Overview& overview, const Terminal& termin
       output, "BIOS",
       WithComma(MakerText(identity.biosMaker, identity.biosVersion), NameIn(identity.biosDate)),
       terminal);
+  WriteFact(output, "Filter", Printable(overview.filter), terminal);
   WriteFact(output, "PCI", PciText(counts), terminal);
   WriteFact(output, "Slots", SlotsText(counts), terminal);
 }
@@ -191,14 +192,14 @@ void WriteOverviewJson(Output& output, const Overview& overview) {
   add("biosMaker", identity.biosMaker);
   add("biosVersion", identity.biosVersion);
   add("biosDate", identity.biosDate);
-  nlohmann::ordered_json object = {{"system", ToUtf8(overview.systemName)},
-                                   {"machine", std::move(machine)},
-                                   {"counts",
-                                    {{"functions", counts.functions},
-                                     {"bridges", counts.bridges},
-                                     {"slots", counts.slots},
-                                     {"inUse", counts.inUse},
-                                     {"matched", counts.matched}}}};
+  nlohmann::ordered_json object = {{"system", ToUtf8(overview.systemName)}};
+  if (!overview.filter.empty()) object["filter"] = ToUtf8(overview.filter);
+  object["machine"] = std::move(machine);
+  object["counts"] = {{"functions", counts.functions},
+                      {"bridges", counts.bridges},
+                      {"slots", counts.slots},
+                      {"inUse", counts.inUse},
+                      {"matched", counts.matched}};
   object.update(MachineJson(overview.machine));
   object["notRead"] = nlohmann::ordered_json::array();
   for (const std::string& line : overview.notRead) object["notRead"].push_back(ToUtf8(line));

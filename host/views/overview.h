@@ -15,6 +15,7 @@ namespace pciinfo {
 struct Overview {
   MachineIdentity identity;
   std::string systemName;
+  std::string filter;  ///< as the user wrote it; empty: everything is shown
   MachineModel machine;
   std::vector<std::string> notRead;  ///< what could not be read and why, one sentence each
 };

@@ -5,6 +5,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <map>
 
 #include "host/console/text.h"
 #include "host/machine/names.h"
@@ -34,31 +35,18 @@ std::string FirmwareClaim(const MachineSlot& slot) {
   return slot.usage == kAvailable ? "; the firmware says available" : "";
 }
 
-const SharedPort* SharedPortOf(const MachineSlot& slot, const MachineModel& machine) {
-  const auto lists = [&slot](const SharedPort& shared) {
-    return !shared.functions.empty() &&
-           std::find(shared.slots.begin(), shared.slots.end(), slot.name) != shared.slots.end();
-  };
-  const auto found = std::find_if(machine.shared.begin(), machine.shared.end(), lists);
-  return found == machine.shared.end() ? nullptr : &*found;
-}
-
 std::vector<std::string> InnerSlots(const MachineSlot& slot, const MachineModel& machine) {
   std::vector<std::string> names;
-  for (const MachineSlot& inner : machine.slots) {
-    if (inner.outerSlot == slot.name && !slot.name.empty()) names.push_back(NameOf(inner, machine));
+  for (const std::size_t inner : slot.innerSlots) {
+    names.push_back(NameOf(machine.slots[inner], machine));
   }
   return names;
 }
 
 std::string OneOfSlots(const MachineFunction& function, const MachineModel& machine) {
-  const auto place = static_cast<std::size_t>(&function - machine.functions.data());
-  for (const SharedPort& shared : machine.shared) {
-    const auto& functions = shared.functions;
-    if (std::find(functions.begin(), functions.end(), place) == functions.end()) continue;
-    return fmt::format("{}", fmt::join(PrintableNames(shared.slots), " or "));
-  }
-  return "one of several slots";
+  if (!function.sharedPort) return "one of several slots";
+  return fmt::format("{}",
+                     fmt::join(PrintableNames(machine.shared[*function.sharedPort].slots), " or "));
 }
 
 /// Reasons name the record that they are about; without it, equal ones can be grouped.
@@ -120,7 +108,8 @@ std::string ShortAddress(const std::string& address, const MachineModel& machine
 std::string InsteadOfCards(const MachineSlot& slot, const MachineModel& machine) {
   const std::vector<std::string> inner = InnerSlots(slot, machine);
   if (!inner.empty()) return "holds " + NamesText(inner);
-  if (const SharedPort* shared = SharedPortOf(slot, machine)) {
+  const SharedPort* const shared = slot.sharedPort ? &machine.shared[*slot.sharedPort] : nullptr;
+  if (shared != nullptr && !shared->functions.empty()) {
     return fmt::format("unknown: port {} leads to {} slots", ShortAddress(shared->port, machine),
                        shared->slots.size());
   }
@@ -130,11 +119,11 @@ std::string InsteadOfCards(const MachineSlot& slot, const MachineModel& machine)
 std::vector<std::string> GroupedByReason(
     const std::vector<std::pair<std::string, std::string>>& namesAndReasons) {
   std::vector<std::pair<std::string, std::vector<std::string>>> groups;
+  std::map<std::string, std::size_t> places;  // in `groups`, by reason
   for (const auto& [name, reason] : namesAndReasons) {
-    auto group = std::find_if(groups.begin(), groups.end(),
-                              [&](const auto& known) { return known.first == reason; });
-    if (group == groups.end()) group = groups.insert(groups.end(), {reason, {}});
-    group->second.push_back(name);
+    const auto [place, isNew] = places.try_emplace(reason, groups.size());
+    if (isNew) groups.push_back({reason, {}});
+    groups[place->second].second.push_back(name);
   }
   std::vector<std::string> lines;
   for (const auto& [reason, names] : groups) {

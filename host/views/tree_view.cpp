@@ -120,20 +120,28 @@ class TreeWriter {
   std::optional<std::size_t> remainingWidth_;
 };
 
-nlohmann::ordered_json NodeJson(const PortNode& node, const MachineModel& machine) {
+using SlotNames = std::map<std::string, std::vector<std::string>>;  // by the address of the port
+
+SlotNames SlotNamesAtPorts(const MachineModel& machine) {
+  SlotNames names;
+  for (const MachineSlot& slot : machine.slots) {
+    for (const std::string& port : slot.ports) names[port].push_back(ToUtf8(slot.name));
+  }
+  return names;
+}
+
+nlohmann::ordered_json NodeJson(const PortNode& node, const MachineModel& machine,
+                                const SlotNames& slots) {
   const MachineFunction& function = *node.functions.front();
   nlohmann::ordered_json object = FunctionJson(function, machine);
-  const std::string address = FormatAddress(function.address);
-  for (const MachineSlot& slot : machine.slots) {
-    const bool isHere =
-        std::find(slot.ports.begin(), slot.ports.end(), address) != slot.ports.end();
-    if (isHere) object["slots"].push_back(ToUtf8(slot.name));
-  }
+  const auto here = slots.find(FormatAddress(function.address));
+  if (here != slots.end()) object["slots"] = here->second;
   const std::string narrow = NarrowLinkText(function, machine);
   if (!narrow.empty()) object["narrowLink"] = narrow;
   if (!function.buses) return object;
   object["functions"] = nlohmann::ordered_json::array();
-  for (const PortNode& inner : node.behind) object["functions"].push_back(NodeJson(inner, machine));
+  for (const PortNode& inner : node.behind)
+    object["functions"].push_back(NodeJson(inner, machine, slots));
   return object;
 }
 
@@ -146,10 +154,11 @@ void WriteTree(Output& output, const std::vector<RootBus>& tree, const MachineMo
 }
 
 void WriteTreeJson(Output& output, const std::vector<RootBus>& tree, const MachineModel& machine) {
+  const SlotNames slots = SlotNamesAtPorts(machine);
   auto buses = nlohmann::ordered_json::array();
   for (const RootBus& root : tree) {
     auto functions = nlohmann::ordered_json::array();
-    for (const PortNode& node : root.nodes) functions.push_back(NodeJson(node, machine));
+    for (const PortNode& node : root.nodes) functions.push_back(NodeJson(node, machine, slots));
     buses.push_back(
         {{"domain", root.domain}, {"bus", root.bus}, {"functions", std::move(functions)}});
   }

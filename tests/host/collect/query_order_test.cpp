@@ -59,12 +59,16 @@ TEST(QueryOrder, AssociationsDeclaredFirstStillComeAfterWhatTheyJoin) {
   EXPECT_THAT(PlanQuery(declared, {}).print, ElementsAre("Thing", "Link"));
 }
 
+TEST(QueryOrder, ClassesAreFoundInAnyCase) {
+  EXPECT_THAT(Plan({"qzmsg_pcibridge", "QZMSG_PCIBridge"}).print, ElementsAre("QZMSG_PCIBridge"));
+}
+
 TEST(QueryOrder, AnUnknownClassIsAnErrorThatListsTheKnownOnes) {
   try {
-    Plan({"QZMSG_PCIBridge", "QZMSG_pcidevice"});
+    Plan({"QZMSG_PCIBridge", "QZMSG_PCIDevices"});
     FAIL() << "no error";
   } catch (const UsageError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("\"QZMSG_pcidevice\""));
+    EXPECT_THAT(error.what(), HasSubstr("\"QZMSG_PCIDevices\""));
     for (const vtq::ClassSchema& schema : PciSchema()) {
       EXPECT_THAT(error.what(), HasSubstr(schema.name));
     }

@@ -24,7 +24,7 @@ class SessionTest : public testing::Test {
     return session.GetRepository().Find(className)->GetInstances().size();
   }
 
-  TroubleReport report_{true};
+  TroubleReport report_{Circumstances{}};
 };
 
 TEST_F(SessionTest, CollectsOnlyTheRequestedClasses) {

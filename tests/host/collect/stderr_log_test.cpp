@@ -10,7 +10,7 @@ namespace {
 using NQZMVTQ20::ILogger;
 
 std::string Shown(std::optional<int> level, bool collecting) {
-  TroubleReport report(true);
+  TroubleReport report(Circumstances{});
   if (collecting) report.BeginClass("A");
   const vtq::LogSink sink = MakeStderrSink(level, report);
   testing::internal::CaptureStderr();

@@ -22,7 +22,7 @@ class TroubleReportTest : public testing::Test {
     report_.EndClass();
   }
 
-  TroubleReport report_{true};
+  TroubleReport report_{Circumstances{}};
 };
 
 TEST_F(TroubleReportTest, StartsWithoutTroubles) {
@@ -41,6 +41,35 @@ TEST_F(TroubleReportTest, TheSameSmbiosTroubleInTwoWordingsIsReportedOnce) {
   Collect("A", {"Unable to open SMBIOS library error: 4"});
   Collect("B", {"SMBIOS library could not load. Error 4"});
   EXPECT_THAT(report_.GetLines(), ElementsAre(HasSubstr("A: this user may not read")));
+}
+
+TEST_F(TroubleReportTest, OneCauseOfManyTroublesIsOneLine) {
+  const std::string record = "Could not open PCI file./proc/bus/pci/0";
+  Collect("A", {record + "1/00.0", record + "2/00.0"});
+  Collect("B", {record + "1/00.0", record + "3/00.0", "odd"});
+  EXPECT_THAT(report_.GetLines(),
+              ElementsAre("A: 3 functions are missing: /proc/bus/pci/01/00.0 and 2 more could not "
+                          "be opened (--log-file saves all names)",
+                          "B: odd"));
+}
+
+TEST(TroubleReport, FunctionsOfOtherDomainsAreCountedByDomain) {
+  const auto domainOf = [](const std::string& path) {
+    return path == "03/00.0" ? "0001" : "10000";
+  };
+  Circumstances circumstances;
+  circumstances.domainOf = domainOf;
+  TroubleReport report(circumstances);
+  report.BeginClass("A");
+  for (const char* path : {"01/00.0", "02/00.0", "03/00.0"}) {
+    report.AddRecord(ILogger::kStatus,
+                     std::string("Could not open PCI file./proc/bus/pci/") + path);
+  }
+  EXPECT_THAT(report.GetLines(),
+              ElementsAre("A: 2 functions in domain 10000 are not part of these classes (\"pciinfo "
+                          "devices\" shows them)",
+                          "A: 1 function in domain 0001 is not part of these classes (\"pciinfo "
+                          "devices\" shows it)"));
 }
 
 TEST_F(TroubleReportTest, EveryLostClassIsReportedEvenForTheSameReason) {

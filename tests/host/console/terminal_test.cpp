@@ -17,7 +17,9 @@ Environment With(const Variables& variables) {
   };
 }
 
-Terminal OnTerminal(const Variables& variables, const TerminalWishes& wishes = {}) {
+/// A terminal of a kind with colours, unless the variables say another kind.
+Terminal OnTerminal(Variables variables, const TerminalWishes& wishes = {}) {
+  variables.emplace("TERM", "xterm");
   return MakeTerminal({true, 120}, With(variables), wishes);
 }
 
@@ -50,8 +52,16 @@ TEST(Terminal, TheWidthHasAMinimum) { EXPECT_EQ(MakeTerminal({true, 3}, With({})
 TEST(Terminal, ColourCanBeTurnedOff) {
   EXPECT_FALSE(OnTerminal({{"NO_COLOR", "1"}}).colour);
   EXPECT_TRUE(OnTerminal({{"NO_COLOR", ""}}).colour);
-  EXPECT_FALSE(OnTerminal({{"TERM", "dumb"}}).colour);
   EXPECT_FALSE(OnTerminal({}, {"never", true}).colour);
+}
+
+TEST(Terminal, ADumbTerminalHasNeitherColourNorPager) {
+  for (const char* kind : {"dumb", ""}) {
+    const Terminal terminal = OnTerminal({{"TERM", kind}, {"PAGER", "more"}});
+    EXPECT_FALSE(terminal.colour) << kind;
+    EXPECT_FALSE(terminal.pager.has_value()) << kind;
+  }
+  EXPECT_FALSE(MakeTerminal({true, 120}, With({}), {}).pager.has_value());
 }
 
 TEST(Terminal, ColourCanBeForced) {

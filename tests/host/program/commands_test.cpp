@@ -77,8 +77,20 @@ TEST(Program, EveryViewHasFilters) {
   EXPECT_EQ(lines({"devices"}).size(), 2U);
   EXPECT_EQ(lines({"slots"}).size(), 2U);
   EXPECT_EQ(lines({"tree"}).size(), 3U);
-  EXPECT_THAT(lines({}), Contains("PCI       1 function, 0 of them bridges"));
+  EXPECT_THAT(lines({}), AllOf(Contains("Filter    class=03,slot=PCIEX16_1"),
+                               Contains("PCI       1 function, 0 of them bridges")));
   EXPECT_EQ(lines({"instances", "--format", "jsonl"}).size(), 3U);
+}
+
+TEST(Program, AFilterThatMatchesNothingIsTold) {
+  for (const std::vector<std::string>& view : std::vector<std::vector<std::string>>{
+           {}, {"devices"}, {"slots"}, {"tree"}, {"tree", "--format", "json"}}) {
+    std::vector<std::string> words = view;
+    words.insert(words.end(), {"--filter", "slot=77"});
+    const RunResult result = RunFake("fixed", words);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "pciinfo: no function or slot matches the filter slot=77\n");
+  }
 }
 
 TEST(Program, ColoursInAPipeMustBeRequested) {

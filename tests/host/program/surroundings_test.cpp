@@ -70,7 +70,7 @@ TEST_F(Surroundings, AMachineWithoutAPciBusIsNotAnError) {
   EXPECT_EQ(inventory.status, 0) << inventory.err;
   EXPECT_EQ(LinesOf(inventory.out).size(), 1U);
   EXPECT_THAT(LinesOf(inventory.err),
-              ElementsAre(StartsWith("pciinfo: this machine shows no PCI bus")));
+              Contains(StartsWith("pciinfo: this machine shows no PCI bus")).Times(1));
 }
 
 TEST_F(Surroundings, WithoutAPciBusTheBoardIsListed) {
@@ -95,8 +95,9 @@ TEST_F(Surroundings, AnUnreadableFunctionIsNamedAndTheOthersAreListed) {
 TEST_F(Surroundings, ViewsNeedNoProc) {
   const RunResult result = RunHidden("mount -t tmpfs none /proc/bus", "$PCIINFO devices");
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(result.out, RunPciinfo({"devices"}).out);
-  EXPECT_EQ(result.err, "");
+  const RunResult whole = RunPciinfo({"devices"});
+  EXPECT_EQ(result.out, whole.out);
+  EXPECT_EQ(result.err, whole.err);
 }
 
 // Replaces lspci by a script.

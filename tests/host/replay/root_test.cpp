@@ -329,6 +329,17 @@ TEST_F(Root, ServesAnOrdinaryUserOrSaysWhatToDo) {
   }
 }
 
+TEST_F(Root, FilesThatAreNoCapturesAreExplained) {
+  const auto errorOf = [](const std::string& file) { return RunPciinfo({"--root", file}).err; };
+  EXPECT_THAT(errorOf(directory_.Write("empty", "")), HasSubstr(": it is empty\n"));
+  EXPECT_THAT(errorOf(directory_.Write("text", "no capture\n")),
+              HasSubstr(": it is no archive that is known here; a capture is a .tar, "));
+  std::vector<MadeEntry> machine = SmallMachine();
+  for (MadeEntry& entry : machine) entry.path = "box/" + entry.path;
+  EXPECT_THAT(errorOf(Archive(machine)),
+              HasSubstr(": its parts are in the folder \"box\"; unpack"));
+}
+
 TEST_F(Root, ReportsABadCaptureName) {
   EXPECT_THAT(RunPciinfo({"--root", Path("nothing")}).err, HasSubstr("No such file or directory"));
   EXPECT_THAT(RunPciinfo({"--root", "/"}).err, HasSubstr("root directory of this machine"));

@@ -45,7 +45,9 @@ std::vector<std::string> ViewTexts() {
   add([&](Output& output) { WriteSlotsJson(output, machine); });
   add([&](Output& output) { WriteDevicesJson(output, machine); });
   add([&](Output& output) { WriteTreeJson(output, MakePortTree(machine), machine); });
-  add([&](Output& output) { WriteOverviewJson(output, {{}, "box", machine, {"a reason"}}); });
+  add([&](Output& output) {
+    WriteOverviewJson(output, {{}, "box", "class=02", machine, {"a reason"}});
+  });
   for (const char* name : {"01:00.0", "PCIEX16_1", "eth0"}) {
     add([&](Output& output) { WriteShownJson(output, *FindNamed(*repository, name)); });
   }

@@ -18,7 +18,7 @@ using testing::StartsWith;
 /// Returns what `classes` prints when the plug-in "fixed" and another one are loaded, which serve
 /// the given classes of all.
 std::string Written(const std::vector<std::string>& fixed, const std::vector<std::string>& other) {
-  TroubleReport report(true);
+  TroubleReport report(Circumstances{});
   Session session(report, {}, PciSchema());
   const PluginSet plugins{{{FakePluginFile("fixed"), fixed}, {FakePluginFile("untidy"), other}},
                           {PciSchema(), {}}};

@@ -83,7 +83,7 @@ TEST(UnsafeTextInViews, OfOneThing) {
 
 TEST(UnsafeTextInViews, OfTheOverview) {
   const std::string text = EveryUnsafeCharacter();
-  const Overview overview{{}, text, MakeUnsafeMachine(), {text}};
+  const Overview overview{{}, text, text, MakeUnsafeMachine(), {text}};
   ExpectSafe([&](Output& output) { WriteOverview(output, overview, {}); });
   ExpectSafe([&](Output& output) { WriteOverviewJson(output, overview); });
 }

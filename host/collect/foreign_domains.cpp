@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/collect/foreign_domains.h"
+
+#include <filesystem>
+#include <map>
+#include <memory>
+
+namespace pciinfo {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFirstDomain = "0000";
+constexpr const char* kHexDigits = "0123456789abcdef";
+
+using Domains = std::map<std::string, std::string>;
+
+/// The domains of all functions; 0000 for those that are in several.
+Domains ReadDomains(const std::string& devices) {
+  Domains domains;
+  std::error_code failure;
+  for (const auto& entry : fs::directory_iterator(devices, failure)) {
+    const std::string name = entry.path().filename();  // "10000:03:1f.2"
+    const std::size_t bus = name.find(':') + 1;
+    if (bus == 0 || name.size() < bus + 3) continue;
+    const std::string domain = name.substr(0, bus - 1);
+    if (domain.find_first_not_of(kHexDigits) != std::string::npos) continue;
+    const std::string path = name.substr(bus, 2) + "/" + name.substr(bus + 3);
+    const auto known = domains.try_emplace(path, domain);
+    if (!known.second && known.first->second != domain) known.first->second = kFirstDomain;
+  }
+  return domains;
+}
+
+}  // namespace
+
+std::function<std::string(const std::string&)> MakeDomainLookup(const std::string& devices) {
+  return [devices, read = std::shared_ptr<Domains>()](const std::string& path) mutable {
+    if (!read) read = std::make_shared<Domains>(ReadDomains(devices));
+    const auto found = read->find(path);
+    return found == read->end() || found->second == kFirstDomain ? "" : found->second;
+  };
+}
+
+}  // namespace pciinfo
