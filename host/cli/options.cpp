@@ -192,6 +192,8 @@ void AddViews(CLI::App& app, Options& options) {
       ->type_name("NAME,...")
       ->delimiter(',')
       ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false)
       ->check(CLI::IsMember(DeviceColumns()));
   CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
   AddFormat(*tree, options.format, {"table", "json"});

@@ -93,6 +93,16 @@ TEST(Program, AFilterThatMatchesNothingIsTold) {
   }
 }
 
+TEST(Program, TheColumnsOfDevicesCanBeChosen) {
+  const RunResult result = RunFake("fixed", {"devices", "--columns", "slot,address,id"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(LinesOf(result.out), AllOf(Contains("SLOT                  ADDRESS  ID"),
+                                         Contains("PCIEX16_1             01:00.0  10de:1b80")));
+  EXPECT_EQ(RunFake("fixed", {"devices", "--columns", "address", "--columns", "slot,id"}).out,
+            RunFake("fixed", {"devices", "--columns", "address,slot,id"}).out);
+  EXPECT_EQ(RunFake("fixed", {"devices", "--columns", "colour"}).status, 2);
+}
+
 TEST(Program, ColoursInAPipeMustBeRequested) {
   EXPECT_THAT(RunFake("fixed", {"tree"}).out, Not(HasSubstr("\x1B")));
   EXPECT_THAT(RunFake("fixed", {"tree", "--color", "always"}).out, HasSubstr("\x1B[36m"));
