@@ -25,14 +25,27 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-/// Puts unsafe characters before each text that is no key.
+/// An unsafe character of each kind, in a word that can be a file name.
+std::string UnsafeWord() {
+  std::string word;
+  for (const char32_t c : {U'\x1b', U'\n', U'\r', U'\x7f', U'\u009b', U'\u061c', U'\u200b',
+                           U'\u202e', U'\u2066', U'\ufeff', U'\ufff9', U'\U000e0041'}) {
+    AppendUtf8(word, c);
+  }
+  return word + "x";
+}
+
+/// Puts unsafe characters in the place of each text that is no key.
 std::shared_ptr<vtq::Namespace> MadeUnsafe(std::shared_ptr<vtq::Namespace> repository) {
   for (const auto& cimClass : repository->GetClasses()) {
     for (const vtq::PropertySchema& property : cimClass->GetSchema().properties) {
       const bool isText = property.type.GetCode() == TCIMValue::TCIMType::kString;
       if (!isText || property.isKey || property.isArray || property.name == "Location") continue;
+      // Each in one instance; together they are long.
+      std::string text = EveryUnsafeCharacter();
       for (const auto& instance : cimClass->GetInstances()) {
-        instance->SetProperty(property.name, TCIMValue(EveryUnsafeCharacter()), {});
+        instance->SetProperty(property.name, TCIMValue(text), {});
+        text = UnsafeWord();
       }
     }
   }
@@ -122,16 +135,6 @@ TEST(UnsafeTextInCsv, IsReplacedOnATerminalOnly) {
     EXPECT_NE(shown.find("\"J? a designation"), std::string::npos) << shown;
     EXPECT_EQ(FirstUnsafe(shown, "\r\n"), -1) << shown;
   }
-}
-
-/// A word for a command line; a file name has at most 255 bytes.
-std::string UnsafeWord() {
-  std::string word;
-  for (const char32_t c : {U'\x1b', U'\n', U'\r', U'\x7f', U'\u009b', U'\u061c', U'\u200b',
-                           U'\u202e', U'\u2066', U'\ufeff', U'\ufff9', U'\U000e0041'}) {
-    AppendUtf8(word, c);
-  }
-  return word + "x";
 }
 
 TEST(UnsafeTextInMessages, OfFilesThatAreRead) {
