@@ -130,7 +130,9 @@ std::string InsteadOfCards(const MachineSlot& slot, const MachineModel& machine)
 std::vector<std::string> GroupedByReason(
     const std::vector<std::pair<std::string, std::string>>& namesAndReasons) {
   std::vector<std::pair<std::string, std::vector<std::string>>> groups;
-  for (const auto& [name, reason] : namesAndReasons) {
+  for (const auto& nameAndReason : namesAndReasons) {
+    const std::string& name = nameAndReason.first;
+    const std::string& reason = nameAndReason.second;
     auto group = std::find_if(groups.begin(), groups.end(),
                               [&](const auto& known) { return known.first == reason; });
     if (group == groups.end()) group = groups.insert(groups.end(), {reason, {}});
