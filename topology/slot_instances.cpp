@@ -18,6 +18,8 @@ std::string SourceText(SlotSource source) {
       return "SMBIOS record";
     case SlotSource::kKernelSlot:
       return "kernel slot";
+    case SlotSource::kAcpi:
+      return "ACPI";
     case SlotSource::kPort:
       return "port";
   }

@@ -15,7 +15,7 @@ namespace topology {
 enum class Certainty { kCertain, kLikely };
 
 /// Where a slot is known from.
-enum class SlotSource { kFirmwareRecord, kKernelSlot, kPort };
+enum class SlotSource { kFirmwareRecord, kKernelSlot, kAcpi, kPort };
 
 enum class SlotState { kUnknown, kEmpty, kOccupied };
 
