@@ -22,15 +22,41 @@ const PortSlot* PortSlotOf(const BusTree& tree, const Slot& slot) {
   return express && express->slot ? &*express->slot : nullptr;
 }
 
-/// Whether the driver of the slot has turned off the power of a card. Then nothing can answer.
-bool IsPoweredOff(const Machine& machine, const Slot& slot) {
-  if (!slot.kernelSlot) return false;
-  const KernelSlot& kernel = machine.kernelSlots[*slot.kernelSlot];
-  return kernel.power == 0U && kernel.adapter.value_or(0) != 0;
+/// Whether there is a card, as the slot itself tells, and who tells it.
+struct Presence {
+  std::optional<bool> isCardThere;
+  std::string teller;
+};
+
+/// The driver of the slot knows best: where ACPI does the hot-plug, the port's register may stand
+/// still. Ports without hot-plug may report a card where there is none, so they are not asked.
+Presence PresenceIn(const Machine& machine, const BusTree& tree, const Slot& slot) {
+  const KernelSlot* kernel = slot.kernelSlot ? &machine.kernelSlots[*slot.kernelSlot] : nullptr;
+  if (kernel != nullptr && kernel->adapter) {
+    return {*kernel->adapter != 0, "kernel slot " + kernel->name};
+  }
+  const PortSlot* port = PortSlotOf(tree, slot);
+  if (port == nullptr || !port->hotPlug) return {};
+  return {port->cardPresent, "port " + ToText(tree.At(slot.targets.front().port).address)};
 }
 
-std::string PowerConflict(const Machine& machine, const Slot& slot, const Found& found) {
-  if (!IsPoweredOff(machine, slot)) return "";
+/// Whether the slot has power, as its driver tells, else as its port does.
+std::optional<bool> PowerOf(const Machine& machine, const BusTree& tree, const Slot& slot) {
+  const KernelSlot* kernel = slot.kernelSlot ? &machine.kernelSlots[*slot.kernelSlot] : nullptr;
+  if (kernel != nullptr && kernel->power) return *kernel->power != 0;
+  const PortSlot* port = PortSlotOf(tree, slot);
+  return port == nullptr ? std::nullopt : port->powerOn;
+}
+
+/// Whether the power of a card has been turned off. Then nothing can answer.
+bool IsPoweredOff(const Machine& machine, const BusTree& tree, const Slot& slot) {
+  return PowerOf(machine, tree, slot) == false &&
+         PresenceIn(machine, tree, slot).isCardThere == true;
+}
+
+std::string PowerConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
+                          const Found& found) {
+  if (!IsPoweredOff(machine, tree, slot)) return "";
   return found.firstFunction ? "the slot has no power, and a function answers"
                              : "a card is in the slot, which has no power";
 }
@@ -46,30 +72,35 @@ std::string LinkConflict(const BusTree& tree, const Slot& slot, const Found& fou
 std::string UsageConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
                           const Found& found) {
   if (!slot.record || slot.targets.empty() || found.isShared) return "";
-  if (IsPoweredOff(machine, slot)) return "";
+  if (IsPoweredOff(machine, tree, slot)) return "";
   const std::uint8_t usage = machine.slotRecords[*slot.record].usage;
+  // The firmware has filled in its records at the start, and does not learn of hot-plug.
+  const std::optional<bool> isCardThere = PresenceIn(machine, tree, slot).isCardThere;
   if (usage == kInUse && !found.firstFunction) {
-    return "the firmware says in use, and no function answers: the card may have failed, or is not "
-           "seated well";
+    return isCardThere == false
+               ? "the firmware says in use, and the slot reports no card: it was removed since the "
+                 "start, or is not seated well"
+               : "the firmware says in use, and no function answers: the card may have failed, or "
+                 "is not seated well";
   }
   if (usage == kAvailable && found.firstFunction) {
     return "the firmware says available, and " + ToText(tree.At(*found.firstFunction).address) +
-           " answers";
+           " answers" +
+           (isCardThere == true ? ": the card may have been added since the start" : "");
   }
   return "";
 }
 
-/// Ports without hot-plug may report a card where there is none, so only the others count.
-std::string PresenceConflict(const BusTree& tree, const Slot& slot, const Found& found) {
-  const PortSlot* port = PortSlotOf(tree, slot);
-  if (port == nullptr || found.isShared || !port->hotPlug) return "";
-  const std::string name = "port " + ToText(tree.At(slot.targets.front().port).address);
-  if (port->cardPresent && !found.firstFunction) {
-    return name + " reports a card, and no function answers";
+std::string PresenceConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
+                             const Found& found) {
+  const Presence presence = PresenceIn(machine, tree, slot);
+  if (!presence.isCardThere || found.isShared || IsPoweredOff(machine, tree, slot)) return "";
+  if (*presence.isCardThere && !found.firstFunction) {
+    return presence.teller + " reports a card, and no function answers";
   }
-  if (!port->cardPresent && found.firstFunction) {
-    return name + " reports no card, and " + ToText(tree.At(*found.firstFunction).address) +
-           " answers";
+  if (!*presence.isCardThere && found.firstFunction) {
+    return presence.teller + " reports no card, and " +
+           ToText(tree.At(*found.firstFunction).address) + " answers";
   }
   return "";
 }
@@ -89,11 +120,14 @@ void AddOnBoardConflicts(const Machine& machine, const BusTree& tree, Resolution
   }
 }
 
-SlotState StateOf(const Slot& slot, const Found& found, bool isPoweredOff) {
-  if (found.firstFunction) return SlotState::kOccupied;
-  if (isPoweredOff) return SlotState::kOccupied;
-  if (slot.targets.empty() || found.isShared || !slot.conflicts.empty()) return SlotState::kUnknown;
-  return SlotState::kEmpty;
+SlotState StateOf(const Machine& machine, const BusTree& tree, const Slot& slot,
+                  const Found& found) {
+  if (found.firstFunction || IsPoweredOff(machine, tree, slot)) return SlotState::kOccupied;
+  if (slot.targets.empty() || found.isShared) return SlotState::kUnknown;
+  // What the slot reports is newer than the usage that the firmware says.
+  const bool isReportedEmpty = PresenceIn(machine, tree, slot).isCardThere == false &&
+                               LinkConflict(tree, slot, found).empty();
+  return slot.conflicts.empty() || isReportedEmpty ? SlotState::kEmpty : SlotState::kUnknown;
 }
 
 std::vector<Found> WhatIsFound(const Resolution& resolution) {
@@ -125,11 +159,12 @@ void JudgeSlots(const Machine& machine, const BusTree& tree, Resolution& resolut
   for (std::size_t i = 0; i < resolution.slots.size(); ++i) {
     Slot& slot = resolution.slots[i];
     for (const std::string& conflict :
-         {UsageConflict(machine, tree, slot, found[i]), PresenceConflict(tree, slot, found[i]),
-          PowerConflict(machine, slot, found[i]), LinkConflict(tree, slot, found[i])}) {
+         {UsageConflict(machine, tree, slot, found[i]),
+          PresenceConflict(machine, tree, slot, found[i]),
+          PowerConflict(machine, tree, slot, found[i]), LinkConflict(tree, slot, found[i])}) {
       if (!conflict.empty()) slot.conflicts.push_back(conflict);
     }
-    slot.state = StateOf(slot, found[i], IsPoweredOff(machine, slot));
+    slot.state = StateOf(machine, tree, slot, found[i]);
   }
   AddOnBoardConflicts(machine, tree, resolution);
 }
