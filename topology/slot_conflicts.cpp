@@ -16,10 +16,16 @@ struct Found {
   bool isShared = false;
 };
 
+/// The registers of the only port of a slot; null where there is none.
 const PortSlot* PortSlotOf(const BusTree& tree, const Slot& slot) {
   if (slot.targets.size() != 1 || slot.targets.front().kind != Target::Kind::kPort) return nullptr;
   const auto& express = tree.At(slot.targets.front().port).config.express;
   return express && express->slot ? &*express->slot : nullptr;
+}
+
+/// The kernel's slot, for slots with one.
+const KernelSlot* KernelSlotOf(const Machine& machine, const Slot& slot) {
+  return slot.kernelSlots.size() == 1 ? &machine.kernelSlots[slot.kernelSlots.front()] : nullptr;
 }
 
 /// Whether there is a card, as the slot itself tells, and who tells it.
@@ -28,54 +34,88 @@ struct Presence {
   std::string teller;
 };
 
-/// The driver of the slot knows best: where ACPI does the hot-plug, the port's register may stand
-/// still. Ports without hot-plug may report a card where there is none, so they are not asked.
-Presence PresenceIn(const Machine& machine, const BusTree& tree, const Slot& slot) {
-  const KernelSlot* kernel = slot.kernelSlot ? &machine.kernelSlots[*slot.kernelSlot] : nullptr;
+/// Compares what is known of one slot after the other.
+class Judge {
+ public:
+  Judge(const Machine& machine, const BusTree& tree, const std::vector<Slot>& slots)
+      : machine_(machine), tree_(tree) {
+    arePortsWatched_ = std::none_of(slots.begin(), slots.end(),
+                                    [&](const Slot& slot) { return IsPortContradicted(slot); });
+  }
+
+  std::vector<std::string> ConflictsOf(const Slot& slot, const Found& found) const;
+  SlotState StateOf(const Slot& slot, const Found& found) const;
+
+ private:
+  bool IsPortContradicted(const Slot& slot) const;
+  Presence PresenceIn(const Slot& slot) const;
+  std::optional<bool> PowerOf(const Slot& slot) const;
+  bool IsPoweredOff(const Slot& slot) const;
+  std::string PowerConflict(const Slot& slot, const Found& found) const;
+  std::string LinkConflict(const Slot& slot, const Found& found) const;
+  std::string UsageConflict(const Slot& slot, const Found& found) const;
+  std::string PresenceConflict(const Slot& slot, const Found& found) const;
+  std::string NameOfPort(const Slot& slot) const {
+    return ToText(tree_.At(slot.targets.front().port).address);
+  }
+
+  const Machine& machine_;
+  const BusTree& tree_;
+  bool arePortsWatched_ = true;  ///< false where the presence registers of ports stand still
+};
+
+/// Where ACPI does the hot-plug, as in emulated machines, the driver of a slot knows of the card
+/// and the register of its port does not.
+bool Judge::IsPortContradicted(const Slot& slot) const {
+  const KernelSlot* const kernel = KernelSlotOf(machine_, slot);
+  const PortSlot* const port = PortSlotOf(tree_, slot);
+  return kernel != nullptr && kernel->adapter && port != nullptr && port->hotPlug &&
+         (*kernel->adapter != 0) != port->cardPresent;
+}
+
+/// Ports without hot-plug may report a card where there is none, so they are not asked.
+Presence Judge::PresenceIn(const Slot& slot) const {
+  const KernelSlot* const kernel = KernelSlotOf(machine_, slot);
   if (kernel != nullptr && kernel->adapter) {
     return {*kernel->adapter != 0, "kernel slot " + kernel->name};
   }
-  const PortSlot* port = PortSlotOf(tree, slot);
-  if (port == nullptr || !port->hotPlug) return {};
-  return {port->cardPresent, "port " + ToText(tree.At(slot.targets.front().port).address)};
+  const PortSlot* const port = PortSlotOf(tree_, slot);
+  if (port == nullptr || !port->hotPlug || !arePortsWatched_) return {};
+  return {port->cardPresent, "port " + NameOfPort(slot)};
 }
 
 /// Whether the slot has power, as its driver tells, else as its port does.
-std::optional<bool> PowerOf(const Machine& machine, const BusTree& tree, const Slot& slot) {
-  const KernelSlot* kernel = slot.kernelSlot ? &machine.kernelSlots[*slot.kernelSlot] : nullptr;
+std::optional<bool> Judge::PowerOf(const Slot& slot) const {
+  const KernelSlot* const kernel = KernelSlotOf(machine_, slot);
   if (kernel != nullptr && kernel->power) return *kernel->power != 0;
-  const PortSlot* port = PortSlotOf(tree, slot);
+  const PortSlot* const port = PortSlotOf(tree_, slot);
   return port == nullptr ? std::nullopt : port->powerOn;
 }
 
 /// Whether the power of a card has been turned off. Then nothing can answer.
-bool IsPoweredOff(const Machine& machine, const BusTree& tree, const Slot& slot) {
-  return PowerOf(machine, tree, slot) == false &&
-         PresenceIn(machine, tree, slot).isCardThere == true;
+bool Judge::IsPoweredOff(const Slot& slot) const {
+  return PowerOf(slot) == false && PresenceIn(slot).isCardThere == true;
 }
 
-std::string PowerConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
-                          const Found& found) {
-  if (!IsPoweredOff(machine, tree, slot)) return "";
+std::string Judge::PowerConflict(const Slot& slot, const Found& found) const {
+  if (!IsPoweredOff(slot)) return "";
   return found.firstFunction ? "the slot has no power, and a function answers"
                              : "a card is in the slot, which has no power";
 }
 
 /// A link comes up only with something at its end.
-std::string LinkConflict(const BusTree& tree, const Slot& slot, const Found& found) {
-  if (PortSlotOf(tree, slot) == nullptr || found.isShared || found.firstFunction) return "";
-  const Function& port = tree.At(slot.targets.front().port);
+std::string Judge::LinkConflict(const Slot& slot, const Found& found) const {
+  if (PortSlotOf(tree_, slot) == nullptr || found.isShared || found.firstFunction) return "";
+  const Function& port = tree_.At(slot.targets.front().port);
   if (!port.config.express->linkActive) return "";
   return "the link of port " + ToText(port.address) + " is active, and no function answers";
 }
 
-std::string UsageConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
-                          const Found& found) {
-  if (!slot.record || slot.targets.empty() || found.isShared) return "";
-  if (IsPoweredOff(machine, tree, slot)) return "";
-  const std::uint8_t usage = machine.slotRecords[*slot.record].usage;
-  // The firmware has filled in its records at the start, and does not learn of hot-plug.
-  const std::optional<bool> isCardThere = PresenceIn(machine, tree, slot).isCardThere;
+/// The firmware has filled in its records at the start, and does not learn of hot-plug.
+std::string Judge::UsageConflict(const Slot& slot, const Found& found) const {
+  if (!slot.record || slot.targets.empty() || found.isShared || IsPoweredOff(slot)) return "";
+  const std::uint8_t usage = machine_.slotRecords[*slot.record].usage;
+  const std::optional<bool> isCardThere = PresenceIn(slot).isCardThere;
   if (usage == kInUse && !found.firstFunction) {
     return isCardThere == false
                ? "the firmware says in use, and the slot reports no card: it was removed since the "
@@ -84,25 +124,40 @@ std::string UsageConflict(const Machine& machine, const BusTree& tree, const Slo
                  "is not seated well";
   }
   if (usage == kAvailable && found.firstFunction) {
-    return "the firmware says available, and " + ToText(tree.At(*found.firstFunction).address) +
+    return "the firmware says available, and " + ToText(tree_.At(*found.firstFunction).address) +
            " answers" +
            (isCardThere == true ? ": the card may have been added since the start" : "");
   }
   return "";
 }
 
-std::string PresenceConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
-                             const Found& found) {
-  const Presence presence = PresenceIn(machine, tree, slot);
-  if (!presence.isCardThere || found.isShared || IsPoweredOff(machine, tree, slot)) return "";
+std::string Judge::PresenceConflict(const Slot& slot, const Found& found) const {
+  const Presence presence = PresenceIn(slot);
+  if (!presence.isCardThere || found.isShared || IsPoweredOff(slot)) return "";
   if (*presence.isCardThere && !found.firstFunction) {
     return presence.teller + " reports a card, and no function answers";
   }
   if (!*presence.isCardThere && found.firstFunction) {
     return presence.teller + " reports no card, and " +
-           ToText(tree.At(*found.firstFunction).address) + " answers";
+           ToText(tree_.At(*found.firstFunction).address) + " answers";
   }
   return "";
+}
+
+std::vector<std::string> Judge::ConflictsOf(const Slot& slot, const Found& found) const {
+  std::vector<std::string> conflicts{UsageConflict(slot, found), PresenceConflict(slot, found),
+                                     PowerConflict(slot, found), LinkConflict(slot, found)};
+  std::erase(conflicts, "");
+  return conflicts;
+}
+
+SlotState Judge::StateOf(const Slot& slot, const Found& found) const {
+  if (found.firstFunction || IsPoweredOff(slot)) return SlotState::kOccupied;
+  if (slot.targets.empty() || found.isShared) return SlotState::kUnknown;
+  // What the slot reports is newer than the usage that the firmware says.
+  const bool isReportedEmpty =
+      PresenceIn(slot).isCardThere == false && LinkConflict(slot, found).empty();
+  return slot.conflicts.empty() || isReportedEmpty ? SlotState::kEmpty : SlotState::kUnknown;
 }
 
 /// Some firmware lists cards as onboard devices, or gives a slot the address of a soldered device.
@@ -118,16 +173,6 @@ void AddOnBoardConflicts(const Machine& machine, const BusTree& tree, Resolution
                                           " as the onboard device \"" + record.designation +
                                           "\" as well");
   }
-}
-
-SlotState StateOf(const Machine& machine, const BusTree& tree, const Slot& slot,
-                  const Found& found) {
-  if (found.firstFunction || IsPoweredOff(machine, tree, slot)) return SlotState::kOccupied;
-  if (slot.targets.empty() || found.isShared) return SlotState::kUnknown;
-  // What the slot reports is newer than the usage that the firmware says.
-  const bool isReportedEmpty = PresenceIn(machine, tree, slot).isCardThere == false &&
-                               LinkConflict(tree, slot, found).empty();
-  return slot.conflicts.empty() || isReportedEmpty ? SlotState::kEmpty : SlotState::kUnknown;
 }
 
 std::vector<Found> WhatIsFound(const Resolution& resolution) {
@@ -156,15 +201,11 @@ std::vector<Found> WhatIsFound(const Resolution& resolution) {
 
 void JudgeSlots(const Machine& machine, const BusTree& tree, Resolution& resolution) {
   const std::vector<Found> found = WhatIsFound(resolution);
+  const Judge judge(machine, tree, resolution.slots);
   for (std::size_t i = 0; i < resolution.slots.size(); ++i) {
     Slot& slot = resolution.slots[i];
-    for (const std::string& conflict :
-         {UsageConflict(machine, tree, slot, found[i]),
-          PresenceConflict(machine, tree, slot, found[i]),
-          PowerConflict(machine, tree, slot, found[i]), LinkConflict(tree, slot, found[i])}) {
-      if (!conflict.empty()) slot.conflicts.push_back(conflict);
-    }
-    slot.state = StateOf(machine, tree, slot, found[i]);
+    slot.conflicts = judge.ConflictsOf(slot, found[i]);
+    slot.state = judge.StateOf(slot, found[i]);
   }
   AddOnBoardConflicts(machine, tree, resolution);
 }

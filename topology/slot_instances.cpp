@@ -90,13 +90,26 @@ void SetPortSlot(const PortSlot& slot, PropertyWriter& writer) {
   if (slot.powerOn) writer.Set("PowerFault", slot.powerFault);
 }
 
-/// What the slot's driver tells, which is stronger than the registers of the port.
+/// What the slot's driver tells.
 void SetKernelSlot(const KernelSlot& slot, PropertyWriter& writer) {
   writer.Set("KernelSlot", slot.name);
   if (slot.power) writer.Set("PowerOn", *slot.power != 0);
   if (slot.attention) writer.Set("AttentionIndicator", AttentionText(*slot.attention));
   if (slot.latch) writer.Set("LatchOpen", *slot.latch != 0);
   if (slot.adapter) writer.Set("CardPresent", *slot.adapter != 0);
+}
+
+/// Of a slot with several ports, only the names of the kernel's slots.
+void SetKernelSlots(const Machine& machine, const Slot& slot, PropertyWriter& writer) {
+  if (slot.kernelSlots.size() == 1) {
+    SetKernelSlot(machine.kernelSlots[slot.kernelSlots.front()], writer);
+    return;
+  }
+  std::vector<std::string> names;
+  for (const std::size_t kernel : slot.kernelSlots) {
+    names.push_back(machine.kernelSlots[kernel].name);
+  }
+  writer.SetTexts("KernelSlots", names);
 }
 
 void SetRecord(const SlotRecord& record, PropertyWriter& writer) {
@@ -143,7 +156,8 @@ Properties InstanceOf(const Snapshot& snapshot, const Slot& slot) {
   writer.SetTexts("Leads", ports);
   writer.Set("LeadsNowhereBecause", slot.noTargetBecause);
   SetPort(snapshot.GetTree(), slot, writer);
-  if (slot.kernelSlot) SetKernelSlot(machine.kernelSlots[*slot.kernelSlot], writer);
+  // What the driver tells is stronger than the registers of the port.
+  SetKernelSlots(machine, slot, writer);
   if (slot.outer) writer.Set("OuterSlot", snapshot.GetResolution().slots[*slot.outer].name);
   writer.SetTexts("Conflicts", slot.conflicts);
   return writer.Take();

@@ -104,6 +104,20 @@ TEST(SlotConflicts, TheDriverOfTheSlotKnowsBetterThanThePort) {
   EXPECT_EQ(resolved.SlotNamed("3").state, SlotState::kUnknown);
 }
 
+TEST(SlotConflicts, APortIsNotAskedWhereADriverContradictsAnother) {
+  MadeMachine machine;
+  AddHotPlugPort(machine, "0000:00:02.0", 2, false);
+  AddHotPlugPort(machine, "0000:00:03.0", 3, false);
+  machine.Card("0000:02:00.0");
+  machine.Card("0000:03:00.0");
+  EXPECT_EQ(
+      Resolved(machine).SlotNamed("Port 0000:00:03.0").conflicts,
+      (std::vector<std::string>{"port 0000:00:03.0 reports no card, and 0000:03:00.0 answers"}));
+  machine.KernelSlotAt("2", "0000:02:00");
+  machine.Get().kernelSlots[0].adapter = 1;
+  EXPECT_TRUE(Resolved(machine).SlotNamed("Port 0000:00:03.0").conflicts.empty());
+}
+
 TEST(SlotConflicts, AnActiveLinkWeighsMoreThanAReportOfNoCard) {
   MadeMachine machine;
   AddHotPlugPort(machine, "0000:00:02.0", 2, false);
