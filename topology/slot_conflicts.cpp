@@ -118,8 +118,8 @@ std::string Judge::UsageConflict(const Slot& slot, const Found& found) const {
   const std::optional<bool> isCardThere = PresenceIn(slot).isCardThere;
   if (usage == kInUse && !found.firstFunction) {
     return isCardThere == false
-               ? "the firmware says in use, and the slot reports no card: it was removed since the "
-                 "start, or is not seated well"
+               ? "the firmware says in use, and the slot reports no card: the card was removed "
+                 "since the start, or is not seated well"
                : "the firmware says in use, and no function answers: the card may have failed, or "
                  "is not seated well";
   }

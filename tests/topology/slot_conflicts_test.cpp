@@ -81,8 +81,8 @@ TEST(SlotConflicts, HotPlugExplainsAnOldUsage) {
   const Resolved resolved(machine);
   EXPECT_EQ(resolved.SlotNamed("Removed").state, SlotState::kEmpty);
   EXPECT_EQ(resolved.SlotNamed("Removed").conflicts,
-            (std::vector<std::string>{"the firmware says in use, and the slot reports no card: it "
-                                      "was removed since the start, or is not seated well"}));
+            (std::vector<std::string>{"the firmware says in use, and the slot reports no card: the "
+                                      "card was removed since the start, or is not seated well"}));
   EXPECT_EQ(resolved.SlotNamed("Added").conflicts,
             (std::vector<std::string>{"the firmware says available, and 0000:03:00.0 answers: the "
                                       "card may have been added since the start"}));
