@@ -248,6 +248,20 @@ Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot) {
   return Device(slot.device, is + " on a root bus");
 }
 
+namespace {
+
+/// Some emulators number every device of their bus, and so the host bridge as well. That tells
+/// nothing of slots.
+bool IsNumberedThroughout(const BusTree& tree, const Address& address) {
+  const auto [first, last] = tree.FindBus(address.domain, address.bus);
+  for (std::size_t i = first; i < last; ++i) {
+    if (tree.At(i).slotUserNumber && IsChipsetClass(tree.At(i))) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 Target TargetOfUserNumber(const BusTree& tree, std::size_t function) {
   const Function& named = tree.At(function);
   const std::string source = "ACPI slot user number " + std::to_string(*named.slotUserNumber);
@@ -255,6 +269,10 @@ Target TargetOfUserNumber(const BusTree& tree, std::size_t function) {
   RefuseRootComplex(tree, target);
   if (target.kind == Target::Kind::kDevice && !named.config.capabilitiesKnown) {
     return None(source + " names a function whose capabilities are not known");
+  }
+  if (target.kind == Target::Kind::kDevice && !tree.GetParent(function) &&
+      IsNumberedThroughout(tree, named.address)) {
+    return None(source + " is one of a bus whose chip set is numbered too");
   }
   target.certainty = Certainty::kLikely;
   return target;

@@ -39,7 +39,7 @@ std::optional<std::uint64_t> NumberOf(const KernelSlot& slot);
 
 /// What the slot user number means that ACPI gives a function: the place that it names, which is
 /// likely at most. On a root bus it means nothing for users who see no capabilities, because they
-/// cannot tell a conventional one from a root complex.
+/// cannot tell a conventional one from a root complex, nor where the chip set is numbered too.
 Target TargetOfUserNumber(const BusTree& tree, std::size_t function);
 
 /// "SMBIOS record 0x0046".

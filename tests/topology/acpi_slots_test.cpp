@@ -155,10 +155,9 @@ TEST(AcpiSlots, ADeviceOnAConventionalBusIsInOne) {
   EXPECT_EQ(resolved.PlaceOf("0000:02:02.0"), Place::kUnknown);
 }
 
-// Emulated machines number the devices of their only bus.
-TEST(AcpiSlots, ADeviceOnAConventionalRootBusIsInOneUnlessItIsOfTheChipset) {
+TEST(AcpiSlots, ADeviceOnAConventionalRootBusIsInOne) {
   MadeMachine machine;
-  machine.Card("0000:00:01.0", 0x0601).slotUserNumber = 1;
+  machine.Card("0000:00:01.0", 0x0601);
   machine.Card("0000:00:02.0", 0x0100).slotUserNumber = 2;
   machine.Card("0000:00:03.0").slotUserNumber = 3;
   for (Function& function : machine.Get().functions) function.config.express.reset();
@@ -166,6 +165,18 @@ TEST(AcpiSlots, ADeviceOnAConventionalRootBusIsInOneUnlessItIsOfTheChipset) {
   const Resolved resolved(machine);
   EXPECT_EQ(resolved.SlotNames(), (Names{"ACPI slot 2"})) << "only root sees capabilities";
   EXPECT_EQ(resolved.In("ACPI slot 2"), (Names{"0000:00:02.0"}));
+}
+
+// Some emulators number every device of their only bus.
+TEST(AcpiSlots, ABusWhoseHostBridgeIsNumberedHasNone) {
+  MadeMachine machine;
+  machine.Card("0000:00:00.0", 0x0600).slotUserNumber = 0;
+  machine.Card("0000:00:01.0", 0x0100).slotUserNumber = 1;
+  machine.Card("0000:00:02.0").slotUserNumber = 2;
+  for (Function& function : machine.Get().functions) function.config.express.reset();
+  const Resolved resolved(machine);
+  EXPECT_TRUE(resolved.SlotNames().empty());
+  EXPECT_EQ(resolved.PlaceOf("0000:00:01.0"), Place::kUnknown);
 }
 
 TEST(AcpiSlots, WhatStandsOnTheBusOfARootComplexIsSoldered) {
