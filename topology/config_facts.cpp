@@ -17,14 +17,33 @@ Link DecodeLink(std::uint32_t bits) {
           static_cast<std::uint8_t>((bits & PCI_EXP_LNKCAP_MLW) >> 4)};
 }
 
+/// Control bits of equipment that the slot may not have.
+void DecodeSlotControl(std::uint32_t capabilities, std::uint16_t control, PortSlot& slot) {
+  // The bit turns the power off.
+  if ((capabilities & PCI_EXP_SLTCAP_PCP) != 0) {
+    slot.powerOn = (control & PCI_EXP_SLTCTL_PCC) == 0;
+  }
+  if ((capabilities & PCI_EXP_SLTCAP_AIP) != 0) {
+    slot.attentionIndicator = static_cast<Indicator>((control & PCI_EXP_SLTCTL_AIC) >> 6);
+  }
+  if ((capabilities & PCI_EXP_SLTCAP_PIP) != 0) {
+    slot.powerIndicator = static_cast<Indicator>((control & PCI_EXP_SLTCTL_PIC) >> 8);
+  }
+}
+
 PortSlot DecodePortSlot(const ConfigSpace& config, std::size_t at) {
   const std::uint32_t capabilities = config.Dword(at + PCI_EXP_SLTCAP).value_or(0);
   const std::uint16_t status = config.Word(at + PCI_EXP_SLTSTA).value_or(0);
   PortSlot slot;
+  DecodeSlotControl(capabilities, config.Word(at + PCI_EXP_SLTCTL).value_or(0), slot);
   slot.physicalNumber = static_cast<std::uint16_t>((capabilities & PCI_EXP_SLTCAP_PSN) >> 19);
   slot.hotPlug = (capabilities & PCI_EXP_SLTCAP_HPC) != 0;
   slot.surprise = (capabilities & PCI_EXP_SLTCAP_HPS) != 0;
   slot.cardPresent = (status & PCI_EXP_SLTSTA_PDS) != 0;
+  if ((capabilities & PCI_EXP_SLTCAP_MRLSP) != 0) {
+    slot.latchOpen = (status & PCI_EXP_SLTSTA_MRLSS) != 0;
+  }
+  slot.powerFault = slot.powerOn && (status & PCI_EXP_SLTSTA_PFD) != 0;
   return slot;
 }
 

@@ -30,12 +30,21 @@ struct Link {
   bool operator==(const Link&) const = default;
 };
 
-/// The slot registers of a port whose flags say that it leads to a slot (7.5.3.9, 7.5.3.11).
+/// What an indicator of a slot shows, as the code of the slot control register (7.5.3.10).
+enum class Indicator : std::uint8_t { kReserved = 0, kOn = 1, kBlinking = 2, kOff = 3 };
+
+/// The slot registers of a port whose flags say that it leads to a slot (7.5.3.9 to 7.5.3.11). What
+/// the slot is not equipped with is not set.
 struct PortSlot {
   std::uint16_t physicalNumber = 0;  ///< 0: the firmware gave it none
   bool hotPlug = false;
   bool surprise = false;
   bool cardPresent = false;
+  std::optional<bool> powerOn = {};    ///< of slots with a power controller
+  std::optional<bool> latchOpen = {};  ///< of slots with a sensor at the manual retention latch
+  std::optional<Indicator> attentionIndicator = {};
+  std::optional<Indicator> powerIndicator = {};
+  bool powerFault = false;  ///< that the power controller has found since somebody cleared it
 };
 
 /// The PCI Express capability (7.5.3).

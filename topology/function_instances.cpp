@@ -37,19 +37,6 @@ void SetIdentity(const ConfigFacts& config, PropertyWriter& writer) {
   writer.Set("MultiFunction", config.multiFunction);
 }
 
-/// Nothing for reserved codes of speed, of which nobody knows what they mean.
-std::optional<std::uint32_t> RateOf(const Link& link) {
-  const std::uint32_t rate = TransferRate(link.speed);
-  return link.width != 0 && rate != 0 ? std::optional(rate) : std::nullopt;
-}
-
-/// Speed and width of a link, as words and as numbers.
-void SetLinkRates(const Express& express, PropertyWriter& writer) {
-  SetLink(express, writer);
-  writer.Set("MaxLinkTransferRate", RateOf(express.most));
-  writer.Set("LinkTransferRate", RateOf(express.now));
-}
-
 /// What the port at the other end of the function's link has and can do. A link that is slower or
 /// narrower than both ends allow shows a bad contact or a setting.
 void SetPortLink(const Express& port, PropertyWriter& writer) {
@@ -75,7 +62,8 @@ void SetExpress(const Function& function, const Function* parent, PropertyWriter
   if (!function.config.express) return;
   const Express& express = *function.config.express;
   writer.Set("PortType", PortTypeText(express.portType));
-  SetLinkRates(express, writer);
+  SetMaxLink(express, writer);
+  SetLinkNow(express, writer);
   // The link of a root port or a downstream port is the one below it.
   if (express.LeadsToLink() || parent == nullptr || !parent->config.express) return;
   if (parent->config.express->LeadsToLink()) SetPortLink(*parent->config.express, writer);

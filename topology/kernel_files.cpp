@@ -2,6 +2,7 @@
 #include "topology/kernel_files.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "topology/kernel_directory.h"
 
@@ -15,10 +16,28 @@ void SetConfig(const Directory& in, const char* file, Function& function) {
   function.config = DecodeConfig(function.front);
 }
 
+/// "0x8086".
+std::optional<std::uint16_t> ReadIdentifier(const Directory& device, const char* name) {
+  const std::string text = device.ReadLine(name);
+  std::uint16_t number = 0;
+  if (!text.starts_with("0x")) return std::nullopt;
+  const auto error = std::from_chars(text.data() + 2, text.data() + text.size(), number, 16).ec;
+  return error == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+/// The configuration space of a virtual function does not hold its identifiers (PCI Express 5.0,
+/// 9.3.4.1): the kernel has them from the physical one.
+void SetIdentifiers(const Directory& device, Function& function) {
+  if (function.config.vendor != 0xFFFF) return;
+  function.config.vendor = ReadIdentifier(device, "vendor").value_or(0xFFFF);
+  function.config.device = ReadIdentifier(device, "device").value_or(0xFFFF);
+}
+
 Function ReadFunction(const Directory& device, const Address& address) {
   Function function;
   function.address = address;
   SetConfig(device, "config", function);
+  SetIdentifiers(device, function);
   function.driver = device.ReadLinkName("driver");
   function.numaNode = device.ReadNumber<int>("numa_node");
   // The kernel writes -1 where the firmware names no node.

@@ -16,62 +16,148 @@ struct Found {
   bool isShared = false;
 };
 
+/// The registers of the only port of a slot; null where there is none.
 const PortSlot* PortSlotOf(const BusTree& tree, const Slot& slot) {
   if (slot.targets.size() != 1 || slot.targets.front().kind != Target::Kind::kPort) return nullptr;
   const auto& express = tree.At(slot.targets.front().port).config.express;
   return express && express->slot ? &*express->slot : nullptr;
 }
 
-/// Whether the driver of the slot has turned off the power of a card. Then nothing can answer.
-bool IsPoweredOff(const Machine& machine, const Slot& slot) {
-  if (!slot.kernelSlot) return false;
-  const KernelSlot& kernel = machine.kernelSlots[*slot.kernelSlot];
-  return kernel.power == 0U && kernel.adapter.value_or(0) != 0;
+/// The kernel's slot, for slots with one.
+const KernelSlot* KernelSlotOf(const Machine& machine, const Slot& slot) {
+  return slot.kernelSlots.size() == 1 ? &machine.kernelSlots[slot.kernelSlots.front()] : nullptr;
 }
 
-std::string PowerConflict(const Machine& machine, const Slot& slot, const Found& found) {
-  if (!IsPoweredOff(machine, slot)) return "";
+/// Whether there is a card, as the slot itself tells, and who tells it.
+struct Presence {
+  std::optional<bool> isCardThere;
+  std::string teller;
+};
+
+/// Compares what is known of one slot after the other.
+class Judge {
+ public:
+  Judge(const Machine& machine, const BusTree& tree, const std::vector<Slot>& slots)
+      : machine_(machine), tree_(tree) {
+    arePortsWatched_ = std::none_of(slots.begin(), slots.end(),
+                                    [&](const Slot& slot) { return IsPortContradicted(slot); });
+  }
+
+  std::vector<std::string> ConflictsOf(const Slot& slot, const Found& found) const;
+  SlotState StateOf(const Slot& slot, const Found& found) const;
+
+ private:
+  bool IsPortContradicted(const Slot& slot) const;
+  Presence PresenceIn(const Slot& slot) const;
+  std::optional<bool> PowerOf(const Slot& slot) const;
+  bool IsPoweredOff(const Slot& slot) const;
+  std::string PowerConflict(const Slot& slot, const Found& found) const;
+  std::string LinkConflict(const Slot& slot, const Found& found) const;
+  std::string UsageConflict(const Slot& slot, const Found& found) const;
+  std::string PresenceConflict(const Slot& slot, const Found& found) const;
+  std::string NameOfPort(const Slot& slot) const {
+    return ToText(tree_.At(slot.targets.front().port).address);
+  }
+
+  const Machine& machine_;
+  const BusTree& tree_;
+  bool arePortsWatched_ = true;  ///< false where the presence registers of ports stand still
+};
+
+/// Where ACPI does the hot-plug, as in emulated machines, the driver of a slot knows of the card
+/// and the register of its port does not.
+bool Judge::IsPortContradicted(const Slot& slot) const {
+  const KernelSlot* const kernel = KernelSlotOf(machine_, slot);
+  const PortSlot* const port = PortSlotOf(tree_, slot);
+  return kernel != nullptr && kernel->adapter && port != nullptr && port->hotPlug &&
+         (*kernel->adapter != 0) != port->cardPresent;
+}
+
+/// Ports without hot-plug may report a card where there is none, so they are not asked.
+Presence Judge::PresenceIn(const Slot& slot) const {
+  const KernelSlot* const kernel = KernelSlotOf(machine_, slot);
+  if (kernel != nullptr && kernel->adapter) {
+    return {*kernel->adapter != 0, "kernel slot " + kernel->name};
+  }
+  const PortSlot* const port = PortSlotOf(tree_, slot);
+  if (port == nullptr || !port->hotPlug || !arePortsWatched_) return {};
+  return {port->cardPresent, "port " + NameOfPort(slot)};
+}
+
+/// Whether the slot has power, as its driver tells, else as its port does.
+std::optional<bool> Judge::PowerOf(const Slot& slot) const {
+  const KernelSlot* const kernel = KernelSlotOf(machine_, slot);
+  if (kernel != nullptr && kernel->power) return *kernel->power != 0;
+  const PortSlot* const port = PortSlotOf(tree_, slot);
+  return port == nullptr ? std::nullopt : port->powerOn;
+}
+
+/// Whether the power of a card has been turned off. Then nothing can answer.
+bool Judge::IsPoweredOff(const Slot& slot) const {
+  return PowerOf(slot) == false && PresenceIn(slot).isCardThere == true;
+}
+
+std::string Judge::PowerConflict(const Slot& slot, const Found& found) const {
+  if (!IsPoweredOff(slot)) return "";
   return found.firstFunction ? "the slot has no power, and a function answers"
                              : "a card is in the slot, which has no power";
 }
 
 /// A link comes up only with something at its end.
-std::string LinkConflict(const BusTree& tree, const Slot& slot, const Found& found) {
-  if (PortSlotOf(tree, slot) == nullptr || found.isShared || found.firstFunction) return "";
-  const Function& port = tree.At(slot.targets.front().port);
+std::string Judge::LinkConflict(const Slot& slot, const Found& found) const {
+  if (PortSlotOf(tree_, slot) == nullptr || found.isShared || found.firstFunction) return "";
+  const Function& port = tree_.At(slot.targets.front().port);
   if (!port.config.express->linkActive) return "";
   return "the link of port " + ToText(port.address) + " is active, and no function answers";
 }
 
-std::string UsageConflict(const Machine& machine, const BusTree& tree, const Slot& slot,
-                          const Found& found) {
-  if (!slot.record || slot.targets.empty() || found.isShared) return "";
-  if (IsPoweredOff(machine, slot)) return "";
-  const std::uint8_t usage = machine.slotRecords[*slot.record].usage;
+/// The firmware has filled in its records at the start, and does not learn of hot-plug.
+std::string Judge::UsageConflict(const Slot& slot, const Found& found) const {
+  if (!slot.record || slot.targets.empty() || found.isShared || IsPoweredOff(slot)) return "";
+  const std::uint8_t usage = machine_.slotRecords[*slot.record].usage;
+  const std::optional<bool> isCardThere = PresenceIn(slot).isCardThere;
   if (usage == kInUse && !found.firstFunction) {
-    return "the firmware says in use, and no function answers: the card may have failed, or is not "
-           "seated well";
+    return isCardThere == false
+               ? "the firmware says in use, and the slot reports no card: the card was removed "
+                 "since the start, or is not seated well"
+               : "the firmware says in use, and no function answers: the card may have failed, or "
+                 "is not seated well";
   }
   if (usage == kAvailable && found.firstFunction) {
-    return "the firmware says available, and " + ToText(tree.At(*found.firstFunction).address) +
-           " answers";
+    return "the firmware says available, and " + ToText(tree_.At(*found.firstFunction).address) +
+           " answers" +
+           (isCardThere == true ? ": the card may have been added since the start" : "");
   }
   return "";
 }
 
-/// Ports without hot-plug may report a card where there is none, so only the others count.
-std::string PresenceConflict(const BusTree& tree, const Slot& slot, const Found& found) {
-  const PortSlot* port = PortSlotOf(tree, slot);
-  if (port == nullptr || found.isShared || !port->hotPlug) return "";
-  const std::string name = "port " + ToText(tree.At(slot.targets.front().port).address);
-  if (port->cardPresent && !found.firstFunction) {
-    return name + " reports a card, and no function answers";
+std::string Judge::PresenceConflict(const Slot& slot, const Found& found) const {
+  const Presence presence = PresenceIn(slot);
+  if (!presence.isCardThere || found.isShared || IsPoweredOff(slot)) return "";
+  if (*presence.isCardThere && !found.firstFunction) {
+    return presence.teller + " reports a card, and no function answers";
   }
-  if (!port->cardPresent && found.firstFunction) {
-    return name + " reports no card, and " + ToText(tree.At(*found.firstFunction).address) +
-           " answers";
+  if (!*presence.isCardThere && found.firstFunction) {
+    return presence.teller + " reports no card, and " +
+           ToText(tree_.At(*found.firstFunction).address) + " answers";
   }
   return "";
+}
+
+std::vector<std::string> Judge::ConflictsOf(const Slot& slot, const Found& found) const {
+  std::vector<std::string> conflicts{UsageConflict(slot, found), PresenceConflict(slot, found),
+                                     PowerConflict(slot, found), LinkConflict(slot, found)};
+  std::erase(conflicts, "");
+  return conflicts;
+}
+
+SlotState Judge::StateOf(const Slot& slot, const Found& found) const {
+  if (found.firstFunction || IsPoweredOff(slot)) return SlotState::kOccupied;
+  if (slot.targets.empty() || found.isShared) return SlotState::kUnknown;
+  // What the slot reports is newer than the usage that the firmware says.
+  const bool isReportedEmpty =
+      PresenceIn(slot).isCardThere == false && LinkConflict(slot, found).empty();
+  return slot.conflicts.empty() || isReportedEmpty ? SlotState::kEmpty : SlotState::kUnknown;
 }
 
 /// Some firmware lists cards as onboard devices, or gives a slot the address of a soldered device.
@@ -87,13 +173,6 @@ void AddOnBoardConflicts(const Machine& machine, const BusTree& tree, Resolution
                                           " as the onboard device \"" + record.designation +
                                           "\" as well");
   }
-}
-
-SlotState StateOf(const Slot& slot, const Found& found, bool isPoweredOff) {
-  if (found.firstFunction) return SlotState::kOccupied;
-  if (isPoweredOff) return SlotState::kOccupied;
-  if (slot.targets.empty() || found.isShared || !slot.conflicts.empty()) return SlotState::kUnknown;
-  return SlotState::kEmpty;
 }
 
 std::vector<Found> WhatIsFound(const Resolution& resolution) {
@@ -122,14 +201,11 @@ std::vector<Found> WhatIsFound(const Resolution& resolution) {
 
 void JudgeSlots(const Machine& machine, const BusTree& tree, Resolution& resolution) {
   const std::vector<Found> found = WhatIsFound(resolution);
+  const Judge judge(machine, tree, resolution.slots);
   for (std::size_t i = 0; i < resolution.slots.size(); ++i) {
     Slot& slot = resolution.slots[i];
-    for (const std::string& conflict :
-         {UsageConflict(machine, tree, slot, found[i]), PresenceConflict(tree, slot, found[i]),
-          PowerConflict(machine, slot, found[i]), LinkConflict(tree, slot, found[i])}) {
-      if (!conflict.empty()) slot.conflicts.push_back(conflict);
-    }
-    slot.state = StateOf(slot, found[i], IsPoweredOff(machine, slot));
+    slot.conflicts = judge.ConflictsOf(slot, found[i]);
+    slot.state = judge.StateOf(slot, found[i]);
   }
   AddOnBoardConflicts(machine, tree, resolution);
 }

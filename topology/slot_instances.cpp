@@ -18,6 +18,8 @@ std::string SourceText(SlotSource source) {
       return "SMBIOS record";
     case SlotSource::kKernelSlot:
       return "kernel slot";
+    case SlotSource::kAcpi:
+      return "ACPI";
     case SlotSource::kPort:
       return "port";
   }
@@ -44,6 +46,12 @@ std::string TargetText(const BusTree& tree, const Target& target) {
   return ToText(target.kind == Target::Kind::kPort ? tree.At(target.port).address : target.device);
 }
 
+/// Empty for the reserved code.
+std::string IndicatorText(Indicator indicator) {
+  constexpr std::array<const char*, 4> kTexts{"", "on", "blinking", "off"};
+  return kTexts[static_cast<std::size_t>(indicator)];
+}
+
 std::string AttentionText(unsigned attention) {
   constexpr std::array<const char*, 3> kTexts{"off", "on", "blinking"};
   return attention < kTexts.size() ? kTexts[attention] : "";
@@ -67,12 +75,41 @@ std::string BoardOf(const Machine& machine, std::uint16_t slotHandle) {
   return "";
 }
 
+/// What the registers of the port tell of the slot's equipment.
+void SetPortSlot(const PortSlot& slot, PropertyWriter& writer) {
+  if (slot.physicalNumber != 0) writer.Set("PhysicalSlotNumber", slot.physicalNumber);
+  writer.Set("PortHotPlug", slot.hotPlug);
+  writer.Set("PortSurpriseRemoval", slot.surprise);
+  writer.Set("PortCardPresent", slot.cardPresent);
+  writer.Set("PowerOn", slot.powerOn);
+  writer.Set("LatchOpen", slot.latchOpen);
+  if (slot.attentionIndicator) {
+    writer.Set("AttentionIndicator", IndicatorText(*slot.attentionIndicator));
+  }
+  if (slot.powerIndicator) writer.Set("PowerIndicator", IndicatorText(*slot.powerIndicator));
+  if (slot.powerOn) writer.Set("PowerFault", slot.powerFault);
+}
+
+/// What the slot's driver tells.
 void SetKernelSlot(const KernelSlot& slot, PropertyWriter& writer) {
   writer.Set("KernelSlot", slot.name);
   if (slot.power) writer.Set("PowerOn", *slot.power != 0);
   if (slot.attention) writer.Set("AttentionIndicator", AttentionText(*slot.attention));
   if (slot.latch) writer.Set("LatchOpen", *slot.latch != 0);
   if (slot.adapter) writer.Set("CardPresent", *slot.adapter != 0);
+}
+
+/// Of a slot with several ports, only the names of the kernel's slots.
+void SetKernelSlots(const Machine& machine, const Slot& slot, PropertyWriter& writer) {
+  if (slot.kernelSlots.size() == 1) {
+    SetKernelSlot(machine.kernelSlots[slot.kernelSlots.front()], writer);
+    return;
+  }
+  std::vector<std::string> names;
+  for (const std::size_t kernel : slot.kernelSlots) {
+    names.push_back(machine.kernelSlots[kernel].name);
+  }
+  writer.SetTexts("KernelSlots", names);
 }
 
 void SetRecord(const SlotRecord& record, PropertyWriter& writer) {
@@ -97,14 +134,10 @@ void SetPort(const BusTree& tree, const Slot& slot, PropertyWriter& writer) {
   writer.Set("NumaNode", port.numaNode);
   if (!port.config.express) return;
   const Express& express = *port.config.express;
-  SetLink(express, writer);
-  if (!express.slot) return;
-  if (express.slot->physicalNumber != 0) {
-    writer.Set("PhysicalSlotNumber", express.slot->physicalNumber);
-  }
-  writer.Set("PortHotPlug", express.slot->hotPlug);
-  writer.Set("PortSurpriseRemoval", express.slot->surprise);
-  writer.Set("PortCardPresent", express.slot->cardPresent);
+  SetMaxLink(express, writer);
+  // Ports may show the link of a card that is gone.
+  if (slot.state != SlotState::kEmpty) SetLinkNow(express, writer);
+  if (express.slot) SetPortSlot(*express.slot, writer);
 }
 
 Properties InstanceOf(const Snapshot& snapshot, const Slot& slot) {
@@ -118,12 +151,13 @@ Properties InstanceOf(const Snapshot& snapshot, const Slot& slot) {
     SetRecord(record, writer);
     writer.Set("Board", BoardOf(machine, record.handle));
   }
-  if (slot.kernelSlot) SetKernelSlot(machine.kernelSlots[*slot.kernelSlot], writer);
   std::vector<std::string> ports;
   for (const Target& target : slot.targets) ports.push_back(TargetText(snapshot.GetTree(), target));
   writer.SetTexts("Leads", ports);
   writer.Set("LeadsNowhereBecause", slot.noTargetBecause);
   SetPort(snapshot.GetTree(), slot, writer);
+  // What the driver tells is stronger than the registers of the port.
+  SetKernelSlots(machine, slot, writer);
   if (slot.outer) writer.Set("OuterSlot", snapshot.GetResolution().slots[*slot.outer].name);
   writer.SetTexts("Conflicts", slot.conflicts);
   return writer.Take();

@@ -2,21 +2,11 @@
 #include "topology/slot_numbers.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "topology/slot_targets.h"
 
 namespace topology {
 namespace {
-
-/// The number that a kernel slot is named by; "-1" at the end tells slots with one number apart.
-std::optional<std::uint64_t> NumberOf(const std::string& name) {
-  std::uint64_t number = 0;
-  const char* const end = name.data() + name.size();
-  const auto [stop, error] = std::from_chars(name.data(), end, number);
-  if (error != std::errc() || (stop != end && *stop != '-')) return std::nullopt;
-  return number;
-}
 
 bool HasRecordTarget(const Slot& slot) {
   return slot.record && slot.targets.size() == 1 &&
@@ -42,7 +32,7 @@ void SlotNumbers::Numbering::Add(std::uint64_t number, std::size_t port) {
 void SlotNumbers::AddKernelSlots() {
   Numbering numbering("kernel slot");
   for (const KernelSlot& slot : machine_.kernelSlots) {
-    const auto number = NumberOf(slot.name);
+    const auto number = NumberOf(slot);
     const Target target = TargetOfKernelSlot(tree_, slot);
     if (number && target.kind == Target::Kind::kPort) {
       numbering.Add(*number, target.port);

@@ -5,6 +5,7 @@
 #include <deque>
 #include <map>
 
+#include "topology/acpi_slots.h"
 #include "topology/slot_targets.h"
 
 namespace topology {
@@ -26,7 +27,7 @@ Address DeviceOf(Address address) {
 class Placing {
  public:
   Placing(const Machine& machine, const BusTree& tree, Resolution& resolution)
-      : machine_(machine), tree_(tree), resolution_(resolution) {
+      : machine_(machine), tree_(tree), resolution_(resolution), acpi_(machine, tree) {
     FindGroups();
     for (const auto& [port, group] : ports_) holdersOfPorts_.emplace(port, HolderOf(group));
     for (const auto& [device, group] : devices_) holdersOfDevices_.emplace(device, HolderOf(group));
@@ -55,6 +56,9 @@ class Placing {
   void Visit(std::size_t function, Holder holder);
   Holder HolderBehind(std::size_t bridge, const Holder& holder);
   Holder SlotOfPort(std::size_t port, const Holder& holder);
+  Holder SlotOfDevice(const Address& device, const Holder& holder);
+  Holder AddSlot(SlotSource source, std::string name, Target target, const Holder& outer);
+  bool MayHold(const Holder& holder, const AcpiSlots::Numbered* numbered) const;
   void Put(std::size_t function, const Holder& holder);
   void PutInSlot(std::size_t function, const Holder& holder);
   void PutInShared(std::size_t function, const Holder& holder);
@@ -68,11 +72,12 @@ class Placing {
   const Machine& machine_;
   const BusTree& tree_;
   Resolution& resolution_;
+  AcpiSlots acpi_;
   std::map<std::size_t, Group> ports_;
   std::map<Address, Group> devices_;
   std::map<std::size_t, Holder> holdersOfPorts_;
   std::map<Address, Holder> holdersOfDevices_;
-  std::deque<Target> portTargets_;  // of the slots that this pass adds; their addresses stay
+  std::deque<Target> ownTargets_;  // of the slots that this pass adds; their addresses stay
   std::map<Address, std::size_t> onBoard_;  // by the first function of the device
 };
 
@@ -118,6 +123,8 @@ void Placing::Visit(std::size_t function, Holder holder) {
   if (const auto own = holdersOfDevices_.find(device); own != holdersOfDevices_.end()) {
     if (own->second.slot) NoteOuter(*own->second.slot, holder);
     holder = own->second;
+  } else {
+    holder = SlotOfDevice(device, holder);
   }
   Put(function, holder);
   if (!tree_.At(function).config.bridge) return;
@@ -141,30 +148,62 @@ bool Placing::LeadsToOnBoardDevice(std::size_t port) const {
   });
 }
 
-/// A port with the slot bit that no source names leads to a slot all the same, unless it is part of
-/// a card.
+/// Whether a place with this holder may be a slot that no record and no kernel slot names. What is
+/// behind a named slot is part of the card. ACPI describes boards, not cards, so one of its slots
+/// may hold others, as a riser does.
+bool Placing::MayHold(const Holder& holder, const AcpiSlots::Numbered* numbered) const {
+  if (holder.shared) return false;
+  if (!holder.slot) return true;
+  const SlotSource outer = resolution_.slots[*holder.slot].source;
+  return outer == SlotSource::kPort || (outer == SlotSource::kAcpi && numbered != nullptr);
+}
+
+Holder Placing::AddSlot(SlotSource source, std::string name, Target target, const Holder& outer) {
+  Slot slot;
+  slot.name = std::move(name);
+  slot.source = source;
+  slot.outer = outer.slot;
+  slot.targets.push_back(target);
+  Holder own;
+  own.slot = resolution_.slots.size();
+  own.target = &ownTargets_.emplace_back(std::move(target));
+  resolution_.slots.push_back(std::move(slot));
+  return own;
+}
+
+/// A port with the slot bit that no record and no kernel slot names leads to a slot all the same,
+/// unless it is part of a card. ACPI may number the slot, or label the port with its name.
 Holder Placing::SlotOfPort(std::size_t port, const Holder& holder) {
-  const auto& express = tree_.At(port).config.express;
-  const bool isInNamedSlot =
-      holder.shared || (holder.slot && resolution_.slots[*holder.slot].source != SlotSource::kPort);
-  if (!express || !express->slot || isInNamedSlot || LeadsToOnBoardDevice(port)) return holder;
+  const Function& at = tree_.At(port);
+  const AcpiSlots::Numbered* const numbered = acpi_.FindPort(port);
+  if (!at.config.express || !at.config.express->slot || !MayHold(holder, numbered) ||
+      LeadsToOnBoardDevice(port)) {
+    return holder;
+  }
+  const std::string portName = "Port " + ToText(at.address);
+  if (numbered != nullptr) {
+    const std::string number = "ACPI slot " + std::to_string(numbered->number);
+    return AddSlot(SlotSource::kAcpi, at.label.empty() ? number : at.label, numbered->target,
+                   holder);
+  }
   Target target;
   target.kind = Target::Kind::kPort;
   target.port = port;
   target.certainty = Certainty::kLikely;
-  target.evidence = "port " + ToText(tree_.At(port).address) +
+  target.evidence = "port " + ToText(at.address) +
                     " says that it leads to a slot, which the firmware does not name";
-  Slot slot;
-  // ACPI may label a port with the name of its slot.
-  const std::string& label = tree_.At(port).label;
-  slot.name = label.empty() ? "Port " + ToText(tree_.At(port).address) : label;
-  slot.source = SlotSource::kPort;
-  slot.outer = holder.slot;
-  slot.targets.push_back(target);
-  Holder own;
-  own.slot = resolution_.slots.size();
-  own.target = &portTargets_.emplace_back(std::move(target));
-  resolution_.slots.push_back(std::move(slot));
+  return AddSlot(SlotSource::kPort, at.label.empty() ? portName : at.label, target, holder);
+}
+
+/// A device on a conventional bus that ACPI gives a slot user number, and nothing else a slot.
+Holder Placing::SlotOfDevice(const Address& device, const Holder& holder) {
+  const AcpiSlots::Numbered* const numbered = acpi_.FindDevice(device);
+  if (numbered == nullptr || !MayHold(holder, numbered) || onBoard_.contains(device)) {
+    return holder;
+  }
+  const Holder own = AddSlot(SlotSource::kAcpi, "ACPI slot " + std::to_string(numbered->number),
+                             numbered->target, holder);
+  holdersOfDevices_.emplace(device, own);
   return own;
 }
 

@@ -195,30 +195,41 @@ void RecordSlots::FindByNumber() {
   }
 }
 
-/// Adds the kernel's slots: to the slot that leads to the same place, else as slots of their own.
-void AddKernelSlots(const Machine& machine, const BusTree& tree, std::vector<Slot>& slots) {
-  const std::size_t records = slots.size();
-  std::map<std::size_t, std::vector<std::size_t>> slotsOfPort;
-  for (std::size_t i = 0; i < records; ++i) {
-    for (const Target& target : slots[i].targets) {
-      if (target.kind == Target::Kind::kPort) slotsOfPort[target.port].push_back(i);
+/// Which slots lead to a place.
+class SlotsByPlace {
+ public:
+  explicit SlotsByPlace(const std::vector<Slot>& slots) {
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+      for (const Target& target : slots[i].targets) At(target).push_back(i);
     }
   }
+  std::vector<std::size_t>& At(const Target& target) {
+    return target.kind == Target::Kind::kPort ? ofPorts_[target.port] : ofDevices_[target.device];
+  }
+
+ private:
+  std::map<std::size_t, std::vector<std::size_t>> ofPorts_;
+  std::map<Address, std::vector<std::size_t>> ofDevices_;
+};
+
+/// Adds the kernel's slots: to the slot that leads to the same place, else as slots of their own.
+void AddKernelSlots(const Machine& machine, const BusTree& tree, std::vector<Slot>& slots) {
+  SlotsByPlace places(slots);
   for (std::size_t i = 0; i < machine.kernelSlots.size(); ++i) {
     const Target target = TargetOfKernelSlot(tree, machine.kernelSlots[i]);
-    if (target.kind == Target::Kind::kPort && slotsOfPort.contains(target.port)) {
-      const auto& same = slotsOfPort[target.port];
-      if (same.size() == 1) slots[same.front()].kernelSlot = i;
+    const bool isFound = target.kind != Target::Kind::kNone;
+    if (const auto& same = places.At(target); isFound && !same.empty()) {
+      if (same.size() == 1) slots[same.front()].kernelSlots.push_back(i);
       continue;
     }
     Slot slot;
     slot.name = machine.kernelSlots[i].name;
     slot.source = SlotSource::kKernelSlot;
-    slot.kernelSlot = i;
-    if (target.kind == Target::Kind::kNone)
-      slot.noTargetBecause = target.evidence;
-    else
+    slot.kernelSlots = {i};
+    if (isFound)
       slot.targets.push_back(target);
+    else
+      slot.noTargetBecause = target.evidence;
     slots.push_back(std::move(slot));
   }
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 
 namespace topology {
@@ -192,16 +193,42 @@ Target TargetOfAddress(const BusTree& tree, const Address& address, const std::s
   return target;
 }
 
+std::optional<std::uint64_t> NumberOf(const KernelSlot& slot) {
+  std::uint64_t number = 0;
+  const char* const end = slot.name.data() + slot.name.size();
+  const auto [stop, error] = std::from_chars(slot.name.data(), end, number);
+  if (error != std::errc() || (stop != end && *stop != '-')) return std::nullopt;
+  return number;
+}
+
+namespace {
+
+/// An ACPI slot may be given the port's own device. Ports that differ by the function number only
+/// can be told apart then by the number that ACPI gives each of them.
+Target PortOfKernelSlot(const BusTree& tree, const KernelSlot& slot,
+                        const std::vector<std::size_t>& ports) {
+  const std::string source = "kernel slot " + slot.name;
+  std::vector<std::size_t> numbered;
+  const auto number = NumberOf(slot);
+  for (const std::size_t port : ports) {
+    if (number && tree.At(port).slotUserNumber == number) numbered.push_back(port);
+  }
+  if (numbered.size() != 1) return None(source + " is a device with several ports");
+  return Port(numbered.front(),
+              source + " has the ACPI slot user number of port " + NameOf(tree, numbered.front()),
+              Certainty::kLikely);
+}
+
+}  // namespace
+
 Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot) {
   const std::string source = "kernel slot " + slot.name;
   const auto [first, last] = tree.FindDevice(slot.device);
-  // An ACPI slot may be given the port's own device. Ports that differ by the function number only
-  // cannot be told apart then.
   std::vector<std::size_t> ports;
   for (std::size_t i = first; i < last; ++i) {
     if (IsPort(tree, i)) ports.push_back(i);
   }
-  if (ports.size() > 1) return None(source + " is a device with several ports");
+  if (ports.size() > 1) return PortOfKernelSlot(tree, slot, ports);
   if (!ports.empty())
     return Port(ports.front(), source + " is port " + NameOf(tree, ports.front()));
   const std::string is = source + " is " + ToText(slot.device);
@@ -219,6 +246,36 @@ Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot) {
     return None(is + ", which does not exist");
   }
   return Device(slot.device, is + " on a root bus");
+}
+
+namespace {
+
+/// Some emulators number every device of their bus, and so the host bridge as well. That tells
+/// nothing of slots.
+bool IsNumberedThroughout(const BusTree& tree, const Address& address) {
+  const auto [first, last] = tree.FindBus(address.domain, address.bus);
+  for (std::size_t i = first; i < last; ++i) {
+    if (tree.At(i).slotUserNumber && IsChipsetClass(tree.At(i))) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+Target TargetOfUserNumber(const BusTree& tree, std::size_t function) {
+  const Function& named = tree.At(function);
+  const std::string source = "ACPI slot user number " + std::to_string(*named.slotUserNumber);
+  Target target = TargetOfFunction(tree, function, source);
+  RefuseRootComplex(tree, target);
+  if (target.kind == Target::Kind::kDevice && !named.config.capabilitiesKnown) {
+    return None(source + " names a function whose capabilities are not known");
+  }
+  if (target.kind == Target::Kind::kDevice && !tree.GetParent(function) &&
+      IsNumberedThroughout(tree, named.address)) {
+    return None(source + " is one of a bus whose chip set is numbered too");
+  }
+  target.certainty = Certainty::kLikely;
+  return target;
 }
 
 std::string RecordText(const SlotRecord& record) {

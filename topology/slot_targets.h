@@ -34,6 +34,14 @@ Target TargetOfAddress(const BusTree& tree, const Address& address, const std::s
 /// What the address of a kernel slot means: the place below a port, or the port itself.
 Target TargetOfKernelSlot(const BusTree& tree, const KernelSlot& slot);
 
+/// The number that a kernel slot is named by; "-1" at the end tells slots with one number apart.
+std::optional<std::uint64_t> NumberOf(const KernelSlot& slot);
+
+/// What the slot user number means that ACPI gives a function: the place that it names, which is
+/// likely at most. On a root bus it means nothing for users who see no capabilities, because they
+/// cannot tell a conventional one from a root complex, nor where the chip set is numbered too.
+Target TargetOfUserNumber(const BusTree& tree, std::size_t function);
+
 /// "SMBIOS record 0x0046".
 std::string RecordText(const SlotRecord& record);
 

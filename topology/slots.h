@@ -15,7 +15,7 @@ namespace topology {
 enum class Certainty { kCertain, kLikely };
 
 /// Where a slot is known from.
-enum class SlotSource { kFirmwareRecord, kKernelSlot, kPort };
+enum class SlotSource { kFirmwareRecord, kKernelSlot, kAcpi, kPort };
 
 enum class SlotState { kUnknown, kEmpty, kOccupied };
 
@@ -41,10 +41,10 @@ struct Slot {
   std::string name;  ///< unique in the machine
   SlotSource source = SlotSource::kFirmwareRecord;
   std::optional<std::size_t> record;
-  std::optional<std::size_t> kernelSlot;
-  std::vector<Target> targets;       ///< where it leads; empty when that is not known
-  std::string noTargetBecause;       ///< a sentence; empty when there is a target
-  std::optional<std::size_t> outer;  ///< the slot that holds this one, as with a riser
+  std::vector<std::size_t> kernelSlots;  ///< one for each port, where the kernel has them
+  std::vector<Target> targets;           ///< where it leads; empty when that is not known
+  std::string noTargetBecause;           ///< a sentence; empty when there is a target
+  std::optional<std::size_t> outer;      ///< the slot that holds this one, as with a riser
   SlotState state = SlotState::kUnknown;
   std::vector<std::string> conflicts;  ///< sentences
 };

@@ -70,7 +70,7 @@ struct MachineFunction {
 /// A slot with the functions in it. The codes are SMBIOS codes, see smbios_names.h.
 struct MachineSlot {
   std::string name;
-  std::string source;  ///< "SMBIOS record", "kernel slot" or "port"
+  std::string source;  ///< "SMBIOS record", "kernel slot", "ACPI" or "port"
   SlotState state = SlotState::kUnknown;
   std::optional<unsigned> recordHandle;
   std::optional<unsigned> id;

@@ -57,7 +57,7 @@ inline constexpr const char* kSlotsJsonSchema = R"({
     "properties": {
       "name": {"description": "Unique in the machine.", "type": "string"},
       "designation": {"description": "The firmware's name.", "type": "string"},
-      "source": {"enum": ["SMBIOS record", "kernel slot", "port"]},
+      "source": {"enum": ["SMBIOS record", "kernel slot", "ACPI", "port"]},
       "state": {"enum": ["occupied", "empty", "unknown"]},
       "type": {"description": "DSP0134 7.10.1.", "$ref": "#/$defs/code"},
       "width": {"description": "DSP0134 7.10.2.", "$ref": "#/$defs/code"},

@@ -5,8 +5,10 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/system/monitor.h"
 #include "tests/system/slot_structure.h"
 #include "tests/system/timed_run.h"
+#include "tests/system/user_numbers.h"
 
 namespace fs = std::filesystem;
 
@@ -31,6 +33,12 @@ fs::path EmptyDirectoryOf(const SystemMachine& machine) {
   return directory;
 }
 
+void Write(const fs::path& file, const std::string& bytes) {
+  std::ofstream stream(file, std::ios::binary);
+  stream << bytes;
+  if (!stream.flush()) throw std::runtime_error("cannot write " + file.string());
+}
+
 // Writes each slot record to a file and returns the options that pass them to the firmware.
 std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::path& directory) {
   std::vector<std::string> options;
@@ -38,12 +46,17 @@ std::vector<std::string> SlotOptions(const SystemMachine& machine, const fs::pat
   for (const nlohmann::json& record : machine.records) {
     const fs::path file = directory / ("slot" + std::to_string(options.size() / 2 + 1) + ".bin");
     const std::vector<unsigned char> bytes = MakeSlotStructure(record, handle++);
-    std::ofstream stream(file, std::ios::binary);
-    for (const unsigned char byte : bytes) stream.put(static_cast<char>(byte));
-    if (!stream.flush()) throw std::runtime_error("cannot write " + file.string());
+    Write(file, std::string(bytes.begin(), bytes.end()));
     options.insert(options.end(), {"-smbios", "file=" + file.string()});
   }
   return options;
+}
+
+std::vector<std::string> TableOptions(const SystemMachine& machine, const fs::path& directory) {
+  if (machine.userNumbers.is_null()) return {};
+  const fs::path file = directory / "ssdt.bin";
+  Write(file, MakeUserNumberTable(machine.userNumbers));
+  return {"-acpitable", "sig=SSDT,data=" + file.string()};
 }
 
 // Returns the emulator's command line, without the serial lines. Network cards have no boot ROM,
@@ -59,10 +72,13 @@ std::vector<std::string> CommandLine(const SystemMachine& machine, const fs::pat
   add({"-machine", "q35,smbios-entry-point-type=" + machine.smbiosEntryPoint});
   add({"-no-user-config", "-nodefaults", "-display", "none", "-no-reboot"});
   add({"-kernel", guest / "vmlinuz", "-initrd", guest / "initramfs.cpio"});
-  add({"-append", "console=ttyS0 quiet panic=-1 mitigations=off " + kernelOptions});
+  add({"-append",
+       "console=ttyS0 quiet panic=-1 mitigations=off " + machine.kernelOptions + kernelOptions});
   add({"-global", "e1000e.romfile=", "-global", "e1000.romfile="});
   for (const std::string& device : machine.devices) add({"-device", device});
+  add(machine.options);
   add(SlotOptions(machine, directory));
+  add(TableOptions(machine, directory));
   return words;
 }
 
@@ -99,9 +115,13 @@ std::map<std::string, Answer> Boot(const SystemMachine& machine) {
   for (const char* line : {"console.log", "answers.tar.gz"}) {
     words.insert(words.end(), {"-serial", "file:" + (directory / line).string()});
   }
+  Monitor monitor(directory);
+  const std::vector<std::string> monitorOptions = monitor.Options();
+  words.insert(words.end(), monitorOptions.begin(), monitorOptions.end());
+  const auto change = [&] { monitor.SendWhenReady(directory / "console.log", machine.changes); };
   std::string failure;
   try {
-    const int status = RunWithin(kBootTime, words, directory / "qemu.log");
+    const int status = RunWithin(kBootTime, words, directory / "qemu.log", change);
     if (status == 0 && Unpack(directory)) return ReadAnswers(directory / "answers");
     failure = "the emulator ended with status " + std::to_string(status);
   } catch (const std::runtime_error& error) {
@@ -109,11 +129,12 @@ std::map<std::string, Answer> Boot(const SystemMachine& machine) {
   }
   throw std::runtime_error("The machine " + machine.name + " did not answer: " + failure +
                            ".\nThe emulator said:\n" + LastPartOf(directory / "qemu.log") +
+                           "\nIts monitor said:\n" + monitor.ReadAnswers() +
                            "\nIts console said:\n" + LastPartOf(directory / "console.log"));
 }
 
 void GiveShell(const SystemMachine& machine) {
-  std::vector<std::string> words = CommandLine(machine, EmptyDirectoryOf(machine), "shell");
+  std::vector<std::string> words = CommandLine(machine, EmptyDirectoryOf(machine), " shell");
   words.insert(words.end(), {"-serial", "mon:stdio"});
   Become(words);
 }

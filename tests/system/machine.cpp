@@ -13,7 +13,12 @@ SystemMachine ReadMachine(const std::filesystem::path& file) {
   machine.smbiosEntryPoint = std::to_string(description.at("smbiosEntryPoint").get<int>());
   machine.smbiosVersion = description.at("smbiosVersion");
   description.at("devices").get_to(machine.devices);
+  machine.options = description.value("options", std::vector<std::string>());
+  machine.kernelOptions = description.value("kernelOptions", "");
+  machine.changes = description.value("changes", nlohmann::json::array());
   machine.records = description.at("records");
-  machine.expected = description.at("expected");
+  machine.userNumbers = description.value("userNumbers", nlohmann::json());
+  machine.expected = description.value("expected", nlohmann::json());
+  machine.topology = description.at("topology");
   return machine;
 }

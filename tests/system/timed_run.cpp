@@ -34,10 +34,11 @@ void Execute(const std::vector<std::string>& words) {
   _exit(kCannotRun);
 }
 
-int WaitUntil(Clock::time_point end, pid_t child) {
+int WaitUntil(Clock::time_point end, pid_t child, const std::function<void()>& meanwhile) {
   int status = 0;
   while (waitpid(child, &status, WNOHANG) == 0) {
     if (Clock::now() > end) kill(child, SIGKILL);
+    meanwhile();
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   return status;
@@ -46,12 +47,12 @@ int WaitUntil(Clock::time_point end, pid_t child) {
 }  // namespace
 
 int RunWithin(std::chrono::seconds time, const std::vector<std::string>& words,
-              const std::filesystem::path& log) {
+              const std::filesystem::path& log, const std::function<void()>& meanwhile) {
   const pid_t parent = getpid();
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("fork failed");
   if (child == 0) RunAsChild(parent, words, log.c_str());
-  const int status = WaitUntil(Clock::now() + time, child);
+  const int status = WaitUntil(Clock::now() + time, child, meanwhile);
   if (WIFSIGNALED(status)) {
     throw std::runtime_error(words.front() + " was ended by signal " +
                              std::to_string(WTERMSIG(status)) + "; it has " +

@@ -23,6 +23,7 @@ class Bytes {
   Bytes& List(std::size_t first) { return Put(0x06, 0x10, 2).Put(0x34, first); }
 
   ConfigSpace Get() const { return ConfigSpace(bytes_); }
+  const std::string& Text() const { return bytes_; }
 
  private:
   std::string bytes_;

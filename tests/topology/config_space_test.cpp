@@ -146,6 +146,28 @@ TEST(ConfigFacts, OfAPortWithASlot) {
   EXPECT_TRUE(facts.express->slot->cardPresent);
 }
 
+TEST(ConfigFacts, OfASlotWithEquipment) {
+  const PortSlot slot = DecodeConfig(ExpressFunction(0x0142)
+                                         .Put(0x54, 0x0000001E, 4)  // all but the button
+                                         .Put(0x58, 0x0580, 2)      // power off, on, blinking
+                                         .Put(0x5A, 0x0022, 2)      // power fault, latch open
+                                         .Get())
+                            .express->slot.value();
+  EXPECT_EQ(slot.powerOn, false);
+  EXPECT_EQ(slot.attentionIndicator, Indicator::kBlinking);
+  EXPECT_EQ(slot.powerIndicator, Indicator::kOn);
+  EXPECT_EQ(slot.latchOpen, true);
+  EXPECT_TRUE(slot.powerFault);
+}
+
+TEST(ConfigFacts, RegistersOfEquipmentThatASlotHasNotMeanNothing) {
+  const PortSlot slot =
+      DecodeConfig(ExpressFunction(0x0142).Put(0x58, 0x0580, 2).Put(0x5A, 0x0022, 2).Get())
+          .express->slot.value();
+  EXPECT_FALSE(slot.powerOn || slot.attentionIndicator || slot.powerIndicator || slot.latchOpen);
+  EXPECT_FALSE(slot.powerFault);
+}
+
 TEST(ConfigFacts, PartsOfTheRootComplexHaveNoLink) {
   for (const unsigned flags : {0x0092U, 0x00A2U}) {
     const ConfigFacts facts =

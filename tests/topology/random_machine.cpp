@@ -56,6 +56,7 @@ Express Maker::SomeExpress(bool isBridge) {
                                                         : kOthers[choose_(kOthers.size())]);
   if (express.LeadsToLink() && Often()) {
     express.slot = PortSlot{Byte(6), choose_(2) == 0, choose_(2) == 0, choose_(2) == 0};
+    if (Seldom()) express.slot->powerOn = choose_(2) == 0;
   }
   return express;
 }
@@ -77,7 +78,7 @@ Function Maker::SomeFunction() {
   if (isBridge) MakeBridge(function);
   function.config.capabilitiesKnown = !Seldom();
   if (function.config.capabilitiesKnown && Often()) function.config.express = SomeExpress(isBridge);
-  if (Seldom()) function.slotUserNumber = choose_(6);
+  if (!Often()) function.slotUserNumber = choose_(9);
   return function;
 }
 
@@ -116,6 +117,9 @@ Machine Maker::Make() {
     Address device = NamedAddress(machine);
     device.function = 0;
     machine.kernelSlots.push_back({std::to_string(choose_(6)), device});
+    if (Often()) continue;
+    machine.kernelSlots.back().power = choose_(2);
+    machine.kernelSlots.back().adapter = choose_(2);
   }
   for (unsigned count = choose_(3); count > 0; --count) {
     machine.onBoardRecords.push_back({0x29, "LAN", Often(), NamedAddress(machine)});

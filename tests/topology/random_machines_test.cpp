@@ -20,7 +20,7 @@ TEST(RandomMachines, KeepTheRulesOfResolutions) {
 }
 
 TEST(RandomMachines, HaveEverythingThatRulesAreAbout) {
-  std::size_t occupants = 0, shared = 0, inner = 0, conflicts = 0, likely = 0;
+  std::size_t occupants = 0, shared = 0, inner = 0, conflicts = 0, likely = 0, acpi = 0;
   for (unsigned seed = 0; seed < 300; ++seed) {
     const Machine machine = MakeRandomMachine(seed);
     const BusTree tree(machine.functions);
@@ -30,12 +30,13 @@ TEST(RandomMachines, HaveEverythingThatRulesAreAbout) {
     for (const Slot& slot : resolution.slots) {
       inner += slot.outer ? 1 : 0;
       conflicts += slot.conflicts.size();
+      acpi += slot.source == SlotSource::kAcpi ? 1 : 0;
     }
     for (const Occupant& occupant : resolution.occupants) {
       likely += occupant.certainty == Certainty::kLikely ? 1 : 0;
     }
   }
-  for (const std::size_t count : {occupants, shared, inner, conflicts, likely}) {
+  for (const std::size_t count : {occupants, shared, inner, conflicts, likely, acpi}) {
     EXPECT_GT(count, 100U);
   }
 }

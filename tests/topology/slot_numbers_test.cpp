@@ -129,8 +129,32 @@ TEST(SlotNumbers, KernelSlotsTell) {
   machine.KernelSlotAt("12-1", "0000:01:00");
   const Resolved resolved(machine);
   EXPECT_EQ(resolved.In("Slot 12"), kCard);
-  EXPECT_EQ(resolved.SlotNamed("Slot 12").kernelSlot, 0U);
+  EXPECT_EQ(resolved.SlotNamed("Slot 12").kernelSlots.size(), 1U);
   EXPECT_EQ(resolved.SlotNames(), (Names{"Slot 12"}));
+}
+
+TEST(SlotNumbers, AKernelSlotOfAConventionalBusIsThatOfTheRecord) {
+  MadeMachine machine;
+  machine.Bridge("0000:00:1e.0", 8, 8);
+  machine.Card("0000:08:01.0");
+  machine.Record("PCI1", "0000:08:01.0");
+  machine.KernelSlotAt("1", "0000:08:01");
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.SlotNames(), (Names{"PCI1"}));
+  EXPECT_EQ(resolved.SlotNamed("PCI1").kernelSlots.size(), 1U);
+  EXPECT_EQ(resolved.In("PCI1"), (Names{"0000:08:01.0"}));
+}
+
+TEST(SlotNumbers, ABifurcatedSlotHasTheKernelSlotsOfAllItsPorts) {
+  MadeMachine machine;
+  AddCardBehindPort(machine, "0000:00:01.0", 1);
+  AddCardBehindPort(machine, "0000:00:01.1", 2);
+  machine.Record("Wide", "0000:01:00.0").peers = {At("0000:02:00.0")};
+  machine.KernelSlotAt("1", "0000:01:00");
+  machine.KernelSlotAt("2", "0000:02:00");
+  const Resolved resolved(machine);
+  EXPECT_EQ(resolved.SlotNames(), (Names{"Wide"}));
+  EXPECT_EQ(resolved.SlotNamed("Wide").kernelSlots, (std::vector<std::size_t>{0, 1}));
 }
 
 TEST(SlotNumbers, KernelSlotsWithoutARecordAreSlotsOfTheirOwn) {
