@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/kernel_files.h"
 
+#include <linux/pci_regs.h>
+
 #include <algorithm>
 
 #include "topology/kernel_directory.h"
@@ -15,6 +17,15 @@ void SetConfig(const Directory& in, const char* file, Function& function) {
   function.config = DecodeConfig(function.front);
 }
 
+/// The base addresses of a virtual function are always 0 (PCI Express 5.0, 9.3.4.1.11). So most
+/// other functions need not be asked for their physical function.
+bool MayBeVirtual(const ConfigSpace& config) {
+  for (std::size_t offset = PCI_BASE_ADDRESS_0; offset <= PCI_BASE_ADDRESS_5; offset += 4) {
+    if (config.Dword(offset).value_or(0) != 0) return false;
+  }
+  return true;
+}
+
 Function ReadFunction(const Directory& device, const Address& address) {
   Function function;
   function.address = address;
@@ -25,7 +36,9 @@ Function ReadFunction(const Directory& device, const Address& address) {
   if (function.numaNode && *function.numaNode < 0) function.numaNode.reset();
   function.label = device.ReadLine("label");
   function.slotUserNumber = device.ReadNumber<std::uint64_t>("firmware_node/sun");
-  function.physicalFunction = ParseAddress(device.ReadLinkName("physfn"));
+  if (MayBeVirtual(function.front)) {
+    function.physicalFunction = ParseAddress(device.ReadLinkName("physfn"));
+  }
   return function;
 }
 
