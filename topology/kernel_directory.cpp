@@ -53,19 +53,17 @@ std::optional<std::string> Directory::Read(const char* name, std::size_t limit,
                                            std::size_t offset) const {
   const int file = OpenFile(name);
   if (file < 0) return std::nullopt;
-  std::string content(limit, '\0');
-  std::size_t size = 0;
-  while (size < limit) {
+  std::string content;
+  std::array<char, 4096> part;
+  for (bool isLast = false; !isLast && content.size() < limit;) {
+    const std::size_t wanted = std::min(limit - content.size(), part.size());
     const ssize_t count =
-        pread(file, content.data() + size, limit - size, static_cast<off_t>(offset + size));
-    if (count <= 0) break;
-    const bool isLast = static_cast<std::size_t>(count) < limit - size;
-    size += static_cast<std::size_t>(count);
-    if (isLast) break;
+        pread(file, part.data(), wanted, static_cast<off_t>(offset + content.size()));
+    if (count > 0) content.append(part.data(), static_cast<std::size_t>(count));
+    isLast = count < static_cast<ssize_t>(wanted);
   }
   close(file);
-  if (size == 0) return std::nullopt;
-  content.resize(size);
+  if (content.empty()) return std::nullopt;
   return content;
 }
 
