@@ -52,9 +52,13 @@ bool IsIndented(std::string_view line, std::size_t tabs) {
 /// Removes the front lines of `text` that are indented by `tabs` or more, and returns them.
 /// Comments stand anywhere.
 std::string_view TakeIndented(std::string_view& text, std::size_t tabs) {
-  const std::string_view all = text;
-  while (IsIndented(text, tabs) || text.starts_with('#')) TakeLine(text);
-  return all.substr(0, all.size() - text.size());
+  std::size_t end = 0;
+  while (end < text.size() && (text[end] == '#' || IsIndented(text.substr(end), tabs))) {
+    end = std::min(text.find('\n', end), text.size() - 1) + 1;
+  }
+  const std::string_view lines = text.substr(0, end);
+  text.remove_prefix(end);
+  return lines;
 }
 
 }  // namespace
@@ -78,6 +82,7 @@ PciNames::Devices PciNames::DevicesIn(std::string_view lines) {
     const std::string_view line = TakeLine(rest);
     const auto id = IsIndented(line, 1) ? Id(line.substr(1), 4) : std::nullopt;
     if (id && line.substr(5).starts_with(' ')) devices.emplace_back(*id, offset);
+    TakeIndented(rest, 2);
   }
   return devices;
 }
