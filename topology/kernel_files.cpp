@@ -43,8 +43,10 @@ Function ReadFunction(const Directory& device, const Address& address) {
 }
 
 std::vector<Function> ReadSysfs(const Directory& devices) {
+  const std::vector<std::string> names = devices.Names();
   std::vector<Function> functions;
-  for (const std::string& name : devices.Names()) {
+  functions.reserve(names.size());
+  for (const std::string& name : names) {
     const auto address = ParseAddress(name);
     const Directory device(devices, name.c_str());
     if (address && device.IsOpen()) functions.push_back(ReadFunction(device, *address));
