@@ -54,12 +54,11 @@ std::optional<std::string> Directory::Read(const char* name, std::size_t limit,
   const int file = OpenFile(name);
   if (file < 0) return std::nullopt;
   std::string content;
-  std::array<char, 4096> part;
+  char part[4096];
   for (bool isLast = false; !isLast && content.size() < limit;) {
-    const std::size_t wanted = std::min(limit - content.size(), part.size());
-    const ssize_t count =
-        pread(file, part.data(), wanted, static_cast<off_t>(offset + content.size()));
-    if (count > 0) content.append(part.data(), static_cast<std::size_t>(count));
+    const std::size_t wanted = std::min(limit - content.size(), sizeof part);
+    const ssize_t count = pread(file, part, wanted, static_cast<off_t>(offset + content.size()));
+    if (count > 0) content.append(part, static_cast<std::size_t>(count));
     isLast = count < static_cast<ssize_t>(wanted);
   }
   close(file);
