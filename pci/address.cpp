@@ -2,7 +2,7 @@
 #include "pci/address.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
 
 namespace {
@@ -11,17 +11,28 @@ std::string HexToDecimal(std::string_view digits) {
   return std::to_string(std::strtoul(std::string(digits).c_str(), nullptr, 16));
 }
 
+std::string HexDigits(std::uint8_t value) {
+  char text[2];
+  return {text, std::to_chars(text, text + sizeof text, value, 16).ptr};
+}
+
 }  // namespace
 
+std::string TwoHexDigits(std::uint8_t value) {
+  return (value < 0x10 ? "0" : "") + HexDigits(value);
+}
+
 std::string PciAddress::ListingKey() const {
-  char text[16];
-  std::snprintf(text, sizeof text, "%02x:%02x.%x", bus, device, function);
-  return text;
+  return TwoHexDigits(bus) + ':' + TwoHexDigits(device) + '.' + HexDigits(function);
 }
 
 std::string PciAddress::LegacyKey() const {
-  return " Bus " + PadDecimal(bus, 2) + ", device " + PadDecimal(device, 3) + ", function " +
-         PadDecimal(function, 2);
+  std::string key;
+  key.reserve(sizeof " Bus 255, device 255, function 255");
+  key.append(" Bus ").append(PadDecimal(bus, 2));
+  key.append(", device ").append(PadDecimal(device, 3));
+  key.append(", function ").append(PadDecimal(function, 2));
+  return key;
 }
 
 std::string PciAddress::WithDomain() const { return "0000:" + ListingKey(); }

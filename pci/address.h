@@ -20,6 +20,9 @@ struct PciAddress {
   std::string WithDomain() const;
 };
 
+/// Returns `value` in hexadecimal, in two lower-case digits.
+std::string TwoHexDigits(std::uint8_t value);
+
 /// Returns `value` in decimal, padded with leading spaces to `width` characters, never cut.
 std::string PadDecimal(int value, unsigned width);
 

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <new>
 
@@ -16,10 +15,8 @@ namespace {
 constexpr std::size_t kBufferSize = 256;
 
 std::string ConfigPath(const sPciDevices& record) {
-  char path[64];
-  std::snprintf(path, sizeof path, "%s/%02x/%02x.%d", kProcBusPci, record.bus, record.device,
-                record.function);
-  return path;
+  return std::string(kProcBusPci) + '/' + TwoHexDigits(record.bus) + '/' +
+         TwoHexDigits(record.device) + '.' + std::to_string(record.function);
 }
 
 // Opens a file for reading and closes it in the destructor.

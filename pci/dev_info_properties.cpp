@@ -134,9 +134,9 @@ TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
   InsertProperty(&properties, "SubsystemVendorID",
                  ConfigWordValue(*record, kConfigSubsystemVendorId));
   InsertProperty(&properties, "SubsystemID", ConfigWordValue(*record, kConfigSubsystemId));
-  const Regions regions = SortRegions(*record);
-  const auto insert = [&](const char* name, const auto& numbers, auto makeValue) {
-    if (!numbers.empty()) InsertProperty(&properties, name, (this->*makeValue)(numbers));
+  Regions regions = SortRegions(*record);
+  const auto insert = [&](const char* name, auto& numbers, auto makeValue) {
+    if (!numbers.empty()) InsertProperty(&properties, name, (this->*makeValue)(std::move(numbers)));
   };
   insert("MEMAddress", regions.memoryAddresses, &TPciDevInfo::GetDwordCimValue);
   insert("MEMLength", regions.memoryLengths, &TPciDevInfo::GetDwordCimValue);

@@ -1,42 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "plugin/values.h"
 
-#include <ios>
+#include <charconv>
+#include <limits>
 #include <locale>
 #include <sstream>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 
 using NQZMVTQ20::TCIMValue;
-
-namespace {
-
-// Reads a number like a stream with the flag std::hex, but without a stream: a device list has
-// fifteen numbers per line, and creating a stream takes longer than reading the number.
-class HexReader {
- public:
-  HexReader() : format_(nullptr) {
-    format_.imbue(std::locale::classic());  // no digit grouping, whatever the host set
-    format_.flags(std::ios_base::hex);
-  }
-
-  template <class T>
-  void Read(std::string_view text, T* value) const {
-    std::ios_base::iostate state = std::ios_base::goodbit;
-    facet_.get(text.data(), text.data() + text.size(), format_, state, *value);
-  }
-
- private:
-  struct Facet : std::num_get<char, const char*> {
-    ~Facet() override = default;
-  };
-
-  Facet facet_;
-  mutable std::ios format_;
-};
-
-}  // namespace
 
 template <class T>
 std::string dataToString(T value) {
@@ -53,10 +27,13 @@ std::string dataToString(T value) {
 
 template <class T>
 T ReadHex(std::string_view text) {
+  const bool isNegative = text.starts_with('-');
+  if (isNegative || text.starts_with('+')) text.remove_prefix(1);
+  if (text.starts_with("0x") || text.starts_with("0X")) text.remove_prefix(2);
   T value = 0;
-  static const HexReader reader;
-  reader.Read(text, &value);
-  return value;
+  const auto error = std::from_chars(text.data(), text.data() + text.size(), value, 16).ec;
+  if (error == std::errc::result_out_of_range) return std::numeric_limits<T>::max();
+  return isNegative ? static_cast<T>(0 - value) : value;
 }
 
 template <class T>

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -129,7 +130,8 @@ pid_t Spawn(const std::string& file, std::vector<std::string>& arguments, int ou
 
 ChildProcess::ChildProcess(const std::string& file, std::vector<std::string> arguments, int output,
                            int errors)
-    : leader_(Spawn(file, arguments, output, errors)) {}
+    : leader_(Spawn(file, arguments, output, errors)),
+      end_(static_cast<int>(::syscall(SYS_pidfd_open, leader_, 0))) {}
 
 ChildProcess::~ChildProcess() {
   if (leader_ < 0) return;

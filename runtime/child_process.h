@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "runtime/file_descriptor.h"
+
 namespace vtq {
 
 /// A program that runs as the leader of its own process group, with an empty standard input, the
@@ -25,6 +27,9 @@ class ChildProcess final {
   /// Whether the leader has ended.
   bool HasEnded() const noexcept;
 
+  /// A descriptor that poll finds readable when the leader has ended; -1 with Linux before 5.3.
+  int GetEndDescriptor() const noexcept { return end_.Get(); }
+
   /// Kills the leader and everything in its group. Allowed until WaitForEnd was called: before
   /// that the group's number cannot belong to anybody else.
   void KillGroup() const noexcept;
@@ -35,6 +40,7 @@ class ChildProcess final {
 
  private:
   pid_t leader_;
+  FileDescriptor end_;
 };
 
 }  // namespace vtq

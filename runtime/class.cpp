@@ -46,16 +46,22 @@ Class::Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema 
       schema_(std::move(schema)),
       nameOrder_(PositionsInNameOrder(schema_)),
       keyOrder_(KeysAmong(nameOrder_, schema_.properties)),
+      followers_(schema_.properties.size() + 1),  // one is there for a class without properties
       instances_(std::make_shared<std::vector<std::shared_ptr<Instance>>>()) {}
 
 std::size_t Class::PositionOf(const std::string& property) const {
-  for (std::size_t left = nameOrder_.size(); left > 0; --left) {
-    if (expected_ >= nameOrder_.size()) expected_ = 0;
-    const std::size_t position = nameOrder_[expected_++];
-    if (schema_.properties[position].name == property) return position;
+  const std::vector<PropertySchema>& properties = schema_.properties;
+  std::size_t& expected = followers_[last_];
+  if (expected >= properties.size() || properties[expected].name != property) {
+    const auto found = std::find_if(properties.begin(), properties.end(),
+                                    [&](const auto& other) { return other.name == property; });
+    if (found == properties.end()) {
+      throw TVTQException("the class " + schema_.name + " has no property " + property,
+                          TVTQStatusCode::kNotFound);
+    }
+    expected = static_cast<std::size_t>(found - properties.begin());
   }
-  throw TVTQException("the class " + schema_.name + " has no property " + property,
-                      TVTQStatusCode::kNotFound);
+  return last_ = expected;
 }
 
 std::shared_ptr<Instance> Class::Find(const std::string& path) const {

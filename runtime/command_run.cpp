@@ -20,6 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kKeptErrors = 4096;
+constexpr int kLookAgainAfter = 20;  // milliseconds, for kernels that do not tell an end
 
 [[noreturn]] void ThrowErrno() { throw std::system_error(errno, std::generic_category()); }
 
@@ -69,18 +70,15 @@ void CommandRun::ReadErrors() {
   if (errorText_.size() > kKeptErrors) errorText_.resize(kKeptErrors);
 }
 
-int CommandRun::LookAgainAfter() const noexcept {
-  constexpr int kWhileStreaming = 20;
-  constexpr int kWhileEnding = 1;
-  return output_.IsOpen() || errors_.IsOpen() ? kWhileStreaming : kWhileEnding;
-}
-
 bool CommandRun::Drain(Clock::time_point deadline) {
   while (!child_.HasEnded()) {
     if (Clock::now() >= deadline) return false;
-    // poll passes over the streams that are closed already.
-    std::array<pollfd, 2> watched = {{{output_.Get(), POLLIN, 0}, {errors_.Get(), POLLIN, 0}}};
-    const int wait = std::min(MillisecondsUntil(deadline), LookAgainAfter());
+    // poll passes over the streams that are closed already, and over an end that the kernel does
+    // not tell.
+    std::array<pollfd, 3> watched = {{{output_.Get(), POLLIN, 0},
+                                      {errors_.Get(), POLLIN, 0},
+                                      {child_.GetEndDescriptor(), POLLIN, 0}}};
+    const int wait = std::min(MillisecondsUntil(deadline), kLookAgainAfter);
     if (::poll(watched.data(), watched.size(), wait) < 0) {
       if (errno != EINTR) ThrowErrno();
       continue;

@@ -37,9 +37,6 @@ class CommandRun final {
   CommandRun(const std::vector<std::string>& words, const std::string& file, Pipe output,
              Pipe errors);
 
-  /// Milliseconds after which to look whether the program has ended. The end of its streams tells
-  /// it nearly always, a moment early; but a child of the program may hold them open.
-  int LookAgainAfter() const noexcept;
   void ReadOutput();
   void ReadErrors();
 

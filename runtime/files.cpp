@@ -27,6 +27,8 @@ std::string ReadFile(const std::string& path) {
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.IsOpen()) ThrowUnreadable(path, errno);
   std::string content;
+  struct stat status {};
+  if (::fstat(file.Get(), &status) == 0) content.reserve(static_cast<std::size_t>(status.st_size));
   ssize_t count = 0;
   // Reads until the end, because files in /proc and /sys report a size of 0 or of a page.
   do {

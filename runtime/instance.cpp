@@ -52,7 +52,9 @@ void CheckValue(const Class& owner, const PropertySchema& property, const TCIMVa
 }  // namespace
 
 Instance::Instance(std::shared_ptr<Class> cimClass)
-    : class_(cimClass), owner_(cimClass.get()), values_(cimClass->GetSchema().properties.size()) {
+    : class_(cimClass), owner_(cimClass.get()), places_(cimClass->GetSchema().properties.size()) {
+  values_.reserve(cimClass->mostValues_);
+  values_.emplace_back();
   ++cimClass->uncommitted_;
 }
 
@@ -67,9 +69,9 @@ Class& Instance::GetOwner() const {
 }
 
 void Instance::CheckKeys(const Class& owner) const {
-  for (std::size_t position = 0; position < values_.size(); ++position) {
+  for (std::size_t position = 0; position < places_.size(); ++position) {
     const PropertySchema& property = owner.GetSchema().properties[position];
-    if (property.isKey && values_[position].IsNull()) {
+    if (property.isKey && GetValue(position).IsNull()) {
       Refuse(owner, property, "is a key and not set");
     }
   }
@@ -83,7 +85,7 @@ const std::string& Instance::GetPath() const {
   PathText text(owner.GetNamespaceName(), schema.name);
   for (const std::size_t position : owner.GetKeyOrder()) {
     const PropertySchema& property = schema.properties[position];
-    text.AddKey(property.name, values_[position]);
+    text.AddKey(property.name, GetValue(position));
   }
   path_ = text.Take();
   return path_;
@@ -100,14 +102,14 @@ TCIMReference Instance::GetObjectReference(const TQualifierMap&) const {
   TCIMReference::TKeyMap keys;
   for (const std::size_t position : owner.GetKeyOrder()) {
     const PropertySchema& property = owner.GetSchema().properties[position];
-    keys.emplace(property.name, values_[position]);
+    keys.emplace(property.name, GetValue(position));
   }
   reference_ = TCIMReference(owner.GetNamespaceName(), owner.GetSchema().name, keys);
   return reference_;
 }
 
 TCIMProperty Instance::GetProperty(const std::string& name, const TQualifierMap&) const {
-  return {name, values_[GetOwner().PositionOf(name)]};
+  return {name, GetValue(GetOwner().PositionOf(name))};
 }
 
 void Instance::SetProperty(const std::string& name, const TCIMValue& value, const TQualifierMap&) {
@@ -116,14 +118,24 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, cons
   const PropertySchema& property = owner.GetSchema().properties[position];
   CheckValue(owner, property, value);
   if (property.isKey) {
-    if (committed_ && !(values_[position] == value)) {
+    if (committed_ && !(GetValue(position) == value)) {
       Refuse(owner, property, "is a key of a committed instance and cannot be changed");
     }
     if (committed_) return;
     path_.clear();
     reference_ = TCIMReference();
   }
-  values_[position] = value;
+  SetValue(position, value);
+}
+
+void Instance::SetValue(std::size_t position, const TCIMValue& value) {
+  std::uint32_t& place = places_[position];
+  if (place != 0) {
+    values_[place] = value;
+  } else {
+    values_.push_back(value);
+    place = static_cast<std::uint32_t>(values_.size() - 1);
+  }
 }
 
 void Instance::Commit(const TQualifierMap&) {
@@ -131,6 +143,7 @@ void Instance::Commit(const TQualifierMap&) {
   owner.Commit(shared_from_this());
   if (!committed_) --owner.uncommitted_;
   committed_ = true;
+  owner.mostValues_ = std::max(owner.mostValues_, values_.size());
 }
 
 }  // namespace vtq

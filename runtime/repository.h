@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -97,14 +98,16 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   ClassSchema schema_;
   std::vector<std::size_t> nameOrder_;
   std::vector<std::size_t> keyOrder_;
-  /// Index in nameOrder_ after the property found last, because names are mostly looked up in that
-  /// order.
-  mutable std::size_t expected_ = 0;
+  /// For each property the one that was looked up after it the last time, because plug-ins set the
+  /// properties of all instances in the same order.
+  mutable std::vector<std::size_t> followers_;
+  mutable std::size_t last_ = 0;  ///< the property that was looked up last
   // Shared with running enumerations, which continue over the instances that they began with.
   std::shared_ptr<std::vector<std::shared_ptr<Instance>>> instances_;
   std::unordered_map<std::string_view, std::size_t>
       instanceByPath_;  // keys are views of the instances' path texts
   std::size_t uncommitted_ = 0;
+  std::size_t mostValues_ = 1;  ///< that a committed instance holds, the null value with them
 };
 
 /// One instance: a value for each declared property, null where unset.
@@ -116,8 +119,10 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   Instance& operator=(const Instance&) = delete;
   ~Instance() override;
 
-  /// The value of the property at a position in the schema; valid until it is set again.
-  const NQZMVTQ20::TCIMValue& GetValue(std::size_t position) const { return values_.at(position); }
+  /// The value of the property at a position in the schema; valid until a property is set.
+  const NQZMVTQ20::TCIMValue& GetValue(std::size_t position) const {
+    return values_[places_.at(position)];
+  }
   /// The text of the object path, built once; valid until a key changes. Throws like
   /// GetObjectReference.
   const std::string& GetPath() const;
@@ -136,10 +141,13 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   /// Throws TVTQException when the class is gone.
   Class& GetOwner() const;
   void CheckKeys(const Class& owner) const;
+  void SetValue(std::size_t position, const NQZMVTQ20::TCIMValue& value);
 
   std::weak_ptr<Class> class_;
   Class* owner_;  ///< valid unless class_ has expired; avoids locking class_ for every value
-  std::vector<NQZMVTQ20::TCIMValue> values_;
+  // Many properties of a class are null in most instances, so only those that were set have room.
+  std::vector<std::uint32_t> places_;         ///< of the properties in values_; 0 where unset
+  std::vector<NQZMVTQ20::TCIMValue> values_;  ///< the first is null
   // Built on demand, because nearly all references are never used.
   mutable std::string path_;
   mutable NQZMVTQ20::TCIMReference reference_;

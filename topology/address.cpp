@@ -3,7 +3,6 @@
 
 #include <array>
 #include <charconv>
-#include <cstdio>
 
 namespace topology {
 namespace {
@@ -37,6 +36,16 @@ std::optional<Address> TakeDevice(std::string_view& text) {
   return Address{*domain, static_cast<std::uint8_t>(*bus), static_cast<std::uint8_t>(*device), 0};
 }
 
+/// Appends a number with at least `digits` digits.
+void AppendHex(std::string& text, std::uint32_t number, std::size_t digits) {
+  std::array<char, 8> buffer{};
+  const char* const end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, 16).ptr;
+  const auto size = static_cast<std::size_t>(end - buffer.data());
+  if (size < digits) text.append(digits - size, '0');
+  text.append(buffer.data(), size);
+}
+
 }  // namespace
 
 bool IsSameDevice(const Address& left, const Address& right) {
@@ -44,10 +53,12 @@ bool IsSameDevice(const Address& left, const Address& right) {
 }
 
 std::string ToText(const Address& address) {
-  std::array<char, 24> text{};
-  std::snprintf(text.data(), text.size(), "%04x:%02x:%02x.%x", address.domain, address.bus,
-                address.device, address.function & 7U);
-  return text.data();
+  std::string text;
+  AppendHex(text, address.domain, 4);
+  AppendHex(text += ':', address.bus, 2);
+  AppendHex(text += ':', address.device, 2);
+  AppendHex(text += '.', address.function & 7U, 1);
+  return text;
 }
 
 std::optional<Address> ParseAddress(std::string_view text) {

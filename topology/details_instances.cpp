@@ -149,9 +149,8 @@ void SetAttributes(const FunctionDetails& details, PropertyWriter& writer) {
   if (details.modules) writer.SetTexts("DriverModules", *details.modules);
 }
 
-Properties DetailsOf(const Function& function, const FunctionDetails& details,
-                     const VirtualFunctionsOf& virtualFunctions) {
-  PropertyWriter writer;
+void SetDetails(const Function& function, const FunctionDetails& details,
+                const VirtualFunctionsOf& virtualFunctions, PropertyWriter& writer) {
   writer.Set("Address", ToText(function.address));
   SetInterrupts(details, writer);
   SetRegions(details.regions, writer);
@@ -167,25 +166,21 @@ Properties DetailsOf(const Function& function, const FunctionDetails& details,
   if (details.vitalProductData) SetVitalProductData(*details.vitalProductData, writer);
   writer.Set("VitalProductDataUnknownBecause", details.noVitalProductDataBecause);
   SetNames(details.names, writer);
-  return writer.Take();
 }
 
 }  // namespace
 
-std::vector<Properties> DetailsInstances(const Snapshot& snapshot) {
+void CommitDetails(const Snapshot& snapshot, NQZMVTQ20::ICIMClass& cimClass) {
   const std::vector<Function>& functions = snapshot.GetMachine().functions;
   const VirtualFunctionsOf virtualFunctions = FindVirtualFunctions(functions);
   DetailsReader reader;
-  std::vector<Properties> instances;
   for (const Function& function : functions) {
-    Properties properties = DetailsOf(function, reader.Read(function), virtualFunctions);
-    if (!reader.GetNoModulesBecause().empty()) {
-      properties["DriverModulesUnknownBecause"] =
-          NQZMVTQ20::TCIMValue(reader.GetNoModulesBecause());
-    }
-    instances.push_back(std::move(properties));
+    const auto instance = cimClass.CreateInstance({});
+    PropertyWriter writer(*instance);
+    SetDetails(function, reader.Read(function), virtualFunctions, writer);
+    writer.Set("DriverModulesUnknownBecause", reader.GetNoModulesBecause());
+    instance->Commit({});
   }
-  return instances;
 }
 
 }  // namespace topology

@@ -97,8 +97,8 @@ void DetailsReader::ReadAttributes(const Directory& device, FunctionDetails& det
   };
   details.regions = ParseResources(device.Read("resource", kLongestAttribute).value_or(""));
   details.irq = device.ReadNumber<unsigned>("irq");
-  details.powerState = device.ReadLine("power_state");
-  details.enableCount = device.ReadNumber<std::uint64_t>("enable");
+  if (has("power_state")) details.powerState = device.ReadLine("power_state");
+  if (has("enable")) details.enableCount = device.ReadNumber<std::uint64_t>("enable");
   details.iommuGroup = ParseNumber<std::uint64_t>(device.ReadLinkName("iommu_group"));
   for (const char* name : {"acpi_index", "index"}) {
     if (has(name)) details.firmwareIndex = device.ReadNumber<std::uint64_t>(name);

@@ -25,15 +25,6 @@ namespace {
 using NQZMVTQ20::ICIMClass;
 using NQZMVTQ20::ILogger;
 
-std::vector<Properties> InstancesOf(const Snapshot& snapshot, const std::string& className,
-                                    const std::string& nameSpace) {
-  if (className == kFunctionClass) return FunctionInstances(snapshot);
-  if (className == kDetailsClass) return DetailsInstances(snapshot);
-  if (className == kSlotClass) return SlotInstances(snapshot);
-  if (className == kSharedPortClass) return SharedPortInstances(snapshot);
-  return FunctionInSlotInstances(snapshot, nameSpace);
-}
-
 bool IsServed(const std::string& className) {
   constexpr std::array<const char*, 5> kServed{kFunctionClass, kDetailsClass, kSlotClass,
                                                kFunctionInSlotClass, kSharedPortClass};
@@ -49,6 +40,15 @@ void CommitAll(const std::vector<Properties>& instances, ICIMClass& cimClass) {
     for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
     instance->Commit({});
   }
+}
+
+void Answer(const Snapshot& snapshot, const std::string& nameSpace, const std::string& className,
+            ICIMClass& cimClass) {
+  if (className == kFunctionClass) return CommitFunctions(snapshot, cimClass);
+  if (className == kDetailsClass) return CommitDetails(snapshot, cimClass);
+  if (className == kSlotClass) return CommitAll(SlotInstances(snapshot), cimClass);
+  if (className == kSharedPortClass) return CommitAll(SharedPortInstances(snapshot), cimClass);
+  CommitAll(FunctionInSlotInstances(snapshot, nameSpace), cimClass);
 }
 
 /// The only object of the plug-in that the framework knows.
@@ -72,7 +72,7 @@ class Callbacks final : public NQZMVTQ20::IPluginCallbacks,
     for (const auto& cimClass : classes) {
       const std::string className = cimClass->GetName({});
       if (!IsServed(className)) continue;
-      CommitAll(InstancesOf(SnapshotFor(className), className, nameSpaceName), *cimClass);
+      Answer(SnapshotFor(className), nameSpaceName, className, *cimClass);
       LogReadFailures();
     }
   }

@@ -93,33 +93,38 @@ class KindNames {
         "VendorName",    "DeviceName", "SubsystemVendorName",
         "SubsystemName", "ClassName",  "ProgrammingInterfaceName"};
     for (std::size_t i = 0; i < kProperties.size(); ++i) {
-      writer.Set(kProperties[i], std::string(known->second[i]));
+      if (!known->second[i].IsNull()) writer.Set(kProperties[i], known->second[i]);
     }
   }
 
  private:
   using Kind = std::array<std::uint32_t, 5>;
-  using Texts = std::array<std::string_view, 6>;
+  using Values = std::array<NQZMVTQ20::TCIMValue, 6>;
 
-  Texts LookUp(const ConfigFacts& config) const {
-    Texts texts{names_.Vendor(config.vendor), names_.Device(config.vendor, config.device)};
+  static NQZMVTQ20::TCIMValue ValueOf(std::string_view name) {
+    return name.empty() ? NQZMVTQ20::TCIMValue() : NQZMVTQ20::TCIMValue(std::string(name));
+  }
+
+  Values LookUp(const ConfigFacts& config) const {
+    Values values{ValueOf(names_.Vendor(config.vendor)),
+                  ValueOf(names_.Device(config.vendor, config.device))};
     if (config.subsystemVendor && config.subsystemDevice) {
-      texts[2] = names_.Vendor(*config.subsystemVendor);
-      texts[3] = names_.Subsystem(config.vendor, config.device, *config.subsystemVendor,
-                                  *config.subsystemDevice);
+      values[2] = ValueOf(names_.Vendor(*config.subsystemVendor));
+      values[3] = ValueOf(names_.Subsystem(config.vendor, config.device, *config.subsystemVendor,
+                                           *config.subsystemDevice));
     }
-    texts[4] = names_.Class(config.classCode);
-    texts[5] = names_.ProgrammingInterface(config.classCode);
-    return texts;
+    values[4] = ValueOf(names_.Class(config.classCode));
+    values[5] = ValueOf(names_.ProgrammingInterface(config.classCode));
+    return values;
   }
 
   const PciNames& names_;
-  std::map<Kind, Texts> known_;
+  std::map<Kind, Values> known_;
 };
 
-Properties InstanceOf(const Snapshot& snapshot, std::size_t place, KindNames& names) {
+void SetFunction(const Snapshot& snapshot, std::size_t place, KindNames& names,
+                 PropertyWriter& writer) {
   const Function& function = snapshot.GetMachine().functions[place];
-  PropertyWriter writer;
   writer.Set("Address", ToText(function.address));
   SetIdentity(function.config, writer);
   names.Set(function.config, writer);
@@ -134,18 +139,18 @@ Properties InstanceOf(const Snapshot& snapshot, std::size_t place, KindNames& na
   const FunctionPlace& where = snapshot.GetResolution().places[place];
   writer.Set("Place", PlaceText(where.place));
   writer.Set("PlaceReason", where.reason);
-  return writer.Take();
 }
 
 }  // namespace
 
-std::vector<Properties> FunctionInstances(const Snapshot& snapshot) {
+void CommitFunctions(const Snapshot& snapshot, NQZMVTQ20::ICIMClass& cimClass) {
   KindNames names(snapshot.GetNames());
-  std::vector<Properties> instances;
   for (std::size_t i = 0; i < snapshot.GetMachine().functions.size(); ++i) {
-    instances.push_back(InstanceOf(snapshot, i, names));
+    const auto instance = cimClass.CreateInstance({});
+    PropertyWriter writer(*instance);
+    SetFunction(snapshot, i, names, writer);
+    instance->Commit({});
   }
-  return instances;
 }
 
 }  // namespace topology

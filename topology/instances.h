@@ -21,11 +21,13 @@ inline constexpr const char* kSharedPortClass = "VTQ_PCISharedPort";
 /// The properties of one instance. What is not known is not in the map.
 using Properties = std::map<std::string, NQZMVTQ20::TCIMValue>;
 
-/// The instances of each class, in the order in which they are committed. `nameSpace` is the
-/// name that references hold.
-std::vector<Properties> FunctionInstances(const Snapshot& snapshot);
+/// Create and commit the instances of functions.
+void CommitFunctions(const Snapshot& snapshot, NQZMVTQ20::ICIMClass& cimClass);
 /// Reads more of the kernel's files, see details_reader.h.
-std::vector<Properties> DetailsInstances(const Snapshot& snapshot);
+void CommitDetails(const Snapshot& snapshot, NQZMVTQ20::ICIMClass& cimClass);
+
+/// The instances of the other classes, in the order in which they are committed. `nameSpace` is the
+/// name that references hold.
 std::vector<Properties> SlotInstances(const Snapshot& snapshot);
 std::vector<Properties> FunctionInSlotInstances(const Snapshot& snapshot,
                                                 const std::string& nameSpace);

@@ -86,20 +86,17 @@ std::optional<std::string> Directory::Read(const char* name, std::size_t limit,
     NoteFailure(name);
     return std::nullopt;
   }
-  std::string content(limit, '\0');
-  std::size_t size = 0;
-  while (size < limit) {
-    const ssize_t count =
-        pread(file, content.data() + size, limit - size, static_cast<off_t>(offset + size));
+  std::string content;
+  char part[4096];
+  for (bool isLast = false; !isLast && content.size() < limit;) {
+    const std::size_t wanted = std::min(limit - content.size(), sizeof part);
+    const ssize_t count = pread(file, part, wanted, static_cast<off_t>(offset + content.size()));
     if (count < 0) NoteFailure(name);
-    if (count <= 0) break;
-    const bool isLast = static_cast<std::size_t>(count) < limit - size;
-    size += static_cast<std::size_t>(count);
-    if (isLast) break;
+    if (count > 0) content.append(part, static_cast<std::size_t>(count));
+    isLast = count < static_cast<ssize_t>(wanted);
   }
   close(file);
-  if (size == 0) return std::nullopt;
-  content.resize(size);
+  if (content.empty()) return std::nullopt;
   return content;
 }
 

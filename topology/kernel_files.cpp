@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/kernel_files.h"
 
+#include <linux/pci_regs.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -33,6 +35,15 @@ void SetIdentifiers(const Directory& device, Function& function) {
   function.config.device = ReadIdentifier(device, "device").value_or(0xFFFF);
 }
 
+/// The base addresses of a virtual function are always 0 (PCI Express 5.0, 9.3.4.1.11). So most
+/// other functions need not be asked for their physical function.
+bool MayBeVirtual(const ConfigSpace& config) {
+  for (std::size_t offset = PCI_BASE_ADDRESS_0; offset <= PCI_BASE_ADDRESS_5; offset += 4) {
+    if (config.Dword(offset).value_or(0) != 0) return false;
+  }
+  return true;
+}
+
 Function ReadFunction(const Directory& device, const Address& address) {
   Function function;
   function.address = address;
@@ -44,13 +55,17 @@ Function ReadFunction(const Directory& device, const Address& address) {
   if (function.numaNode && *function.numaNode < 0) function.numaNode.reset();
   function.label = device.ReadLine("label");
   function.slotUserNumber = device.ReadNumber<std::uint64_t>("firmware_node/sun");
-  function.physicalFunction = ParseAddress(device.ReadLinkName("physfn"));
+  if (MayBeVirtual(function.front)) {
+    function.physicalFunction = ParseAddress(device.ReadLinkName("physfn"));
+  }
   return function;
 }
 
 std::vector<Function> ReadSysfs(const Directory& devices) {
+  const std::vector<std::string> names = devices.Names();
   std::vector<Function> functions;
-  for (const std::string& name : devices.Names()) {
+  functions.reserve(names.size());
+  for (const std::string& name : names) {
     const auto address = ParseAddress(name);
     const Directory device(devices, name.c_str());
     if (address && device.IsOpen()) functions.push_back(ReadFunction(device, *address));

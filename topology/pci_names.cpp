@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/pci_names.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
@@ -43,10 +44,21 @@ std::string Front(std::size_t tabs, int digits, std::initializer_list<unsigned> 
   return front;
 }
 
-/// Whether the front line of `text` belongs to an entry that is indented by `depth` tabs. Comments
-/// stand anywhere.
-bool IsBelow(std::string_view text, std::size_t depth) {
-  return text.starts_with('#') || (text.starts_with('\t') && text.find_first_not_of('\t') > depth);
+bool IsIndented(std::string_view line, std::size_t tabs) {
+  return line.size() >= tabs &&
+         std::all_of(line.begin(), line.begin() + tabs, [](char c) { return c == '\t'; });
+}
+
+/// Removes the front lines of `text` that are indented by `tabs` or more, and returns them.
+/// Comments stand anywhere.
+std::string_view TakeIndented(std::string_view& text, std::size_t tabs) {
+  std::size_t end = 0;
+  while (end < text.size() && (text[end] == '#' || IsIndented(text.substr(end), tabs))) {
+    end = std::min(text.find('\n', end), text.size() - 1) + 1;
+  }
+  const std::string_view lines = text.substr(0, end);
+  text.remove_prefix(end);
+  return lines;
 }
 
 }  // namespace
@@ -58,23 +70,30 @@ PciNames::PciNames(std::string text) : text_(std::move(text)) {
     const bool isClass = line.starts_with("C ");
     const auto id = isClass ? Id(line.substr(2), 2) : Id(line, 4);
     if (!id) continue;
-    // The indented lines up to the next that is not.
-    const std::string_view lines = rest;
-    while (IsBelow(rest, 0)) TakeLine(rest);
-    const Block block{NameIn(line, 4), lines.substr(0, lines.size() - rest.size())};
+    const Block block{NameIn(line, 4), TakeIndented(rest, 1)};
     (isClass ? classes_ : vendors_).emplace(*id, block);
   }
 }
 
+PciNames::Devices PciNames::DevicesIn(std::string_view lines) {
+  Devices devices;
+  for (std::string_view rest = lines; !rest.empty();) {
+    const std::size_t offset = lines.size() - rest.size();
+    const std::string_view line = TakeLine(rest);
+    const auto id = IsIndented(line, 1) ? Id(line.substr(1), 4) : std::nullopt;
+    if (id && line.substr(5).starts_with(' ')) devices.emplace_back(*id, offset);
+    TakeIndented(rest, 2);
+  }
+  return devices;
+}
+
 /// Finds the line that begins with `indented`, which holds the tabs and the ID.
 std::optional<PciNames::Block> PciNames::FindIn(std::string_view lines, std::string_view indented) {
-  const std::size_t depth = indented.find_first_not_of('\t');
+  const std::size_t tabs = indented.find_first_not_of('\t') + 1;
   while (!lines.empty()) {
     const std::string_view line = TakeLine(lines);
     if (!line.starts_with(indented)) continue;
-    const std::string_view below = lines;
-    while (IsBelow(lines, depth)) TakeLine(lines);
-    return Block{NameIn(line, indented.size()), below.substr(0, below.size() - lines.size())};
+    return Block{NameIn(line, indented.size()), TakeIndented(lines, tabs)};
   }
   return std::nullopt;
 }
@@ -84,26 +103,38 @@ const PciNames::Block* PciNames::FindVendor(std::uint16_t vendor) const {
   return found == vendors_.end() ? nullptr : &found->second;
 }
 
+std::optional<PciNames::Block> PciNames::FindDevice(std::uint16_t vendor,
+                                                    std::uint16_t device) const {
+  const Block* const block = FindVendor(vendor);
+  if (block == nullptr) return std::nullopt;
+  const auto [devices, isNew] = devices_.try_emplace(vendor);
+  if (isNew) devices->second = DevicesIn(block->lines);
+  for (const auto& [id, offset] : devices->second) {
+    if (id != device) continue;
+    std::string_view rest = block->lines.substr(offset);
+    const std::string_view line = TakeLine(rest);
+    return Block{NameIn(line, 6), TakeIndented(rest, 2)};
+  }
+  return std::nullopt;
+}
+
 std::string_view PciNames::Vendor(std::uint16_t vendor) const {
   const Block* const block = FindVendor(vendor);
   return block == nullptr ? std::string_view() : block->name;
 }
 
 std::string_view PciNames::Device(std::uint16_t vendor, std::uint16_t device) const {
-  const Block* const block = FindVendor(vendor);
-  if (block == nullptr) return {};
-  return FindIn(block->lines, Front(1, 4, {device})).value_or(Block()).name;
+  return FindDevice(vendor, device).value_or(Block()).name;
 }
 
 std::string_view PciNames::Subsystem(std::uint16_t vendor, std::uint16_t device,
                                      std::uint16_t subsystemVendor, std::uint16_t subsystem) const {
-  const Block* const block = FindVendor(vendor);
-  if (block == nullptr) return {};
-  const Block found = FindIn(block->lines, Front(1, 4, {device})).value_or(Block());
-  const auto exact = FindIn(found.lines, Front(2, 4, {subsystemVendor, subsystem}));
+  const auto found = FindDevice(vendor, device);
+  if (!found) return {};
+  const auto exact = FindIn(found->lines, Front(2, 4, {subsystemVendor, subsystem}));
   if (exact) return exact->name;
   const bool isSame = vendor == subsystemVendor && device == subsystem;
-  return isSame ? found.name : std::string_view();
+  return isSame ? found->name : std::string_view();
 }
 
 std::string_view PciNames::Class(std::uint32_t classCode) const {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace topology {
 
@@ -14,8 +15,8 @@ namespace topology {
 class PciNames {
  public:
   PciNames() = default;
-  /// `text` is the whole file. Reading it takes one pass over its lines; looking a name up reads
-  /// the lines of one vendor.
+  /// `text` is the whole file. Reading it takes one pass over its lines; the first lookup of a
+  /// device takes one over the lines of its vendor.
   explicit PciNames(std::string text);
 
   std::string_view Vendor(std::uint16_t vendor) const;
@@ -34,13 +35,18 @@ class PciNames {
     std::string_view lines;  ///< those that are indented below it
   };
   using Blocks = std::map<unsigned, Block>;
+  /// IDs of devices, and the offsets of their lines in those of the vendor.
+  using Devices = std::vector<std::pair<std::uint16_t, std::uint32_t>>;
 
+  static Devices DevicesIn(std::string_view lines);
   static std::optional<Block> FindIn(std::string_view lines, std::string_view indented);
   const Block* FindVendor(std::uint16_t vendor) const;
+  std::optional<Block> FindDevice(std::uint16_t vendor, std::uint16_t device) const;
 
   std::string text_;
   Blocks vendors_;
   Blocks classes_;
+  mutable std::map<unsigned, Devices> devices_;  ///< of the vendors that were asked for
 };
 
 }  // namespace topology

@@ -10,7 +10,7 @@ void JsonObjects::BeginClass(const vtq::Class& cimClass) {
   head_ = "{\"class\":\"" + schema.name + "\",\"path\":";
   names_.clear();
   for (const vtq::PropertySchema& property : schema.properties) {
-    names_.push_back('"' + property.name + "\":");
+    names_.push_back(",\"" + property.name + "\":");
   }
 }
 
@@ -22,9 +22,8 @@ void JsonObjects::Write(const vtq::Class& cimClass, const vtq::Instance& instanc
   for (const std::size_t position : cimClass.GetNameOrder()) {
     const NQZMVTQ20::TCIMValue& value = instance.GetValue(position);
     if (value.IsNull()) continue;
-    if (!first) output_.Write(",");
+    output_.Write(std::string_view(names_[position]).substr(first ? 1 : 0));
     first = false;
-    output_.Write(names_[position]);
     WriteJsonValue(output_, value);
   }
   output_.Write("}}");

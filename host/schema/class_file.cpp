@@ -29,14 +29,11 @@ using Members = std::vector<std::pair<std::string, JsonValue>>;
   throw ClassFileError(place + ": " + what);
 }
 
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
 /// CIM names are not case-sensitive.
 bool IsSameName(const std::string& left, const std::string& right) {
-  return Lower(left) == Lower(right);
+  return std::equal(
+      left.begin(), left.end(), right.begin(), right.end(),
+      [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
 }
 
 bool IsName(const std::string& text) {
