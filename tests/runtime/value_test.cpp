@@ -191,7 +191,7 @@ TEST(ValueTest, AnArrayTakesItsElementsOverWithoutACopy) {
 }
 
 TEST(ValueTest, AValueIsLittleLargerThanItsText) {
-  EXPECT_LE(sizeof(TCIMValue), sizeof(std::string) + 16);
+  EXPECT_LE(sizeof(TCIMValue), sizeof(std::string) + 8);
 }
 
 TEST(ValueTest, EqualityAsksForTypeShapeAndContent) {
