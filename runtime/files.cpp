@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -21,14 +22,21 @@ namespace {
                                  StatusOfErrno(error));
 }
 
+/// The size that the kernel tells, as far as it is worth the memory: sparse files tell any size.
+std::size_t SizeOf(int file) {
+  constexpr off_t kMost = 16 << 20;
+  struct stat status {};
+  if (::fstat(file, &status) != 0) return 0;
+  return static_cast<std::size_t>(std::min(status.st_size, kMost));
+}
+
 }  // namespace
 
 std::string ReadFile(const std::string& path) {
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.IsOpen()) ThrowUnreadable(path, errno);
   std::string content;
-  struct stat status {};
-  if (::fstat(file.Get(), &status) == 0) content.reserve(static_cast<std::size_t>(status.st_size));
+  content.reserve(SizeOf(file.Get()));
   ssize_t count = 0;
   // Reads until the end, because files in /proc and /sys report a size of 0 or of a page.
   do {
