@@ -153,9 +153,16 @@ TEST_F(UnpackCaptureTest, AManifestOfManyBytesIsRefused) {
 }
 
 TEST_F(UnpackCaptureTest, AnEmptyCaptureIsRefused) {
-  EXPECT_THAT(RefusalOf({{"box/proc/bus/pci/devices", "x"}}),
-              HasSubstr("contains no proc/bus/pci"));
+  EXPECT_THAT(RefusalOf({{"box/devices", "x"}}), HasSubstr("contains no proc/bus/pci"));
   EXPECT_EQ(Unpack({{"manifest.json", "{}"}}), "{}");
+}
+
+TEST_F(UnpackCaptureTest, ACaptureInAFolderIsRefusedWithAdvice) {
+  for (const char* part : {"proc/bus/pci/devices", "sys", "commands/lspci", "manifest.json"}) {
+    EXPECT_THAT(RefusalOf({{std::string("box/") + part, "x"}}),
+                HasSubstr("its parts are in the folder \"box\"; unpack it"))
+        << part;
+  }
 }
 
 TEST_F(UnpackCaptureTest, AFileInPlaceOfADirectoryIsRefused) {
