@@ -61,7 +61,10 @@ CALLED_FROM_OUTSIDE int openat(int directory, const char* path, int flags, ...) 
 
 CALLED_FROM_OUTSIDE std::FILE* fopen(const char* path, const char* mode) {
   static const auto next = Next(&fopen, "fopen");
-  return MustFail(Call::kOpen, path) ? Fail<std::FILE*>(EMFILE, nullptr) : next(path, mode);
+  if (MustFail(Call::kOpen, path)) return Fail<std::FILE*>(EMFILE, nullptr);
+  // Where memory for the stream is missing, it fails as it does here, with no more to see.
+  const WithoutFaults inner;
+  return next(path, mode);
 }
 
 CALLED_FROM_OUTSIDE std::FILE* fopen64(const char* path, const char* mode) {
@@ -85,7 +88,9 @@ CALLED_FROM_OUTSIDE std::size_t fread(void* buffer, std::size_t size, std::size_
                                       std::FILE* file) {
   static const auto next = Next(&fread, "fread");
   if (MustFail(Call::kRead, fileno(file))) return Fail<std::size_t>(EIO, 0);
-  // fread continues after a short read of the kernel, so its caller never sees one.
+  // fread continues after a short read of the kernel, so its caller never sees one. Memory for its
+  // buffer is like that of fopen.
+  const WithoutFaults inner;
   return next(buffer, size, count, file);
 }
 
