@@ -21,11 +21,11 @@ Domains ReadDomains(const std::string& devices) {
   std::error_code failure;
   for (const auto& entry : fs::directory_iterator(devices, failure)) {
     const std::string name = entry.path().filename();  // "10000:03:1f.2"
-    const std::size_t bus = name.find(':') + 1;
-    if (bus == 0 || name.size() < bus + 3) continue;
-    const std::string domain = name.substr(0, bus - 1);
+    const std::size_t colon = name.find(':');
+    if (colon == std::string::npos || name.size() < colon + 4) continue;
+    const std::string domain = name.substr(0, colon);
     if (domain.find_first_not_of(kHexDigits) != std::string::npos) continue;
-    const std::string path = name.substr(bus, 2) + "/" + name.substr(bus + 3);
+    const std::string path = name.substr(colon + 1, 2) + "/" + name.substr(colon + 4);
     const auto known = domains.try_emplace(path, domain);
     if (!known.second && known.first->second != domain) known.first->second = kFirstDomain;
   }
