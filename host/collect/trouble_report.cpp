@@ -55,7 +55,7 @@ void TroubleReport::Add(const Finding& finding) {
 
 std::string TroubleReport::LineOf(const Told& told) {
   const Finding& finding = told.finding;
-  const std::string text =
+  std::string text =
       told.count == 1
           ? finding.text
           : fmt::format(fmt::runtime(finding.ofMany), fmt::arg("count", told.count),

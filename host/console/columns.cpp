@@ -95,6 +95,7 @@ std::vector<std::size_t> StayingColumns(const std::vector<Column>& columns, cons
 template <class Item>
 std::vector<Item> Picked(const std::vector<Item>& items, const std::vector<std::size_t>& places) {
   std::vector<Item> picked;
+  picked.reserve(places.size());
   for (const std::size_t place : places) picked.push_back(items[place]);
   return picked;
 }

@@ -46,6 +46,7 @@ std::vector<Device> DevicesOf(const FunctionList& functions) {
     }
   }
   std::vector<Device> list;
+  list.reserve(devices.size());
   for (auto& [address, device] : devices) list.push_back(std::move(device));
   return list;
 }

@@ -283,6 +283,7 @@ std::vector<const MachineFunction*> MachineModel::FunctionsAt(FunctionPlace plac
 std::vector<const MachineFunction*> MachineModel::FunctionsOf(
     const std::vector<std::size_t>& places) const {
   std::vector<const MachineFunction*> found;
+  found.reserve(places.size());
   for (const std::size_t place : places) found.push_back(&functions[place]);
   return found;
 }

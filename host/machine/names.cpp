@@ -116,9 +116,9 @@ bool StartsWith(std::string_view text, std::string_view start) {
 
 /// A kind of device, and words that tell it in the name of a model.
 struct Kind {
-  unsigned firstClass;  ///< base class and subclass
-  unsigned lastClass;
-  const char* name;
+  unsigned firstClass = 0;  ///< base class and subclass
+  unsigned lastClass = 0;
+  const char* name = "";
   std::initializer_list<std::string_view> words;
 };
 
@@ -204,7 +204,7 @@ std::string IdText(const MachineFunction& function) {
 }
 
 std::string ClassName(const MachineFunction& function) {
-  const std::string name = NameIn(function.className);
+  std::string name = NameIn(function.className);
   if (!name.empty()) return name;
   return ClassText({function.baseClass, function.subclass, function.programmingInterface});
 }

@@ -116,6 +116,7 @@ void WriteDevicesTable(Output& output, const MachineModel& machine,
                        const std::vector<std::string>& columns, const Terminal& terminal) {
   const auto shown = columns.empty() ? UsualColumns(machine) : NamedColumns(columns);
   std::vector<Column> headings;
+  headings.reserve(shown.size());
   for (const DeviceColumn& column : shown) headings.push_back(column.column);
   std::vector<Row> rows;
   for (const MachineFunction& function : machine.functions) {

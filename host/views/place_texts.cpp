@@ -26,6 +26,7 @@ std::string NamesText(const std::vector<std::string>& names) {
 
 std::vector<std::string> PrintableNames(const std::vector<std::string>& names) {
   std::vector<std::string> printable;
+  printable.reserve(names.size());
   for (const std::string& name : names) printable.push_back(Printable(name));
   return printable;
 }
@@ -79,7 +80,7 @@ std::string NameOf(const MachineSlot& slot, const MachineModel& machine) {
   if (!slot.IsNamed() && !slot.ports.empty()) {
     return fmt::format("(port {})", ShortAddress(slot.ports.front(), machine));
   }
-  const std::string name = NameIn(slot.name);
+  std::string name = NameIn(slot.name);
   if (!name.empty()) return name;
   return slot.id ? fmt::format("slot ID {}", *slot.id) : "without a name";
 }
@@ -126,6 +127,7 @@ std::vector<std::string> GroupedByReason(
     groups[place->second].second.push_back(name);
   }
   std::vector<std::string> lines;
+  lines.reserve(groups.size());
   for (const auto& [reason, names] : groups) {
     lines.push_back(fmt::format("{}: {}", NamesText(names), reason));
   }

@@ -45,6 +45,7 @@ const Match* Only(const std::vector<const Match*>& matches, const std::string& n
   if (matches.empty()) return nullptr;
   if (matches.size() == 1) return matches.front();
   std::vector<std::string> texts;
+  texts.reserve(matches.size());
   for (const Match* match : matches) texts.push_back(toText(*match));
   throw UsageError(fmt::format("\"{}\" stands for several things: {}; name one of them", name,
                                fmt::join(texts, ", ")));

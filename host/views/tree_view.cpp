@@ -79,7 +79,7 @@ class TreeWriter {
 
   std::string AddressesText(const PortNode& node) const {
     const bool hasDomains = machine_.HasDomains();
-    const std::string first = AddressText(node.functions.front()->address, hasDomains);
+    std::string first = AddressText(node.functions.front()->address, hasDomains);
     if (node.functions.size() == 1) return first;
     return first + " .. " + AddressText(node.functions.back()->address, hasDomains);
   }
