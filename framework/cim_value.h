@@ -128,8 +128,8 @@ class VTQ_EXPORT TCIMValue {
   template <class Integer>
   Integer ToInteger() const;
 
-  // Lets the type stand where the variant ends in padding. A machine has some hundred thousand
-  // values, which become a sixth smaller.
+  // The attribute puts the type into the padding at the end of the variant. A machine has some
+  // hundred thousand values, and each is a sixth smaller so.
   [[no_unique_address]] TData data_;
   TCIMType type_;
 };

@@ -73,8 +73,8 @@ void CommandRun::ReadErrors() {
 bool CommandRun::Drain(Clock::time_point deadline) {
   while (!child_.HasEnded()) {
     if (Clock::now() >= deadline) return false;
-    // poll passes over the streams that are closed already, and over an end that the kernel does
-    // not tell.
+    // poll ignores negative descriptors: those of closed streams, and the one for the end of the
+    // program where the kernel gives none.
     std::array<pollfd, 3> watched = {{{output_.Get(), POLLIN, 0},
                                       {errors_.Get(), POLLIN, 0},
                                       {child_.GetEndDescriptor(), POLLIN, 0}}};

@@ -22,7 +22,7 @@ namespace {
                                  StatusOfErrno(error));
 }
 
-/// The size that the kernel tells, as far as it is worth the memory: sparse files tell any size.
+/// The size that the kernel tells, at most 16 MiB, because a sparse file may have any size.
 std::size_t SizeOf(int file) {
   constexpr off_t kMost = 16 << 20;
   struct stat status {};

@@ -50,7 +50,7 @@ bool IsIndented(std::string_view line, std::size_t tabs) {
 }
 
 /// Removes the front lines of `text` that are indented by `tabs` or more, and returns them.
-/// Comments stand anywhere.
+/// Comments may stand in any line.
 std::string_view TakeIndented(std::string_view& text, std::size_t tabs) {
   std::size_t end = 0;
   while (end < text.size() && (text[end] == '#' || IsIndented(text.substr(end), tabs))) {

@@ -6,8 +6,8 @@
 namespace topology {
 
 // Files of the kernel that exist and cannot be read. Their facts are unknown, and the log says why:
-// one record a reason, however many files it hits. A file that does not exist is no failure,
-// because kernels and devices differ in what they have. Calls come on one thread, as the
+// one record for each reason, however many files it concerns. A file that does not exist is no
+// failure, because kernels and devices differ in what they have. Calls come on one thread, as the
 // framework's do.
 
 /// Notes that `file` could not be opened or read. `error` is the value of errno.

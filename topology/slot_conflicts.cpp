@@ -61,7 +61,7 @@ class Judge {
 
   const Machine& machine_;
   const BusTree& tree_;
-  bool arePortsWatched_ = true;  ///< false where the presence registers of ports stand still
+  bool arePortsWatched_ = true;  ///< false where the presence registers of ports do not change
 };
 
 /// Where ACPI does the hot-plug, as in emulated machines, the driver of a slot knows of the card

@@ -99,7 +99,7 @@ void SetKernelSlot(const KernelSlot& slot, PropertyWriter& writer) {
   if (slot.adapter) writer.Set("CardPresent", *slot.adapter != 0);
 }
 
-/// Of a slot with several ports, only the names of the kernel's slots.
+/// A slot with several ports has several kernel slots, of which only the names are told.
 void SetKernelSlots(const Machine& machine, const Slot& slot, PropertyWriter& writer) {
   if (slot.kernelSlots.size() == 1) {
     SetKernelSlot(machine.kernelSlots[slot.kernelSlots.front()], writer);

@@ -45,7 +45,7 @@ std::optional<Tag> TagAt(std::string_view bytes, std::size_t at) {
   return Tag{first, at + kLargeHeader, at + kLargeHeader + length};
 }
 
-/// Other kinds are allowed by no edition of the specification: memory that nobody has written.
+/// The PCI standards know no other kinds. Memory that nobody has written holds some.
 bool IsKnown(const Tag& tag) {
   return tag.kind == kNameTag || tag.kind == kReadOnlyTag || tag.kind == kWritableTag ||
          tag.kind == kEndTag;

@@ -41,7 +41,7 @@ Job MakeView(std::vector<std::string> collect,
   return job;
 }
 
-/// An empty output does not explain itself.
+/// Without this, an empty output would not tell why it is empty.
 void TellNothingMatches(const Filter& filter) {
   WriteMessage(fmt::format("no function or slot matches the filter {}", filter.GetText()));
 }

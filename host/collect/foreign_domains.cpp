@@ -15,7 +15,7 @@ constexpr const char* kHexDigits = "0123456789abcdef";
 
 using Domains = std::map<std::string, std::string>;
 
-/// The domains of all functions; 0000 for those that are in several.
+/// The domain of each function by its path; 0000 for a path that functions of several domains have.
 Domains ReadDomains(const std::string& devices) {
   Domains domains;
   std::error_code failure;

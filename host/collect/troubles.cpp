@@ -21,11 +21,11 @@ struct RecordRow {
   std::string_view beginning;
   When when;
   Verdict verdict;
-  /// The message, with {effect} for what is missing therefore, {record} for the whole record,
+  /// The message, with {effect} for what is missing because of it, {record} for the whole record,
   /// {rest} for the part after `beginning`, {domain} for the domain of the function there, and
   /// {why} for the reason that the failing service gave.
   const char* clause;
-  /// Becomes Finding::ofMany; double braces stay for the report.
+  /// The text of Finding::ofMany. Its double braces become single ones, which the report fills in.
   const char* ofMany = "";
 };
 

@@ -32,7 +32,8 @@ std::size_t Total(const Widths& widths) {
   return std::accumulate(widths.begin(), widths.end(), kGap.size() * (widths.size() - 1));
 }
 
-/// The widest column that `shrinks` says and that is wider than `least`; null if none.
+/// The width of the widest column for which `shrinks` is true and which is wider than `least`; null
+/// if there is none.
 template <class Shrinks>
 std::size_t* WidestShrinkable(Widths& widths, const std::vector<Column>& columns, std::size_t least,
                               const Shrinks& shrinks) {

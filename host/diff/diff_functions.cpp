@@ -76,18 +76,25 @@ void ComparePlace(const DiffPair& pair, const ComparedClasses& classes, const Sl
                    fmt::format("card moved from {} to {}", shown(before), shown(after)));
 }
 
+/// What happened to the width, in words. A link without lanes is down.
+std::string WidthChange(const LinkStatus& before, const LinkStatus& after) {
+  if (after.width == 0) return fmt::format("link down (was x{})", before.width);
+  if (before.width == 0)
+    return fmt::format("link up: x{}, {}", after.width, Printable(after.speed));
+  return fmt::format("link {}: x{} -> x{}", after.width < before.width ? "narrower" : "wider",
+                     before.width, after.width);
+}
+
 void CompareLink(const DiffPair& pair, ChangeList& changes) {
   if (!pair.before->link || !pair.after->link) return;
   const LinkStatus& before = *pair.before->link;
   const LinkStatus& after = *pair.after->link;
   if (before.width != after.width) {
-    const bool isNarrower = after.width < before.width;
     changes.AddValue(pair, "function", kLinkWidthProperty, TCIMValue(before.width),
-                     TCIMValue(after.width),
-                     fmt::format("link {}: x{} -> x{}", isNarrower ? "narrower" : "wider",
-                                 before.width, after.width));
+                     TCIMValue(after.width), WidthChange(before, after));
   }
-  if (before.speed == after.speed) return;
+  // The register of a link that is down holds a speed that means nothing.
+  if (before.speed == after.speed || before.width == 0 || after.width == 0) return;
   const bool isSlower = SpeedNumber(after.speed) < SpeedNumber(before.speed);
   changes.AddValue(pair, "function", kLinkSpeedProperty, TCIMValue(before.speed),
                    TCIMValue(after.speed),

@@ -62,7 +62,7 @@ CALLED_FROM_OUTSIDE int openat(int directory, const char* path, int flags, ...) 
 CALLED_FROM_OUTSIDE std::FILE* fopen(const char* path, const char* mode) {
   static const auto next = Next(&fopen, "fopen");
   if (MustFail(Call::kOpen, path)) return Fail<std::FILE*>(EMFILE, nullptr);
-  // Where memory for the stream is missing, it fails as it does here, with no more to see.
+  // Without memory for the stream, fopen fails as it does above, so nothing fails inside it.
   const WithoutFaults inner;
   return next(path, mode);
 }
@@ -88,8 +88,8 @@ CALLED_FROM_OUTSIDE std::size_t fread(void* buffer, std::size_t size, std::size_
                                       std::FILE* file) {
   static const auto next = Next(&fread, "fread");
   if (MustFail(Call::kRead, fileno(file))) return Fail<std::size_t>(EIO, 0);
-  // fread continues after a short read of the kernel, so its caller never sees one. Memory for its
-  // buffer is like that of fopen.
+  // fread continues after a short read of the kernel, so its caller never sees one. Nothing
+  // fails inside it, as in fopen.
   const WithoutFaults inner;
   return next(buffer, size, count, file);
 }

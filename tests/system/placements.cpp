@@ -15,7 +15,7 @@ std::string KeyOf(const std::string& path) {
   return path.substr(first, path.rfind('"') - first);
 }
 
-/// Functions are listed in the order of their addresses, and so are they in their slots.
+/// Functions are sorted by address, also those of one slot.
 void AddFunction(const json& properties, json* slot) {
   (*slot)["functions"].push_back(KeyOf(properties.at("Dependent")));
   const json& certainty = properties.at("Certainty");

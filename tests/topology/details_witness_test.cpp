@@ -16,6 +16,7 @@
 
 #include "tests/fakes/run_process.h"
 #include "tests/runtime/temporary_directory.h"
+#include "tests/topology/captured_trees.h"
 
 namespace {
 
@@ -355,7 +356,7 @@ std::size_t Compare(const std::string& root) {
 
 TEST(DetailsWitness, LspciTellsTheSameOfThisMachine) {
   if (!fs::exists("/sys/bus/pci/devices")) GTEST_SKIP() << "this machine has no PCI bus";
-  Compare("/");
+  EXPECT_GT(Compare("/"), 0U);
 }
 
 TEST(DetailsWitness, LspciTellsTheSameOfAGeneratedServer) {
@@ -368,14 +369,7 @@ TEST(DetailsWitness, LspciTellsTheSameOfAGeneratedServer) {
 #ifdef PCIINFO_MACHINES
 
 TEST(DetailsWitness, LspciTellsTheSameOfCapturedMachines) {
-  std::size_t compared = 0;
-  for (const auto& entry : fs::directory_iterator(PCIINFO_MACHINES)) {
-    const vtq::TemporaryDirectory directory;
-    const std::string root = directory.GetPath();
-    ASSERT_EQ(RunProcess({"tar", "-xf", entry.path(), "-C", root}).status, 0) << entry.path();
-    if (fs::exists(root + "/sys/bus/pci/devices")) compared += Compare(root);
-  }
-  EXPECT_GT(compared, 0U);
+  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, &Compare), 0U);
 }
 
 #endif

@@ -88,7 +88,7 @@ TEST(SlotConflicts, HotPlugExplainsAnOldUsage) {
                                       "card may have been added since the start"}));
 }
 
-// Where ACPI does the hot-plug, the register of the port stands still.
+// Where ACPI does the hot-plug, the register of the port does not change.
 TEST(SlotConflicts, TheDriverOfTheSlotKnowsBetterThanThePort) {
   MadeMachine machine;
   AddHotPlugPort(machine, "0000:00:02.0", 2, false);

@@ -168,6 +168,15 @@ TEST(Diff, SaysThatASlotIsNowEmpty) {
   EXPECT_THAT(Texts(before, after), ElementsAre("X (Tag 1): now empty: usage In use -> Available"));
 }
 
+TEST(Diff, ALinkThatIsDownHasNeitherWidthNorSpeed) {
+  Machine up, down;
+  for (Machine* machine : {&up, &down}) machine->AddFunction(3, 0, 0xA);
+  up.AddListing({"03:00.0 Something", "\t\tLnkSta:\tSpeed 8GT/s, Width x16"});
+  down.AddListing({"03:00.0 Something", "\t\tLnkSta:\tSpeed 2.5GT/s, Width x0"});
+  EXPECT_THAT(Texts(up, down, {"RawResult"}), ElementsAre("03:00.0: link down (was x16)"));
+  EXPECT_THAT(Texts(down, up, {"RawResult"}), ElementsAre("03:00.0: link up: x16, 8GT/s"));
+}
+
 TEST(Diff, LinksComeFromTheListing) {
   Machine before, after;
   for (Machine* machine : {&before, &after}) machine->AddFunction(3, 0, 0xA);

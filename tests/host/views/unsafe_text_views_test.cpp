@@ -41,7 +41,7 @@ std::shared_ptr<vtq::Namespace> MadeUnsafe(std::shared_ptr<vtq::Namespace> repos
     for (const vtq::PropertySchema& property : cimClass->GetSchema().properties) {
       const bool isText = property.type.GetCode() == TCIMValue::TCIMType::kString;
       if (!isText || property.isKey || property.isArray || property.name == "Location") continue;
-      // Each in one instance; together they are long.
+      // The text is long, so only the first instance has all of it.
       std::string text = EveryUnsafeCharacter();
       for (const auto& instance : cimClass->GetInstances()) {
         instance->SetProperty(property.name, TCIMValue(text), {});
