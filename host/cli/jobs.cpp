@@ -126,20 +126,27 @@ Job MachineJob(const Options& options, const Classes& declared,
 }
 
 Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto write = [asJson = options.format == "json", columns = options.columns, terminal](
+  const auto write = [format = options.format, columns = options.columns, terminal](
                          const MachineModel& kept, Output& output) {
-    if (asJson) return WriteDevicesJson(output, kept);
+    if (format == "json") return WriteDevicesJson(output, kept);
+    if (format == "jsonl") return WriteDevicesJsonLines(output, kept);
+    if (format == "yaml") return WriteDevicesYaml(output, kept);
+    if (format == "csv") return WriteDevicesCsv(output, kept, columns);
     WriteDevicesTable(output, kept, columns, terminal);
   };
   return MachineJob(options, declared, write);
 }
 
 Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto write = [asJson = options.format == "json", choice = options.slotChoice, terminal](
-                         const MachineModel& kept, Output& output) {
+  const auto write = [format = options.format, choice = options.slotChoice,
+                      columns = options.columns,
+                      terminal](const MachineModel& kept, Output& output) {
     const MachineModel chosen = ChosenSlots(kept, choice);
-    if (asJson) return WriteSlotsJson(output, chosen);
-    WriteSlotsTable(output, chosen, terminal);
+    if (format == "json") return WriteSlotsJson(output, chosen);
+    if (format == "jsonl") return WriteSlotsJsonLines(output, chosen);
+    if (format == "yaml") return WriteSlotsYaml(output, chosen);
+    if (format == "csv") return WriteSlotsCsv(output, chosen, columns);
+    WriteSlotsTable(output, chosen, columns, terminal);
   };
   return MachineJob(options, declared, write);
 }
