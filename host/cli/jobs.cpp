@@ -118,7 +118,7 @@ Job CheckJob(const Options& options, const Classes& declared) {
 
 /// Makes the job of a view of the machine, as far as the filter keeps it.
 Job MachineJob(const Options& options, const Classes& declared,
-               const std::function<void(const MachineModel& kept, Output& output)>& write) {
+               const std::function<void(MachineModel kept, Output& output)>& write) {
   return MakeView(PlanQuery(declared, MachineClasses()).collect,
                   [write, filter = options.filter](const Session& session, Output& output) {
                     write(ReadKept(session.GetRepository(), filter), output);

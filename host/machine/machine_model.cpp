@@ -2,15 +2,12 @@
 #include "host/machine/machine_model.h"
 
 #include <algorithm>
-#include <map>
 #include <unordered_map>
 
 #include "host/machine/property_reader.h"
 
 namespace pciinfo {
 namespace {
-
-using IndexByPath = std::map<std::string, std::size_t, std::less<>>;
 
 constexpr const char* kFunctionClass = "VTQ_PCIFunction";
 constexpr const char* kSlotClass = "VTQ_PCISlot";
@@ -24,6 +21,11 @@ void ForEach(const vtq::Namespace& repository, const char* className, const Visi
   if (cimClass == nullptr) return;
   const PropertyReader reader(*cimClass);
   for (const auto& instance : cimClass->GetInstances()) visit(reader, *instance);
+}
+
+std::size_t CountOf(const vtq::Namespace& repository, const char* className) {
+  const std::shared_ptr<vtq::Class> cimClass = repository.Find(className);
+  return cimClass == nullptr ? 0 : cimClass->GetInstances().size();
 }
 
 FunctionPlace PlaceOf(const std::string& text) {
@@ -169,38 +171,36 @@ class MachineReader {
 
  private:
   void ReadFunctionInstances() {
-    std::vector<std::pair<std::string, MachineFunction>> found;
+    model_.functions.reserve(CountOf(repository_, kFunctionClass));
     ForEach(repository_, kFunctionClass, [&](const auto& reader, const auto& instance) {
       const auto address = ParseDomainAddress(reader.Text(instance, "Address"));
-      if (!address) return;
-      found.emplace_back(instance.GetPath(), ReadMachineFunction({reader, instance}, *address));
+      if (address) model_.functions.push_back(ReadMachineFunction({reader, instance}, *address));
     });
-    std::stable_sort(found.begin(), found.end(), [](const auto& left, const auto& right) {
-      return left.second.address < right.second.address;
-    });
-    for (auto& [path, function] : found) {
-      functionByPath_.emplace(std::move(path), model_.functions.size());
-      model_.functions.push_back(std::move(function));
-    }
+    const auto isBefore = [](const MachineFunction& left, const MachineFunction& right) {
+      return left.address < right.address;
+    };
+    // Functions are large, and the plug-in sorts them.
+    if (std::is_sorted(model_.functions.begin(), model_.functions.end(), isBefore)) return;
+    std::stable_sort(model_.functions.begin(), model_.functions.end(), isBefore);
   }
 
   void ReadSlotInstances() {
     ForEach(repository_, kSlotClass, [&](const auto& reader, const auto& instance) {
-      slotByPath_.emplace(instance.GetPath(), model_.slots.size());
       model_.slots.push_back(ReadMachineSlot({reader, instance}));
+      slotByName_.emplace(model_.slots.back().name, model_.slots.size() - 1);
     });
   }
 
   void ReadOccupants() {
     ForEach(repository_, kFunctionInSlotClass, [&](const auto& reader, const auto& instance) {
-      const auto slot = slotByPath_.find(reader.Path(instance, "Antecedent"));
-      const auto function = functionByPath_.find(reader.Path(instance, "Dependent"));
-      if (slot == slotByPath_.end() || function == functionByPath_.end()) return;
-      MachineFunction& occupant = model_.functions[function->second];
+      const auto slot = slotByName_.find(reader.KeyText(instance, "Antecedent", "Name"));
+      const auto function = PlaceAt(reader.KeyText(instance, "Dependent", "Address"));
+      if (slot == slotByName_.end() || !function) return;
+      MachineFunction& occupant = model_.functions[*function];
       occupant.slot = slot->second;
       occupant.certainty = reader.Text(instance, "Certainty");
       occupant.evidence = reader.Text(instance, "Evidence");
-      model_.slots[slot->second].functions.push_back(function->second);
+      model_.slots[slot->second].functions.push_back(*function);
     });
     for (MachineSlot& slot : model_.slots) std::sort(slot.functions.begin(), slot.functions.end());
   }
@@ -212,19 +212,23 @@ class MachineReader {
       shared.slots = reader.Texts(instance, "Slots");
       shared.evidence = reader.Text(instance, "Evidence");
       for (const std::string& text : reader.Texts(instance, "Functions")) {
-        const auto address = ParseDomainAddress(text);
-        const MachineFunction* function = address ? model_.Find(*address) : nullptr;
-        if (function == nullptr) continue;
-        shared.functions.push_back(static_cast<std::size_t>(function - model_.functions.data()));
+        if (const auto function = PlaceAt(text)) shared.functions.push_back(*function);
       }
       model_.shared.push_back(std::move(shared));
     });
   }
 
+  /// The place of the function at an address.
+  std::optional<std::size_t> PlaceAt(const std::string& text) const {
+    const auto address = ParseDomainAddress(text);
+    const MachineFunction* const function = address ? model_.Find(*address) : nullptr;
+    if (function == nullptr) return std::nullopt;
+    return static_cast<std::size_t>(function - model_.functions.data());
+  }
+
   const vtq::Namespace& repository_;
   MachineModel model_;
-  IndexByPath functionByPath_;
-  IndexByPath slotByPath_;
+  std::unordered_map<std::string, std::size_t> slotByName_;
 };
 
 }  // namespace

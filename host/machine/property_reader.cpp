@@ -84,7 +84,8 @@ std::optional<bool> PropertyReader::Boolean(const vtq::Instance& instance,
 }
 
 std::string PropertyReader::Text(const vtq::Instance& instance, std::string_view property) const {
-  return TextIn(ValueOf(instance, property)).value_or("");
+  const TCIMValue& value = ValueOf(instance, property);
+  return Is(value, TCIMValue::TCIMType::kString) ? value.GetString() : std::string();
 }
 
 std::vector<std::string> PropertyReader::Texts(const vtq::Instance& instance,
@@ -102,10 +103,13 @@ std::vector<bool> PropertyReader::Booleans(const vtq::Instance& instance,
   return ElementsOf<bool>(ValueOf(instance, property), &BooleanIn);
 }
 
-std::string PropertyReader::Path(const vtq::Instance& instance, std::string_view property) const {
+std::string PropertyReader::KeyText(const vtq::Instance& instance, std::string_view property,
+                                    const std::string& key) const {
   const TCIMValue& value = ValueOf(instance, property);
   if (!Is(value, TCIMValue::TCIMType::kReference)) return "";
-  return value.GetReference().ToString();
+  const auto& keys = value.GetReference().GetKeys();
+  const auto found = keys.find(key);
+  return found == keys.end() ? "" : TextIn(found->second).value_or("");
 }
 
 }  // namespace pciinfo

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "runtime/repository.h"
@@ -36,14 +36,15 @@ class PropertyReader final {
   std::vector<std::uint64_t> LongNumbers(const vtq::Instance& instance,
                                          std::string_view property) const;
   std::vector<bool> Booleans(const vtq::Instance& instance, std::string_view property) const;
-  /// Returns the object path that a reference names; empty if unset.
-  std::string Path(const vtq::Instance& instance, std::string_view property) const;
+  /// Returns a text among the keys of the instance to which a reference leads; empty if unset.
+  std::string KeyText(const vtq::Instance& instance, std::string_view property,
+                      const std::string& key) const;
 
  private:
   const NQZMVTQ20::TCIMValue& ValueOf(const vtq::Instance& instance,
                                       std::string_view property) const;
 
-  std::map<std::string_view, std::size_t> positions_;
+  std::unordered_map<std::string_view, std::size_t> positions_;
 };
 
 }  // namespace pciinfo

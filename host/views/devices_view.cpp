@@ -130,8 +130,10 @@ void WriteDevicesTable(Output& output, const MachineModel& machine,
   headings.reserve(shown.size());
   for (const DeviceColumn& column : shown) headings.push_back(column.column);
   std::vector<Row> rows;
+  rows.reserve(machine.functions.size());
   for (const MachineFunction& function : machine.functions) {
     Row& row = rows.emplace_back();
+    row.reserve(shown.size());
     for (const DeviceColumn& column : shown) row.push_back(column.cell(function, machine));
   }
   WriteLines(output, FormatTable(headings, rows, terminal));

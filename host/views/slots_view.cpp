@@ -174,7 +174,7 @@ std::vector<Row> RowsOf(const std::vector<Row>& rows, const std::vector<std::str
 
 }  // namespace
 
-MachineModel ChosenSlots(const MachineModel& machine, SlotChoice choice) {
+MachineModel ChosenSlots(MachineModel machine, SlotChoice choice) {
   if (choice == SlotChoice::kAll) return machine;
   const SlotState state = choice == SlotChoice::kFree ? SlotState::kEmpty : SlotState::kOccupied;
   const auto isChosen = [state](const MachineSlot& slot) { return slot.state == state; };

@@ -15,7 +15,7 @@ enum class SlotChoice { kAll, kFree, kOccupied };
 
 /// Makes a machine of the chosen slots and what is in them; kAll keeps everything. Slots of which
 /// the state is not known are neither free nor occupied.
-MachineModel ChosenSlots(const MachineModel& machine, SlotChoice choice);
+MachineModel ChosenSlots(MachineModel machine, SlotChoice choice);
 
 /// The names of the columns of `slots`.
 std::vector<std::string> SlotColumns();
