@@ -139,9 +139,8 @@ Job DevicesJob(const Options& options, const Classes& declared, const Terminal& 
 
 Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto write = [format = options.format, choice = options.slotChoice,
-                      columns = options.columns,
-                      terminal](const MachineModel& kept, Output& output) {
-    const MachineModel chosen = ChosenSlots(kept, choice);
+                      columns = options.columns, terminal](MachineModel kept, Output& output) {
+    const MachineModel chosen = ChosenSlots(std::move(kept), choice);
     if (format == "json") return WriteSlotsJson(output, chosen);
     if (format == "jsonl") return WriteSlotsJsonLines(output, chosen);
     if (format == "yaml") return WriteSlotsYaml(output, chosen);

@@ -101,19 +101,26 @@ std::vector<Item> Picked(const std::vector<Item>& items, const std::vector<std::
   return picked;
 }
 
-std::string CutCell(const std::string& cell, const Column& column, std::size_t width) {
-  std::string cut = column.isSubject ? CutMiddle(cell, width) : Cut(cell, width);
-  cut.erase(cut.find_last_not_of(' ') + 1);
-  return cut;
+/// What is shown of a cell, without blanks at the end. `cut` holds the text of a cell that is too
+/// wide.
+std::string_view ShownOf(std::string_view cell, const Column& column, std::size_t width,
+                         std::string& cut) {
+  if (DisplayWidth(cell) > width) {
+    cut = column.isSubject ? CutMiddle(cell, width) : Cut(cell, width);
+    cell = cut;
+  }
+  return cell.substr(0, cell.find_last_not_of(' ') + 1);
 }
 
 /// The line of a row of which the cells at `places` are shown.
 std::string Line(const Row& row, const std::vector<std::size_t>& places, const Widths& widths,
                  const std::vector<Column>& columns, const Terminal& terminal) {
   std::string line;
+  line.reserve(Total(widths));
+  std::string cut;
   std::size_t blanks = 0;
   for (std::size_t i = 0; i < places.size(); ++i) {
-    const std::string cell = CutCell(row[places[i]], columns[i], widths[i]);
+    const std::string_view cell = ShownOf(row[places[i]], columns[i], widths[i], cut);
     if (!cell.empty()) {
       line.append(blanks, ' ').append(Coloured(cell, columns[i].colour, terminal));
       blanks = 0;

@@ -2,12 +2,15 @@
 #include "host/machine/machine_model.h"
 
 #include <algorithm>
+#include <functional>
 #include <unordered_map>
 
 #include "host/machine/property_reader.h"
 
 namespace pciinfo {
 namespace {
+
+using NQZMVTQ20::TCIMValue;
 
 constexpr const char* kFunctionClass = "VTQ_PCIFunction";
 constexpr const char* kSlotClass = "VTQ_PCISlot";
@@ -23,11 +26,6 @@ void ForEach(const vtq::Namespace& repository, const char* className, const Visi
   for (const auto& instance : cimClass->GetInstances()) visit(reader, *instance);
 }
 
-std::size_t CountOf(const vtq::Namespace& repository, const char* className) {
-  const std::shared_ptr<vtq::Class> cimClass = repository.Find(className);
-  return cimClass == nullptr ? 0 : cimClass->GetInstances().size();
-}
-
 FunctionPlace PlaceOf(const std::string& text) {
   if (text == "slot") return FunctionPlace::kSlot;
   if (text == "one of several slots") return FunctionPlace::kSharedPort;
@@ -40,119 +38,136 @@ SlotState StateOf(const std::string& text) {
   return text == "empty" ? SlotState::kEmpty : SlotState::kUnknown;
 }
 
-/// Fills in structures with the properties of one instance.
-class Fields {
- public:
-  Fields(const PropertyReader& reader, const vtq::Instance& instance)
-      : reader_(reader), instance_(instance) {}
+// What a property fills in.
 
-  void Get(std::string& field, const char* property) { field = reader_.Text(instance_, property); }
-  void Get(std::optional<unsigned>& field, const char* property) {
-    field = reader_.Number(instance_, property);
+void Take(const TCIMValue& value, std::string& field) { field = TextIn(value); }
+void Take(const TCIMValue& value, std::optional<unsigned>& field) { field = NumberIn(value); }
+void Take(const TCIMValue& value, std::optional<bool>& field) { field = BooleanIn(value); }
+void Take(const TCIMValue& value, std::vector<std::string>& field) { field = TextsIn(value); }
+void Take(const TCIMValue& value, FunctionPlace& field) { field = PlaceOf(TextIn(value)); }
+void Take(const TCIMValue& value, SlotState& field) { field = StateOf(TextIn(value)); }
+
+void Take(const TCIMValue& value, std::optional<int>& field) {
+  if (const auto number = SignedNumberIn(value)) field = static_cast<int>(*number);
+}
+
+void Take(const TCIMValue& value, std::optional<DomainAddress>& field) {
+  field = ParseDomainAddress(TextIn(value));
+}
+
+/// The properties that fill in objects of one kind. Their places are found once: a machine has
+/// thousands of functions, and each has dozens of properties.
+template <class Object>
+class FieldList {
+ public:
+  explicit FieldList(const PropertyReader& reader) : reader_(reader) {}
+
+  /// `field` leads from an object to the field: a pointer to a member, or a function.
+  template <class Field>
+  void Add(Field field, const char* property) {
+    const auto place = reader_.Place(property);
+    if (!place) return;
+    steps_.emplace_back([place = *place, field](const vtq::Instance& instance, Object& object) {
+      const TCIMValue& value = instance.GetValue(place);
+      if (!value.IsNull()) Take(value, std::invoke(field, object));
+    });
   }
-  void Get(std::optional<bool>& field, const char* property) {
-    field = reader_.Boolean(instance_, property);
-  }
-  void Get(std::vector<std::string>& field, const char* property) {
-    field = reader_.Texts(instance_, property);
-  }
-  void Get(std::optional<int>& field, const char* property) {
-    if (const auto number = reader_.SignedNumber(instance_, property)) {
-      field = static_cast<int>(*number);
-    }
-  }
-  void Get(std::optional<DomainAddress>& field, const char* property) {
-    field = ParseDomainAddress(reader_.Text(instance_, property));
+
+  void Fill(const vtq::Instance& instance, Object& object) const {
+    for (const auto& step : steps_) step(instance, object);
   }
 
  private:
   const PropertyReader& reader_;
-  const vtq::Instance& instance_;
+  std::vector<std::function<void(const vtq::Instance& instance, Object& object)>> steps_;
 };
 
-void GetLink(Fields& fields, Link& link) {
-  fields.Get(link.width, "LinkWidth");
-  fields.Get(link.speed, "LinkSpeed");
-  fields.Get(link.maxWidth, "MaxLinkWidth");
-  fields.Get(link.maxSpeed, "MaxLinkSpeed");
+/// The link of functions and of slots.
+template <class Object>
+void AddLink(FieldList<Object>& fields) {
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.width; }, "LinkWidth");
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.speed; }, "LinkSpeed");
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.maxWidth; }, "MaxLinkWidth");
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.maxSpeed; }, "MaxLinkSpeed");
 }
 
-void GetIdentity(Fields& fields, MachineFunction& function) {
-  fields.Get(function.vendorId, "VendorID");
-  fields.Get(function.deviceId, "DeviceID");
-  fields.Get(function.subsystemVendorId, "SubsystemVendorID");
-  fields.Get(function.subsystemId, "SubsystemID");
-  fields.Get(function.baseClass, "BaseClass");
-  fields.Get(function.subclass, "Subclass");
-  fields.Get(function.programmingInterface, "ProgrammingInterface");
-  fields.Get(function.revision, "Revision");
-  fields.Get(function.vendorName, "VendorName");
-  fields.Get(function.deviceName, "DeviceName");
-  fields.Get(function.subsystemVendorName, "SubsystemVendorName");
-  fields.Get(function.subsystemName, "SubsystemName");
-  fields.Get(function.className, "ClassName");
-  fields.Get(function.programmingInterfaceName, "ProgrammingInterfaceName");
+void AddIdentity(FieldList<MachineFunction>& fields) {
+  using Function = MachineFunction;
+  fields.Add(&Function::vendorId, "VendorID");
+  fields.Add(&Function::deviceId, "DeviceID");
+  fields.Add(&Function::subsystemVendorId, "SubsystemVendorID");
+  fields.Add(&Function::subsystemId, "SubsystemID");
+  fields.Add(&Function::baseClass, "BaseClass");
+  fields.Add(&Function::subclass, "Subclass");
+  fields.Add(&Function::programmingInterface, "ProgrammingInterface");
+  fields.Add(&Function::revision, "Revision");
+  fields.Add(&Function::vendorName, "VendorName");
+  fields.Add(&Function::deviceName, "DeviceName");
+  fields.Add(&Function::subsystemVendorName, "SubsystemVendorName");
+  fields.Add(&Function::subsystemName, "SubsystemName");
+  fields.Add(&Function::className, "ClassName");
+  fields.Add(&Function::programmingInterfaceName, "ProgrammingInterfaceName");
 }
 
-void GetPosition(Fields& fields, MachineFunction& function) {
-  fields.Get(function.headerType, "HeaderType");
-  fields.Get(function.portType, "PortType");
-  fields.Get(function.parentPort, "ParentPort");
-  std::optional<unsigned> secondary;
-  std::optional<unsigned> subordinate;
-  fields.Get(secondary, "SecondaryBus");
-  fields.Get(subordinate, "SubordinateBus");
-  if (secondary && subordinate) function.buses = BridgeBuses{*secondary, *subordinate};
-  std::string place;
-  fields.Get(place, "Place");
-  function.place = PlaceOf(place);
-  fields.Get(function.placeReason, "PlaceReason");
+FieldList<MachineFunction> FunctionFields(const PropertyReader& reader) {
+  using Function = MachineFunction;
+  FieldList<Function> fields(reader);
+  AddIdentity(fields);
+  fields.Add(&Function::headerType, "HeaderType");
+  fields.Add(&Function::portType, "PortType");
+  fields.Add(&Function::parentPort, "ParentPort");
+  fields.Add(&Function::place, "Place");
+  fields.Add(&Function::placeReason, "PlaceReason");
+  AddLink(fields);
+  fields.Add(&Function::driver, "Driver");
+  fields.Add(&Function::numaNode, "NumaNode");
+  fields.Add(&Function::physicalFunction, "PhysicalFunction");
+  return fields;
 }
 
-MachineFunction ReadMachineFunction(Fields fields, const DomainAddress& address) {
-  MachineFunction function;
-  function.address = address;
-  GetIdentity(fields, function);
-  GetPosition(fields, function);
-  GetLink(fields, function.link);
-  fields.Get(function.driver, "Driver");
-  fields.Get(function.numaNode, "NumaNode");
-  fields.Get(function.physicalFunction, "PhysicalFunction");
-  return function;
+std::optional<BridgeBuses> BusesOf(const PropertyReader& reader, const vtq::Instance& instance) {
+  const auto secondary = reader.Number(instance, "SecondaryBus");
+  const auto subordinate = reader.Number(instance, "SubordinateBus");
+  if (!secondary || !subordinate) return std::nullopt;
+  return BridgeBuses{*secondary, *subordinate};
 }
 
-void GetRecord(Fields& fields, MachineSlot& slot) {
-  fields.Get(slot.recordHandle, "RecordHandle");
-  fields.Get(slot.id, "SlotID");
-  fields.Get(slot.type, "SlotType");
-  fields.Get(slot.width, "SlotDataBusWidth");
-  fields.Get(slot.length, "SlotLength");
-  fields.Get(slot.usage, "FirmwareUsage");
-  fields.Get(slot.hotPlug, "SupportsHotPlug");
-  fields.Get(slot.firmwareAddress, "FirmwareAddress");
-  fields.Get(slot.peerAddresses, "PeerAddresses");
+void AddRecord(FieldList<MachineSlot>& fields) {
+  using Slot = MachineSlot;
+  fields.Add(&Slot::recordHandle, "RecordHandle");
+  fields.Add(&Slot::id, "SlotID");
+  fields.Add(&Slot::type, "SlotType");
+  fields.Add(&Slot::width, "SlotDataBusWidth");
+  fields.Add(&Slot::length, "SlotLength");
+  fields.Add(&Slot::usage, "FirmwareUsage");
+  fields.Add(&Slot::hotPlug, "SupportsHotPlug");
+  fields.Add(&Slot::firmwareAddress, "FirmwareAddress");
+  fields.Add(&Slot::peerAddresses, "PeerAddresses");
 }
 
-MachineSlot ReadMachineSlot(Fields fields) {
-  MachineSlot slot;
-  fields.Get(slot.name, "Name");
-  fields.Get(slot.source, "Source");
-  std::string state;
-  fields.Get(state, "State");
-  slot.state = StateOf(state);
-  GetRecord(fields, slot);
-  fields.Get(slot.kernelSlot, "KernelSlot");
-  fields.Get(slot.ports, "Leads");
-  fields.Get(slot.noPortBecause, "LeadsNowhereBecause");
-  fields.Get(slot.numaNode, "NumaNode");
-  GetLink(fields, slot.link);
-  fields.Get(slot.physicalNumber, "PhysicalSlotNumber");
-  fields.Get(slot.portHotPlug, "PortHotPlug");
-  fields.Get(slot.surpriseRemoval, "PortSurpriseRemoval");
-  fields.Get(slot.cardPresent, "PortCardPresent");
-  fields.Get(slot.outerSlot, "OuterSlot");
-  fields.Get(slot.conflicts, "Conflicts");
-  return slot;
+FieldList<MachineSlot> SlotFields(const PropertyReader& reader) {
+  using Slot = MachineSlot;
+  FieldList<Slot> fields(reader);
+  fields.Add(&Slot::name, "Name");
+  fields.Add(&Slot::source, "Source");
+  fields.Add(&Slot::state, "State");
+  AddRecord(fields);
+  fields.Add(&Slot::kernelSlot, "KernelSlot");
+  fields.Add(&Slot::ports, "Leads");
+  fields.Add(&Slot::noPortBecause, "LeadsNowhereBecause");
+  fields.Add(&Slot::numaNode, "NumaNode");
+  AddLink(fields);
+  fields.Add(&Slot::physicalNumber, "PhysicalSlotNumber");
+  fields.Add(&Slot::portHotPlug, "PortHotPlug");
+  fields.Add(&Slot::surpriseRemoval, "PortSurpriseRemoval");
+  fields.Add(&Slot::cardPresent, "PortCardPresent");
+  fields.Add(&Slot::outerSlot, "OuterSlot");
+  fields.Add(&Slot::conflicts, "Conflicts");
+  return fields;
 }
 
 /// Reads the classes in turn; later ones refer to earlier ones.
@@ -171,11 +186,23 @@ class MachineReader {
 
  private:
   void ReadFunctionInstances() {
-    model_.functions.reserve(CountOf(repository_, kFunctionClass));
-    ForEach(repository_, kFunctionClass, [&](const auto& reader, const auto& instance) {
-      const auto address = ParseDomainAddress(reader.Text(instance, "Address"));
-      if (address) model_.functions.push_back(ReadMachineFunction({reader, instance}, *address));
-    });
+    const std::shared_ptr<vtq::Class> cimClass = repository_.Find(kFunctionClass);
+    if (cimClass == nullptr) return;
+    const PropertyReader reader(*cimClass);
+    const FieldList<MachineFunction> fields = FunctionFields(reader);
+    model_.functions.reserve(cimClass->GetInstances().size());
+    for (const auto& instance : cimClass->GetInstances()) {
+      const auto address = ParseDomainAddress(reader.Text(*instance, "Address"));
+      if (!address) continue;
+      MachineFunction& function = model_.functions.emplace_back();
+      function.address = *address;
+      function.buses = BusesOf(reader, *instance);
+      fields.Fill(*instance, function);
+    }
+    SortFunctions();
+  }
+
+  void SortFunctions() {
     const auto isBefore = [](const MachineFunction& left, const MachineFunction& right) {
       return left.address < right.address;
     };
@@ -185,10 +212,15 @@ class MachineReader {
   }
 
   void ReadSlotInstances() {
-    ForEach(repository_, kSlotClass, [&](const auto& reader, const auto& instance) {
-      model_.slots.push_back(ReadMachineSlot({reader, instance}));
-      slotByName_.emplace(model_.slots.back().name, model_.slots.size() - 1);
-    });
+    const std::shared_ptr<vtq::Class> cimClass = repository_.Find(kSlotClass);
+    if (cimClass == nullptr) return;
+    const PropertyReader reader(*cimClass);
+    const FieldList<MachineSlot> fields = SlotFields(reader);
+    for (const auto& instance : cimClass->GetInstances()) {
+      MachineSlot& slot = model_.slots.emplace_back();
+      fields.Fill(*instance, slot);
+      slotByName_.emplace(slot.name, model_.slots.size() - 1);
+    }
   }
 
   void ReadOccupants() {
