@@ -92,6 +92,7 @@ class Comparison {
   void CompareLists(unsigned rounds);
   void CompareListings(unsigned rounds);
   void CompareTopology(unsigned rounds);
+  void CompareViews(unsigned rounds);
   void CompareSlowTools();
   void CountInstructions();
 
@@ -163,6 +164,22 @@ void Comparison::CompareTopology(unsigned rounds) {
   }
 }
 
+void Comparison::CompareViews(unsigned rounds) {
+  const std::vector<std::pair<std::string, Command>> views = {
+      {"overview", {programs_.pciinfo}},
+      {"devices", {programs_.pciinfo, "devices"}},
+      {"slots", {programs_.pciinfo, "slots"}}};
+  for (unsigned round = 0; round < rounds; ++round) {
+    const double plain = Run("lspci beside views", {"lspci"}).wallSeconds;
+    const double withDomains = Run("lspci -D beside views", {"lspci", "-D"}).wallSeconds;
+    for (const auto& [name, command] : views) {
+      const double view = Run(name, command).wallSeconds;
+      Add(name + "/lspci wall", view / plain);
+      Add(name + "/lspci -D wall", view / withDomains);
+    }
+  }
+}
+
 void Comparison::CompareSlowTools() {
   const double list = Median(measures_.at("list wall"));
   const auto run = [this, list](const std::string& name, Command command) {
@@ -200,6 +217,7 @@ Measures MeasureMachine(const Plan& plan, const Programs& programs) {
   comparison.CompareLists(plan.rounds);
   comparison.CompareListings(plan.listingRounds);
   comparison.CompareTopology(plan.rounds);
+  comparison.CompareViews(plan.rounds);
   if (plan.withSlowTools) comparison.CompareSlowTools();
   if (plan.withInstructions) comparison.CountInstructions();
   return std::move(comparison.Get());

@@ -68,6 +68,27 @@ TEST(Report, SomeTargetsAreForMachinesOfEverySize) {
       std::string::npos);
 }
 
+TEST(Report, TellsWhetherTheViewsReachTheirTargets) {
+  Results results = Made();
+  for (auto& [functions, measures] : results) {
+    for (const std::string program : {"devices", "lspci beside views", "lspci -D beside views"}) {
+      for (const char* what : {" wall", " cpu", " peak", " output"})
+        measures[program + what] = {0.2};
+    }
+    measures["devices/lspci wall"] = {0.9};
+    measures["devices/lspci -D wall"] = {0.7};
+  }
+  const std::string tables = MakeTables(results, "Measured.");
+  EXPECT_NE(
+      tables.find(
+          "| 64 | `devices`: wall time, in that of `lspci` | at most 1 | 1.00 | 0.90 | yes |"),
+      std::string::npos);
+  EXPECT_NE(tables.find("| 4096 | `devices`: wall time, in that of `lspci -D` | at most 0.6 | 1.00 "
+                        "| 0.70 | no |"),
+            std::string::npos);
+  EXPECT_NE(tables.find("| **`pciinfo devices`** | 200 |"), std::string::npos);
+}
+
 TEST(Report, ReplacesOnlyWhatStandsBetweenTheMarkers) {
   char name[] = "/tmp/pciinfo-report-XXXXXX";
   close(mkstemp(name));

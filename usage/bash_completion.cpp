@@ -19,19 +19,51 @@ _{0}_files() {{
   mapfile -t COMPREPLY < <(compgen -f -- "$1")
 }}
 
+# Of a list with commas, the last word.
+_{0}_list() {{
+  local begun=${{2%"${{2##*,}}"}}
+  compopt -o nospace 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -P "$begun" -W "$1" -- "${{2##*,}}")
+}}
+
+# What this machine has. Bash splits an address at its colons, and completes the part behind the last;
+# a name with blanks is quoted, unless that has begun.
+_{0}_things() {{
+  local word=$1 begun= quote= thing i=$COMP_CWORD
+  while ((i > 1)) && [[ ${{COMP_WORDS[i]}} == : || ${{COMP_WORDS[i - 1]}} == : ]]; do
+    word=${{COMP_WORDS[--i]}}$word
+  done
+  if [[ $word == [\"\']* ]]; then
+    quote=${{word:0:1}} word=${{word:1}}
+  else
+    word=${{word//\\/}} begun=${{word%"${{word##*:}}"}}
+  fi
+  while IFS= read -r thing; do
+    [[ $thing == "$word"* ]] || continue
+    thing=${{thing#"$begun"}}
+    [[ $quote ]] || printf -v thing %q "$thing"
+    COMPREPLY+=("$thing")
+  done < <({1})
+}}
+
 _{0}() {{
   local cur=${{COMP_WORDS[COMP_CWORD]}} prev=${{COMP_WORDS[COMP_CWORD - 1]}} command= i
   COMPREPLY=()
   if [[ $cur == = ]]; then
     cur=
-  elif [[ $prev == = ]]; then
-    prev=${{COMP_WORDS[COMP_CWORD - 2]}}
+  else
+    for ((i = COMP_CWORD; i > 2; i -= 2)); do
+      [[ ${{COMP_WORDS[i - 1]}} == = ]] || break
+      prev=${{COMP_WORDS[i - 2]}}
+      [[ $prev == -* ]] || prev=${{COMP_WORDS[i - 3]}}
+    done
   fi
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${{COMP_WORDS[i]}} in
-      {1})
+      {2})
         ((i++))
         [[ ${{COMP_WORDS[i]}} == = ]] && ((i++))
+        while [[ ${{COMP_WORDS[i + 1]}} == = ]]; do ((i += 2)); done
         ;;
       -*) ;;
       *)
@@ -54,7 +86,11 @@ std::string Words(const std::vector<std::string>& words) {
 std::string Completing(const Usage& usage, const UsageOption& option) {
   const std::string& program = usage.program.name;
   if (option.kind == ValueKind::kFile) return fmt::format("_{}_files \"$cur\"", program);
+  if (option.kind == ValueKind::kThing) return fmt::format("_{}_things \"$cur\"", program);
   const std::vector<std::string>& values = ValuesOf(usage, option);
+  if (option.kind == ValueKind::kList || option.kind == ValueKind::kKeys) {
+    return fmt::format("_{}_list \"{}\" \"$cur\"", program, Words(values));
+  }
   return values.empty() ? ":" : fmt::format("_{}_words \"{}\" \"$cur\"", program, Words(values));
 }
 
@@ -89,7 +125,7 @@ std::vector<std::string> CommandNames(const Usage& usage) {
 std::string BashCompletion(const Usage& usage) {
   const std::string& program = usage.program.name;
   std::vector<std::string> valued = OptionNames(usage.program, true);
-  std::string values = ValueCases(usage, usage.program, "*");
+  std::string values;
   std::string options = OptionCase(usage, usage.program, "''");
   std::string arguments =
       fmt::format("    '') _{}_words \"{}\" \"$cur\" ;;\n", program, Words(CommandNames(usage)));
@@ -101,8 +137,10 @@ std::string BashCompletion(const Usage& usage) {
     arguments +=
         fmt::format("    {}) {} ;;\n", command.name, Completing(usage, command.arguments.front()));
   }
-  return fmt::format(kBegin, program, fmt::join(valued, " | ")) + "  case $command:$prev in\n" +
-         values + "  esac\n" + "  if [[ $cur == -* ]]; then\n    case $command in\n" + options +
+  values += ValueCases(usage, usage.program, "*");  // a command's own choices go first
+  return fmt::format(kBegin, program, ListingText(usage), fmt::join(valued, " | ")) +
+         "  case $command:$prev in\n" + values + "  esac\n" +
+         "  if [[ $cur == -* ]]; then\n    case $command in\n" + options +
          "    esac\n    return\n  fi\n" + "  case $command in\n" + arguments + "  esac\n" +
          fmt::format(kEnd, program);
 }

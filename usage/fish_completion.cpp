@@ -2,6 +2,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+
 #include "usage/writers.h"
 
 namespace pciinfo {
@@ -21,6 +23,9 @@ std::string ValueText(const Usage& usage, const UsageOption& option) {
   if (option.kind == ValueKind::kNothing) return "";
   if (option.kind == ValueKind::kFile) return " -r -F";
   const std::vector<std::string>& values = ValuesOf(usage, option);
+  if (option.kind == ValueKind::kList || option.kind == ValueKind::kKeys) {
+    return fmt::format(" -x -a '(__fish_append , {})'", fmt::join(values, " "));
+  }
   return values.empty() ? " -x" : fmt::format(" -x -a '{}'", fmt::join(values, " "));
 }
 
@@ -40,7 +45,9 @@ class Writer {
   std::string Write() {
     text_ = fmt::format("# fish completion for {}\n{} -f\n", usage_.program.name, start_);
     WriteCommandNames();
-    for (const UsageOption& option : usage_.program.options) WriteOption("", option);
+    for (const UsageOption& option : usage_.program.options) {
+      WriteOption(ConditionOf(option), option);
+    }
     for (const UsageCommand& command : usage_.commands) WriteCommand(command);
     return text_;
   }
@@ -55,12 +62,27 @@ class Writer {
     }
   }
 
+  /// An option of the program is not proposed for commands that have other choices for it.
+  std::string ConditionOf(const UsageOption& option) const {
+    std::string others;
+    for (const UsageCommand& command : usage_.commands) {
+      const std::vector<std::string> names = OptionNames(command);
+      const bool isOwn = std::find(names.begin(), names.end(), option.names.back()) != names.end();
+      if (isOwn) others += " " + command.name;
+    }
+    return others.empty() ? "" : fmt::format(" -n 'not __fish_seen_subcommand_from{}'", others);
+  }
+
   void WriteCommand(const UsageCommand& command) {
     const std::string condition = fmt::format(" -n '__fish_seen_subcommand_from {}'", command.name);
     for (const UsageOption& option : command.options) WriteOption(condition, option);
     if (command.arguments.empty()) return;
     const UsageOption& argument = command.arguments.front();
     const std::vector<std::string>& values = ValuesOf(usage_, argument);
+    if (argument.kind == ValueKind::kThing) {
+      text_ += fmt::format("{}{} -a {}\n", start_, condition,
+                           Quoted("(sh -c " + Quoted(ListingText(usage_)) + ")"));
+    }
     if (argument.kind == ValueKind::kFile) text_ += start_ + condition + " -F\n";
     if (!values.empty()) {
       text_ += fmt::format("{}{} -a '{}'\n", start_, condition, fmt::join(values, " "));

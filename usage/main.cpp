@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include "host/cli/options.h"
+#include "host/model/filter.h"
 #include "host/schema/class_file.h"
 #include "usage/writers.h"
 
@@ -40,7 +41,11 @@ Usage UsageOfProgram(const std::vector<std::string>& classFiles) {
     for (const std::string& name : ReadClassFile(file, declared)) classes.push_back(name);
   }
   Options options;
-  return UsageOf(*BuildApp(options), classes);
+  Usage usage = UsageOf(*BuildApp(options));
+  usage.classes = classes;
+  for (const std::string& key : FilterKeys()) usage.keys.push_back(key + "=");
+  usage.listings = {"devices --columns address", "slots --columns slot --format csv"};
+  return usage;
 }
 
 void WriteAll(const std::filesystem::path& directory, const Usage& usage,

@@ -118,7 +118,8 @@ std::string OptionText(const UsageOption& option) {
   std::string text = fmt::format(".TP\n{}", fmt::join(names, ", "));
   if (!option.valueName.empty()) text += " " + Italic(option.valueName);
   text += "\n" + TextLine(option.description);
-  if (!option.choices.empty()) {
+  const bool showsChoices = option.valueName.find('|') != std::string::npos;
+  if (!option.choices.empty() && !showsChoices) {
     text += fmt::format(".br\nOne of {}.\n",
                         Escaped(fmt::format("{}", fmt::join(option.choices, ", "))));
   }

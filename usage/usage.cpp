@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "usage/usage.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <utility>
 
 namespace pciinfo {
 namespace {
 
-/// Returns the elements of "FORMAT:{table,json}", the text that CLI11 shows for a value from a set.
+/// Returns the elements of "FORMAT:{table,json}", the text that CLI11 shows for a value from a set,
+/// or of "auto|never".
 std::vector<std::string> ChoicesIn(const std::string& typeName) {
+  if (typeName.find('|') != std::string::npos) return CLI::detail::split(typeName, '|');
   const std::size_t begin = typeName.find(":{");
   const std::size_t end = typeName.find('}', begin);
   if (begin == std::string::npos || end == std::string::npos) return {};
@@ -23,6 +26,8 @@ ValueKind KindOf(const std::string& valueName) {
     return valueName.find(word) != std::string::npos;
   });
   if (isFile) return ValueKind::kFile;
+  if (valueName == "KEY=VALUE,...") return ValueKind::kKeys;
+  if (valueName == "NAME") return ValueKind::kThing;
   return valueName == "CLASS" ? ValueKind::kClass : ValueKind::kOther;
 }
 
@@ -46,7 +51,9 @@ UsageOption OptionOf(const CLI::Option& option) {
   const std::string typeName = option.get_type_name();
   usage.valueName = typeName.substr(0, typeName.find(':'));
   usage.choices = ChoicesIn(typeName);
-  usage.kind = usage.choices.empty() ? KindOf(usage.valueName) : ValueKind::kChoice;
+  const bool isList = usage.valueName.ends_with(",...");
+  usage.kind = isList ? ValueKind::kList : ValueKind::kChoice;
+  if (usage.choices.empty()) usage.kind = KindOf(usage.valueName);
   if (usage.kind == ValueKind::kOther) usage.kind = KindOf(usage.names.front());
   return usage;
 }
@@ -60,16 +67,23 @@ UsageCommand CommandOf(const CLI::App& app) {
   return command;
 }
 
+const UsageOption* FindOption(const UsageCommand& command, const std::string& name) {
+  for (const UsageOption& option : command.options) {
+    if (option.names.back() == name) return &option;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
-Usage UsageOf(const CLI::App& app, std::vector<std::string> classes) {
-  Usage usage{CommandOf(app), {}, std::move(classes)};
+Usage UsageOf(const CLI::App& app) {
+  Usage usage{CommandOf(app), {}, {}, {}, {}};
   const auto isShown = [](const CLI::App* command) { return !command->get_group().empty(); };
-  const std::vector<std::string> common = OptionNames(usage.program);
   for (const CLI::App* shown : app.get_subcommands(isShown)) {
     UsageCommand& command = usage.commands.emplace_back(CommandOf(*shown));
-    std::erase_if(command.options, [&common](const UsageOption& option) {
-      return std::find(common.begin(), common.end(), option.names.back()) != common.end();
+    std::erase_if(command.options, [&usage](const UsageOption& option) {
+      const UsageOption* const same = FindOption(usage.program, option.names.back());
+      return same != nullptr && same->choices == option.choices;
     });
   }
   return usage;
@@ -84,7 +98,19 @@ std::vector<std::string> OptionNames(const UsageCommand& command, bool withValue
   return names;
 }
 
+std::string ListingText(const Usage& usage) {
+  std::string text;
+  for (const std::string& listing : usage.listings) {
+    text += fmt::format("{}{} {} 2>/dev/null | sed 1d", text.empty() ? "" : "; ",
+                        usage.program.name, listing);
+  }
+  // Of CSV, neither the end of the line nor quotes.
+  return text.empty() ? ":"
+                      : "{ " + text + R"(; } | sed 's/\r$//; s/^"//; s/"$//; s/""/"/g' | sort -u)";
+}
+
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option) {
+  if (option.kind == ValueKind::kKeys) return usage.keys;
   return option.kind == ValueKind::kClass ? usage.classes : option.choices;
 }
 

@@ -11,7 +11,16 @@ class App;
 namespace pciinfo {
 
 /// The kinds of values that shells complete differently.
-enum class ValueKind { kNothing, kChoice, kFile, kClass, kOther };
+enum class ValueKind {
+  kNothing,
+  kChoice,
+  kList,  ///< choices, with commas between them
+  kFile,
+  kClass,
+  kKeys,   ///< KEY=VALUE, with commas between them
+  kThing,  ///< something of the machine, which the program lists
+  kOther
+};
 
 /// An option or a positional argument.
 struct UsageOption {
@@ -26,7 +35,7 @@ struct UsageOption {
 };
 
 /// The program or one of its commands. Options of the program may follow every command, so a
-/// command lists only its own options.
+/// command lists only its own options, and those for which it has other choices.
 struct UsageCommand {
   std::string name;
   std::string description;
@@ -40,15 +49,23 @@ struct Usage {
   UsageCommand program;
   std::vector<UsageCommand> commands;
   std::vector<std::string> classes;  ///< completions of a value of the kind kClass
+  std::vector<std::string> keys;     ///< "class=", of the kind kKeys
+  /// Commands of the program that print completions of the kind kThing, a heading first, as a table
+  /// of one column or as CSV.
+  std::vector<std::string> listings;
 };
 
-/// Reads the definitions. Leaves out options that --help does not show.
-Usage UsageOf(const CLI::App& app, std::vector<std::string> classes);
+/// Reads the definitions. Leaves out options that --help does not show, and all that is not in the
+/// definitions: classes, keys and listings.
+Usage UsageOf(const CLI::App& app);
 
 /// The names of all options, or of those that take a value.
 std::vector<std::string> OptionNames(const UsageCommand& command, bool withValueOnly = false);
 
-/// Returns the possible values of an option: its choices or the classes.
+/// A shell command that lists the completions of the kind kThing, one a line.
+std::string ListingText(const Usage& usage);
+
+/// Returns the possible values of an option: its choices, the classes or the keys.
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option);
 
 }  // namespace pciinfo

@@ -27,7 +27,13 @@ std::string Escaped(const std::string& text, std::string_view special) {
 std::string ValueAction(const Usage& usage, const UsageOption& option) {
   const std::string name = Escaped(option.valueName, "\\:");
   if (option.kind == ValueKind::kFile) return fmt::format(":{}:_files", name);
+  if (option.kind == ValueKind::kThing) {
+    return fmt::format(":{}: _{}_things", name, usage.program.name);
+  }
   const std::vector<std::string>& values = ValuesOf(usage, option);
+  if (option.kind == ValueKind::kList || option.kind == ValueKind::kKeys) {
+    return fmt::format(":{}: _{}_list {}", name, usage.program.name, fmt::join(values, " "));
+  }
   return values.empty() ? fmt::format(":{}: ", name)
                         : fmt::format(":{}:({})", name, fmt::join(values, " "));
 }
@@ -64,7 +70,8 @@ std::string CommandCase(const Usage& usage, const UsageCommand& command) {
 
 }  // namespace
 
-// The variables have long names because zsh has its own variables "commands" and "options".
+// The variables have long names because zsh has its own variables "commands" and "options". Options
+// behind a command are its own first ("-A" leaves them to the case), as zsh takes the first of two.
 std::string ZshCompletion(const Usage& usage) {
   std::string commands;
   std::string cases;
@@ -72,7 +79,20 @@ std::string ZshCompletion(const Usage& usage) {
     commands += fmt::format("    '{}:{}'\n", command.name, Escaped(command.description, "\\:"));
     cases += CommandCase(usage, command);
   }
-  return fmt::format(R"(#compdef {0}
+  return fmt::format(R"zsh(#compdef {0}
+
+# Of a list with commas, the last word.
+_{0}_list() {{
+  compset -P '*,'
+  compadd -S '' -- "$@"
+}}
+
+# What this machine has.
+_{0}_things() {{
+  local -a things
+  things=(${{(f)"$({4})"}})
+  compadd -a things
+}}
 
 _{0}() {{
   local curcontext=$curcontext state state_descr line
@@ -82,7 +102,7 @@ _{0}() {{
 {1}  )
   program_options=(
 {2}  )
-  _arguments -C $program_options '1:command:->command' '*::argument:->argument'
+  _arguments -C -A '-*' $program_options '1:command:->command' '*::argument:->argument'
   case $state in
     command)
       _describe command program_commands
@@ -90,14 +110,15 @@ _{0}() {{
     argument)
       case $words[1] in
 {3}      esac
-      _arguments $program_options $own_arguments
+      _arguments $own_arguments $program_options
       ;;
   esac
 }}
 
 _{0} "$@"
-)",
-                     usage.program.name, commands, OptionLines(usage, usage.program, 4), cases);
+)zsh",
+                     usage.program.name, commands, OptionLines(usage, usage.program, 4), cases,
+                     ListingText(usage));
 }
 
 }  // namespace pciinfo

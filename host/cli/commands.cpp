@@ -143,13 +143,24 @@ bool IsNeeded(const PluginFile& plugin, const Job& job) {
                             job.collect.end()) != plugin.classes.end();
 }
 
+/// Whether a manifest of this program's tells that the machine had no SMBIOS tables to read. One
+/// that was made by hand does not say when.
+bool ShowedNoTables(const std::optional<Manifest>& manifest) {
+  if (!manifest || manifest->capturedAt.empty()) return false;
+  return std::none_of(manifest->unread.begin(), manifest->unread.end(), [](const UnreadPart& part) {
+    return part.path.starts_with("sys/firmware/dmi/tables");
+  });
+}
+
 /// The work of a view: collects what the job needs and prints it.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
-                       const LogSettings& log, Worker& worker) {
+                       const LogSettings& log, const std::optional<Manifest>& manifest,
+                       Worker& worker) {
   TroubleReport report({.hasPciBus = std::filesystem::exists("/proc/bus/pci"),
                         .serviceFailure = "",
                         .isCapture = !options.root.empty(),
-                        .domainOf = MakeDomainLookup()});
+                        .domainOf = MakeDomainLookup(),
+                        .showedNoTables = ShowedNoTables(manifest)});
   Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
   for (const PluginFile& plugin : plugins.plugins) {
@@ -207,8 +218,8 @@ ExitStatus RunView(Options options, const Terminal& terminal) {
   const Machine machine(options);
   return Runner(options).Run(
       [&](Worker& worker) -> ExitStatus {
-        machine.Enter(worker, {.files = FilesOf(plugins)});
-        Show(options, plugins, job, log, worker);
+        const std::optional<Manifest> manifest = machine.Enter(worker, {.files = FilesOf(plugins)});
+        Show(options, plugins, job, log, manifest, worker);
       },
       terminal.pager);
 }

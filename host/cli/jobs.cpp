@@ -118,7 +118,7 @@ Job CheckJob(const Options& options, const Classes& declared) {
 
 /// Makes the job of a view of the machine, as far as the filter keeps it.
 Job MachineJob(const Options& options, const Classes& declared,
-               const std::function<void(const MachineModel& kept, Output& output)>& write) {
+               const std::function<void(MachineModel kept, Output& output)>& write) {
   return MakeView(PlanQuery(declared, MachineClasses()).collect,
                   [write, filter = options.filter](const Session& session, Output& output) {
                     write(ReadKept(session.GetRepository(), filter), output);
@@ -126,20 +126,26 @@ Job MachineJob(const Options& options, const Classes& declared,
 }
 
 Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto write = [asJson = options.format == "json", columns = options.columns, terminal](
+  const auto write = [format = options.format, columns = options.columns, terminal](
                          const MachineModel& kept, Output& output) {
-    if (asJson) return WriteDevicesJson(output, kept);
+    if (format == "json") return WriteDevicesJson(output, kept);
+    if (format == "jsonl") return WriteDevicesJsonLines(output, kept);
+    if (format == "yaml") return WriteDevicesYaml(output, kept);
+    if (format == "csv") return WriteDevicesCsv(output, kept, columns);
     WriteDevicesTable(output, kept, columns, terminal);
   };
   return MachineJob(options, declared, write);
 }
 
 Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto write = [asJson = options.format == "json", choice = options.slotChoice, terminal](
-                         const MachineModel& kept, Output& output) {
-    const MachineModel chosen = ChosenSlots(kept, choice);
-    if (asJson) return WriteSlotsJson(output, chosen);
-    WriteSlotsTable(output, chosen, terminal);
+  const auto write = [format = options.format, choice = options.slotChoice,
+                      columns = options.columns, terminal](MachineModel kept, Output& output) {
+    const MachineModel chosen = ChosenSlots(std::move(kept), choice);
+    if (format == "json") return WriteSlotsJson(output, chosen);
+    if (format == "jsonl") return WriteSlotsJsonLines(output, chosen);
+    if (format == "yaml") return WriteSlotsYaml(output, chosen);
+    if (format == "csv") return WriteSlotsCsv(output, chosen, columns);
+    WriteSlotsTable(output, chosen, columns, terminal);
   };
   return MachineJob(options, declared, write);
 }

@@ -2,8 +2,10 @@
 #include "host/cli/options.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 
 #include "host/base/errors.h"
@@ -147,11 +149,41 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
   return sub;
 }
 
+/// Formats of lists: `devices` and `slots`.
+const std::vector<std::string> kListFormats = {"table", "json", "jsonl", "csv", "yaml"};
+
+/// Refuses a format that only other commands have, and says what has it; empty for other words.
+std::string ElsewhereOnly(const std::string& format, const std::vector<std::string>& formats) {
+  const std::vector<std::string> all = InstanceFormats();
+  const auto isOf = [&format](const std::vector<std::string>& some) {
+    return std::find(some.begin(), some.end(), format) != some.end();
+  };
+  if (!isOf(all) || isOf(formats)) return "";
+  const bool isOfLists = isOf(kListFormats);
+  return fmt::format("this command has no {}: use {}, or \"pciinfo {} --format {}\" for {}", format,
+                     formats.back(), isOfLists ? "devices" : "instances VTQ_PCIFunction", format,
+                     isOfLists ? "a list of the functions" : "instances");
+}
+
 void AddFormat(CLI::App& command, std::string& format, const std::vector<std::string>& formats) {
   command.add_option("--format", format, "Output format")
       ->type_name("FORMAT")
+      ->check(
+          CLI::Validator([formats](std::string& name) { return ElsewhereOnly(name, formats); }, ""))
       ->check(CLI::IsMember(formats))
       ->capture_default_str();
+}
+
+void AddColumns(CLI::App& command, Options& options, const std::vector<std::string>& columns) {
+  command
+      .add_option("--columns", options.columns,
+                  "With table and csv: show these columns, in this order")
+      ->type_name("NAME,...")
+      ->delimiter(',')
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false)
+      ->check(CLI::IsMember(columns));
 }
 
 void AddDiff(CLI::App& app, Options& options) {
@@ -173,7 +205,8 @@ void AddDiff(CLI::App& app, Options& options) {
 void AddSlots(CLI::App& app, Options& options) {
   CLI::App* slots = AddCommand(app, "slots", "Print the slots, and which card sits in which",
                                options, Command::kSlots);
-  AddFormat(*slots, options.format, {"table", "json"});
+  AddFormat(*slots, options.format, kListFormats);
+  AddColumns(*slots, options, SlotColumns());
   CLI::Option* free = slots->add_flag_callback(
       "--free", [&options] { options.slotChoice = SlotChoice::kFree; },
       "Show only slots that are known to be empty");
@@ -187,14 +220,8 @@ void AddSlots(CLI::App& app, Options& options) {
 void AddViews(CLI::App& app, Options& options) {
   CLI::App* devices =
       AddCommand(app, "devices", "Print every PCI function", options, Command::kDevices);
-  AddFormat(*devices, options.format, {"table", "json"});
-  devices->add_option("--columns", options.columns, "Show these columns, in this order")
-      ->type_name("NAME,...")
-      ->delimiter(',')
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->allow_extra_args(false)
-      ->check(CLI::IsMember(DeviceColumns()));
+  AddFormat(*devices, options.format, kListFormats);
+  AddColumns(*devices, options, DeviceColumns());
   CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
   AddFormat(*tree, options.format, {"table", "json"});
   tree->add_flag("--all", options.showAll, "Show every function; do not fold similar ones");
@@ -291,6 +318,11 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
   }
   if (!options.filter.IsEmpty() && !CanFilter(options.command)) {
     return Answer{true, "--filter cannot be used with this command"};
+  }
+  if (!options.columns.empty() && options.format != "table" && options.format != "csv") {
+    return Answer{true, fmt::format("--columns cannot be used with {}, which always has all that "
+                                    "is known: leave it out, or use csv",
+                                    options.format)};
   }
   return options;
 }

@@ -70,7 +70,7 @@ struct Options {
   std::string target;    ///< of `show`: an address, a slot, or an object path
   bool showAll = false;  ///< of `tree`: every function on its line; of `instances`: every class
   SlotChoice slotChoice = SlotChoice::kAll;  ///< of `slots`
-  std::vector<std::string> columns;          ///< of `devices`; empty: the usual ones
+  std::vector<std::string> columns;  ///< of `devices` and `slots`; empty: the usual ones
   Filter filter;
   TerminalWishes terminal;
 };

@@ -147,6 +147,8 @@ constexpr StatusRow kStatuses[] = {
 constexpr const char* kOtherStatus =
     "the SMBIOS tables could not be read (status {rest}), so {effect}: {why}";
 
+constexpr const char* kNoTablesThere = "the captured machine shows no SMBIOS tables, so {effect}";
+
 /// Replaces each run of tabs, which align the text in a log, by one space.
 std::string WithoutTabs(std::string_view record) {
   std::string text;
@@ -162,6 +164,7 @@ std::string WithoutTabs(std::string_view record) {
 
 const char* Worded(const char* clause, const Circumstances& circumstances) {
   if (!circumstances.isCapture) return clause;
+  if (clause == kNoTables && circumstances.showedNoTables) return kNoTablesThere;
   for (const CaptureRow& row : kCaptureClauses) {
     if (row.ofMachine == clause) return row.ofCapture;
   }

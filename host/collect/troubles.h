@@ -36,6 +36,8 @@ struct Circumstances {
   bool isCapture = false;
   /// See MakeDomainLookup.
   std::function<std::string(const std::string&)> domainOf = nullptr;
+  /// Whether a capture tells that nothing kept its maker from reading SMBIOS tables.
+  bool showedNoTables = false;
 };
 
 /// Decides what a record means that a plug-in wrote while it collected a class. Records less severe

@@ -101,16 +101,26 @@ std::vector<Item> Picked(const std::vector<Item>& items, const std::vector<std::
   return picked;
 }
 
-std::string CutCell(const std::string& cell, const Column& column, std::size_t width) {
-  return TrimEnd(column.isSubject ? CutMiddle(cell, width) : Cut(cell, width));
+/// What is shown of a cell, without blanks at the end. `cut` holds the text of a cell that is too
+/// wide.
+std::string_view ShownOf(std::string_view cell, const Column& column, std::size_t width,
+                         std::string& cut) {
+  if (DisplayWidth(cell) > width) {
+    cut = column.isSubject ? CutMiddle(cell, width) : Cut(cell, width);
+    cell = cut;
+  }
+  return cell.substr(0, cell.find_last_not_of(' ') + 1);
 }
 
-std::string Line(const Row& row, const Widths& widths, const std::vector<Column>& columns,
-                 const Terminal& terminal) {
+/// The line of a row of which the cells at `places` are shown.
+std::string Line(const Row& row, const std::vector<std::size_t>& places, const Widths& widths,
+                 const std::vector<Column>& columns, const Terminal& terminal) {
   std::string line;
+  line.reserve(Total(widths));
+  std::string cut;
   std::size_t blanks = 0;
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    const std::string cell = CutCell(row[i], columns[i], widths[i]);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const std::string_view cell = ShownOf(row[places[i]], columns[i], widths[i], cut);
     if (!cell.empty()) {
       line.append(blanks, ' ').append(Coloured(cell, columns[i].colour, terminal));
       blanks = 0;
@@ -131,13 +141,13 @@ std::vector<std::string> FormatTable(const std::vector<Column>& columns,
   Widths widths = Picked(natural, places);
   if (terminal.width) Shrink(widths, staying, *terminal.width);
   Row headings;
+  for (const Column& column : columns) headings.push_back(column.heading);
   std::vector<Column> bold = staying;
-  for (Column& column : bold) {
-    headings.push_back(column.heading);
-    column.colour = Colour::kBold;
-  }
-  std::vector<std::string> lines = {Line(headings, widths, bold, terminal)};
-  for (const Row& row : rows) lines.push_back(Line(Picked(row, places), widths, staying, terminal));
+  for (Column& column : bold) column.colour = Colour::kBold;
+  std::vector<std::string> lines;
+  lines.reserve(rows.size() + 1);
+  lines.push_back(Line(headings, places, widths, bold, terminal));
+  for (const Row& row : rows) lines.push_back(Line(row, places, widths, staying, terminal));
   return lines;
 }
 

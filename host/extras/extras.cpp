@@ -18,3 +18,7 @@ pciinfo::InstanceWriter* PciinfoMakeCimXmlWriter(pciinfo::Output& output) {
 pciinfo::InstanceWriter* PciinfoMakeYamlWriter(pciinfo::Output& output) {
   return pciinfo::MakeYamlWriter(output).release();
 }
+
+void PciinfoWriteYaml(pciinfo::Output& output, const nlohmann::ordered_json& document) {
+  pciinfo::WriteYaml(output, document);
+}

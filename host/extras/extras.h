@@ -24,4 +24,5 @@ VTQ_EXPORT pciinfo::CaptureWriter* PciinfoMakeArchiveWriter(int descriptor,
                                                             pciinfo::Compression compression);
 VTQ_EXPORT pciinfo::InstanceWriter* PciinfoMakeCimXmlWriter(pciinfo::Output& output);
 VTQ_EXPORT pciinfo::InstanceWriter* PciinfoMakeYamlWriter(pciinfo::Output& output);
+VTQ_EXPORT void PciinfoWriteYaml(pciinfo::Output& output, const nlohmann::ordered_json& document);
 }

@@ -60,4 +60,8 @@ std::unique_ptr<InstanceWriter> MakeYamlWriter(Output& output) {
   return std::unique_ptr<InstanceWriter>(make(output));
 }
 
+void WriteYaml(Output& output, const nlohmann::ordered_json& document) {
+  Find<decltype(PciinfoWriteYaml)>("PciinfoWriteYaml")(output, document);
+}
+
 }  // namespace pciinfo

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/formats/csv_writer.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/console/utf8.h"
+#include "host/formats/csv_text.h"
 #include "host/formats/value_text.h"
 
 namespace pciinfo {
@@ -14,17 +18,7 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kNoProperty = static_cast<std::size_t>(-1);
-
-void WriteWithDoubledQuotes(Output& output, std::string_view text) {
-  for (std::size_t end = text.find('"'); end != std::string_view::npos; end = text.find('"')) {
-    output.Write(text.substr(0, end));
-    output.Write("\"\"");
-    text.remove_prefix(end + 1);
-  }
-  output.Write(text);
-}
 
 std::string JsonElement(const TCIMValue& element) {
   using enum TCIMValue::TCIMType::ECIMType;
@@ -37,9 +31,32 @@ std::string JsonElement(const TCIMValue& element) {
   return isReal ? nlohmann::json(static_cast<double>(element)).dump() : ScalarText(element);
 }
 
+std::size_t LengthOf(const TCIMValue& value) {
+  if (!value.IsArray()) return ScalarText(value).size();
+  std::size_t length = 0;
+  for (const TCIMValue& element : value.GetArray()) length += LengthOf(element) + 1;
+  return length;
+}
+
+/// Throws std::runtime_error for a value that readers refuse or cut.
+void RequireShortFields(const vtq::Class& cimClass) {
+  constexpr std::size_t kMost = 32767;  // a spreadsheet's cell; some libraries take 131,072
+  const vtq::ClassSchema& schema = cimClass.GetSchema();
+  for (const auto& instance : cimClass.GetInstances()) {
+    for (std::size_t place = 0; place < schema.properties.size(); ++place) {
+      if (LengthOf(instance->GetValue(place)) <= kMost) continue;
+      throw std::runtime_error(fmt::format(
+          "{} does not fit into CSV: its {} has more characters than a spreadsheet's cell can hold "
+          "({}); use --format jsonl, or name the classes that are to be printed",
+          schema.name, schema.properties[place].name, kMost));
+    }
+  }
+}
+
 }  // namespace
 
 void CsvWriter::Expect(const vtq::Class& cimClass) {
+  RequireShortFields(cimClass);
   for (const vtq::PropertySchema& property : cimClass.GetSchema().properties) {
     const auto place = std::lower_bound(columns_.begin(), columns_.end(), property.name);
     if (place == columns_.end() || *place != property.name) columns_.insert(place, property.name);
@@ -52,7 +69,7 @@ void CsvWriter::Begin() {
     output_.Write(",");
     output_.Write(column);
   }
-  output_.Write(kLineEnd);
+  output_.Write(kCsvLineEnd);
 }
 
 void CsvWriter::BeginClass(const vtq::Class& cimClass) {
@@ -73,12 +90,12 @@ void CsvWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance)
     output_.Write(",");
     if (position != kNoProperty) WriteValue(instance.GetValue(position));
   }
-  output_.Write(kLineEnd);
+  output_.Write(kCsvLineEnd);
 }
 
 void CsvWriter::WriteText(std::string_view bytes) {
   output_.Write("\"");
-  WriteWithDoubledQuotes(output_, isShown_ ? Printable(bytes) : ToUtf8(bytes));
+  WriteInQuotes(output_, isShown_ ? Printable(bytes) : ToUtf8(bytes));
   output_.Write("\"");
 }
 
@@ -95,7 +112,7 @@ void CsvWriter::WriteArray(const TCIMValue::TArray& elements) {
   for (const TCIMValue& element : elements) {
     if (!first) output_.Write(",");
     first = false;
-    WriteWithDoubledQuotes(output_, JsonElement(element));
+    WriteInQuotes(output_, JsonElement(element));
   }
   output_.Write("]\"");
 }

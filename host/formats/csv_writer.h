@@ -9,7 +9,8 @@
 namespace pciinfo {
 
 /// Writes all instances as one table (RFC 4180): the columns "class" and "path", then every
-/// property of any of the classes, in byte order of the names. docs/formats.md describes it.
+/// property of any of the classes, in byte order of the names. docs/formats.md describes it. Expect
+/// throws std::runtime_error for a class with a value that is too long for spreadsheets.
 class CsvWriter final : public InstanceWriter {
  public:
   /// `isShown`: for a terminal, where texts are made printable. CSV has no escapes, so elsewhere

@@ -4,6 +4,7 @@
 #include <yaml-cpp/emitter.h>
 #include <yaml-cpp/emittermanip.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/console/utf8.h"
@@ -52,6 +53,30 @@ void EmitProperties(YAML::Emitter& emitter, const vtq::Class& cimClass,
   emitter << YAML::EndMap;
 }
 
+void EmitJson(YAML::Emitter& emitter, const nlohmann::ordered_json& value);
+
+void EmitMembers(YAML::Emitter& emitter, const nlohmann::ordered_json& object) {
+  emitter << YAML::BeginMap;
+  for (const auto& [name, value] : object.items()) {
+    emitter << YAML::Key << name << YAML::Value;
+    EmitJson(emitter, value);
+  }
+  emitter << YAML::EndMap;
+}
+
+void EmitElements(YAML::Emitter& emitter, const nlohmann::ordered_json& array) {
+  emitter << YAML::BeginSeq;
+  for (const nlohmann::ordered_json& element : array) EmitJson(emitter, element);
+  emitter << YAML::EndSeq;
+}
+
+void EmitJson(YAML::Emitter& emitter, const nlohmann::ordered_json& value) {
+  if (value.is_object()) return EmitMembers(emitter, value);
+  if (value.is_array()) return EmitElements(emitter, value);
+  if (value.is_string()) return EmitText(emitter, value.get<std::string>());
+  emitter << value.dump();  // YAML has the same numbers and words
+}
+
 class YamlWriter final : public InstanceWriter {
  public:
   explicit YamlWriter(Output& output) : output_(output) {}
@@ -87,6 +112,14 @@ void YamlWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance
 void YamlWriter::End() { output_.Write(first_ ? " []\n" : "\n"); }
 
 }  // namespace
+
+void WriteYaml(Output& output, const nlohmann::ordered_json& document) {
+  YAML::Emitter emitter;
+  emitter.SetOutputCharset(YAML::EscapeNonAscii);
+  EmitJson(emitter, document);
+  output.Write({emitter.c_str(), emitter.size()});
+  output.Write("\n");
+}
 
 std::unique_ptr<InstanceWriter> MakeYamlWriter(Output& output) {
   return std::make_unique<YamlWriter>(output);

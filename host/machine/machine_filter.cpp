@@ -116,7 +116,7 @@ MachineModel PartOf(const MachineModel& machine,
   return kept;
 }
 
-MachineModel KeptOf(const MachineModel& machine, const Filter& filter) {
+MachineModel KeptOf(MachineModel machine, const Filter& filter) {
   if (filter.IsEmpty()) return machine;
   return PartOf(
       machine, [&](const MachineFunction& function) { return Keeps(filter, machine, function); },

@@ -23,6 +23,6 @@ MachineModel PartOf(const MachineModel& machine,
 
 /// Makes a machine of the functions that match the filter, and of the slots and shared ports that
 /// match or that hold one of those functions.
-MachineModel KeptOf(const MachineModel& machine, const Filter& filter);
+MachineModel KeptOf(MachineModel machine, const Filter& filter);
 
 }  // namespace pciinfo

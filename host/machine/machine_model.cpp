@@ -2,7 +2,7 @@
 #include "host/machine/machine_model.h"
 
 #include <algorithm>
-#include <map>
+#include <functional>
 #include <unordered_map>
 
 #include "host/machine/property_reader.h"
@@ -10,7 +10,7 @@
 namespace pciinfo {
 namespace {
 
-using IndexByPath = std::map<std::string, std::size_t, std::less<>>;
+using NQZMVTQ20::TCIMValue;
 
 constexpr const char* kFunctionClass = "VTQ_PCIFunction";
 constexpr const char* kSlotClass = "VTQ_PCISlot";
@@ -38,119 +38,136 @@ SlotState StateOf(const std::string& text) {
   return text == "empty" ? SlotState::kEmpty : SlotState::kUnknown;
 }
 
-/// Fills in structures with the properties of one instance.
-class Fields {
- public:
-  Fields(const PropertyReader& reader, const vtq::Instance& instance)
-      : reader_(reader), instance_(instance) {}
+// What a property fills in.
 
-  void Get(std::string& field, const char* property) { field = reader_.Text(instance_, property); }
-  void Get(std::optional<unsigned>& field, const char* property) {
-    field = reader_.Number(instance_, property);
+void Take(const TCIMValue& value, std::string& field) { field = TextIn(value); }
+void Take(const TCIMValue& value, std::optional<unsigned>& field) { field = NumberIn(value); }
+void Take(const TCIMValue& value, std::optional<bool>& field) { field = BooleanIn(value); }
+void Take(const TCIMValue& value, std::vector<std::string>& field) { field = TextsIn(value); }
+void Take(const TCIMValue& value, FunctionPlace& field) { field = PlaceOf(TextIn(value)); }
+void Take(const TCIMValue& value, SlotState& field) { field = StateOf(TextIn(value)); }
+
+void Take(const TCIMValue& value, std::optional<int>& field) {
+  if (const auto number = SignedNumberIn(value)) field = static_cast<int>(*number);
+}
+
+void Take(const TCIMValue& value, std::optional<DomainAddress>& field) {
+  field = ParseDomainAddress(TextIn(value));
+}
+
+/// The properties that fill in objects of one kind. Their places are found once: a machine has
+/// thousands of functions, and each has dozens of properties.
+template <class Object>
+class FieldList {
+ public:
+  explicit FieldList(const PropertyReader& reader) : reader_(reader) {}
+
+  /// `field` leads from an object to the field: a pointer to a member, or a function.
+  template <class Field>
+  void Add(Field field, const char* property) {
+    const auto place = reader_.Place(property);
+    if (!place) return;
+    steps_.emplace_back([place = *place, field](const vtq::Instance& instance, Object& object) {
+      const TCIMValue& value = instance.GetValue(place);
+      if (!value.IsNull()) Take(value, std::invoke(field, object));
+    });
   }
-  void Get(std::optional<bool>& field, const char* property) {
-    field = reader_.Boolean(instance_, property);
-  }
-  void Get(std::vector<std::string>& field, const char* property) {
-    field = reader_.Texts(instance_, property);
-  }
-  void Get(std::optional<int>& field, const char* property) {
-    if (const auto number = reader_.SignedNumber(instance_, property)) {
-      field = static_cast<int>(*number);
-    }
-  }
-  void Get(std::optional<DomainAddress>& field, const char* property) {
-    field = ParseDomainAddress(reader_.Text(instance_, property));
+
+  void Fill(const vtq::Instance& instance, Object& object) const {
+    for (const auto& step : steps_) step(instance, object);
   }
 
  private:
   const PropertyReader& reader_;
-  const vtq::Instance& instance_;
+  std::vector<std::function<void(const vtq::Instance& instance, Object& object)>> steps_;
 };
 
-void GetLink(Fields& fields, Link& link) {
-  fields.Get(link.width, "LinkWidth");
-  fields.Get(link.speed, "LinkSpeed");
-  fields.Get(link.maxWidth, "MaxLinkWidth");
-  fields.Get(link.maxSpeed, "MaxLinkSpeed");
+/// The link of functions and of slots.
+template <class Object>
+void AddLink(FieldList<Object>& fields) {
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.width; }, "LinkWidth");
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.speed; }, "LinkSpeed");
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.maxWidth; }, "MaxLinkWidth");
+  fields.Add(
+      [](Object & object) -> auto& { return object.link.maxSpeed; }, "MaxLinkSpeed");
 }
 
-void GetIdentity(Fields& fields, MachineFunction& function) {
-  fields.Get(function.vendorId, "VendorID");
-  fields.Get(function.deviceId, "DeviceID");
-  fields.Get(function.subsystemVendorId, "SubsystemVendorID");
-  fields.Get(function.subsystemId, "SubsystemID");
-  fields.Get(function.baseClass, "BaseClass");
-  fields.Get(function.subclass, "Subclass");
-  fields.Get(function.programmingInterface, "ProgrammingInterface");
-  fields.Get(function.revision, "Revision");
-  fields.Get(function.vendorName, "VendorName");
-  fields.Get(function.deviceName, "DeviceName");
-  fields.Get(function.subsystemVendorName, "SubsystemVendorName");
-  fields.Get(function.subsystemName, "SubsystemName");
-  fields.Get(function.className, "ClassName");
-  fields.Get(function.programmingInterfaceName, "ProgrammingInterfaceName");
+void AddIdentity(FieldList<MachineFunction>& fields) {
+  using Function = MachineFunction;
+  fields.Add(&Function::vendorId, "VendorID");
+  fields.Add(&Function::deviceId, "DeviceID");
+  fields.Add(&Function::subsystemVendorId, "SubsystemVendorID");
+  fields.Add(&Function::subsystemId, "SubsystemID");
+  fields.Add(&Function::baseClass, "BaseClass");
+  fields.Add(&Function::subclass, "Subclass");
+  fields.Add(&Function::programmingInterface, "ProgrammingInterface");
+  fields.Add(&Function::revision, "Revision");
+  fields.Add(&Function::vendorName, "VendorName");
+  fields.Add(&Function::deviceName, "DeviceName");
+  fields.Add(&Function::subsystemVendorName, "SubsystemVendorName");
+  fields.Add(&Function::subsystemName, "SubsystemName");
+  fields.Add(&Function::className, "ClassName");
+  fields.Add(&Function::programmingInterfaceName, "ProgrammingInterfaceName");
 }
 
-void GetPosition(Fields& fields, MachineFunction& function) {
-  fields.Get(function.headerType, "HeaderType");
-  fields.Get(function.portType, "PortType");
-  fields.Get(function.parentPort, "ParentPort");
-  std::optional<unsigned> secondary;
-  std::optional<unsigned> subordinate;
-  fields.Get(secondary, "SecondaryBus");
-  fields.Get(subordinate, "SubordinateBus");
-  if (secondary && subordinate) function.buses = BridgeBuses{*secondary, *subordinate};
-  std::string place;
-  fields.Get(place, "Place");
-  function.place = PlaceOf(place);
-  fields.Get(function.placeReason, "PlaceReason");
+FieldList<MachineFunction> FunctionFields(const PropertyReader& reader) {
+  using Function = MachineFunction;
+  FieldList<Function> fields(reader);
+  AddIdentity(fields);
+  fields.Add(&Function::headerType, "HeaderType");
+  fields.Add(&Function::portType, "PortType");
+  fields.Add(&Function::parentPort, "ParentPort");
+  fields.Add(&Function::place, "Place");
+  fields.Add(&Function::placeReason, "PlaceReason");
+  AddLink(fields);
+  fields.Add(&Function::driver, "Driver");
+  fields.Add(&Function::numaNode, "NumaNode");
+  fields.Add(&Function::physicalFunction, "PhysicalFunction");
+  return fields;
 }
 
-MachineFunction ReadMachineFunction(Fields fields, const DomainAddress& address) {
-  MachineFunction function;
-  function.address = address;
-  GetIdentity(fields, function);
-  GetPosition(fields, function);
-  GetLink(fields, function.link);
-  fields.Get(function.driver, "Driver");
-  fields.Get(function.numaNode, "NumaNode");
-  fields.Get(function.physicalFunction, "PhysicalFunction");
-  return function;
+std::optional<BridgeBuses> BusesOf(const PropertyReader& reader, const vtq::Instance& instance) {
+  const auto secondary = reader.Number(instance, "SecondaryBus");
+  const auto subordinate = reader.Number(instance, "SubordinateBus");
+  if (!secondary || !subordinate) return std::nullopt;
+  return BridgeBuses{*secondary, *subordinate};
 }
 
-void GetRecord(Fields& fields, MachineSlot& slot) {
-  fields.Get(slot.recordHandle, "RecordHandle");
-  fields.Get(slot.id, "SlotID");
-  fields.Get(slot.type, "SlotType");
-  fields.Get(slot.width, "SlotDataBusWidth");
-  fields.Get(slot.length, "SlotLength");
-  fields.Get(slot.usage, "FirmwareUsage");
-  fields.Get(slot.hotPlug, "SupportsHotPlug");
-  fields.Get(slot.firmwareAddress, "FirmwareAddress");
-  fields.Get(slot.peerAddresses, "PeerAddresses");
+void AddRecord(FieldList<MachineSlot>& fields) {
+  using Slot = MachineSlot;
+  fields.Add(&Slot::recordHandle, "RecordHandle");
+  fields.Add(&Slot::id, "SlotID");
+  fields.Add(&Slot::type, "SlotType");
+  fields.Add(&Slot::width, "SlotDataBusWidth");
+  fields.Add(&Slot::length, "SlotLength");
+  fields.Add(&Slot::usage, "FirmwareUsage");
+  fields.Add(&Slot::hotPlug, "SupportsHotPlug");
+  fields.Add(&Slot::firmwareAddress, "FirmwareAddress");
+  fields.Add(&Slot::peerAddresses, "PeerAddresses");
 }
 
-MachineSlot ReadMachineSlot(Fields fields) {
-  MachineSlot slot;
-  fields.Get(slot.name, "Name");
-  fields.Get(slot.source, "Source");
-  std::string state;
-  fields.Get(state, "State");
-  slot.state = StateOf(state);
-  GetRecord(fields, slot);
-  fields.Get(slot.kernelSlot, "KernelSlot");
-  fields.Get(slot.ports, "Leads");
-  fields.Get(slot.noPortBecause, "LeadsNowhereBecause");
-  fields.Get(slot.numaNode, "NumaNode");
-  GetLink(fields, slot.link);
-  fields.Get(slot.physicalNumber, "PhysicalSlotNumber");
-  fields.Get(slot.portHotPlug, "PortHotPlug");
-  fields.Get(slot.surpriseRemoval, "PortSurpriseRemoval");
-  fields.Get(slot.cardPresent, "PortCardPresent");
-  fields.Get(slot.outerSlot, "OuterSlot");
-  fields.Get(slot.conflicts, "Conflicts");
-  return slot;
+FieldList<MachineSlot> SlotFields(const PropertyReader& reader) {
+  using Slot = MachineSlot;
+  FieldList<Slot> fields(reader);
+  fields.Add(&Slot::name, "Name");
+  fields.Add(&Slot::source, "Source");
+  fields.Add(&Slot::state, "State");
+  AddRecord(fields);
+  fields.Add(&Slot::kernelSlot, "KernelSlot");
+  fields.Add(&Slot::ports, "Leads");
+  fields.Add(&Slot::noPortBecause, "LeadsNowhereBecause");
+  fields.Add(&Slot::numaNode, "NumaNode");
+  AddLink(fields);
+  fields.Add(&Slot::physicalNumber, "PhysicalSlotNumber");
+  fields.Add(&Slot::portHotPlug, "PortHotPlug");
+  fields.Add(&Slot::surpriseRemoval, "PortSurpriseRemoval");
+  fields.Add(&Slot::cardPresent, "PortCardPresent");
+  fields.Add(&Slot::outerSlot, "OuterSlot");
+  fields.Add(&Slot::conflicts, "Conflicts");
+  return fields;
 }
 
 /// Reads the classes in turn; later ones refer to earlier ones.
@@ -169,38 +186,53 @@ class MachineReader {
 
  private:
   void ReadFunctionInstances() {
-    std::vector<std::pair<std::string, MachineFunction>> found;
-    ForEach(repository_, kFunctionClass, [&](const auto& reader, const auto& instance) {
-      const auto address = ParseDomainAddress(reader.Text(instance, "Address"));
-      if (!address) return;
-      found.emplace_back(instance.GetPath(), ReadMachineFunction({reader, instance}, *address));
-    });
-    std::stable_sort(found.begin(), found.end(), [](const auto& left, const auto& right) {
-      return left.second.address < right.second.address;
-    });
-    for (auto& [path, function] : found) {
-      functionByPath_.emplace(std::move(path), model_.functions.size());
-      model_.functions.push_back(std::move(function));
+    const std::shared_ptr<vtq::Class> cimClass = repository_.Find(kFunctionClass);
+    if (cimClass == nullptr) return;
+    const PropertyReader reader(*cimClass);
+    const FieldList<MachineFunction> fields = FunctionFields(reader);
+    model_.functions.reserve(cimClass->GetInstances().size());
+    for (const auto& instance : cimClass->GetInstances()) {
+      const auto address = ParseDomainAddress(reader.Text(*instance, "Address"));
+      if (!address) continue;
+      MachineFunction& function = model_.functions.emplace_back();
+      function.address = *address;
+      function.buses = BusesOf(reader, *instance);
+      fields.Fill(*instance, function);
     }
+    SortFunctions();
+  }
+
+  void SortFunctions() {
+    const auto isBefore = [](const MachineFunction& left, const MachineFunction& right) {
+      return left.address < right.address;
+    };
+    // Functions are large, and the plug-in sorts them.
+    if (std::is_sorted(model_.functions.begin(), model_.functions.end(), isBefore)) return;
+    std::stable_sort(model_.functions.begin(), model_.functions.end(), isBefore);
   }
 
   void ReadSlotInstances() {
-    ForEach(repository_, kSlotClass, [&](const auto& reader, const auto& instance) {
-      slotByPath_.emplace(instance.GetPath(), model_.slots.size());
-      model_.slots.push_back(ReadMachineSlot({reader, instance}));
-    });
+    const std::shared_ptr<vtq::Class> cimClass = repository_.Find(kSlotClass);
+    if (cimClass == nullptr) return;
+    const PropertyReader reader(*cimClass);
+    const FieldList<MachineSlot> fields = SlotFields(reader);
+    for (const auto& instance : cimClass->GetInstances()) {
+      MachineSlot& slot = model_.slots.emplace_back();
+      fields.Fill(*instance, slot);
+      slotByName_.emplace(slot.name, model_.slots.size() - 1);
+    }
   }
 
   void ReadOccupants() {
     ForEach(repository_, kFunctionInSlotClass, [&](const auto& reader, const auto& instance) {
-      const auto slot = slotByPath_.find(reader.Path(instance, "Antecedent"));
-      const auto function = functionByPath_.find(reader.Path(instance, "Dependent"));
-      if (slot == slotByPath_.end() || function == functionByPath_.end()) return;
-      MachineFunction& occupant = model_.functions[function->second];
+      const auto slot = slotByName_.find(reader.KeyText(instance, "Antecedent", "Name"));
+      const auto function = PlaceAt(reader.KeyText(instance, "Dependent", "Address"));
+      if (slot == slotByName_.end() || !function) return;
+      MachineFunction& occupant = model_.functions[*function];
       occupant.slot = slot->second;
       occupant.certainty = reader.Text(instance, "Certainty");
       occupant.evidence = reader.Text(instance, "Evidence");
-      model_.slots[slot->second].functions.push_back(function->second);
+      model_.slots[slot->second].functions.push_back(*function);
     });
     for (MachineSlot& slot : model_.slots) std::sort(slot.functions.begin(), slot.functions.end());
   }
@@ -212,19 +244,23 @@ class MachineReader {
       shared.slots = reader.Texts(instance, "Slots");
       shared.evidence = reader.Text(instance, "Evidence");
       for (const std::string& text : reader.Texts(instance, "Functions")) {
-        const auto address = ParseDomainAddress(text);
-        const MachineFunction* function = address ? model_.Find(*address) : nullptr;
-        if (function == nullptr) continue;
-        shared.functions.push_back(static_cast<std::size_t>(function - model_.functions.data()));
+        if (const auto function = PlaceAt(text)) shared.functions.push_back(*function);
       }
       model_.shared.push_back(std::move(shared));
     });
   }
 
+  /// The place of the function at an address.
+  std::optional<std::size_t> PlaceAt(const std::string& text) const {
+    const auto address = ParseDomainAddress(text);
+    const MachineFunction* const function = address ? model_.Find(*address) : nullptr;
+    if (function == nullptr) return std::nullopt;
+    return static_cast<std::size_t>(function - model_.functions.data());
+  }
+
   const vtq::Namespace& repository_;
   MachineModel model_;
-  IndexByPath functionByPath_;
-  IndexByPath slotByPath_;
+  std::unordered_map<std::string, std::size_t> slotByName_;
 };
 
 }  // namespace

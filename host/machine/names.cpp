@@ -15,8 +15,6 @@
 namespace pciinfo {
 namespace {
 
-using Words = std::vector<std::string_view>;
-
 std::string InLowerCase(std::string_view text) {
   std::string lower(text);
   std::transform(lower.begin(), lower.end(), lower.begin(),
@@ -25,7 +23,7 @@ std::string InLowerCase(std::string_view text) {
 }
 
 /// What firmware says where nobody has filled in a name.
-bool IsPlaceholder(const std::string& lower) {
+bool IsPlaceholder(const std::string& name) {
   constexpr std::array<std::string_view, 22> kPlaceholders{"(null string)",
                                                            "null string",
                                                            "(null)",
@@ -48,23 +46,18 @@ bool IsPlaceholder(const std::string& lower) {
                                                            "invalid",
                                                            "<bad index>",
                                                            "empty"};
-  return std::find(kPlaceholders.begin(), kPlaceholders.end(), lower) != kPlaceholders.end() ||
-         lower.find_first_not_of(".-_x0 ") == std::string::npos;
+  if (name.find_first_not_of(".-_xX0 ") == std::string::npos) return true;
+  constexpr std::size_t kLongest = std::string_view("to be filled by o.e.m.").size();
+  return name.size() <= kLongest && std::find(kPlaceholders.begin(), kPlaceholders.end(),
+                                              InLowerCase(name)) != kPlaceholders.end();
 }
 
-Words WordsOf(std::string_view text) {
-  Words words;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(' '), text.size());
-    if (end != 0) words.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return words;
-}
-
-std::string Joined(const Words& words) {
-  std::string text;
-  for (const std::string_view word : words) text.append(text.empty() ? "" : " ").append(word);
+/// Leaves one blank between words, and none around them.
+std::string WithSingleBlanks(std::string text) {
+  const auto isSurplus = [](char left, char right) { return left == ' ' && right == ' '; };
+  text.erase(std::unique(text.begin(), text.end(), isSurplus), text.end());
+  if (text.ends_with(' ')) text.pop_back();
+  if (text.starts_with(' ')) text.erase(0, 1);
   return text;
 }
 
@@ -111,7 +104,11 @@ bool IsFormality(std::string_view word) {
 }
 
 bool StartsWith(std::string_view text, std::string_view start) {
-  return InLowerCase(text.substr(0, start.size())) == InLowerCase(start);
+  const auto isSame = [](unsigned char left, unsigned char right) {
+    return std::tolower(left) == std::tolower(right);
+  };
+  return text.size() >= start.size() &&
+         std::equal(start.begin(), start.end(), text.begin(), isSame);
 }
 
 /// A kind of device, and words that tell it in the name of a model.
@@ -173,22 +170,24 @@ std::string KindSuffix(const MachineFunction& function, const std::string& model
 }  // namespace
 
 std::string NameIn(std::string_view text) {
-  const std::string printable = Printable(text);
-  const std::string name = Joined(WordsOf(printable));
-  return IsPlaceholder(InLowerCase(name)) ? "" : name;
+  std::string name = WithSingleBlanks(Printable(text));
+  if (IsPlaceholder(name)) name.clear();
+  return name;
 }
 
 std::string ShortMaker(std::string_view name) {
-  const std::string maker = NameIn(name);
+  std::string maker = NameIn(name);
   const std::size_t bracket = maker.rfind('[');
   if (bracket != std::string::npos && bracket != 0 && maker.ends_with(']')) {
     return maker.substr(bracket + 1, maker.size() - bracket - 2);
   }
-  Words words = WordsOf(maker);
-  while (words.size() > 1 && IsFormality(words.back())) words.pop_back();
-  std::string shortName = Joined(words);
-  while (shortName.ends_with(',')) shortName.pop_back();
-  return shortName;
+  for (std::size_t blank = maker.rfind(' ');
+       blank != std::string::npos && IsFormality(std::string_view(maker).substr(blank + 1));
+       blank = maker.rfind(' ')) {
+    maker.resize(blank);
+  }
+  while (maker.ends_with(',')) maker.pop_back();
+  return maker;
 }
 
 std::string MakerAndProduct(const std::string& maker, const std::string& product) {

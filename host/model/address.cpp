@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/model/address.h"
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 #include <charconv>
 
@@ -64,11 +64,14 @@ std::optional<DomainAddress> ParseDomainAddress(std::string_view text) {
 }
 
 std::string FormatAddress(const PciAddress& address) {
-  return fmt::format("{:02x}:{:02x}.{:x}", address.bus, address.device, address.function);
+  return fmt::format(FMT_COMPILE("{:02x}:{:02x}.{:x}"), address.bus, address.device,
+                     address.function);
 }
 
 std::string FormatAddress(const DomainAddress& address) {
-  return fmt::format("{:04x}:{}", address.domain, FormatAddress(address.address));
+  const PciAddress& inDomain = address.address;
+  return fmt::format(FMT_COMPILE("{:04x}:{:02x}:{:02x}.{:x}"), address.domain, inDomain.bus,
+                     inDomain.device, inDomain.function);
 }
 
 }  // namespace pciinfo

@@ -118,11 +118,7 @@ constexpr KeyRow kKeys[] = {
     {"slot", &SlotTest, "slot name or ID (tag with instances), or none for functions in no slot"},
 };
 
-std::string KeyList() {
-  std::vector<std::string> keys;
-  for (const KeyRow& row : kKeys) keys.emplace_back(row.key);
-  return fmt::format("{}", fmt::join(keys, ", "));
-}
+std::string KeyList() { return fmt::format("{}", fmt::join(FilterKeys(), ", ")); }
 
 }  // namespace
 
@@ -171,6 +167,12 @@ bool Filter::Keeps(const Slot& slot) const {
     return std::all_of(terms.begin(), terms.end(),
                        [&](const Term& term) { return term.isAboutSlot && term.holds({}, &slot); });
   });
+}
+
+std::vector<std::string> FilterKeys() {
+  std::vector<std::string> keys;
+  for (const KeyRow& row : kKeys) keys.emplace_back(row.key);
+  return keys;
 }
 
 std::string FilterHelp() {

@@ -43,6 +43,9 @@ class Filter final {
   std::vector<Terms> alternatives_;
 };
 
+/// The keys.
+std::vector<std::string> FilterKeys();
+
 /// Returns the keys and their meaning for the help text, one per line.
 std::string FilterHelp();
 

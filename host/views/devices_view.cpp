@@ -9,7 +9,10 @@
 #include <set>
 
 #include "host/console/columns.h"
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
+#include "host/formats/csv_text.h"
+#include "host/formats/yaml_writer.h"
 #include "host/machine/cards.h"
 #include "host/machine/link_text.h"
 #include "host/machine/names.h"
@@ -104,6 +107,14 @@ std::vector<DeviceColumn> NamedColumns(const std::vector<std::string>& names) {
   return columns;
 }
 
+nlohmann::ordered_json DevicesJson(const MachineModel& machine) {
+  auto functions = nlohmann::ordered_json::array();
+  for (const MachineFunction& function : machine.functions) {
+    functions.push_back(FunctionJson(function, machine));
+  }
+  return {{"functions", std::move(functions)}};
+}
+
 }  // namespace
 
 std::vector<std::string> DeviceColumns() {
@@ -119,19 +130,43 @@ void WriteDevicesTable(Output& output, const MachineModel& machine,
   headings.reserve(shown.size());
   for (const DeviceColumn& column : shown) headings.push_back(column.column);
   std::vector<Row> rows;
+  rows.reserve(machine.functions.size());
   for (const MachineFunction& function : machine.functions) {
     Row& row = rows.emplace_back();
+    row.reserve(shown.size());
     for (const DeviceColumn& column : shown) row.push_back(column.cell(function, machine));
   }
   WriteLines(output, FormatTable(headings, rows, terminal));
 }
 
 void WriteDevicesJson(Output& output, const MachineModel& machine) {
-  auto functions = nlohmann::ordered_json::array();
+  WriteJsonLines(output, DevicesJson(machine));
+}
+
+void WriteDevicesJsonLines(Output& output, const MachineModel& machine) {
   for (const MachineFunction& function : machine.functions) {
-    functions.push_back(FunctionJson(function, machine));
+    output.Write(SafeJson(FunctionJson(function, machine).dump()) + "\n");
   }
-  WriteJsonLines(output, {{"functions", std::move(functions)}});
+}
+
+void WriteDevicesYaml(Output& output, const MachineModel& machine) {
+  WriteYaml(output, DevicesJson(machine));
+}
+
+void WriteDevicesCsv(Output& output, const MachineModel& machine,
+                     const std::vector<std::string>& columns) {
+  const std::vector<std::string> names = columns.empty() ? DeviceColumns() : columns;
+  WriteCsvLine(output, names);
+  const std::vector<DeviceColumn> shown = NamedColumns(names);
+  for (const MachineFunction& function : machine.functions) {
+    std::vector<std::string> line;
+    line.reserve(shown.size());
+    for (const DeviceColumn& column : shown) {
+      const bool isAddress = column.cell == &AddressCell;  // programs compare addresses
+      line.push_back(isAddress ? FormatAddress(function.address) : column.cell(function, machine));
+    }
+    WriteCsvLine(output, line);
+  }
 }
 
 }  // namespace pciinfo

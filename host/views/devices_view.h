@@ -18,7 +18,13 @@ std::vector<std::string> DeviceColumns();
 void WriteDevicesTable(Output& output, const MachineModel& machine,
                        const std::vector<std::string>& columns, const Terminal& terminal);
 
-/// Writes the same as JSON, whatever the columns; docs/formats.md describes it.
+// The same in other formats, which docs/formats.md describes.
+
 void WriteDevicesJson(Output& output, const MachineModel& machine);
+void WriteDevicesJsonLines(Output& output, const MachineModel& machine);
+void WriteDevicesYaml(Output& output, const MachineModel& machine);
+/// Without names of `columns`, writes all of them, so that every machine has the same.
+void WriteDevicesCsv(Output& output, const MachineModel& machine,
+                     const std::vector<std::string>& columns);
 
 }  // namespace pciinfo

@@ -1,13 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/views/slots_view.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "host/console/columns.h"
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
+#include "host/formats/csv_text.h"
+#include "host/formats/yaml_writer.h"
 #include "host/machine/link_text.h"
 #include "host/machine/machine_filter.h"
+#include "host/machine/names.h"
 #include "host/model/smbios_names.h"
 #include "host/views/machine_json.h"
 #include "host/views/place_sections.h"
@@ -16,12 +23,18 @@
 namespace pciinfo {
 namespace {
 
-const std::vector<Column> kSlotColumns = {
-    {"SLOT", true, Colour::kGreen},        {.heading = "FIRMWARE", .leaves = 6},
-    {.heading = "PORT", .leaves = 4},      {.heading = "WIDTH", .leaves = 2},
-    {.heading = "LINK", .leaves = 5},      {"STATE"},
-    {.heading = "CERTAINTY", .leaves = 3}, {.heading = "ADDRESS", .colour = Colour::kCyan},
-    {.heading = "CARD", .isSubject = true}};
+/// What a line of CSV is about: a slot, and a function in it, if there is one.
+struct SlotEntry {
+  const MachineSlot& slot;
+  const MachineFunction* function;
+  const MachineModel& machine;
+};
+
+struct SlotColumn {
+  const char* name;
+  Column column;
+  std::string (*text)(const SlotEntry& entry);  ///< for CSV
+};
 
 constexpr std::size_t kAddressCell = 7;
 constexpr std::size_t kCardCell = 8;
@@ -74,9 +87,94 @@ void AddRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel
   }
 }
 
+std::string SlotField(const SlotEntry& entry) { return NameOf(entry.slot, entry.machine); }
+
+std::string FirmwareField(const SlotEntry& entry) { return Printable(entry.slot.firmwareAddress); }
+
+std::string PortField(const SlotEntry& entry) {
+  return Printable(fmt::format("{}", fmt::join(entry.slot.ports, ", ")));
+}
+
+std::string WidthField(const SlotEntry& entry) { return WidthCell(entry.slot); }
+
+std::string LinkField(const SlotEntry& entry) { return LinkCell(entry.slot); }
+
+std::string StateField(const SlotEntry& entry) { return StateText(entry.slot); }
+
+std::string CertaintyField(const SlotEntry& entry) {
+  return CertaintyOf(entry.slot, entry.machine);
+}
+
+std::string AddressField(const SlotEntry& entry) {
+  return entry.function == nullptr ? "" : FormatAddress(entry.function->address);
+}
+
+std::string CardField(const SlotEntry& entry) {
+  return entry.function == nullptr ? "" : MakerAndModel(*entry.function);
+}
+
+const std::vector<SlotColumn>& AllSlotColumns() {
+  static const std::vector<SlotColumn> columns = {
+      {"slot", {"SLOT", true, Colour::kGreen}, &SlotField},
+      {"firmware", {.heading = "FIRMWARE", .leaves = 6}, &FirmwareField},
+      {"port", {.heading = "PORT", .leaves = 4}, &PortField},
+      {"width", {.heading = "WIDTH", .leaves = 2}, &WidthField},
+      {"link", {.heading = "LINK", .leaves = 5}, &LinkField},
+      {"state", {"STATE"}, &StateField},
+      {"certainty", {.heading = "CERTAINTY", .leaves = 3}, &CertaintyField},
+      {"address", {.heading = "ADDRESS", .colour = Colour::kCyan}, &AddressField},
+      {"card", {.heading = "CARD", .isSubject = true}, &CardField},
+  };
+  return columns;
+}
+
+/// The places of columns in AllSlotColumns.
+std::vector<std::size_t> PlacesOf(const std::vector<std::string>& names) {
+  std::vector<std::size_t> places;
+  places.reserve(names.size());
+  const std::vector<std::string> all = SlotColumns();
+  for (const std::string& name : names) {
+    places.push_back(
+        static_cast<std::size_t>(std::find(all.begin(), all.end(), name) - all.begin()));
+  }
+  return places;
+}
+
+std::vector<std::string> FieldsOf(const SlotEntry& entry, const std::vector<std::string>& names) {
+  std::vector<std::string> fields;
+  fields.reserve(names.size());
+  for (const std::size_t place : PlacesOf(names)) {
+    fields.push_back(AllSlotColumns()[place].text(entry));
+  }
+  return fields;
+}
+
+/// Columns that the user has chosen stay.
+std::vector<Column> TableColumns(const std::vector<std::string>& names) {
+  std::vector<Column> columns;
+  for (const std::size_t place : PlacesOf(names.empty() ? SlotColumns() : names)) {
+    columns.push_back(AllSlotColumns()[place].column);
+    if (!names.empty()) columns.back().leaves = 0;
+  }
+  return columns;
+}
+
+/// Takes the cells of the columns out of rows of all cells, and leaves out rows without any.
+std::vector<Row> RowsOf(const std::vector<Row>& rows, const std::vector<std::string>& names) {
+  if (names.empty()) return rows;
+  std::vector<Row> shown;
+  for (const Row& row : rows) {
+    Row& cells = shown.emplace_back();
+    for (const std::size_t place : PlacesOf(names)) cells.push_back(row[place]);
+    const auto isEmpty = [](const std::string& cell) { return cell.empty(); };
+    if (std::all_of(cells.begin(), cells.end(), isEmpty)) shown.pop_back();
+  }
+  return shown;
+}
+
 }  // namespace
 
-MachineModel ChosenSlots(const MachineModel& machine, SlotChoice choice) {
+MachineModel ChosenSlots(MachineModel machine, SlotChoice choice) {
   if (choice == SlotChoice::kAll) return machine;
   const SlotState state = choice == SlotChoice::kFree ? SlotState::kEmpty : SlotState::kOccupied;
   const auto isChosen = [state](const MachineSlot& slot) { return slot.state == state; };
@@ -88,7 +186,14 @@ MachineModel ChosenSlots(const MachineModel& machine, SlotChoice choice) {
       isChosen);
 }
 
-void WriteSlotsTable(Output& output, const MachineModel& machine, const Terminal& terminal) {
+std::vector<std::string> SlotColumns() {
+  std::vector<std::string> names;
+  for (const SlotColumn& column : AllSlotColumns()) names.emplace_back(column.name);
+  return names;
+}
+
+void WriteSlotsTable(Output& output, const MachineModel& machine,
+                     const std::vector<std::string>& columns, const Terminal& terminal) {
   PlaceSections sections(output, machine, terminal);
   std::vector<Row> rows;
   for (const bool isNamed : {true, false}) {
@@ -96,7 +201,7 @@ void WriteSlotsTable(Output& output, const MachineModel& machine, const Terminal
       if (slot.IsNamed() == isNamed) AddRows(rows, slot, machine);
     }
   }
-  if (!rows.empty()) sections.WriteTable("", kSlotColumns, rows);
+  if (!rows.empty()) sections.WriteTable("", TableColumns(columns), RowsOf(rows, columns));
   sections.WriteShared();
   sections.WriteCards("On board", machine.FunctionsAt(FunctionPlace::kOnBoard));
   sections.WriteUnknown();
@@ -106,6 +211,29 @@ void WriteSlotsTable(Output& output, const MachineModel& machine, const Terminal
 
 void WriteSlotsJson(Output& output, const MachineModel& machine) {
   WriteJsonLines(output, MachineJson(machine));
+}
+
+void WriteSlotsJsonLines(Output& output, const MachineModel& machine) {
+  for (const MachineSlot& slot : machine.slots) {
+    output.Write(SafeJson(SlotJson(slot, machine).dump()) + "\n");
+  }
+}
+
+void WriteSlotsYaml(Output& output, const MachineModel& machine) {
+  WriteYaml(output, MachineJson(machine));
+}
+
+void WriteSlotsCsv(Output& output, const MachineModel& machine,
+                   const std::vector<std::string>& columns) {
+  const std::vector<std::string> names = columns.empty() ? SlotColumns() : columns;
+  WriteCsvLine(output, names);
+  for (const MachineSlot& slot : machine.slots) {
+    std::vector<const MachineFunction*> functions = machine.FunctionsOf(slot.functions);
+    if (functions.empty()) functions.push_back(nullptr);
+    for (const MachineFunction* const function : functions) {
+      WriteCsvLine(output, FieldsOf({slot, function, machine}, names));
+    }
+  }
 }
 
 }  // namespace pciinfo

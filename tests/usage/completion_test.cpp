@@ -23,12 +23,17 @@ class Completion : public testing::Test {
     std::filesystem::create_directory(directory_ / "files");
     directory_.Write("files/big can", "\n");
     directory_.Write("files/tap", "\n");
+    // The program that lists what there is.
+    directory_.Write("water",
+                     "#!/bin/sh\n[ \"$*\" = \"list --all\" ] || exit 1\n"
+                     "printf 'POT\\r\\n\"big \"\"blue\"\" #1\"\\r\\n01:00.0\\n01:00.1\\n"
+                     "01:00.0\\n'\n");
+    std::filesystem::permissions(directory_ / "water", std::filesystem::perms::owner_all);
   }
 
   /// The completions that bash proposes for the last of `words`: "A|B|".
   std::string Bash(const std::string& words) const {
-    return RunShell("cd " + directory_.GetPath() +
-                    "/files && exec bash --norc -c '. ../bash; COMP_WORDS=(" + words +
+    return RunShell(WithProgram() + "exec bash --norc -c '. ../bash; COMP_WORDS=(" + words +
                     "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _water; " +
                     "printf \"%s|\" \"${COMPREPLY[@]}\"'")
         .out;
@@ -36,7 +41,7 @@ class Completion : public testing::Test {
 
   /// The completions that fish proposes for a command line, one line each.
   std::string Fish(const std::string& line) const {
-    return RunShell("cd " + directory_.GetPath() + "/files && HOME=" + directory_.GetPath() +
+    return RunShell(WithProgram() + "HOME=" + directory_.GetPath() +
                     " fish --no-config -c '. ../fish; complete -C \"" + line + "\"'")
         .out;
   }
@@ -46,14 +51,19 @@ class Completion : public testing::Test {
   }
 
  private:
+  std::string WithProgram() const {
+    const std::string& directory = directory_.GetPath();
+    return "cd " + directory + "/files && export PATH=" + directory + ":$PATH && ";
+  }
+
   vtq::TemporaryDirectory directory_;
 };
 
 TEST_F(Completion, BashProposesCommandsAndOptions) {
-  EXPECT_EQ(Bash("water \"\""), "plants|log|");
+  EXPECT_EQ(Bash("water \"\""), "plants|log|pot|");
   EXPECT_EQ(Bash("water pl"), "plants|");
   EXPECT_EQ(Bash("water --c"), "--can|");
-  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--colour|--dry|");
+  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--tone|--colour|--dry|");
   EXPECT_EQ(Bash("water log --d"), "|");
 }
 
@@ -72,8 +82,38 @@ TEST_F(Completion, BashProposesFiles) {
 }
 
 TEST_F(Completion, BashTakesNoValueForTheCommand) {
-  EXPECT_EQ(Bash("water --can log \"\""), "plants|log|");
+  EXPECT_EQ(Bash("water --can log \"\""), "plants|log|pot|");
   EXPECT_EQ(Bash("water --can = log plants F"), "Fern|");
+}
+
+TEST_F(Completion, BashProposesChoicesThatTheHelpSeparates) {
+  EXPECT_EQ(Bash("water pot --sort \"\""), "up|down|");
+}
+
+TEST_F(Completion, BashProposesTheChoicesOfTheCommand) {
+  EXPECT_EQ(Bash("water --tone \"\""), "high|");
+  EXPECT_EQ(Bash("water log --tone \"\""), "high|");
+  EXPECT_EQ(Bash("water pot --tone \"\""), "high|low|");
+}
+
+TEST_F(Completion, BashProposesPartsOfLists) {
+  EXPECT_EQ(Bash("water pot --parts \"\""), "leaf|root|");
+  EXPECT_EQ(Bash("water pot --parts leaf,r"), "leaf,root|");
+  EXPECT_EQ(Bash("water pot --only s"), "size=|");
+  EXPECT_EQ(Bash("water pot --only = s"), "size=|");
+  EXPECT_EQ(Bash("water pot --only size = 3,p"), "3,place=|");
+  EXPECT_EQ(Bash("water pot --only = size = 3,p"), "3,place=|");
+  EXPECT_EQ(Bash("water pot --only size = 3 --sort d"), "down|");
+  EXPECT_EQ(Bash("water --can = big log t"), "tap|");
+}
+
+TEST_F(Completion, BashProposesWhatTheProgramLists) {
+  EXPECT_EQ(Bash("water pot \"\""), "01:00.0|01:00.1|big\\ \\\"blue\\\"\\ #1|");
+  EXPECT_EQ(Bash("water pot bi"), "big\\ \\\"blue\\\"\\ #1|");
+  // Bash completes the part behind the last colon.
+  EXPECT_EQ(Bash("water pot 01 :"), "00.0|00.1|");
+  EXPECT_EQ(Bash("water pot 01 : 00.1"), "00.1|");
+  EXPECT_EQ(Bash("water pot 02"), "|");
 }
 
 /// Tests that need a shell which few machines have.
@@ -90,6 +130,15 @@ TEST_F(OtherShells, FishProposesCommandsOptionsAndValues) {
   EXPECT_EQ(Fish("water log ta"), "tap\n");
   EXPECT_EQ(Fish("water --can ta"), "tap\n");
   EXPECT_EQ(Fish("water --ca"), "--can\tUse this can: [big] 'one' \\ only\n");
+}
+
+TEST_F(OtherShells, FishProposesListsAndWhatTheProgramLists) {
+  NEEDS("fish");
+  EXPECT_EQ(Fish("water pot --parts leaf,r"), "leaf,root\tWhat to see\n");
+  EXPECT_EQ(Fish("water pot --only s"), "size=\tSome\n");
+  EXPECT_EQ(Fish("water pot 01"), "01:00.0\n01:00.1\n");
+  EXPECT_EQ(Fish("water log --tone "), "high\tSound\n");
+  EXPECT_EQ(Fish("water pot --tone "), "high\tSound\nlow\tSound\n");
 }
 
 TEST_F(OtherShells, ZshAcceptsItsFile) {

@@ -32,7 +32,22 @@ inline Usage MadeUsage() {
   CLI::App* log = app.add_subcommand("log", "Write down");
   log->add_option("FILE", text, "Where to")->required();
   log->footer("All cans serve.\n");
-  return UsageOf(app, {"Fern", "Moss"});
+  CLI::App* pot = app.add_subcommand("pot", "Look at one");
+  pot->add_option("NAME", text, "Which")->required();
+  pot->add_option("--sort", text, "Order")->type_name("up|down");
+  pot->add_option("--parts", texts, "What to see")
+      ->type_name("PART,...")
+      ->check(CLI::IsMember(std::vector<std::string>{"leaf", "root"}));
+  pot->add_option("--only", texts, "Some")->type_name("KEY=VALUE,...");
+  app.add_option("--tone", text, "Sound")->check(CLI::IsMember(std::vector<std::string>{"high"}));
+  pot->add_option("--tone", text, "Sound")
+      ->check(CLI::IsMember(std::vector<std::string>{"high", "low"}));
+  pot->footer("All cans serve.\n");
+  Usage usage = UsageOf(app);
+  usage.classes = {"Fern", "Moss"};
+  usage.keys = {"size=", "place="};
+  usage.listings = {"list --all"};
+  return usage;
 }
 
 }  // namespace pciinfo

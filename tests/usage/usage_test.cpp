@@ -15,8 +15,9 @@ using testing::IsEmpty;
 TEST(Usage, ReadsTheProgramsOptionsButHiddenOnes) {
   const UsageCommand program = MadeUsage().program;
   EXPECT_EQ(program.name, "water");
-  EXPECT_THAT(OptionNames(program), ElementsAre("-h", "--help", "--version", "-c", "--can"));
-  EXPECT_THAT(OptionNames(program, true), ElementsAre("-c", "--can"));
+  EXPECT_THAT(OptionNames(program),
+              ElementsAre("-h", "--help", "--version", "-c", "--can", "--tone"));
+  EXPECT_THAT(OptionNames(program, true), ElementsAre("-c", "--can", "--tone"));
 }
 
 TEST(Usage, AFlagTakesNoValue) {
@@ -37,8 +38,9 @@ TEST(Usage, AnOptionTellsItsChoicesAndDefault) {
 
 TEST(Usage, FilesAreToldByTheNameOfTheValue) {
   const Usage usage = MadeUsage();
-  EXPECT_EQ(usage.program.options.back().kind, ValueKind::kFile);
-  EXPECT_TRUE(usage.program.options.back().isRepeatable);
+  const UsageOption can = usage.program.options.at(2);
+  EXPECT_EQ(can.kind, ValueKind::kFile);
+  EXPECT_TRUE(can.isRepeatable);
   const UsageOption file = usage.commands[1].arguments.at(0);
   EXPECT_EQ(file.kind, ValueKind::kFile);
   EXPECT_TRUE(file.isRequired);
@@ -53,9 +55,22 @@ TEST(Usage, AClassIsOneOfTheClasses) {
   EXPECT_THAT(ValuesOf(usage, plants), ElementsAre("Fern", "Moss"));
 }
 
+TEST(Usage, ValuesAreToldByTheirWord) {
+  const Usage usage = MadeUsage();
+  const UsageCommand& pot = usage.commands[2];
+  EXPECT_EQ(pot.arguments.at(0).kind, ValueKind::kThing);
+  ASSERT_EQ(pot.options.size(), 4U);
+  EXPECT_EQ(pot.options[0].kind, ValueKind::kChoice);
+  EXPECT_THAT(pot.options[0].choices, ElementsAre("up", "down"));
+  EXPECT_EQ(pot.options[1].kind, ValueKind::kList);
+  EXPECT_THAT(pot.options[1].choices, ElementsAre("leaf", "root"));
+  EXPECT_EQ(pot.options[2].kind, ValueKind::kKeys);
+  EXPECT_THAT(ValuesOf(usage, pot.options[2]), ElementsAre("size=", "place="));
+}
+
 TEST(Usage, ACommandHasThoseOptionsOnlyThatTheProgramHasNot) {
   const Usage usage = MadeUsage();
-  ASSERT_EQ(usage.commands.size(), 2U);
+  ASSERT_EQ(usage.commands.size(), 3U);
   EXPECT_THAT(OptionNames(usage.commands[0]), ElementsAre("--colour", "--dry"));
   EXPECT_THAT(OptionNames(usage.commands[1]), IsEmpty());
 }

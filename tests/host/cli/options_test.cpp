@@ -151,7 +151,24 @@ TEST(Options, AnUnknownFormatIsAnErrorThatListsTheKnownOnes) {
   EXPECT_THAT(Error({"instances", "--format", "xml"}),
               testing::AllOf(HasSubstr("--format"), HasSubstr("xml"), HasSubstr("table"),
                              HasSubstr("jsonl")));
-  EXPECT_THAT(Error({"slots", "--format", "jsonl"}), HasSubstr("jsonl"));
+  EXPECT_THAT(Error({"tree", "--format", "jsonl"}), HasSubstr("jsonl"));
+}
+
+TEST(Options, AFormatOfOtherCommandsIsAnErrorThatNamesThem) {
+  EXPECT_EQ(
+      Error({"show", "1", "--format", "csv"}),
+      "--format: this command has no csv: use json, or \"pciinfo devices --format csv\" for a "
+      "list of the functions (see \"pciinfo --help\")");
+  EXPECT_THAT(Error({"devices", "--format", "mof"}),
+              HasSubstr("\"pciinfo instances VTQ_PCIFunction --format mof\" for instances"));
+}
+
+TEST(Options, ColumnsAreForTableAndCsv) {
+  EXPECT_THAT(Parsed({"slots", "--columns", "slot,card", "--format", "csv"}).columns,
+              ElementsAre("slot", "card"));
+  EXPECT_THAT(Error({"devices", "--columns", "id", "--format", "yaml"}),
+              HasSubstr("--columns cannot be used with yaml"));
+  EXPECT_THAT(Error({"slots", "--columns", "id"}), HasSubstr("id not in {slot,"));
 }
 
 TEST(Options, WrongCommandLinesAreErrorsThatNameTheCulprit) {

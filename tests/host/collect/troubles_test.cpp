@@ -100,6 +100,15 @@ TEST(Troubles, ACaptureHasItsOwnWording) {
               HasSubstr("this machine's SMBIOS tables hold no slot records"));
 }
 
+TEST(Troubles, ACaptureThatTellsOfNoTablesGetsNoAdvice) {
+  Circumstances capture{false, "", true};
+  EXPECT_THAT(Judge("SMBIOS library could not load. Error 2", capture).text,
+              HasSubstr("only root"));
+  capture.showedNoTables = true;
+  EXPECT_EQ(Judge("SMBIOS library could not load. Error 2", capture).text,
+            "the captured machine shows no SMBIOS tables, so no slots are known");
+}
+
 TEST(Troubles, AMachineWithoutAPciBusHasNoTroubleWithItsDeviceList) {
   const Finding finding = Judge("Could not open PCI devices file.", {false, ""});
   EXPECT_EQ(finding.verdict, Verdict::kNotice);

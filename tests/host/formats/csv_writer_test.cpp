@@ -130,6 +130,18 @@ TEST(CsvWriter, DoesNotChangeTextsThatLookLikeFormulas) {
   EXPECT_THAT(Written("csv", *MakeHostileRepository()), testing::HasSubstr(",\"=1+1\","));
 }
 
+TEST(CsvWriter, RefusesWhatReadersWouldCut) {
+  const auto written = [](std::size_t length) {
+    const auto repository = MakeEmptyHostileRepository();
+    const auto instance = repository->Find("Hostile_Everything")->CreateInstance({});
+    instance->SetProperty("Key", NQZMVTQ20::TCIMValue(std::string(length, 'x')), {});
+    instance->Commit({});
+    return Written("csv", *repository);
+  };
+  EXPECT_THAT(written(32767), testing::HasSubstr("xxx"));
+  EXPECT_THROW(written(32768), std::runtime_error);
+}
+
 TEST(CsvWriter, WithoutInstancesWritesOnlyTheHeader) {
   EXPECT_EQ(Written("csv", *MakeEmptyRepository(), {"QZMSG_PCIRawData"}),
             "class,path,Command,RawResult\r\n");

@@ -352,7 +352,7 @@ TEST(Program, AClosedStandardOutputIsReported) {
 }
 
 TEST(Program, AClosedPipeEndsItQuietly) {
-  for (const char* format : {"table", "json", "jsonl", "csv", "yaml", "mof", "cim-xml"}) {
+  for (const char* format : {"table", "json", "jsonl", "yaml", "mof", "cim-xml"}) {
     const RunResult result = RunShell(
         std::string(
             "$PCIINFO --only-plugin ${PLUGINS}long_listing.pi.so instances QZMSG_PCIRawData "
@@ -361,6 +361,15 @@ TEST(Program, AClosedPipeEndsItQuietly) {
     EXPECT_EQ(result.status, 141) << format;
     EXPECT_EQ(result.err, "");
   }
+}
+
+TEST(Program, ALongListingIsNotWrittenAsCsv) {
+  const RunResult result =
+      RunFake("long_listing", {"instances", "QZMSG_PCIRawData", "--format", "csv"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, AllOf(HasSubstr("QZMSG_PCIRawData does not fit into CSV: its RawResult"),
+                                HasSubstr("--format jsonl")));
 }
 
 TEST(Program, ALongListingArrivesInFull) {

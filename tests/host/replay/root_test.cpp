@@ -130,6 +130,22 @@ TEST_F(Root, AcceptsADirectoryMadeByHand) {
   EXPECT_THAT(result.err, HasSubstr("this capture holds no SMBIOS tables"));
 }
 
+TEST_F(Root, AdvisesToCaptureAsRootOnlyWhereThatHelps) {
+  const auto told = [this](const std::string& unread) {
+    return RunPciinfo({"--root",
+                       Archive({{"manifest.json",
+                                 R"({"formatVersion": 1, "capturedAt": "2026-01-31T23:59:59Z", )"
+                                 R"("unread": [)" +
+                                     unread + "]}"}}),
+                       "slots"})
+        .err;
+  };
+  EXPECT_THAT(told(""), HasSubstr("the captured machine shows no SMBIOS tables"));
+  EXPECT_THAT(told(""), testing::Not(HasSubstr("root")));
+  EXPECT_THAT(told(R"({"path": "sys/firmware/dmi/tables/DMI", "reason": "Permission denied"})"),
+              HasSubstr("only root can capture them"));
+}
+
 TEST_F(Root, ReadsAnArchiveFromStandardInput) {
   const RunResult result = RunShell("$PCIINFO --root - < " + Archive(SmallMachine()));
   EXPECT_THAT(result.out, HasSubstr("00:01.0  Intel "));

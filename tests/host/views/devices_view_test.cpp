@@ -62,5 +62,42 @@ TEST(DevicesView, WritesJson) {
   EXPECT_EQ(functions[5]["link"]["maxWidth"], 16);
 }
 
+TEST(DevicesView, WritesAllColumnsAsCsv) {
+  OutputToText output;
+  WriteDevicesCsv(output.Get(), MachineOfDevices(), {});
+  const auto lines = LinesOf(output.Text());
+  ASSERT_EQ(lines.size(), 13U);
+  EXPECT_EQ(lines[0],
+            "\"address\",\"id\",\"class\",\"name\",\"driver\",\"link\",\"numa\",\"slot\"\r");
+  EXPECT_EQ(lines[6],
+            "\"0000:01:00.0\",\"10de:1b80\",\"VGA compatible controller\","
+            "\"NVIDIA GP104 [GeForce GTX 1080]\",\"nouveau\",\"x8 of x16, 8 of 16 GT/s\",,"
+            "\"PCIEX16_1\"\r");
+}
+
+TEST(DevicesView, WritesTheChosenColumnsAsCsv) {
+  OutputToText output;
+  WriteDevicesCsv(output.Get(), MachineOfDevices(), {"slot", "address"});
+  EXPECT_EQ(LinesOf(output.Text())[6], "\"PCIEX16_1\",\"0000:01:00.0\"\r");
+}
+
+TEST(DevicesView, WritesALineOfJsonForEachFunction) {
+  OutputToText json;
+  WriteDevicesJson(json.Get(), MachineOfDevices());
+  OutputToText output;
+  WriteDevicesJsonLines(output.Get(), MachineOfDevices());
+  const auto lines = LinesOf(output.Text());
+  ASSERT_EQ(lines.size(), 12U);
+  EXPECT_EQ(nlohmann::json::parse(lines[5]), nlohmann::json::parse(json.Text())["functions"][5]);
+}
+
+TEST(DevicesView, WritesYaml) {
+  OutputToText output;
+  WriteDevicesYaml(output.Get(), MachineOfDevices());
+  EXPECT_THAT(output.Text(), HasSubstr("functions:\n  - address: \"0000:00:00.0\"\n"));
+  EXPECT_THAT(output.Text(), HasSubstr("\n    vendorID: 32902\n"));
+  EXPECT_THAT(output.Text(), HasSubstr("\n    link:\n      width: 8\n"));
+}
+
 }  // namespace
 }  // namespace pciinfo

@@ -17,11 +17,12 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-std::string Table(const MachineModel& machine, std::optional<std::size_t> width = {}) {
+std::string Table(const MachineModel& machine, std::optional<std::size_t> width = {},
+                  const std::vector<std::string>& columns = {}) {
   OutputToText output;
   Terminal terminal;
   terminal.width = width;
-  WriteSlotsTable(output.Get(), machine, terminal);
+  WriteSlotsTable(output.Get(), machine, columns, terminal);
   return output.Text();
 }
 
@@ -95,6 +96,48 @@ TEST(SlotsView, WritesJson) {
   EXPECT_EQ(document["unknown"][0]["address"], "0000:04:00.0");
   EXPECT_EQ(document["conflicts"][0]["slot"], "M2_1");
   EXPECT_EQ(document["onBoard"].size(), 5U);
+}
+
+std::vector<std::string> CsvLines(const MachineModel& machine,
+                                  const std::vector<std::string>& columns = {}) {
+  OutputToText output;
+  WriteSlotsCsv(output.Get(), machine, columns);
+  return LinesOf(output.Text());
+}
+
+TEST(SlotsView, WritesALineOfCsvForEachFunctionInASlot) {
+  const auto lines = CsvLines(TopologyMachine());
+  ASSERT_EQ(lines.size(), 9U);
+  EXPECT_EQ(lines[0],
+            "\"slot\",\"firmware\",\"port\",\"width\",\"link\",\"state\",\"certainty\","
+            "\"address\",\"card\"\r");
+  EXPECT_THAT(lines[1], HasSubstr("\"in use\",\"certain\",\"0000:01:00.0\",\"NVIDIA GP104"));
+  EXPECT_THAT(lines[2], HasSubstr("\"0000:01:00.1\""));
+  EXPECT_THAT(lines[3], testing::EndsWith(",,,\r"));
+}
+
+TEST(SlotsView, ShowsTheColumnsThatAreAskedFor) {
+  EXPECT_EQ(CsvLines(TopologyMachine(), {"address", "slot"})[1],
+            "\"0000:01:00.0\",\"PCIEX16_1\"\r");
+  const auto lines = LinesOf(Table(TopologyMachine(), 40, {"state", "slot"}));
+  EXPECT_EQ(lines[0], "STATE    SLOT");
+  EXPECT_EQ(lines[1], "in use   PCIEX16_1");
+}
+
+TEST(SlotsView, WritesYamlWithTheContentOfJson) {
+  OutputToText output;
+  WriteSlotsYaml(output.Get(), TopologyMachine());
+  EXPECT_THAT(output.Text(), testing::StartsWith("slots:\n  - name: \"PCIEX16_1\"\n"));
+  EXPECT_THAT(output.Text(), HasSubstr("\n    recordHandle: 1\n"));
+  EXPECT_THAT(output.Text(), HasSubstr("\nshared:\n"));
+}
+
+TEST(SlotsView, WritesALineOfJsonForEachSlot) {
+  OutputToText output;
+  WriteSlotsJsonLines(output.Get(), TopologyMachine());
+  const auto lines = LinesOf(output.Text());
+  ASSERT_EQ(lines.size(), 7U);
+  EXPECT_EQ(nlohmann::json::parse(lines[0]), Document(TopologyMachine())["slots"][0]);
 }
 
 TEST(SlotsView, OfAnEmptyMachineIsEmpty) {

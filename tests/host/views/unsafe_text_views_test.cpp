@@ -74,7 +74,7 @@ TEST(UnsafeTextInViews, OfDevicesAndSlots) {
   const MachineModel machine = MakeUnsafeMachine();
   ExpectSafe([&](Output& output) { WriteDevicesTable(output, machine, {}, {}); });
   ExpectSafe([&](Output& output) { WriteDevicesJson(output, machine); });
-  ExpectSafe([&](Output& output) { WriteSlotsTable(output, machine, {}); });
+  ExpectSafe([&](Output& output) { WriteSlotsTable(output, machine, {}, {}); });
   ExpectSafe([&](Output& output) { WriteSlotsJson(output, machine); });
 }
 
