@@ -12,8 +12,6 @@ namespace {
 
 using IndexByPath = std::map<std::string, std::size_t, std::less<>>;
 
-constexpr const char* kFunctionClass = "VTQ_PCIFunction";
-constexpr const char* kSlotClass = "VTQ_PCISlot";
 constexpr const char* kFunctionInSlotClass = "VTQ_PCIFunctionInSlot";
 constexpr const char* kSharedPortClass = "VTQ_PCISharedPort";
 
