@@ -9,6 +9,7 @@
 #include <cctype>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <set>
 
 #include "tests/host/captures.h"
@@ -94,6 +95,47 @@ TEST_P(CapturedDiffs, EveryRevisionOfAnInstanceThatIsChangedIsFound) {
     found.insert(change["path"].get<std::string>());
   }
   EXPECT_EQ(found, expected);
+}
+
+/// The buses behind bridges, as "0000:03".
+std::set<std::string> BusesBehindBridges(const json& document) {
+  std::set<std::string> buses;
+  for (const json& instance : document["instances"]) {
+    const json& properties = instance["properties"];
+    if (instance["class"] != "VTQ_PCIFunction" || !properties.contains("ParentPort")) continue;
+    const auto address = properties["Address"].get<std::string>();
+    buses.insert(address.substr(0, address.rfind(':')));
+  }
+  return buses;
+}
+
+/// Gives each bus behind a bridge the number of the next one, in all addresses of a text.
+std::string WithOtherBuses(const std::string& text, const std::set<std::string>& buses) {
+  const std::regex address("([0-9a-f]{4,}:[0-9a-f]{2})(?=:[0-9a-f]{2}\\.[0-7])");
+  std::string changed;
+  auto rest = text.cbegin();
+  for (std::sregex_iterator match(text.begin(), text.end(), address), end; match != end; ++match) {
+    changed.append(rest, (*match)[0].first);
+    const auto bus = buses.find(match->str());
+    const auto next = bus == buses.end() ? bus : std::next(bus);
+    changed += bus == buses.end() ? match->str() : next == buses.end() ? *buses.begin() : *next;
+    rest = (*match)[0].second;
+  }
+  return changed.append(rest, text.cend());
+}
+
+TEST_P(CapturedDiffs, OtherNumbersOfBusesAreAllThatIsToldOfThem) {
+  const vtq::TemporaryDirectory directory;
+  const json document = InstancesOf(GetParam(), true);
+  const std::set<std::string> buses = BusesBehindBridges(document);
+  const std::string before = directory.Write("before.json", document.dump());
+  const std::string after = directory.Write("after.json", WithOtherBuses(document.dump(), buses));
+  std::set<std::string> found;
+  for (const json& change : ChangesBetween(before, after)) {
+    EXPECT_EQ(change["subject"], "buses") << change;
+    found.insert(change["old"].get<std::string>());
+  }
+  EXPECT_EQ(found, buses.size() > 1 ? buses : std::set<std::string>());
 }
 
 /// The links to drivers in an unpacked capture.
