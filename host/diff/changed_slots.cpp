@@ -89,25 +89,36 @@ std::set<std::string> SourcesOf(const MachineModel& machine) {
   return sources;
 }
 
+/// One side of a comparison, whose slots may have no partner on the other side.
+struct SlotSide {
+  const MachineModel& machine;
+  const std::vector<std::optional<std::size_t>>& partners;
+  const MachineModel& other;
+  DiffSideName otherName;
+};
+
 /// Adds the slots that only one side has as one object. A side without any slot of their source may
 /// not have been able to read it.
-void AddAlone(const MachineModel& machine, const std::vector<std::optional<std::size_t>>& partners,
-              const std::set<std::string>& otherSources, ObjectChange change,
-              DiffSideName unknownIn, UnknownFacts& unknown, std::vector<ObjectChange>& changes) {
+void AddAlone(const SlotSide& side, UnknownFacts& unknown, std::vector<ObjectChange>& changes) {
+  const bool isNew = side.otherName == DiffSideName::kBefore;
+  const std::set<std::string> otherSources = SourcesOf(side.other);
   std::vector<std::string> names;
-  for (std::size_t i = 0; i < machine.slots.size(); ++i) {
-    const MachineSlot& slot = machine.slots[i];
-    if (partners[i] || !slot.IsNamed()) continue;
+  ObjectChange change;
+  for (std::size_t i = 0; i < side.machine.slots.size(); ++i) {
+    const MachineSlot& slot = side.machine.slots[i];
+    if (side.partners[i] || !slot.IsNamed()) continue;
     if (!otherSources.contains(slot.source)) {
-      unknown.Add(unknownIn, {Printable(slot.source), "", std::nullopt}, "slot");
+      unknown.Add(side.otherName, {Printable(slot.source), "", std::nullopt}, "slot");
       continue;
     }
-    names.push_back(NameOf(slot, machine));
+    names.push_back(NameOf(slot, side.machine));
     change.slots.push_back(slot.name);
   }
   if (names.empty()) return;
+  change.op = isNew ? ObjectChange::Op::kAdd : ObjectChange::Op::kRemove;
   change.subject = "slot";
   change.label = fmt::format("{}", fmt::join(names, ", "));
+  change.facts = {{"", {}, {}, isNew ? "added" : "removed"}};
   changes.push_back(std::move(change));
 }
 
@@ -117,16 +128,10 @@ std::vector<ObjectChange> ChangedSlots(const MachineState& before, const Machine
                                        const MachinePairs& pairs, const DiffScope& scope,
                                        UnknownFacts& unknown) {
   std::vector<ObjectChange> changes;
-  ObjectChange removed;
-  removed.op = ObjectChange::Op::kRemove;
-  removed.facts = {{"", {}, {}, "removed"}};
-  AddAlone(before.model, pairs.slots.toAfter, SourcesOf(after.model), removed, DiffSideName::kAfter,
-           unknown, changes);
-  ObjectChange added;
-  added.op = ObjectChange::Op::kAdd;
-  added.facts = {{"", {}, {}, "added"}};
-  AddAlone(after.model, pairs.slots.toBefore, SourcesOf(before.model), added, DiffSideName::kBefore,
-           unknown, changes);
+  AddAlone({before.model, pairs.slots.toAfter, after.model, DiffSideName::kAfter}, unknown,
+           changes);
+  AddAlone({after.model, pairs.slots.toBefore, before.model, DiffSideName::kBefore}, unknown,
+           changes);
   const SlotComparison comparison(before, after, pairs, scope, unknown);
   for (std::size_t i = 0; i < after.model.slots.size(); ++i) {
     if (!pairs.slots.toBefore[i]) continue;

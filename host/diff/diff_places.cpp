@@ -40,15 +40,26 @@ std::optional<FactChange> PlaceComparison::Compare(const StateFunction& old,
   const MachineSlot* const newSlot = NamedSlotOf(now.Get(), after_.model);
   if (oldSlot != nullptr && newSlot != nullptr) {
     if (pairs_.slots.toBefore[*now.Get().slot] == old.Get().slot) return std::nullopt;
-    const std::string from = NameOf(*oldSlot, before_.model);
-    const std::string to = NameOf(*newSlot, after_.model);
-    return FactChange{"Slot", from, to, fmt::format("moved from {} to {}", from, to)};
+    return OtherSlot(old.Get(), now.Get());
   }
   auto change = ComparePorts(old.Get(), now.Get());
   if (change || (oldSlot == nullptr) == (newSlot == nullptr)) return change;
   const auto side = oldSlot == nullptr ? DiffSideName::kBefore : DiffSideName::kAfter;
   unknown_.Add(side, {"Slot", "slot", std::nullopt}, "function");
   return std::nullopt;
+}
+
+/// A card that is behind the same port has not moved: the two sides name its slot differently.
+FactChange PlaceComparison::OtherSlot(const MachineFunction& old,
+                                      const MachineFunction& now) const {
+  const std::string from = NameOf(before_.model.slots[*old.slot], before_.model);
+  const std::string to = NameOf(after_.model.slots[*now.slot], after_.model);
+  const MachineFunction* const parent = NewParent(old);
+  const bool isSamePort = parent != nullptr && now.parentPort == parent->address &&
+                          old.address.address.device == now.address.address.device;
+  if (!isSamePort) return {"Slot", from, to, fmt::format("moved from {} to {}", from, to)};
+  return {"Place", from, to,
+          fmt::format("in {}, was in {}, although the port is the same", to, from)};
 }
 
 /// The new port that corresponds to the one which led to an old function.

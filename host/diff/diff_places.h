@@ -21,6 +21,7 @@ class PlaceComparison final {
   std::optional<FactChange> Compare(const StateFunction& old, const StateFunction& now);
 
  private:
+  FactChange OtherSlot(const MachineFunction& old, const MachineFunction& now) const;
   std::optional<FactChange> ComparePorts(const MachineFunction& old, const MachineFunction& now);
   const MachineFunction* NewParent(const MachineFunction& old) const;
 

@@ -195,6 +195,17 @@ TEST(MachineDiff, ASlotThatWasUnknownIsNoMove) {
               UnorderedElementsAre("A: 1 slot (SMBIOS record)", "A: slot of 1 function"));
 }
 
+TEST(MachineDiff, AnotherNameForThePlaceIsNoMove) {
+  const auto make = [](const char* slot) {
+    MadeMachine machine;
+    machine.RootPort("0000:00:01.0", 1).Card("0000:01:00.0", 0x1521, "0000:00:01.0");
+    machine.Slot("A", 1, {}).Slot("B", 2, {}).Put("0000:01:00.0", slot);
+    return machine;
+  };
+  EXPECT_THAT(Differences(make("A"), make("B")),
+              ElementsAre("function 01:00.0: in B, was in A, although the port is the same"));
+}
+
 TEST(MachineDiff, ACardOutsideNamedSlotsIsBehindAnotherPort) {
   const auto make = [](const char* address, const char* port) {
     MadeMachine machine;
