@@ -15,9 +15,12 @@
 #include "host/base/namespace_name.h"
 #include "host/cli/jobs.h"
 #include "host/console/output.h"
-#include "host/diff/diff.h"
-#include "host/diff/diff_view.h"
+#include "host/diff/identity_facts.h"
+#include "host/diff/machine_diff.h"
+#include "host/diff/machine_diff_view.h"
 #include "host/formats/json_reader.h"
+#include "host/instance_diff/instance_diff.h"
+#include "host/instance_diff/instance_diff_view.h"
 #include "host/process/guarded_run.h"
 
 namespace pciinfo {
@@ -49,11 +52,12 @@ void CheckSides(const Options& options) {
 
 void CheckIgnored(const std::vector<std::string>& ignored, const Classes& declared) {
   std::set<std::string> known(DerivedProperties().begin(), DerivedProperties().end());
+  for (std::string& name : DerivedMachineProperties()) known.insert(std::move(name));
   for (const vtq::ClassSchema& schema : declared) {
     for (const vtq::PropertySchema& property : schema.properties) known.insert(property.name);
   }
   for (const std::string& name : ignored) {
-    if (known.count(name) != 0) continue;
+    if (known.contains(name)) continue;
     throw UsageError(fmt::format("--ignore: there is no property \"{}\"; the properties are {}",
                                  name, fmt::join(known, ", ")));
   }
@@ -70,32 +74,79 @@ std::shared_ptr<vtq::Namespace> ReadSide(const DiffSide& side, const Classes& de
   return repository;
 }
 
-void TellLeftOut(const DiffSide& side, const std::vector<std::string>& classes) {
+void TellLeftOut(const std::string& side, const std::vector<std::string>& classes) {
   if (classes.empty()) return;
-  WriteMessage(fmt::format("{0}: not comparing {1}: this side has no instances of them", side.name,
+  WriteMessage(fmt::format("{}: not comparing {}: this side has no instances of them", side,
                            fmt::join(classes, ", ")));
 }
 
-ExitStatus CompareAndPrint(const Options& options, const Classes& declared, const DiffSide& before,
-                           const DiffSide& after, Worker& worker) {
-  worker.Confine({});
-  worker.Begin({"comparing", true, true});
-  const auto oldRepository = ReadSide(before, declared);
-  const auto newRepository = ReadSide(after, declared);
-  const std::set<std::string> ignored(options.ignored.begin(), options.ignored.end());
-  const DiffResult result = Compare({oldRepository.get(), before.isCollected},
-                                    {newRepository.get(), after.isCollected}, ignored);
-  worker.BeginOutput();
-  TellLeftOut(before, result.onlyNew);
-  TellLeftOut(after, result.onlyOld);
-  if (!result.hasCompared && !(result.onlyOld.empty() && result.onlyNew.empty())) {
+/// What is written, and how.
+struct DiffOutput {
+  DiffHeading heading;
+  bool asJson = false;
+  bool all = false;
+};
+
+bool PrintInstanceDiff(const DiffOutput& form, const InstanceDiffInput& before,
+                       const InstanceDiffInput& after, Output& output) {
+  const InstanceDiff diff = CompareInstances(before, after, form.heading.ignored);
+  TellLeftOut(form.heading.before, diff.onlyNew);
+  TellLeftOut(form.heading.after, diff.onlyOld);
+  if (!diff.hasCompared && !(diff.onlyOld.empty() && diff.onlyNew.empty())) {
     throw std::runtime_error("the two sides have no class in common: there is nothing to compare");
   }
+  const auto write = form.asJson ? &WriteInstanceDiffJson : &WriteInstanceDiff;
+  write(output, form.heading, diff);
+  return diff.changes.empty();
+}
+
+bool PrintMachineDiff(const DiffOutput& form, const MachineState& before, const MachineState& after,
+                      Output& output) {
+  const MachineDiff diff = CompareMachines(before, after, {form.all, form.heading.ignored});
+  for (const std::string& line : NotComparedLines(form.heading, diff)) WriteMessage(line);
+  if (form.asJson) {
+    WriteMachineDiffJson(output, form.heading, diff);
+  } else {
+    const bool hasDomains = before.model.HasDomains() || after.model.HasDomains();
+    WriteMachineDiff(output, form.heading, diff, hasDomains);
+  }
+  return diff.changes.empty();
+}
+
+MachineState StateOf(const DiffSide& side, const vtq::Namespace& repository) {
+  if (side.identity.empty()) return ReadState(repository, std::nullopt);
+  return ReadState(repository, ReadIdentityLine(side.identity));
+}
+
+/// The two sides of a comparison.
+struct SidePair {
+  Compared compared = Compared::kMachines;
+  DiffSide before;
+  DiffSide after;
+};
+
+DiffOutput OutputFor(const Options& options) {
+  return {{options.diffBefore, options.diffAfter, {options.ignored.begin(), options.ignored.end()}},
+          options.format == "json",
+          options.showAll};
+}
+
+ExitStatus CompareAndPrint(const Options& options, const Classes& declared, const SidePair& sides,
+                           Worker& worker) {
+  worker.Confine({});
+  worker.Begin({"comparing", true, true});
+  const auto before = ReadSide(sides.before, declared);
+  const auto after = ReadSide(sides.after, declared);
+  worker.BeginOutput();
   Output output(STDOUT_FILENO);
-  const auto write = options.format == "json" ? &WriteDiffJson : &WriteDiff;
-  write(output, {before.name, after.name, ignored}, result);
+  const DiffOutput form = OutputFor(options);
+  const bool areSame = sides.compared == Compared::kMachines
+                           ? PrintMachineDiff(form, StateOf(sides.before, *before),
+                                              StateOf(sides.after, *after), output)
+                           : PrintInstanceDiff(form, {before.get(), sides.before.isCollected},
+                                               {after.get(), sides.after.isCollected}, output);
   output.Flush();
-  return static_cast<ExitStatus>(result.changes.empty() ? kSaidSame : kSaidDifferent);
+  return static_cast<ExitStatus>(areSame ? kSaidSame : kSaidDifferent);
 }
 
 ExitStatus AnswerOf(int verdict, bool hasTroubles) {
@@ -104,18 +155,39 @@ ExitStatus AnswerOf(int verdict, bool hasTroubles) {
   return verdict == kSaidSame ? kSidesEqual : kSidesDiffer;
 }
 
+/// Machines are compared unless a file of saved instances does not tell of its machine.
+Compared ComparedIn(const DiffSource& before, const DiffSource& after) {
+  if (before.TellsMachine() && after.TellsMachine()) return Compared::kMachines;
+  for (const auto& [source, other] : {std::tie(before, after), std::tie(after, before)}) {
+    if (source.TellsMachine() || !other.TellsMachine()) continue;
+    WriteMessage(fmt::format(
+        "{}: comparing instances, because this file has neither {} nor {} (\"pciinfo instances "
+        "--all\" saves them)",
+        source.name, kFunctionClass, kSlotClass));
+  }
+  return Compared::kInstances;
+}
+
+SidePair ReadSides(const Options& options, const PluginSet& plugins, const CommandRunner& view) {
+  DiffSource before = OpenDiffSource(options.diffBefore, options);
+  DiffSource after = OpenDiffSource(options.diffAfter, options);
+  const Compared compared = ComparedIn(before, after);
+  compared == Compared::kMachines ? RequireMachineClasses(plugins)
+                                  : RequireInventoryClasses(plugins);
+  DiffSide old = ReadDiffSide(std::move(before), compared, options, view);
+  return {compared, std::move(old), ReadDiffSide(std::move(after), compared, options, view)};
+}
+
 ExitStatus CompareSides(const Options& options, const WorkRunner& compare,
                         const CommandRunner& view) {
   CheckSides(options);
   const PluginSet plugins = FindPlugins(options.plugins);
-  RequireInventoryClasses(plugins);
   const Classes& declared = plugins.declared.classes;
   CheckIgnored(options.ignored, declared);
-  const DiffSide before = ReadDiffSide(options.diffBefore, options, view);
-  const DiffSide after = ReadDiffSide(options.diffAfter, options, view);
-  const ExitStatus verdict = compare(
-      [&](Worker& worker) { return CompareAndPrint(options, declared, before, after, worker); });
-  return AnswerOf(verdict, before.hasTroubles || after.hasTroubles);
+  const SidePair sides = ReadSides(options, plugins, view);
+  const ExitStatus verdict =
+      compare([&](Worker& worker) { return CompareAndPrint(options, declared, sides, worker); });
+  return AnswerOf(verdict, sides.before.hasTroubles || sides.after.hasTroubles);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@
 
 #include "host/cli/limits.h"
 #include "host/console/output.h"
-#include "host/console/repeatable_input.h"
+#include "host/machine/machine_model.h"
 #include "host/process/guarded_run.h"
 #include "runtime/file_descriptor.h"
 
@@ -99,8 +99,19 @@ class KeptOutput final {
   rlimit limit_{};
 };
 
-DiffSide Collect(const std::string& name, Options options, const CommandRunner& run) {
-  options.command = Command::kInstances;
+/// Takes the first line, without its end, from a text.
+std::string TakeFirstLine(std::string& text) {
+  const std::size_t length = std::min(text.find('\n'), text.size());
+  std::string line = text.substr(0, length);
+  text.erase(0, length + 1);
+  return line;
+}
+
+/// Collects what is compared. Only then is the command `diff` run as a view, which prints a side.
+DiffSide Collect(const std::string& name, Compared compared, Options options,
+                 const CommandRunner& run) {
+  options.command = compared == Compared::kMachines ? Command::kDiff : Command::kInstances;
+  options.showAll = false;
   options.format = "json";
   const KeptOutput output(MostBytes(options));
   ExitStatus status = kFailed;
@@ -108,22 +119,35 @@ DiffSide Collect(const std::string& name, Options options, const CommandRunner& 
     const MessageSubject subject(name);
     status = RunGuarded([&] { return run(options); });
   }
-  std::string json = output.Read();
-  if (json.empty()) Fail(name, "could not be collected");
-  return {name, std::move(json), true, status != kAllCollected};
+  std::string text = output.Read();
+  if (text.empty()) Fail(name, "could not be collected");
+  std::string identity = compared == Compared::kMachines ? TakeFirstLine(text) : "";
+  return {name, std::move(identity), std::move(text), true, status != kAllCollected};
 }
 
 }  // namespace
 
-DiffSide ReadDiffSide(const std::string& name, const Options& options, const CommandRunner& run) {
+bool DiffSource::TellsMachine() const {
+  const auto names = [this](const char* className) {
+    return json.find(fmt::format("\"{}\"", className)) != std::string::npos;
+  };
+  return IsMachine() || names(kFunctionClass) || names(kSlotClass);
+}
+
+DiffSource OpenDiffSource(const std::string& name, const Options& options) {
+  if (name == "live") return {name, nullptr, ""};
+  auto input = std::make_unique<RepeatableInput>(name, InputLimitsOf(options));
+  std::string json = ReadJson(name, input->GetFile(), options);
+  return {name, std::move(input), std::move(json)};
+}
+
+DiffSide ReadDiffSide(DiffSource source, Compared compared, const Options& options,
+                      const CommandRunner& run) {
+  if (!source.IsMachine()) return {source.name, "", std::move(source.json), false, false};
   Options side = options;
   side.classes.clear();
-  if (name == "live") return Collect(name, std::move(side), run);
-  const RepeatableInput input(name, InputLimitsOf(options));
-  std::string json = ReadJson(name, input.GetFile(), options);
-  if (!json.empty()) return {name, std::move(json), false, false};
-  side.root = input.GetFile();
-  return Collect(name, std::move(side), run);
+  if (source.capture != nullptr) side.root = source.capture->GetFile();
+  return Collect(source.name, compared, std::move(side), run);
 }
 
 }  // namespace pciinfo

@@ -12,6 +12,8 @@
 #include "host/check/check_reader.h"
 #include "host/check/check_view.h"
 #include "host/collect/query_order.h"
+#include "host/diff/identity_facts.h"
+#include "host/diff/machine_state.h"
 #include "host/formats/instance_writer.h"
 #include "host/machine/machine_filter.h"
 #include "host/machine/machine_model.h"
@@ -177,9 +179,20 @@ Job ShowJob(const Options& options, const Classes& declared, const Terminal& ter
   return MakeView(ClassesToFind(declared, options.target), print);
 }
 
+/// Prints what one side of `diff` tells: a line with the machine's identity, then its instances.
+Job SideJob(const Classes& declared) {
+  const std::vector<std::string> classes = ComparedMachineClasses();
+  return MakeView(PlanQuery(declared, classes).collect,
+                  [classes](const Session& session, Output& output) {
+                    WriteIdentityLine(output, ReadIdentity());
+                    const auto writer = MakeInstanceWriter("json", output);
+                    WriteInstances(session.GetRepository(), classes, *writer);
+                  });
+}
+
 bool IsPartOfInventory(const Options& options) {
   if (options.command == Command::kInstances) return !options.filter.IsEmpty();
-  return options.command == Command::kCheck || options.command == Command::kDiff;
+  return options.command == Command::kCheck;
 }
 
 bool ShowsMachine(const Options& options) {
@@ -211,6 +224,10 @@ void RequireInventoryClasses(const PluginSet& plugins) {
   RequireClasses(plugins, {std::begin(kInventoryClasses), std::end(kInventoryClasses)});
 }
 
+void RequireMachineClasses(const PluginSet& plugins) {
+  RequireClasses(plugins, ComparedMachineClasses());
+}
+
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal) {
   if (IsPartOfInventory(options)) RequireInventoryClasses(plugins);
   if (ShowsMachine(options)) RequireClasses(plugins, MachineClasses());
@@ -230,8 +247,9 @@ Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& te
       return ShowJob(options, declared, terminal);
     case Command::kCheck:
       return CheckJob(options, declared);
-    case Command::kDiff:  // not run as jobs
-    case Command::kCapture:
+    case Command::kDiff:
+      return SideJob(declared);
+    case Command::kCapture:  // not run as jobs
     case Command::kSchema:
     case Command::kOverview:
       break;

@@ -30,7 +30,10 @@ struct Job {
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal);
 
 /// Throws std::runtime_error unless the classes of the inventory are declared, which `check` and
-/// `diff` read; it says what to do.
+/// `diff` of saved instances read; it says what to do.
 void RequireInventoryClasses(const PluginSet& plugins);
+
+/// The same for the classes of machines that `diff` reads.
+void RequireMachineClasses(const PluginSet& plugins);
 
 }  // namespace pciinfo

@@ -39,6 +39,9 @@ constexpr const char* kDiffFooter =
     "printed, - to read either of them from standard input, or \"live\" for this machine.\n"
     "--timeout and --memory-limit apply to each side.\n"
     "\n"
+    "What only one side tells is no difference; standard error says what that is. Files that\n"
+    "\"instances\" printed without --all are compared instance by instance.\n"
+    "\n"
     "Exit status (unlike other commands):\n"
     "  0    no differences\n"
     "  1    differences\n"
@@ -198,6 +201,8 @@ void AddDiff(CLI::App& app, Options& options) {
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->allow_extra_args(false);
+  diff->add_flag("--all", options.showAll,
+                 "Compare every property of functions and slots, also regions and interrupts");
   AddFormat(*diff, options.format, {"table", "json"});
   diff->footer(kDiffFooter);
 }

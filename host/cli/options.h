@@ -67,8 +67,9 @@ struct Options {
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
-  std::string target;    ///< of `show`: an address, a slot, or an object path
-  bool showAll = false;  ///< of `tree`: every function on its line; of `instances`: every class
+  std::string target;  ///< of `show`: an address, a slot, or an object path
+  /// Of `tree`: every function on its line; of `instances`: every class; of `diff`: every property.
+  bool showAll = false;
   SlotChoice slotChoice = SlotChoice::kAll;  ///< of `slots`
   std::vector<std::string> columns;  ///< of `devices` and `slots`; empty: the usual ones
   Filter filter;

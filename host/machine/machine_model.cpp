@@ -12,8 +12,6 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-constexpr const char* kFunctionClass = "VTQ_PCIFunction";
-constexpr const char* kSlotClass = "VTQ_PCISlot";
 constexpr const char* kFunctionInSlotClass = "VTQ_PCIFunctionInSlot";
 constexpr const char* kSharedPortClass = "VTQ_PCISharedPort";
 

@@ -127,6 +127,10 @@ struct MachineModel {
   std::vector<const MachineFunction*> FunctionsOf(const std::vector<std::size_t>& places) const;
 };
 
+/// The classes of functions and slots.
+inline constexpr const char* kFunctionClass = "VTQ_PCIFunction";
+inline constexpr const char* kSlotClass = "VTQ_PCISlot";
+
 /// The classes that ReadMachine reads.
 std::vector<std::string> MachineClasses();
 

@@ -11,6 +11,7 @@
 
 #include "host/base/namespace_name.h"
 #include "host/console/safe_json.h"
+#include "host/schema/diff_json_schema.h"
 #include "host/schema/slots_json_schema.h"
 #include "host/schema/views_json_schema.h"
 
@@ -117,23 +118,25 @@ Json Definitions(const std::vector<vtq::ClassSchema>& classes) {
   for (const vtq::ClassSchema& schema : classes) definitions[schema.name] = ClassJson(schema);
   definitions.update(Json::parse(kSlotsJsonSchema));
   definitions.update(Json::parse(kViewsJsonSchema));
+  definitions.update(Json::parse(kDiffJsonSchema));
   return definitions;
 }
 
 }  // namespace
 
 void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classes) {
-  const Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
-                       {"$id", std::string("urn:pciinfo:json-schema:") + kJsonSchemaVersion},
-                       {"title", "JSON of pciinfo"},
-                       {"description",
-                        "What pciinfo without a command, instances, slots, devices, tree and show "
-                        "print with --format json, and a line of --format jsonl. Keys may be added "
-                        "in later versions."},
-                       {"oneOf",
-                        {RefTo("overview"), RefTo("instances"), RefTo("instance"), RefTo("slots"),
-                         RefTo("devices"), RefTo("tree"), RefTo("shown")}},
-                       {"$defs", Definitions(classes)}};
+  const Json schema = {
+      {"$schema", "https://json-schema.org/draft/2020-12/schema"},
+      {"$id", std::string("urn:pciinfo:json-schema:") + kJsonSchemaVersion},
+      {"title", "JSON of pciinfo"},
+      {"description",
+       "What pciinfo without a command, instances, slots, devices, tree, show and "
+       "diff print with --format json, and a line of --format jsonl. Keys may be added "
+       "in later versions."},
+      {"oneOf",
+       {RefTo("overview"), RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
+        RefTo("tree"), RefTo("shown"), RefTo("diff")}},
+      {"$defs", Definitions(classes)}};
   output.Write(SafeJson(schema.dump(2)) + "\n");
 }
 

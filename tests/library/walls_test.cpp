@@ -43,15 +43,17 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"machine", {"base", "console", "formats", "model", "machine"}},
     {"schema", {"base", "console", "formats", "model", "schema"}},
     {"check", {"base", "console", "formats", "model", "check"}},
-    {"diff", {"base", "console", "formats", "model", "diff"}},
+    {"instance_diff", {"base", "console", "formats", "model", "instance_diff"}},
     {"collect", {"base", "console", "schema", "process", "collect"}},
     {"capture", {"base", "console", "process", "schema", "capture"}},
     {"replay", {"base", "console", "process", "capture", "replay"}},
     {"views", {"base", "console", "formats", "model", "machine", "schema", "collect", "views"}},
+    {"diff",
+     {"base", "console", "formats", "model", "machine", "views", "instance_diff", "diff"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
-     {"base", "console", "formats", "process", "model", "machine", "schema", "check", "diff",
-      "collect", "capture", "replay", "views", "cli"}},
+     {"base", "console", "formats", "process", "model", "machine", "schema", "check",
+      "instance_diff", "diff", "collect", "capture", "replay", "views", "cli"}},
 };
 
 struct Include {

@@ -25,10 +25,14 @@ using testing::StartsWith;
 
 class DiffCommand : public testing::Test {
  protected:
-  /// What the made-up machine prints, with a text put in the place of another.
+  /// The made-up machine's instances of the inventory, with a text put in the place of another.
   std::string MachineFile(const std::string& name, const std::string& from = "",
                           const std::string& to = "") const {
-    std::string text = RunFake("fixed", {"instances", "--format", "json"}).out;
+    std::string text =
+        RunFake("fixed", {"instances", "QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemSlot",
+                          "QZMSG_SystemBoard", "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice",
+                          "QZMSG_PCIRawData", "--format", "json"})
+            .out;
     for (std::size_t at = from.empty() ? std::string::npos : text.find(from);
          at != std::string::npos; at = text.find(from, at + to.size())) {
       text.replace(at, from.size(), to);
@@ -37,24 +41,30 @@ class DiffCommand : public testing::Test {
   }
 
   /// A capture of a machine with one device.
-  std::string CaptureDirectory(const std::string& name, const std::string& irq) const {
+  std::string CaptureDirectory(const std::string& name, char revision = '\1') const {
     const std::string capture = directory_.GetPath() + "/" + name;
     fs::create_directories(capture + "/proc/bus/pci/03");
     fs::create_directories(capture + "/commands");
-    std::ofstream(capture + "/proc/bus/pci/devices") << "0300\t80861533\t" << irq << "\n";
-    std::ofstream(capture + "/proc/bus/pci/03/00.0")
-        << "\x86\x80\x33\x15" << std::string(252, '\0');
+    std::ofstream(capture + "/proc/bus/pci/devices") << "0300\t80861533\t10\n";
+    std::string config = "\x86\x80\x33\x15" + std::string(252, '\0');
+    config[8] = revision;
+    std::ofstream(capture + "/proc/bus/pci/03/00.0") << config;
     for (const char* command : {"lspci", "lspci -vvv", "lspci -xxxx"}) {
       std::ofstream(capture + "/commands/" + command) << "03:00.0 Ethernet controller: X\n";
     }
     return capture;
   }
 
+  /// What the made-up machine tells of itself, as `instances --all` prints it.
+  std::string WholeMachineFile(const std::string& name) const {
+    return directory_.Write(name, RunFake("fixed", {"instances", "--all", "--format", "json"}).out);
+  }
+
   vtq::TemporaryDirectory directory_;
 };
 
 TEST_F(DiffCommand, APipeIsReadOnce) {
-  const std::string capture = CaptureDirectory("a", "10");
+  const std::string capture = CaptureDirectory("a");
   const std::string pack = "tar -C " + capture + " -cf - proc commands";
   const RunResult archive = RunShell("$PCIINFO diff <(" + pack + ") " + capture);
   EXPECT_EQ(archive.status, 0) << archive.out << archive.err;
@@ -96,23 +106,64 @@ TEST_F(DiffCommand, ADifferenceIsStatusOne) {
   EXPECT_EQ(document["changes"][0]["old"], 161);
 }
 
-TEST_F(DiffCommand, CapturesAreCompared) {
-  const std::string before = CaptureDirectory("a", "10");
-  const std::string after = CaptureDirectory("b", "11");
+TEST_F(DiffCommand, CapturesAreComparedAsMachines) {
+  const std::string before = CaptureDirectory("a");
+  const std::string after = CaptureDirectory("b", '\2');
   const RunResult result = RunPciinfo({"diff", before, after});
   EXPECT_EQ(result.status, 1) << result.err;
-  EXPECT_THAT(result.out, HasSubstr("    interrupt 16 -> 17\n"));
+  EXPECT_THAT(result.out, HasSubstr("    revision 01 -> 02\n"));
   EXPECT_THAT(result.err, AllOf(HasSubstr("pciinfo: " + before + ": this capture holds no SMBIOS"),
-                                HasSubstr("pciinfo: " + after + ": this capture holds no")));
-  const std::string kept = RunPciinfo({"instances", "--format", "json", "--root", before}).out;
-  EXPECT_EQ(RunPciinfo({"diff", directory_.Write("kept.json", kept), before}).status, 0);
+                                HasSubstr("pciinfo: " + after + ": this capture holds no"),
+                                Not(HasSubstr("not compared"))));
+  EXPECT_EQ(RunPciinfo({"diff", before, after, "--ignore", "Revision"}).status, 0);
+  const json document = json::parse(RunPciinfo({"diff", before, after, "--format", "json"}).out);
+  EXPECT_EQ(document["compared"], "machines");
+}
+
+TEST_F(DiffCommand, TheBiosOfCapturesIsCompared) {
+  for (const char* name : {"a", "b"}) {
+    const std::string identity = CaptureDirectory(name) + "/sys/class/dmi/id";
+    fs::create_directories(identity);
+    std::ofstream(identity + "/bios_version") << "version " << name << "\n";
+  }
+  const RunResult result = RunPciinfo({"diff", directory_ / "a", directory_ / "b"});
+  EXPECT_EQ(result.status, 1) << result.err;
+  EXPECT_THAT(result.out, EndsWith("~ machine\n    BIOS version version a -> version b\n"));
+}
+
+TEST_F(DiffCommand, MachinesAreComparedWithoutLspci) {
+  const std::string capture = CaptureDirectory("a");
+  fs::remove_all(capture + "/commands");
+  const RunResult result = RunPciinfo({"diff", capture, capture, "--log-level", "4"});
+  EXPECT_EQ(result.status, 0) << result.out;
+  EXPECT_THAT(result.err, Not(HasSubstr("lspci")));
+}
+
+TEST_F(DiffCommand, SavedInstancesOfAllClassesAreAMachine) {
+  const std::string saved = WholeMachineFile("all.json");
+  const RunResult live = RunFake("fixed", {"diff", saved, "live", "--format", "json"});
+  EXPECT_EQ(live.status, 0) << live.out;
+  EXPECT_EQ(json::parse(live.out)["compared"], "machines");
+  EXPECT_THAT(live.err, HasSubstr("pciinfo: " + saved +
+                                  ": not compared, because this side does not tell it: machine, "
+                                  "board and BIOS (saved instances do not tell it)"));
+}
+
+TEST_F(DiffCommand, SavedInstancesOfTheInventoryAreComparedAsInstances) {
+  const std::string saved = MachineFile("a.json");
+  const RunResult result = RunFake("fixed", {"diff", saved, "live", "--format", "json"});
+  EXPECT_EQ(result.status, 0) << result.out;
+  EXPECT_EQ(json::parse(result.out)["compared"], "instances");
+  EXPECT_THAT(result.err, HasSubstr("pciinfo: " + saved + ": comparing instances, because"));
 }
 
 TEST_F(DiffCommand, WhatCouldNotBeCollectedIsTrouble) {
-  const std::string before = CaptureDirectory("a", "10");
-  const std::string after = CaptureDirectory("b", "10");
+  const std::string before = CaptureDirectory("a");
+  const std::string saved = directory_.Write(
+      "a.json", RunPciinfo({"instances", "--format", "json", "--root", before}).out);
+  const std::string after = CaptureDirectory("b");
   fs::remove(after + "/proc/bus/pci/03/00.0");
-  const RunResult result = RunPciinfo({"diff", before, after});
+  const RunResult result = RunPciinfo({"diff", saved, after});
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.out, HasSubstr("- function 03:00.0"));
   EXPECT_THAT(result.err, HasSubstr("pciinfo: " + after + ": QZMSG_PCIDevice: "));
@@ -121,7 +172,7 @@ TEST_F(DiffCommand, WhatCouldNotBeCollectedIsTrouble) {
 TEST_F(DiffCommand, StandardInputMayBeJsonOrAnArchive) {
   const std::string machine = MachineFile("a.json");
   EXPECT_EQ(RunShell("$PCIINFO diff - " + machine + " <" + machine).status, 0);
-  const std::string capture = CaptureDirectory("b", "10");
+  const std::string capture = CaptureDirectory("b");
   const RunResult archive =
       RunShell("tar -C " + capture + " -cf - . | $PCIINFO diff " + capture + " -");
   EXPECT_EQ(archive.status, 0) << archive.err << archive.out;
@@ -193,7 +244,8 @@ TEST_F(DiffCommand, WrongUsageSaysWhatToDo) {
   EXPECT_THAT(error({machine, machine, "--root", "x"}), HasSubstr("leave out --root"));
   EXPECT_THAT(error({machine, machine, "--log-file", "x"}), HasSubstr("--log-file"));
   EXPECT_THAT(error({machine, machine, "--ignore", "Colour"}),
-              AllOf(HasSubstr("\"Colour\""), HasSubstr("LinkWidth"), HasSubstr("IRQ")));
+              AllOf(HasSubstr("\"Colour\""), HasSubstr("LinkWidth"), HasSubstr("IRQ"),
+                    HasSubstr("BiosVersion")));
 }
 
 TEST_F(DiffCommand, ACrashOfAPluginIsContained) {
@@ -204,6 +256,14 @@ TEST_F(DiffCommand, ACrashOfAPluginIsContained) {
   const RunResult hung = RunHostile("Hang Init", {"diff", machine, "live", "--timeout", "0.5"});
   EXPECT_EQ(hung.status, 2);
   EXPECT_THAT(hung.err, HasSubstr("pciinfo: live: could not be collected"));
+}
+
+TEST_F(DiffCommand, ACrashWhileAMachineIsCollectedIsContained) {
+  const std::string machine = WholeMachineFile("all.json");
+  const RunResult result = RunHostile("Abort VTQ_PCISharedPort", {"diff", machine, "live"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err,
+              HasSubstr("pciinfo: live: VTQ_PCISharedPort: the plug-in died by signal"));
 }
 
 TEST_F(DiffCommand, AFullDiskIsTroubleAndAClosedPipeIsQuiet) {

@@ -7,6 +7,9 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/diff/machine_diff_view.h"
+#include "host/instance_diff/instance_diff.h"
+#include "host/instance_diff/instance_diff_view.h"
 #include "host/views/devices_view.h"
 #include "host/views/overview.h"
 #include "host/views/show_view.h"
@@ -50,6 +53,36 @@ std::vector<std::string> ViewTexts() {
   });
   for (const char* name : {"01:00.0", "PCIEX16_1", "eth0"}) {
     add([&](Output& output) { WriteShownJson(output, *FindNamed(*repository, name)); });
+  }
+  return texts;
+}
+
+MachineDiff MadeMachineDiff() {
+  FactChange driver = {"Driver", "a", std::nullopt, "driver a -> (none)"};
+  ObjectChange changed = {ObjectChange::Op::kChange, "function", "a card", {{0, {1, 0, 0}}},
+                          {{0, {2, 0, 0}}},          {},         {driver}};
+  ObjectChange added = {ObjectChange::Op::kAdd, "slot", "A", {}, {}, {"A"},
+                        {{"", {}, {}, "added"}}};
+  return {{changed, added},
+          {{DiffSideName::kBefore, "SerialNumber", "serial number of 1 function", "a reason"}}};
+}
+
+/// The JSON output of `diff`: of machines and of instances, with and without changes.
+std::vector<std::string> DiffTexts() {
+  const DiffHeading heading = {"a", "b", {"IRQ"}};
+  std::vector<std::string> texts;
+  for (const MachineDiff& diff : {MadeMachineDiff(), MachineDiff()}) {
+    OutputToText output;
+    WriteMachineDiffJson(output.Get(), heading, diff);
+    texts.push_back(output.Text());
+  }
+  const auto before = MakeFixedRepository();
+  const auto after = MakeEmptyRepository();
+  for (const auto& other : {after, before}) {
+    OutputToText output;
+    const auto diff = CompareInstances({before.get(), true}, {other.get(), true}, {});
+    WriteInstanceDiffJson(output.Get(), heading, diff);
+    texts.push_back(output.Text());
   }
   return texts;
 }
@@ -112,6 +145,7 @@ TEST_F(JsonSchema, AcceptsTheProgramsOutput) {
   json documents = {json::parse(Written("json", *repository)),
                     json::parse(Written("json", *MakeEmptyRepository()))};
   for (const std::string& text : ViewTexts()) documents.push_back(json::parse(text));
+  for (const std::string& text : DiffTexts()) documents.push_back(json::parse(text));
   for (const std::string& line : LinesOf(Written("jsonl", *repository))) {
     documents.push_back(json::parse(line));
   }
@@ -147,6 +181,13 @@ TEST_F(JsonSchema, RejectsInvalidDocuments) {
   add(json::parse(views[1]), "/functions/0/class/base", 256);
   add(json::parse(views[1]), "/functions/0/id", "8086");
   add(json::parse(views[2]), "/buses/0/functions/1/functions/0/address", "1");
+  const std::vector<std::string> diffs = DiffTexts();
+  add(json::parse(diffs[0]), "/changes/0/op", "changed");
+  add(json::parse(diffs[0]), "/changes/0/functions/0", "01:00.0");
+  add(json::parse(diffs[0]), "/changes/1/slots/0", 1);
+  add(json::parse(diffs[0]), "/notCompared/0/unknownIn", "both");
+  add(json::parse(diffs[1]), "/compared", "both");
+  add(json::parse(diffs[2]), "/changes/0/subject", "card");
   add(json::parse(views[3]), "/counts/slots", "six");
   add(json::parse(views[4]), "/function/address", "01:00.0");
   add(json::parse(views[5]), "/slot/ports", "none");

@@ -7,7 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "host/check/check_view.h"
-#include "host/diff/diff_view.h"
+#include "host/diff/machine_diff_view.h"
+#include "host/instance_diff/instance_diff_view.h"
 #include "host/views/devices_view.h"
 #include "host/views/overview.h"
 #include "host/views/show_view.h"
@@ -114,15 +115,30 @@ TEST(UnsafeTextInViews, OfDifferences) {
   const auto after = MadeUnsafe(MakeFixedRepository());
   const std::string name = EveryUnsafeCharacter();
   const DiffHeading heading{name, "caf\xe9", {}};
-  const DiffResult result = Compare({before.get(), true}, {after.get(), true}, {});
+  const InstanceDiff result = CompareInstances({before.get(), true}, {after.get(), true}, {});
   ASSERT_FALSE(result.changes.empty());
-  ExpectSafe([&](Output& output) { WriteDiff(output, heading, result); });
-  ExpectSafe([&](Output& output) { WriteDiffJson(output, heading, result); });
+  ExpectSafe([&](Output& output) { WriteInstanceDiff(output, heading, result); });
+  ExpectSafe([&](Output& output) { WriteInstanceDiffJson(output, heading, result); });
   OutputToText output;
-  WriteDiffJson(output.Get(), heading, result);
+  WriteInstanceDiffJson(output.Get(), heading, result);
   const auto document = nlohmann::json::parse(output.Text());
   EXPECT_EQ(document["before"], name);
   EXPECT_EQ(document["after"], "caf\xc3\xa9");
+}
+
+TEST(UnsafeTextInViews, OfDifferencesOfMachines) {
+  MachineIdentity identity;
+  identity.biosVersion = EveryUnsafeCharacter();
+  const auto before = ReadState(*MakeTopologyRepository(), MachineIdentity());
+  auto after = ReadState(*MadeUnsafe(MakeTopologyRepository()), identity);
+  after.model.slots.clear();
+  after.slots.clear();
+  for (MachineFunction& function : after.model.functions) function.slot.reset();
+  const MachineDiff diff = CompareMachines(before, after, {true, {}});
+  const DiffHeading heading{EveryUnsafeCharacter(), "new", {}};
+  ASSERT_FALSE(diff.changes.empty());
+  ExpectSafe([&](Output& output) { WriteMachineDiff(output, heading, diff, false); });
+  ExpectSafe([&](Output& output) { WriteMachineDiffJson(output, heading, diff); });
 }
 
 TEST(UnsafeTextInCsv, IsReplacedOnATerminalOnly) {

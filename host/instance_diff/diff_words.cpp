@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff_words.h"
+#include "host/instance_diff/diff_words.h"
 
 #include <fmt/format.h>
 

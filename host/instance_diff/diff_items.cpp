@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff_items.h"
+#include "host/instance_diff/diff_items.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -9,6 +9,7 @@
 
 #include "host/console/text.h"
 #include "host/formats/value_text.h"
+#include "host/model/pair_by_keys.h"
 
 namespace pciinfo {
 namespace {
@@ -102,36 +103,28 @@ void SortItems(DiffItems& items) {
   });
 }
 
-void PairByKey(const DiffItems& before, const DiffItems& after, std::size_t level,
-               std::vector<const DiffItem*>& partners, std::vector<bool>& isTaken) {
-  std::map<std::string, std::vector<std::size_t>> free;
-  for (std::size_t i = before.size(); i-- > 0;) {
-    if (!isTaken[i] && !before[i].keys[level].empty()) free[before[i].keys[level]].push_back(i);
-  }
-  for (std::size_t i = 0; i < after.size(); ++i) {
-    if (partners[i] != nullptr || after[i].keys[level].empty()) continue;
-    const auto found = free.find(after[i].keys[level]);
-    if (found == free.end() || found->second.empty()) continue;
-    partners[i] = &before[found->second.back()];
-    isTaken[found->second.back()] = true;
-    found->second.pop_back();
-  }
+std::vector<PairingKeys> KeysOf(const DiffItems& items) {
+  std::vector<PairingKeys> keys;
+  keys.reserve(items.size());
+  for (const DiffItem& item : items) keys.push_back(item.keys);
+  return keys;
 }
 
 }  // namespace
 
 std::vector<DiffPair> PairItems(const DiffItems& before, const DiffItems& after) {
-  std::vector<const DiffItem*> partners(after.size(), nullptr);
-  std::vector<bool> isTaken(before.size(), false);
-  const std::size_t levels = before.empty() || after.empty() ? 0 : after.front().keys.size();
-  for (std::size_t level = 0; level < levels; ++level) {
-    PairByKey(before, after, level, partners, isTaken);
+  const auto partners = PairByKeys(KeysOf(before), KeysOf(after));
+  std::vector<bool> isPaired(before.size(), false);
+  for (const auto& partner : partners) {
+    if (partner) isPaired[*partner] = true;
   }
   std::vector<DiffPair> pairs;
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (!isTaken[i]) pairs.push_back({&before[i], nullptr});
+    if (!isPaired[i]) pairs.push_back({&before[i], nullptr});
   }
-  for (std::size_t i = 0; i < after.size(); ++i) pairs.push_back({partners[i], &after[i]});
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    pairs.push_back({partners[i] ? &before[*partners[i]] : nullptr, &after[i]});
+  }
   return pairs;
 }
 
@@ -183,7 +176,7 @@ DiffItems ItemsOf(const vtq::Namespace& repository, const std::string& className
   const auto cimClass = repository.Find(className);
   DiffItems items;
   for (const auto& instance : cimClass->GetInstances()) {
-    const std::string name = TextOf(*instance, key);
+    const std::string name = key.empty() ? instance->GetPath() : TextOf(*instance, key);
     items.push_back({cimClass, instance, Printable(name), {name}, {}, {}, false, {}, {}});
   }
   return items;

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/diff/diff.h"
+#include "host/instance_diff/instance_diff.h"
 #include "host/model/link_status.h"
 #include "host/model/pci_function.h"
 #include "runtime/repository.h"
@@ -53,7 +53,8 @@ DiffItems SlotItems(const vtq::Namespace& repository);
 DiffItems FunctionItems(const vtq::Namespace& repository, const std::set<std::string>& classes,
                         const std::map<std::string, std::string>& slotNames);
 
-/// Returns the instances of a class, identified by one key property.
+/// Returns the instances of a class, identified by one key property; by their path if `key` is
+/// empty.
 DiffItems ItemsOf(const vtq::Namespace& repository, const std::string& className,
                   const std::string& key);
 

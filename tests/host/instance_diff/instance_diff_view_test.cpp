@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff_view.h"
+#include "host/instance_diff/instance_diff_view.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,13 +17,13 @@ using NQZMVTQ20::TCIMValue;
 constexpr const char* kBefore = "old\x1b";
 
 template <class Write>
-std::string Written(Write write, const DiffResult& result) {
+std::string Written(Write write, const InstanceDiff& result) {
   OutputToText output;
   write(output.Get(), DiffHeading{kBefore, "new", {"IRQ"}}, result);
   return output.Text();
 }
 
-class DiffView : public testing::Test {
+class InstanceDiffView : public testing::Test {
  protected:
   void SetUp() override {
     after_->Find("QZMSG_PCIDevice")
@@ -34,9 +34,9 @@ class DiffView : public testing::Test {
         ->GetInstances()
         .front()
         ->SetProperty("Description", TCIMValue("caf\xe9"), {});
-    result_ = Compare({before_.get(), true}, {after_.get(), true}, {});
-    Change removed;
-    removed.op = Change::Op::kRemove;
+    result_ = CompareInstances({before_.get(), true}, {after_.get(), true}, {});
+    InstanceChange removed;
+    removed.op = InstanceChange::Op::kRemove;
     removed.subject = "slot";
     removed.label = "X";
     removed.from = before_->Find("QZMSG_SystemSlot")->GetInstances().front();
@@ -47,11 +47,11 @@ class DiffView : public testing::Test {
 
   std::shared_ptr<vtq::Namespace> before_ = MakeFixedRepository();
   std::shared_ptr<vtq::Namespace> after_ = MakeFixedRepository();
-  DiffResult result_;
+  InstanceDiff result_;
 };
 
-TEST_F(DiffView, TextGroupsChangesByObject) {
-  EXPECT_EQ(Written(&WriteDiff, result_),
+TEST_F(InstanceDiffView, TextGroupsChangesByObject) {
+  EXPECT_EQ(Written(&WriteInstanceDiff, result_),
             "--- old?\n+++ new\n"
             "~ function 01:00.0  10de:1b80  caf\xc3\xa9\n"
             "    description \"VGA compatible controller: NVIDIA Corporation GP104\" -> "
@@ -61,8 +61,8 @@ TEST_F(DiffView, TextGroupsChangesByObject) {
             "    removed\n");
 }
 
-TEST_F(DiffView, JsonHasCompleteValues) {
-  const json document = json::parse(Written(&WriteDiffJson, result_));
+TEST_F(InstanceDiffView, JsonHasCompleteValues) {
+  const json document = json::parse(Written(&WriteInstanceDiffJson, result_));
   EXPECT_EQ(document["before"], "old\x1b");
   EXPECT_EQ(document["ignored"], json({"IRQ"}));
   EXPECT_EQ(document["onlyBefore"], json({"QZMSG_PCIBridge"}));
@@ -80,9 +80,9 @@ TEST_F(DiffView, JsonHasCompleteValues) {
   EXPECT_FALSE(removed.contains("path"));
 }
 
-TEST_F(DiffView, SaysThatThereAreNoDifferences) {
-  EXPECT_EQ(Written(&WriteDiff, {}), "No differences.\n");
-  EXPECT_TRUE(json::parse(Written(&WriteDiffJson, {}))["changes"].empty());
+TEST_F(InstanceDiffView, SaysThatThereAreNoDifferences) {
+  EXPECT_EQ(Written(&WriteInstanceDiff, {}), "No differences.\n");
+  EXPECT_TRUE(json::parse(Written(&WriteInstanceDiffJson, {}))["changes"].empty());
 }
 
 }  // namespace

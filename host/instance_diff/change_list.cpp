@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/change_list.h"
+#include "host/instance_diff/change_list.h"
 
 #include <utility>
 
-#include "host/diff/diff_names.h"
-#include "host/diff/diff_words.h"
+#include "host/instance_diff/diff_names.h"
+#include "host/instance_diff/diff_words.h"
 
 namespace pciinfo {
 
@@ -30,8 +30,8 @@ bool IsOfSystem(const std::string& name) {
   return name == "SystemName" || name == "SystemCreationClassName";
 }
 
-Change ChangeOf(const DiffPair& pair, const std::string& subject) {
-  Change change;
+InstanceChange ChangeOf(const DiffPair& pair, const std::string& subject) {
+  InstanceChange change;
   change.subject = subject;
   for (const DiffItem* item : {pair.before, pair.after}) {
     if (item != nullptr) change.label = item->label;  // the new label if there are both
@@ -59,14 +59,14 @@ TCIMValue TextsValue(const std::vector<std::string>& texts) {
   return TCIMValue(TCIMValue::TCIMType(TCIMValue::TCIMType::kString), count, std::move(elements));
 }
 
-void ChangeList::Add(Change change) {
+void ChangeList::Add(InstanceChange change) {
   if (ignored_.count(change.property) == 0) changes_.push_back(std::move(change));
 }
 
 void ChangeList::AddWholeInstance(const DiffPair& pair, const std::string& subject,
                                   const std::string& where) {
-  Change change = ChangeOf(pair, subject);
-  change.op = pair.before == nullptr ? Change::Op::kAdd : Change::Op::kRemove;
+  InstanceChange change = ChangeOf(pair, subject);
+  change.op = pair.before == nullptr ? InstanceChange::Op::kAdd : InstanceChange::Op::kRemove;
   change.text = (pair.before == nullptr ? "added" : "removed") + where;
   Add(std::move(change));
 }
@@ -74,8 +74,8 @@ void ChangeList::AddWholeInstance(const DiffPair& pair, const std::string& subje
 void ChangeList::AddValue(const DiffPair& pair, const std::string& subject,
                           const std::string& property, TCIMValue before, TCIMValue after,
                           const std::string& text) {
-  Change change = ChangeOf(pair, subject);
-  change.op = property == kSlotProperty ? Change::Op::kMove : Change::Op::kReplace;
+  InstanceChange change = ChangeOf(pair, subject);
+  change.op = property == kSlotProperty ? InstanceChange::Op::kMove : InstanceChange::Op::kReplace;
   change.property = property;
   change.oldValue = std::move(before);
   change.newValue = std::move(after);

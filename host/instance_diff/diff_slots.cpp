@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff_slots.h"
+#include "host/instance_diff/diff_slots.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -12,7 +12,7 @@
 namespace pciinfo {
 
 /// One difference between two inventories.
-struct Change {
+struct InstanceChange {
   enum class Op {
     kAdd,      ///< an instance that only the new inventory has
     kRemove,   ///< an instance that only the old inventory has
@@ -21,7 +21,8 @@ struct Change {
   };
 
   Op op = Op::kReplace;
-  std::string subject;  ///< "function", "slot", "board", "listing", "association" or "system"
+  std::string subject;  ///< "function", "slot", "board", "listing", "association", "system"
+                        ///< or "instance" of another class
   std::string label;    ///< the changed object in words, printable
   std::shared_ptr<vtq::Instance> from;  ///< the instance in the old inventory; null if none
   std::shared_ptr<vtq::Instance> to;    ///< the instance in the new inventory; null if none
@@ -33,14 +34,14 @@ struct Change {
 };
 
 /// One inventory, and whether it covers all classes.
-struct DiffInput {
+struct InstanceDiffInput {
   const vtq::Namespace* repository = nullptr;
   /// If false, classes without instances may have been left out and are not compared.
   bool hasAllClasses = true;
 };
 
-struct DiffResult {
-  std::vector<Change> changes;
+struct InstanceDiff {
+  std::vector<InstanceChange> changes;
   /// Classes that only one inventory covers.
   std::vector<std::string> onlyOld;
   std::vector<std::string> onlyNew;
@@ -54,7 +55,7 @@ const std::vector<std::string>& DerivedProperties();
 /// Finds all differences except in the properties in `ignored`. Instances of the two inventories
 /// are paired by what they have in common (see PairItems), so that renumbered buses or tags do not
 /// turn them into other slots or functions.
-DiffResult Compare(const DiffInput& before, const DiffInput& after,
-                   const std::set<std::string>& ignored);
+InstanceDiff CompareInstances(const InstanceDiffInput& before, const InstanceDiffInput& after,
+                              const std::set<std::string>& ignored);
 
 }  // namespace pciinfo

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "host/diff/diff.h"
-#include "host/diff/diff_items.h"
+#include "host/instance_diff/diff_items.h"
+#include "host/instance_diff/instance_diff.h"
 
 namespace pciinfo {
 
@@ -36,13 +36,13 @@ class ChangeList final {
   /// Pairs the items and adds whatever differs.
   void ComparePairs(const DiffItems& before, const DiffItems& after, const std::string& subject);
 
-  std::vector<Change> Take() { return std::move(changes_); }
+  std::vector<InstanceChange> Take() { return std::move(changes_); }
 
  private:
-  void Add(Change change);
+  void Add(InstanceChange change);
 
   const std::set<std::string>& ignored_;
-  std::vector<Change> changes_;
+  std::vector<InstanceChange> changes_;
   std::set<std::string> reportedSystemChanges_;
 };
 

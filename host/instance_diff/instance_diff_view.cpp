@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff_view.h"
+#include "host/instance_diff/instance_diff_view.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,17 +14,17 @@ namespace {
 
 using nlohmann::json;
 
-/// Indexed by Change::Op.
+/// Indexed by InstanceChange::Op.
 constexpr const char* kOps[] = {"add", "remove", "move", "replace"};
 constexpr char kMarks[] = {'+', '-', '~', '~'};
 
-char MarkOf(const Change& change) { return kMarks[static_cast<std::size_t>(change.op)]; }
+char MarkOf(const InstanceChange& change) { return kMarks[static_cast<std::size_t>(change.op)]; }
 
-bool IsAddOrRemove(const Change& change) {
-  return change.op == Change::Op::kAdd || change.op == Change::Op::kRemove;
+bool IsAddOrRemove(const InstanceChange& change) {
+  return change.op == InstanceChange::Op::kAdd || change.op == InstanceChange::Op::kRemove;
 }
 
-bool AreAboutSameObject(const Change& left, const Change& right) {
+bool AreAboutSameObject(const InstanceChange& left, const InstanceChange& right) {
   return left.subject == right.subject && left.from == right.from && left.to == right.to;
 }
 
@@ -32,7 +32,7 @@ class JsonChanges final {
  public:
   explicit JsonChanges(Output& output) : output_(output) {}
 
-  void Write(const Change& change) {
+  void Write(const InstanceChange& change) {
     isFirst_ = true;
     output_.Write("{");
     Text("op", kOps[static_cast<std::size_t>(change.op)]);
@@ -41,7 +41,7 @@ class JsonChanges final {
     if (change.from != nullptr) Text("from", change.from->GetPath());
     if (change.to != nullptr) Text("path", change.to->GetPath());
     if (IsAddOrRemove(change)) {
-      WriteInstance(change.op == Change::Op::kAdd ? *change.to : *change.from);
+      WriteInstance(change.op == InstanceChange::Op::kAdd ? *change.to : *change.from);
     } else {
       Text("property", change.property);
       Value("old", change.oldValue);
@@ -78,14 +78,14 @@ class JsonChanges final {
 
 }  // namespace
 
-void WriteDiff(Output& output, const DiffHeading& heading, const DiffResult& result) {
+void WriteInstanceDiff(Output& output, const DiffHeading& heading, const InstanceDiff& result) {
   if (result.changes.empty()) {
     output.Write("No differences.\n");
     return;
   }
   output.Write("--- " + Printable(heading.before) + "\n+++ " + Printable(heading.after) + "\n");
-  const Change* last = nullptr;
-  for (const Change& change : result.changes) {
+  const InstanceChange* last = nullptr;
+  for (const InstanceChange& change : result.changes) {
     const bool isNew = last == nullptr || !AreAboutSameObject(*last, change);
     last = &change;
     const std::string head = std::string(1, MarkOf(change)) + ' ' + change.subject + ' ';
@@ -94,18 +94,16 @@ void WriteDiff(Output& output, const DiffHeading& heading, const DiffResult& res
   }
 }
 
-void WriteDiffJson(Output& output, const DiffHeading& heading, const DiffResult& result) {
-  json head = {{"before", ToUtf8(heading.before)},
-               {"after", ToUtf8(heading.after)},
-               {"onlyBefore", result.onlyOld},
-               {"onlyAfter", result.onlyNew},
-               {"ignored", heading.ignored}};
+void WriteInstanceDiffJson(Output& output, const DiffHeading& heading, const InstanceDiff& result) {
+  json head = {{"before", ToUtf8(heading.before)}, {"after", ToUtf8(heading.after)},
+               {"compared", "instances"},          {"onlyBefore", result.onlyOld},
+               {"onlyAfter", result.onlyNew},      {"ignored", heading.ignored}};
   std::string text = SafeJson(head.dump());
   text.pop_back();
   output.Write(text + ",\"changes\":[");
   JsonChanges changes(output);
   bool isFirst = true;
-  for (const Change& change : result.changes) {
+  for (const InstanceChange& change : result.changes) {
     output.Write(isFirst ? "\n" : ",\n");
     isFirst = false;
     changes.Write(change);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff_functions.h"
+#include "host/instance_diff/diff_functions.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

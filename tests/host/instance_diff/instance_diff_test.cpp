@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/diff/diff.h"
+#include "host/instance_diff/instance_diff.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/schema/class_file.h"
 #include "tests/host/fixed_repository.h"
+#include "tests/host/plugins/fixed_topology.h"
 
 namespace pciinfo {
 namespace {
@@ -85,22 +87,22 @@ class Machine {
 std::vector<std::string> Texts(const Machine& before, const Machine& after,
                                const std::set<std::string>& ignored = {}) {
   std::vector<std::string> texts;
-  for (const Change& change :
-       Compare({&before.Get(), true}, {&after.Get(), true}, ignored).changes) {
+  for (const InstanceChange& change :
+       CompareInstances({&before.Get(), true}, {&after.Get(), true}, ignored).changes) {
     texts.push_back(change.label.substr(0, change.label.find("  ")) + ": " + change.text);
   }
   return texts;
 }
 
-TEST(Diff, TheSameMachineDoesNotDiffer) {
+TEST(InstanceDiff, TheSameMachineDoesNotDiffer) {
   const auto before = MakeFixedRepository();
   const auto after = MakeFixedRepository();
-  const DiffResult result = Compare({before.get(), true}, {after.get(), true}, {});
+  const InstanceDiff result = CompareInstances({before.get(), true}, {after.get(), true}, {});
   EXPECT_THAT(result.changes, IsEmpty());
   EXPECT_TRUE(result.hasCompared);
 }
 
-TEST(Diff, FunctionsAreAddedAndRemoved) {
+TEST(InstanceDiff, FunctionsAreAddedAndRemoved) {
   Machine before, after;
   before.AddFunction(1, 0, 0xA);
   after.AddFunction(2, 0, 0xB, after.AddSlot("Tag 1", "X"));
@@ -109,7 +111,7 @@ TEST(Diff, FunctionsAreAddedAndRemoved) {
               ElementsAre("01:00.0: removed", "02:00.0: added (slot X (Tag 1))"));
 }
 
-TEST(Diff, ACardThatMovedIsTheSameCard) {
+TEST(InstanceDiff, ACardThatMovedIsTheSameCard) {
   Machine before, after;
   const auto oldSlot = before.AddSlot("Tag 1", "X", 1);
   before.AddSlot("Tag 2", "Y", 2);
@@ -122,7 +124,7 @@ TEST(Diff, ACardThatMovedIsTheSameCard) {
                           "02:00.0: address 01:00.0 -> 02:00.0"));
 }
 
-TEST(Diff, ACardOnARenumberedBusIsTheSameCard) {
+TEST(InstanceDiff, ACardOnARenumberedBusIsTheSameCard) {
   Machine before, after;
   for (int device = 0; device < 4; ++device) {
     before.AddFunction(3, device, static_cast<unsigned short>(device));
@@ -133,7 +135,7 @@ TEST(Diff, ACardOnARenumberedBusIsTheSameCard) {
   EXPECT_THAT(Texts(before, after), Contains("04:02.0: address 03:02.0 -> 04:02.0"));
 }
 
-TEST(Diff, EqualCardsArePairedByTheirSlots) {
+TEST(InstanceDiff, EqualCardsArePairedByTheirSlots) {
   Machine before, after;
   before.AddFunction(3, 0, 0xA, before.AddSlot("Tag 1", "X", 1));
   before.AddFunction(4, 0, 0xA, before.AddSlot("Tag 2", "Y", 2));
@@ -143,7 +145,7 @@ TEST(Diff, EqualCardsArePairedByTheirSlots) {
                                                 "05:00.0: address 04:00.0 -> 05:00.0"));
 }
 
-TEST(Diff, AnotherCardAtThePlaceIsAReplacement) {
+TEST(InstanceDiff, AnotherCardAtThePlaceIsAReplacement) {
   Machine before, after;
   before.AddFunction(3, 0, 0xA);
   after.AddFunction(3, 0, 0xB, nullptr, 2);
@@ -152,7 +154,7 @@ TEST(Diff, AnotherCardAtThePlaceIsAReplacement) {
                           "03:00.0: device 000a -> 000b", "03:00.0: hardware revision 01 -> 02"));
 }
 
-TEST(Diff, ARenumberedSlotIsTheSameSlot) {
+TEST(InstanceDiff, ARenumberedSlotIsTheSameSlot) {
   Machine before, after;
   before.AddFunction(3, 0, 0xA, before.AddSlot("Tag 1", "X", 1));
   after.AddSlot("Tag 1", "NEW", 9);
@@ -161,14 +163,14 @@ TEST(Diff, ARenumberedSlotIsTheSameSlot) {
               UnorderedElementsAre("NEW (Tag 1): added", "X (Tag 2): Tag: \"Tag 1\" -> \"Tag 2\""));
 }
 
-TEST(Diff, SaysThatASlotIsNowEmpty) {
+TEST(InstanceDiff, SaysThatASlotIsNowEmpty) {
   Machine before, after;
   before.AddSlot("Tag 1", "X", 1, 4);
   after.AddSlot("Tag 1", "X", 1, 3);
   EXPECT_THAT(Texts(before, after), ElementsAre("X (Tag 1): now empty: usage In use -> Available"));
 }
 
-TEST(Diff, ALinkThatIsDownHasNeitherWidthNorSpeed) {
+TEST(InstanceDiff, ALinkThatIsDownHasNeitherWidthNorSpeed) {
   Machine up, down;
   for (Machine* machine : {&up, &down}) machine->AddFunction(3, 0, 0xA);
   up.AddListing({"03:00.0 Something", "\t\tLnkSta:\tSpeed 8GT/s, Width x16"});
@@ -177,7 +179,7 @@ TEST(Diff, ALinkThatIsDownHasNeitherWidthNorSpeed) {
   EXPECT_THAT(Texts(down, up, {"RawResult"}), ElementsAre("03:00.0: link up: x16, 8GT/s"));
 }
 
-TEST(Diff, LinksComeFromTheListing) {
+TEST(InstanceDiff, LinksComeFromTheListing) {
   Machine before, after;
   for (Machine* machine : {&before, &after}) machine->AddFunction(3, 0, 0xA);
   before.AddListing({"03:00.0 Something", "\t\tLnkSta:\tSpeed 8GT/s, Width x16"});
@@ -190,7 +192,7 @@ TEST(Diff, LinksComeFromTheListing) {
                   "lspci -vvv: listing: 2 lines -> 2 lines; first difference at line 2: ")));
 }
 
-TEST(Diff, ReportsASystemNameOnce) {
+TEST(InstanceDiff, ReportsASystemNameOnce) {
   Machine before("old"), after("new");
   for (Machine* machine : {&before, &after}) {
     machine->AddFunction(1, 0, 0xA);
@@ -200,30 +202,53 @@ TEST(Diff, ReportsASystemNameOnce) {
   EXPECT_THAT(Texts(before, after, {"SystemName"}), IsEmpty());
 }
 
-TEST(Diff, ReportsOtherPropertiesByName) {
+TEST(InstanceDiff, ReportsOtherPropertiesByName) {
   const auto before = MakeFixedRepository();
   const auto after = MakeFixedRepository();
   const auto& device = after->Find("QZMSG_PCIDevice")->GetInstances().front();
   device->SetProperty("UINumber", TCIMValue(static_cast<unsigned char>(9)), {});
   device->SetProperty("MEMAddress", TCIMValue(), {});
-  const DiffResult result = Compare({before.get(), true}, {after.get(), true}, {});
+  const InstanceDiff result = CompareInstances({before.get(), true}, {after.get(), true}, {});
   ASSERT_EQ(result.changes.size(), 2U);
   EXPECT_EQ(result.changes[0].text, "memory addresses [0xf7000000, 0xe0000000] -> (not set)");
   EXPECT_EQ(result.changes[1].text, "UINumber: 1 -> 9");
   EXPECT_EQ(result.changes[1].oldValue, TCIMValue(static_cast<unsigned char>(1)));
 }
 
-TEST(Diff, DoesNotCompareClassesMissingFromJson) {
+TEST(InstanceDiff, DoesNotCompareClassesMissingFromJson) {
   const auto whole = MakeFixedRepository();
   Machine part;
   part.AddSlot("Tag 1", "PCIEX16_1");
-  const DiffResult result = Compare({whole.get(), true}, {&part.Get(), false}, {});
+  const InstanceDiff result = CompareInstances({whole.get(), true}, {&part.Get(), false}, {});
   EXPECT_TRUE(result.hasCompared);
   EXPECT_THAT(result.onlyOld, Contains("QZMSG_PCIDevice"));
   EXPECT_THAT(result.onlyNew, IsEmpty());
-  for (const Change& change : result.changes) EXPECT_EQ(change.subject, "slot") << change.text;
+  for (const InstanceChange& change : result.changes)
+    EXPECT_EQ(change.subject, "slot") << change.text;
   const auto empty = MakeEmptyRepository();
-  EXPECT_FALSE(Compare({whole.get(), false}, {empty.get(), false}, {}).hasCompared);
+  EXPECT_FALSE(CompareInstances({whole.get(), false}, {empty.get(), false}, {}).hasCompared);
+}
+
+/// Has the classes of the inventory without instances, and the invented machine's topology.
+std::shared_ptr<vtq::Namespace> MakeOtherClasses() {
+  auto repository = MakeEmptyRepository();
+  for (vtq::ClassSchema& schema : LoadClasses(TOPOLOGY_CLASS_FILE)) {
+    const std::string name = schema.name;
+    repository->Declare(std::move(schema));
+    fake::MakeTopologyInstances(*repository->Find(name));
+  }
+  return repository;
+}
+
+TEST(InstanceDiff, OtherClassesAreComparedByPath) {
+  const auto before = MakeOtherClasses();
+  const auto after = MakeOtherClasses();
+  const auto& slot = after->Find("VTQ_PCISlot")->GetInstances().front();
+  slot->SetProperty("State", TCIMValue("empty"), {});
+  const InstanceDiff result = CompareInstances({before.get(), false}, {after.get(), false}, {});
+  ASSERT_EQ(result.changes.size(), 1U);
+  EXPECT_EQ(result.changes[0].subject, "instance");
+  EXPECT_EQ(result.changes[0].text, "State: \"occupied\" -> \"empty\"");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/diff/change_list.h"
-#include "host/diff/diff_names.h"
+#include "host/instance_diff/change_list.h"
+#include "host/instance_diff/diff_names.h"
 
 namespace pciinfo {
 
