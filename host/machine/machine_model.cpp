@@ -148,6 +148,8 @@ MachineSlot ReadMachineSlot(Fields fields) {
   fields.Get(slot.portHotPlug, "PortHotPlug");
   fields.Get(slot.surpriseRemoval, "PortSurpriseRemoval");
   fields.Get(slot.cardPresent, "PortCardPresent");
+  fields.Get(slot.powerOn, "PowerOn");
+  fields.Get(slot.powerFault, "PowerFault");
   fields.Get(slot.outerSlot, "OuterSlot");
   fields.Get(slot.conflicts, "Conflicts");
   return slot;
