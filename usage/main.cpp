@@ -11,6 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "host/check/machine_checks.h"
 #include "host/cli/options.h"
 #include "host/schema/class_file.h"
 #include "usage/writers.h"
@@ -40,7 +41,7 @@ Usage UsageOfProgram(const std::vector<std::string>& classFiles) {
     for (const std::string& name : ReadClassFile(file, declared)) classes.push_back(name);
   }
   Options options;
-  return UsageOf(*BuildApp(options), classes);
+  return UsageOf(*BuildApp(options), classes, FindingCodes());
 }
 
 void WriteAll(const std::filesystem::path& directory, const Usage& usage,

@@ -23,6 +23,7 @@ ValueKind KindOf(const std::string& valueName) {
     return valueName.find(word) != std::string::npos;
   });
   if (isFile) return ValueKind::kFile;
+  if (valueName == "CODE") return ValueKind::kCode;
   return valueName == "CLASS" ? ValueKind::kClass : ValueKind::kOther;
 }
 
@@ -62,8 +63,9 @@ UsageCommand CommandOf(const CLI::App& app) {
 
 }  // namespace
 
-Usage UsageOf(const CLI::App& app, std::vector<std::string> classes) {
-  Usage usage{CommandOf(app), {}, std::move(classes)};
+Usage UsageOf(const CLI::App& app, std::vector<std::string> classes,
+              std::vector<std::string> codes) {
+  Usage usage{CommandOf(app), {}, std::move(classes), std::move(codes)};
   const auto isShown = [](const CLI::App* command) { return !command->get_group().empty(); };
   const std::vector<std::string> common = OptionNames(usage.program);
   for (const CLI::App* shown : app.get_subcommands(isShown)) {
@@ -85,6 +87,7 @@ std::vector<std::string> OptionNames(const UsageCommand& command, bool withValue
 }
 
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option) {
+  if (option.kind == ValueKind::kCode) return usage.codes;
   return option.kind == ValueKind::kClass ? usage.classes : option.choices;
 }
 

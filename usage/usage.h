@@ -11,7 +11,7 @@ class App;
 namespace pciinfo {
 
 /// The kinds of values that shells complete differently.
-enum class ValueKind { kNothing, kChoice, kFile, kClass, kOther };
+enum class ValueKind { kNothing, kChoice, kFile, kClass, kCode, kOther };
 
 /// An option or a positional argument.
 struct UsageOption {
@@ -40,15 +40,17 @@ struct Usage {
   UsageCommand program;
   std::vector<UsageCommand> commands;
   std::vector<std::string> classes;  ///< completions of a value of the kind kClass
+  std::vector<std::string> codes;    ///< the same of kCode: the codes of findings
 };
 
 /// Reads the definitions. Leaves out options that --help does not show.
-Usage UsageOf(const CLI::App& app, std::vector<std::string> classes);
+Usage UsageOf(const CLI::App& app, std::vector<std::string> classes,
+              std::vector<std::string> codes);
 
 /// The names of all options, or of those that take a value.
 std::vector<std::string> OptionNames(const UsageCommand& command, bool withValueOnly = false);
 
-/// Returns the possible values of an option: its choices or the classes.
+/// Returns the possible values of an option: its choices, the classes or the codes.
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option);
 
 }  // namespace pciinfo

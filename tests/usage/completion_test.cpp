@@ -53,7 +53,7 @@ TEST_F(Completion, BashProposesCommandsAndOptions) {
   EXPECT_EQ(Bash("water \"\""), "plants|log|");
   EXPECT_EQ(Bash("water pl"), "plants|");
   EXPECT_EQ(Bash("water --c"), "--can|");
-  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--colour|--dry|");
+  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--colour|--dry|--ignore|");
   EXPECT_EQ(Bash("water log --d"), "|");
 }
 
@@ -63,6 +63,7 @@ TEST_F(Completion, BashProposesValues) {
   EXPECT_EQ(Bash("water plants --colour ="), "red|blue|");
   EXPECT_EQ(Bash("water plants Mo"), "Moss|");
   EXPECT_EQ(Bash("water plants Fern \"\""), "Fern|Moss|");
+  EXPECT_EQ(Bash("water plants --ignore too-w"), "too-wet|");
 }
 
 TEST_F(Completion, BashProposesFiles) {

@@ -27,12 +27,13 @@ inline Usage MadeUsage() {
       ->check(CLI::IsMember(std::vector<std::string>{"red", "blue"}))
       ->default_str("red");
   plants->add_flag("--dry", flag, ".Only dry ones");
+  plants->add_option("--ignore", text, "Leave out")->type_name("CODE");
   plants->add_option("CLASS", texts, "Kinds of plants");
   plants->footer("All cans serve.\n\nOwn words.\n");
   CLI::App* log = app.add_subcommand("log", "Write down");
   log->add_option("FILE", text, "Where to")->required();
   log->footer("All cans serve.\n");
-  return UsageOf(app, {"Fern", "Moss"});
+  return UsageOf(app, {"Fern", "Moss"}, {"too-dry", "too-wet"});
 }
 
 }  // namespace pciinfo
