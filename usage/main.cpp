@@ -11,6 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "host/check/machine_checks.h"
 #include "host/cli/options.h"
 #include "host/model/filter.h"
 #include "host/schema/class_file.h"
@@ -43,6 +44,7 @@ Usage UsageOfProgram(const std::vector<std::string>& classFiles) {
   Options options;
   Usage usage = UsageOf(*BuildApp(options));
   usage.classes = classes;
+  usage.codes = FindingCodes();
   for (const std::string& key : FilterKeys()) usage.keys.push_back(key + "=");
   usage.listings = {"devices --columns address", "slots --columns slot --format csv"};
   return usage;

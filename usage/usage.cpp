@@ -26,6 +26,7 @@ ValueKind KindOf(const std::string& valueName) {
     return valueName.find(word) != std::string::npos;
   });
   if (isFile) return ValueKind::kFile;
+  if (valueName == "CODE") return ValueKind::kCode;
   if (valueName == "KEY=VALUE,...") return ValueKind::kKeys;
   if (valueName == "NAME") return ValueKind::kThing;
   return valueName == "CLASS" ? ValueKind::kClass : ValueKind::kOther;
@@ -77,7 +78,7 @@ const UsageOption* FindOption(const UsageCommand& command, const std::string& na
 }  // namespace
 
 Usage UsageOf(const CLI::App& app) {
-  Usage usage{CommandOf(app), {}, {}, {}, {}};
+  Usage usage{CommandOf(app), {}, {}, {}, {}, {}};
   const auto isShown = [](const CLI::App* command) { return !command->get_group().empty(); };
   for (const CLI::App* shown : app.get_subcommands(isShown)) {
     UsageCommand& command = usage.commands.emplace_back(CommandOf(*shown));
@@ -110,6 +111,7 @@ std::string ListingText(const Usage& usage) {
 }
 
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option) {
+  if (option.kind == ValueKind::kCode) return usage.codes;
   if (option.kind == ValueKind::kKeys) return usage.keys;
   return option.kind == ValueKind::kClass ? usage.classes : option.choices;
 }

@@ -17,6 +17,7 @@ enum class ValueKind {
   kList,  ///< choices, with commas between them
   kFile,
   kClass,
+  kCode,   ///< of a finding
   kKeys,   ///< KEY=VALUE, with commas between them
   kThing,  ///< something of the machine, which the program lists
   kOther
@@ -49,6 +50,7 @@ struct Usage {
   UsageCommand program;
   std::vector<UsageCommand> commands;
   std::vector<std::string> classes;  ///< completions of a value of the kind kClass
+  std::vector<std::string> codes;    ///< the same of kCode: the codes of findings
   std::vector<std::string> keys;     ///< "class=", of the kind kKeys
   /// Commands of the program that print completions of the kind kThing, a heading first, as a table
   /// of one column or as CSV.
@@ -56,7 +58,7 @@ struct Usage {
 };
 
 /// Reads the definitions. Leaves out options that --help does not show, and all that is not in the
-/// definitions: classes, keys and listings.
+/// definitions: classes, codes, keys and listings.
 Usage UsageOf(const CLI::App& app);
 
 /// The names of all options, or of those that take a value.
@@ -65,7 +67,7 @@ std::vector<std::string> OptionNames(const UsageCommand& command, bool withValue
 /// A shell command that lists the completions of the kind kThing, one a line.
 std::string ListingText(const Usage& usage);
 
-/// Returns the possible values of an option: its choices, the classes or the keys.
+/// Returns the possible values of an option: its choices, the classes, the codes or the keys.
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option);
 
 }  // namespace pciinfo

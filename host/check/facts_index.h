@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/check/check_facts.h"
+#include "host/check/class_facts.h"
 
 namespace pciinfo {
 
@@ -17,7 +17,7 @@ namespace pciinfo {
 /// Finds published functions by address. The facts must outlive it and must not change.
 class PublishedIndex final {
  public:
-  explicit PublishedIndex(const CheckFacts& facts) {
+  explicit PublishedIndex(const ClassFacts& facts) {
     for (const PublishedFunction& published : facts.published) {
       if (published.function.address) byAddress_.emplace(*published.function.address, &published);
     }
@@ -41,7 +41,7 @@ class PublishedIndex final {
 /// Finds the functions that the kernel knows. The facts must outlive it and must not change.
 class KernelIndex final {
  public:
-  explicit KernelIndex(const CheckFacts& facts) : facts_(facts) {
+  explicit KernelIndex(const ClassFacts& facts) : facts_(facts) {
     listed_.reserve(ListOf(facts).size());
     for (const ListedFunction& line : ListOf(facts)) listed_.push_back(line.address);
     std::sort(listed_.begin(), listed_.end());
@@ -57,14 +57,14 @@ class KernelIndex final {
   }
 
  private:
-  const CheckFacts& facts_;
+  const ClassFacts& facts_;
   std::vector<PciAddress> listed_;  ///< sorted
 };
 
 /// Finds the first published slot with a tag. The facts must outlive it and must not change.
 class SlotIndex final {
  public:
-  explicit SlotIndex(const CheckFacts& facts) {
+  explicit SlotIndex(const ClassFacts& facts) {
     byTag_.reserve(facts.slots.slots.size());
     for (const Slot& slot : facts.slots.slots) byTag_.emplace(slot.tag, &slot);
   }

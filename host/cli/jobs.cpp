@@ -9,12 +9,15 @@
 #include <stdexcept>
 #include <utility>
 
-#include "host/check/check_reader.h"
-#include "host/check/check_view.h"
+#include "host/check/class_checks.h"
+#include "host/check/class_facts_reader.h"
+#include "host/check/finding_view.h"
+#include "host/check/machine_checks.h"
 #include "host/collect/query_order.h"
 #include "host/diff/identity_facts.h"
 #include "host/diff/machine_state.h"
 #include "host/formats/instance_writer.h"
+#include "host/machine/function_details.h"
 #include "host/machine/machine_filter.h"
 #include "host/machine/machine_model.h"
 #include "host/machine/port_tree.h"
@@ -104,17 +107,29 @@ Job ClassesJob(const PluginSet& plugins) {
   return job;
 }
 
+std::vector<std::string> CheckedClasses(const Options& options) {
+  if (options.checksClasses) return {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
+  std::vector<std::string> classes = MachineClasses();
+  classes.emplace_back(kDetailsClass);
+  return classes;
+}
+
+std::vector<CheckFinding> FindingsOf(const Options& options, const vtq::Namespace& repository) {
+  if (!options.checksClasses) return FindWith(MachineChecks(), ReadMachineFacts(repository));
+  return FindWith(ClassChecks(), ReadClassFacts(repository, !options.root.empty()));
+}
+
 Job CheckJob(const Options& options, const Classes& declared) {
-  auto isDoubtful = std::make_shared<bool>(false);
-  const auto write = options.format == "json" ? &WriteFindingsJson : &WriteFindings;
-  Job job = MakeView(
-      PlanQuery(declared, {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"}).collect,
-      [=, isCapture = !options.root.empty()](const Session& session, Output& output) {
-        const auto findings = RunChecks(ReadCheckFacts(session.GetRepository(), isCapture));
-        *isDoubtful = AreDoubtful(findings);
-        write(output, findings);
-      });
-  job.answer = [isDoubtful] { return *isDoubtful ? kFailed : kAllCollected; };
+  auto hasFailed = std::make_shared<bool>(false);
+  const auto print = [options, hasFailed](const Session& session, Output& output) {
+    const auto findings =
+        Chosen(FindingsOf(options, session.GetRepository()), options.findingChoice);
+    *hasFailed = HasFinding(findings, options.failOn);
+    const auto write = options.format == "json" ? &WriteFindingsJson : &WriteFindings;
+    write(output, findings);
+  };
+  Job job = MakeView(PlanQuery(declared, CheckedClasses(options)).collect, print);
+  job.answer = [hasFailed] { return *hasFailed ? kFailed : kAllCollected; };
   return job;
 }
 
@@ -192,7 +207,7 @@ Job SideJob(const Classes& declared) {
 
 bool IsPartOfInventory(const Options& options) {
   if (options.command == Command::kInstances) return !options.filter.IsEmpty();
-  return options.command == Command::kCheck;
+  return options.checksClasses;
 }
 
 bool ShowsMachine(const Options& options) {
@@ -231,6 +246,9 @@ void RequireMachineClasses(const PluginSet& plugins) {
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal) {
   if (IsPartOfInventory(options)) RequireInventoryClasses(plugins);
   if (ShowsMachine(options)) RequireClasses(plugins, MachineClasses());
+  if (options.command == Command::kCheck && !options.checksClasses) {
+    RequireClasses(plugins, CheckedClasses(options));
+  }
   const Classes& declared = plugins.declared.classes;
   switch (options.command) {
     case Command::kDevices:

@@ -29,8 +29,8 @@ struct Job {
 /// must outlive the job.
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal);
 
-/// Throws std::runtime_error unless the classes of the inventory are declared, which `check` and
-/// `diff` of saved instances read; it says what to do.
+/// Throws std::runtime_error unless the classes of the inventory are declared, which
+/// `check --classes` and `diff` of saved instances read; it says what to do.
 void RequireInventoryClasses(const PluginSet& plugins);
 
 /// The same for the classes of machines that `diff` reads.

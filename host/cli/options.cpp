@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "host/base/errors.h"
+#include "host/check/machine_checks.h"
 #include "host/cli/suggestion.h"
 #include "host/formats/instance_writer.h"
 #include "host/replay/protection.h"
@@ -28,9 +29,15 @@ constexpr const char* kFooter =
     "  141  the reader of the output closed the pipe early (there is no message)\n";
 
 constexpr const char* kCheckFooter =
+    "Severities of findings: error (something has failed), warning (it works worse than it could, "
+    "or\n"
+    "may have failed), note (worth knowing before work on the machine). What is not known is no\n"
+    "finding.\n"
+    "\n"
     "Exit status:\n"
-    "  0    there are no findings, or only notes\n"
-    "  1    there are errors or warnings, or something could not be collected or written\n"
+    "  0    no finding is as grave as --fail-on says; a machine without PCI has none\n"
+    "  1    there is such a finding, or something could not be collected or written\n"
+    "  2    the command line is wrong\n"
     "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
@@ -189,6 +196,45 @@ void AddColumns(CLI::App& command, Options& options, const std::vector<std::stri
       ->check(CLI::IsMember(columns));
 }
 
+/// CLI11 calls this with each value of --ignore.
+std::string IsFindingCode(const std::string& text) {
+  const std::vector<std::string> codes = FindingCodes();
+  if (std::find(codes.begin(), codes.end(), text) != codes.end()) return "";
+  const std::string nearest = NearestOf(text, codes);
+  return fmt::format("there is no finding \"{}\"{}", text,
+                     nearest.empty() ? "" : fmt::format(": did you mean \"{}\"?", nearest));
+}
+
+void AddSeverity(CLI::App& command, const char* name, Severity& severity, const char* description) {
+  const std::vector<std::string> names = {"note", "warning", "error"};
+  command
+      .add_option_function<std::string>(
+          name, [&severity](const std::string& text) { severity = SeverityOf(text); }, description)
+      ->type_name("SEVERITY")
+      ->check(CLI::IsMember(names))
+      ->default_str(SeverityText(severity));
+}
+
+void AddCheck(CLI::App& app, Options& options) {
+  CLI::App* check = AddCommand(app, "check", "Report what has failed or works worse than it could",
+                               options, Command::kCheck);
+  check->add_flag("--classes", options.checksClasses,
+                  "Check what the seven classes of the inventory say instead of the machine");
+  AddSeverity(*check, "--fail-on", options.failOn, "Fail if a finding is at least as grave");
+  AddSeverity(*check, "--min-severity", options.findingChoice.least,
+              "Leave out findings that are less grave; they do not fail");
+  check
+      ->add_option("--ignore", options.findingChoice.ignored,
+                   "Leave out findings with this code; may be repeated")
+      ->type_name("CODE")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(IsFindingCode, ""));
+  AddFormat(*check, options.format, {"table", "json"});
+  check->footer(kCheckFooter);
+}
+
 void AddDiff(CLI::App& app, Options& options) {
   CLI::App* diff =
       AddCommand(app, "diff", "Compare two machines or captures", options, Command::kDiff);
@@ -254,11 +300,7 @@ void AddCommands(CLI::App& app, Options& options) {
              Command::kClasses);
   AddSlots(app, options);
   AddViews(app, options);
-  CLI::App* check =
-      AddCommand(app, "check", "Report what is missing or doubtful in the inventory, and why",
-                 options, Command::kCheck);
-  AddFormat(*check, options.format, {"table", "json"});
-  check->footer(kCheckFooter);
+  AddCheck(app, options);
   AddDiff(app, options);
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);

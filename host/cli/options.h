@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/check/finding.h"
 #include "host/collect/plugin_files.h"
 #include "host/console/terminal.h"
 #include "host/model/filter.h"
@@ -67,6 +68,10 @@ struct Options {
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
+  // Of `check`: whether it checks the seven classes, what it shows, and what makes it fail.
+  bool checksClasses = false;
+  FindingChoice findingChoice;
+  Severity failOn = Severity::kWarning;
   std::string target;  ///< of `show`: an address, a slot, or an object path
   /// Of `tree`: every function on its line; of `instances`: every class; of `diff`: every property.
   bool showAll = false;

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "host/machine/property_reader.h"
-
 namespace pciinfo {
 namespace {
 
@@ -13,6 +11,18 @@ template <class List>
 auto ElementAt(const List& list, std::size_t place) {
   return place < list.size() ? list[place] : typename List::value_type{};
 }
+
+bool HasDevice(const PropertyReader& reader, const vtq::Instance& instance,
+               const std::string& name) {
+  constexpr const char* kNames[] = {"NetworkInterfaces", "BlockDevices",      "NvmeControllers",
+                                    "DrmDevices",        "InfinibandDevices", "ScsiHosts"};
+  return std::any_of(std::begin(kNames), std::end(kNames), [&](const char* property) {
+    const std::vector<std::string> devices = reader.Texts(instance, property);
+    return std::find(devices.begin(), devices.end(), name) != devices.end();
+  });
+}
+
+}  // namespace
 
 std::vector<Region> ReadRegions(const PropertyReader& reader, const vtq::Instance& instance) {
   const auto numbers = reader.LongNumbers(instance, "RegionNumber");
@@ -28,18 +38,6 @@ std::vector<Region> ReadRegions(const PropertyReader& reader, const vtq::Instanc
   }
   return regions;
 }
-
-bool HasDevice(const PropertyReader& reader, const vtq::Instance& instance,
-               const std::string& name) {
-  constexpr const char* kNames[] = {"NetworkInterfaces", "BlockDevices",      "NvmeControllers",
-                                    "DrmDevices",        "InfinibandDevices", "ScsiHosts"};
-  return std::any_of(std::begin(kNames), std::end(kNames), [&](const char* property) {
-    const std::vector<std::string> devices = reader.Texts(instance, property);
-    return std::find(devices.begin(), devices.end(), name) != devices.end();
-  });
-}
-
-}  // namespace
 
 FunctionDetails ReadDetails(const vtq::Namespace& repository, const DomainAddress& address) {
   const std::shared_ptr<vtq::Class> cimClass = repository.Find(kDetailsClass);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/machine/property_reader.h"
 #include "host/model/address.h"
 #include "runtime/repository.h"
 
@@ -30,6 +31,9 @@ struct FunctionDetails {
   std::shared_ptr<vtq::Instance> instance;
   std::vector<Region> regions;
 };
+
+/// Reads the regions of an instance of that class.
+std::vector<Region> ReadRegions(const PropertyReader& reader, const vtq::Instance& instance);
 
 /// Reads the details of a function.
 FunctionDetails ReadDetails(const vtq::Namespace& repository, const DomainAddress& address);

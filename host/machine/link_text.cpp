@@ -46,12 +46,16 @@ std::string MostLinkText(const Link& link) {
   return LinkText({link.maxWidth, link.maxSpeed, link.maxWidth, link.maxSpeed});
 }
 
-std::string NarrowLinkText(const MachineFunction& function, const MachineModel& machine) {
-  if (!function.parentPort || function.address.address.function != 0) return "";
+const MachineFunction* PortOfLink(const MachineFunction& function, const MachineModel& machine) {
+  if (!function.parentPort || function.address.address.function != 0) return nullptr;
   const MachineFunction* port = machine.Find(*function.parentPort);
-  if (port == nullptr || !LeadsToLink(*port)) return "";
+  return port != nullptr && LeadsToLink(*port) ? port : nullptr;
+}
+
+std::string NarrowLinkText(const MachineFunction& function, const MachineModel& machine) {
+  const MachineFunction* port = PortOfLink(function, machine);
   const Link& link = function.link;
-  if (!link.width || !link.maxWidth || !port->link.maxWidth) return "";
+  if (port == nullptr || !link.width || !link.maxWidth || !port->link.maxWidth) return "";
   const unsigned possible = std::min(*link.maxWidth, *port->link.maxWidth);
   return *link.width < possible ? fmt::format("x{} of x{}", *link.width, possible) : "";
 }

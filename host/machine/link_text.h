@@ -14,9 +14,13 @@ std::string LinkText(const Link& link);
 /// Returns what a link can do at most, "x16, 16 GT/s", whatever it does now.
 std::string MostLinkText(const Link& link);
 
+/// Returns the port at the other end of the link above a device; null if it is not known, and for
+/// other functions of a device than the first, which share its link.
+const MachineFunction* PortOfLink(const MachineFunction& function, const MachineModel& machine);
+
 /// Returns how the link above a device is narrower than both of its ends allow, "x8 of x16"; empty
-/// if it is not, and for other functions of a device than the first, which share its link. Speeds
-/// are not compared, because idle devices lower them to save power.
+/// if it is not, or if PortOfLink finds no port. Speeds are not compared, because idle devices
+/// lower them to save power.
 std::string NarrowLinkText(const MachineFunction& function, const MachineModel& machine);
 
 }  // namespace pciinfo

@@ -163,6 +163,8 @@ FieldList<MachineSlot> SlotFields(const PropertyReader& reader) {
   fields.Add(&Slot::portHotPlug, "PortHotPlug");
   fields.Add(&Slot::surpriseRemoval, "PortSurpriseRemoval");
   fields.Add(&Slot::cardPresent, "PortCardPresent");
+  fields.Add(&Slot::powerOn, "PowerOn");
+  fields.Add(&Slot::powerFault, "PowerFault");
   fields.Add(&Slot::outerSlot, "OuterSlot");
   fields.Add(&Slot::conflicts, "Conflicts");
   return fields;

@@ -90,6 +90,8 @@ struct MachineSlot {
   std::optional<bool> portHotPlug;
   std::optional<bool> surpriseRemoval;
   std::optional<bool> cardPresent;
+  std::optional<bool> powerOn;
+  std::optional<bool> powerFault;
   std::string outerSlot;
   std::vector<std::string> conflicts;
   std::vector<std::size_t> functions;     ///< their places in the functions of the model

@@ -11,6 +11,7 @@
 
 #include "host/base/namespace_name.h"
 #include "host/console/safe_json.h"
+#include "host/schema/check_json_schema.h"
 #include "host/schema/diff_json_schema.h"
 #include "host/schema/slots_json_schema.h"
 #include "host/schema/views_json_schema.h"
@@ -118,6 +119,7 @@ Json Definitions(const std::vector<vtq::ClassSchema>& classes) {
   for (const vtq::ClassSchema& schema : classes) definitions[schema.name] = ClassJson(schema);
   definitions.update(Json::parse(kSlotsJsonSchema));
   definitions.update(Json::parse(kViewsJsonSchema));
+  definitions.update(Json::parse(kCheckJsonSchema));
   definitions.update(Json::parse(kDiffJsonSchema));
   return definitions;
 }
@@ -130,12 +132,12 @@ void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classe
       {"$id", std::string("urn:pciinfo:json-schema:") + kJsonSchemaVersion},
       {"title", "JSON of pciinfo"},
       {"description",
-       "What pciinfo without a command, instances, slots, devices, tree, show and "
-       "diff print with --format json, and a line of --format jsonl. Keys may be added "
+       "What pciinfo without a command, instances, slots, devices, tree, show, "
+       "check and diff print with --format json, and a line of --format jsonl. Keys may be added "
        "in later versions."},
       {"oneOf",
        {RefTo("overview"), RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
-        RefTo("tree"), RefTo("shown"), RefTo("diff")}},
+        RefTo("tree"), RefTo("shown"), RefTo("check"), RefTo("diff")}},
       {"$defs", Definitions(classes)}};
   output.Write(SafeJson(schema.dump(2)) + "\n");
 }

@@ -42,7 +42,7 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"model", {"base", "console", "formats", "model"}},
     {"machine", {"base", "console", "formats", "model", "machine"}},
     {"schema", {"base", "console", "formats", "model", "schema"}},
-    {"check", {"base", "console", "formats", "model", "check"}},
+    {"check", {"base", "console", "formats", "model", "machine", "check"}},
     {"instance_diff", {"base", "console", "formats", "model", "instance_diff"}},
     {"collect", {"base", "console", "schema", "process", "collect"}},
     {"capture", {"base", "console", "process", "schema", "capture"}},

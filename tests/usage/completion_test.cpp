@@ -63,7 +63,8 @@ TEST_F(Completion, BashProposesCommandsAndOptions) {
   EXPECT_EQ(Bash("water \"\""), "plants|log|pot|");
   EXPECT_EQ(Bash("water pl"), "plants|");
   EXPECT_EQ(Bash("water --c"), "--can|");
-  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--tone|--colour|--dry|");
+  EXPECT_EQ(Bash("water plants --"),
+            "--help|--version|--can|--tone|--colour|--dry|--ignore|");
   EXPECT_EQ(Bash("water log --d"), "|");
 }
 
@@ -73,6 +74,7 @@ TEST_F(Completion, BashProposesValues) {
   EXPECT_EQ(Bash("water plants --colour ="), "red|blue|");
   EXPECT_EQ(Bash("water plants Mo"), "Moss|");
   EXPECT_EQ(Bash("water plants Fern \"\""), "Fern|Moss|");
+  EXPECT_EQ(Bash("water plants --ignore too-w"), "too-wet|");
 }
 
 TEST_F(Completion, BashProposesFiles) {

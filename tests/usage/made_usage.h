@@ -27,6 +27,7 @@ inline Usage MadeUsage() {
       ->check(CLI::IsMember(std::vector<std::string>{"red", "blue"}))
       ->default_str("red");
   plants->add_flag("--dry", flag, ".Only dry ones");
+  plants->add_option("--ignore", text, "Leave out")->type_name("CODE");
   plants->add_option("CLASS", texts, "Kinds of plants");
   plants->footer("All cans serve.\n\nOwn words.\n");
   CLI::App* log = app.add_subcommand("log", "Write down");
@@ -45,6 +46,7 @@ inline Usage MadeUsage() {
   pot->footer("All cans serve.\n");
   Usage usage = UsageOf(app);
   usage.classes = {"Fern", "Moss"};
+  usage.codes = {"too-dry", "too-wet"};
   usage.keys = {"size=", "place="};
   usage.listings = {"list --all"};
   return usage;

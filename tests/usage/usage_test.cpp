@@ -68,10 +68,17 @@ TEST(Usage, ValuesAreToldByTheirWord) {
   EXPECT_THAT(ValuesOf(usage, pot.options[2]), ElementsAre("size=", "place="));
 }
 
+TEST(Usage, ACodeIsOneOfTheCodes) {
+  const Usage usage = MadeUsage();
+  const UsageOption ignored = usage.commands[0].options.at(2);
+  EXPECT_EQ(ignored.kind, ValueKind::kCode);
+  EXPECT_THAT(ValuesOf(usage, ignored), ElementsAre("too-dry", "too-wet"));
+}
+
 TEST(Usage, ACommandHasThoseOptionsOnlyThatTheProgramHasNot) {
   const Usage usage = MadeUsage();
   ASSERT_EQ(usage.commands.size(), 3U);
-  EXPECT_THAT(OptionNames(usage.commands[0]), ElementsAre("--colour", "--dry"));
+  EXPECT_THAT(OptionNames(usage.commands[0]), ElementsAre("--colour", "--dry", "--ignore"));
   EXPECT_THAT(OptionNames(usage.commands[1]), IsEmpty());
 }
 

@@ -71,7 +71,8 @@ TEST(PluginOptions, CommandsSayWhichClassesNoPluginServes) {
   expectMissing({}, "VTQ_PCIFunction");
   for (const char* view : {"devices", "slots", "tree"}) expectMissing({view}, "VTQ_PCIFunction");
   expectMissing({"show", "00:00.0"}, "VTQ_PCIFunction");
-  expectMissing({"check"}, "QZMSG_PCIDevice");
+  expectMissing({"check"}, "VTQ_PCIFunction");
+  expectMissing({"check", "--classes"}, "QZMSG_PCIDevice");
   expectMissing({"instances", "--filter", "class=02"}, "QZMSG_PCIDevice");
   EXPECT_EQ(RunPciinfo({"diff", "live", "/dev/null", "--only-plugin", fan}).status, 2);
 }

@@ -7,6 +7,9 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/check/class_checks.h"
+#include "host/check/finding_view.h"
+#include "host/check/machine_checks.h"
 #include "host/diff/machine_diff_view.h"
 #include "host/instance_diff/instance_diff.h"
 #include "host/instance_diff/instance_diff_view.h"
@@ -16,6 +19,7 @@
 #include "host/views/slots_view.h"
 #include "host/views/tree_view.h"
 #include "tests/fakes/pci_schema.h"
+#include "tests/host/class_facts_maker.h"
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 #include "tests/host/written.h"
@@ -87,6 +91,23 @@ std::vector<std::string> DiffTexts() {
   return texts;
 }
 
+/// The JSON output of `check`: with findings about functions and slots, without any, and with those
+/// of the classes.
+std::vector<std::string> CheckTexts() {
+  MachineFacts machine = ReadMachineFacts(*MakeTopologyRepository());
+  machine.machine.slots.front().powerFault = true;
+  ClassFacts classes = MakeSoundFacts();
+  classes.listingFailure = "no such program";
+  std::vector<std::string> texts;
+  for (const auto& findings : {FindWith(MachineChecks(), machine), std::vector<CheckFinding>(),
+                               FindWith(ClassChecks(), classes)}) {
+    OutputToText output;
+    WriteFindingsJson(output.Get(), findings);
+    texts.push_back(output.Text());
+  }
+  return texts;
+}
+
 /// Prints for each document of the list whether it is valid.
 constexpr const char* kValidate = R"(
 import json, sys, jsonschema
@@ -145,6 +166,7 @@ TEST_F(JsonSchema, AcceptsTheProgramsOutput) {
   json documents = {json::parse(Written("json", *repository)),
                     json::parse(Written("json", *MakeEmptyRepository()))};
   for (const std::string& text : ViewTexts()) documents.push_back(json::parse(text));
+  for (const std::string& text : CheckTexts()) documents.push_back(json::parse(text));
   for (const std::string& text : DiffTexts()) documents.push_back(json::parse(text));
   for (const std::string& line : LinesOf(Written("jsonl", *repository))) {
     documents.push_back(json::parse(line));
@@ -192,6 +214,12 @@ TEST_F(JsonSchema, RejectsInvalidDocuments) {
   add(json::parse(views[4]), "/function/address", "01:00.0");
   add(json::parse(views[5]), "/slot/ports", "none");
   add(json::parse(views[6]), "/details/class", "Other");
+  const json check = json::parse(CheckTexts()[0]);
+  add(check, "/findings/0/severity", "grave");
+  add(check, "/findings/0/code", "Two words");
+  add(check, "/findings/0/objects", json::array());
+  add(check, "/findings/0/objects/0", "0000:01:00.0");
+  add(check, "/findings/1/objects/0/object", "01:00.0");
   documents.push_back(json::object());
   documents.push_back(json::array());
   EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "invalid"));

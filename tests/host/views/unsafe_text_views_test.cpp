@@ -6,7 +6,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
-#include "host/check/check_view.h"
+#include "host/check/finding_view.h"
 #include "host/diff/machine_diff_view.h"
 #include "host/instance_diff/instance_diff_view.h"
 #include "host/views/devices_view.h"
@@ -104,8 +104,11 @@ TEST(UnsafeTextInViews, OfTheOverview) {
 
 TEST(UnsafeTextInViews, OfChecks) {
   const std::string text = EveryUnsafeCharacter();
-  constexpr Check kCheck{"a-code", Severity::kNote, "Something.", "Leave it.", nullptr};
-  const std::vector<CheckFinding> findings{{&kCheck, {{text, text, text}}}};
+  const std::vector<CheckFinding> findings{{"a-code",
+                                            Severity::kNote,
+                                            "Something.",
+                                            "Leave it.",
+                                            {{text, text, text, "slot", text, text}}}};
   ExpectSafe([&](Output& output) { WriteFindings(output, findings); });
   ExpectSafe([&](Output& output) { WriteFindingsJson(output, findings); });
 }

@@ -7,7 +7,7 @@
 #include <map>
 #include <unordered_map>
 
-#include "host/check/checks.h"
+#include "host/check/class_checks.h"
 #include "host/check/facts_index.h"
 #include "host/console/text.h"
 
@@ -37,7 +37,7 @@ unsigned CountPublished(const SlotRecord& record) {
   return record.length > kMaxLength ? 1 : 1 + CountPeers(record);
 }
 
-std::vector<NumberedSlot> Numbered(const CheckFacts& facts) {
+std::vector<NumberedSlot> Numbered(const ClassFacts& facts) {
   std::vector<NumberedSlot> slots;
   unsigned number = 1;
   for (const SlotRecord& record : facts.slotRecords.records) {
@@ -69,11 +69,11 @@ bool IsPlaceholder(const KernelIndex& kernel, const SlotRecord& record) {
   return isLast && !kernel.IsKnown(at);
 }
 
-bool KnowsFunctions(const CheckFacts& facts) {
+bool KnowsFunctions(const ClassFacts& facts) {
   return !facts.functions.empty() || (facts.list && !facts.list->empty());
 }
 
-bool IsKnownInSegment(const CheckFacts& facts, const KernelIndex& kernel,
+bool IsKnownInSegment(const ClassFacts& facts, const KernelIndex& kernel,
                       const SlotRecord& record) {
   if (record.segment == 0) return kernel.IsKnown(record.address);
   return facts.functions.count({record.segment, record.address}) != 0;
@@ -81,7 +81,7 @@ bool IsKnownInSegment(const CheckFacts& facts, const KernelIndex& kernel,
 
 /// The slots that have an address and for which fits(KernelIndex, SlotRecord) is true.
 template <class Fits>
-std::vector<AffectedObject> SlotsThat(const CheckFacts& facts, const Fits& fits) {
+std::vector<AffectedObject> SlotsThat(const ClassFacts& facts, const Fits& fits) {
   const KernelIndex kernel(facts);
   const SlotIndex slots(facts);
   std::vector<AffectedObject> objects;
@@ -92,13 +92,13 @@ std::vector<AffectedObject> SlotsThat(const CheckFacts& facts, const Fits& fits)
   return objects;
 }
 
-std::vector<AffectedObject> InUseWithPlaceholder(const CheckFacts& facts) {
+std::vector<AffectedObject> InUseWithPlaceholder(const ClassFacts& facts) {
   return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
     return record.usage == kInUse && IsPlaceholder(kernel, record);
   });
 }
 
-std::vector<AffectedObject> UnusedWithPlaceholder(const CheckFacts& facts) {
+std::vector<AffectedObject> UnusedWithPlaceholder(const ClassFacts& facts) {
   return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
     return record.usage != kInUse && IsPlaceholder(kernel, record);
   });
@@ -108,26 +108,26 @@ bool IsPlacedInUse(const KernelIndex& kernel, const SlotRecord& record) {
   return record.usage == kInUse && !IsPlaceholder(kernel, record);
 }
 
-std::vector<AffectedObject> InUseWithoutFunction(const CheckFacts& facts) {
+std::vector<AffectedObject> InUseWithoutFunction(const ClassFacts& facts) {
   if (!KnowsFunctions(facts)) return {};
   return SlotsThat(facts, [&facts](const KernelIndex& kernel, const SlotRecord& record) {
     return IsPlacedInUse(kernel, record) && !IsKnownInSegment(facts, kernel, record);
   });
 }
 
-std::vector<AffectedObject> OnBusZero(const CheckFacts& facts) {
+std::vector<AffectedObject> OnBusZero(const ClassFacts& facts) {
   return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
     return IsPlacedInUse(kernel, record) && record.address.bus == 0;
   });
 }
 
-std::vector<AffectedObject> InOtherDomain(const CheckFacts& facts) {
+std::vector<AffectedObject> InOtherDomain(const ClassFacts& facts) {
   return SlotsThat(facts, [](const KernelIndex& kernel, const SlotRecord& record) {
     return IsPlacedInUse(kernel, record) && record.segment != 0;
   });
 }
 
-std::vector<AffectedObject> WithShortRecord(const CheckFacts& facts) {
+std::vector<AffectedObject> WithShortRecord(const ClassFacts& facts) {
   if (!facts.slotRecords.haveAddresses) return {};
   const SlotIndex slots(facts);
   std::vector<AffectedObject> objects;
@@ -139,7 +139,7 @@ std::vector<AffectedObject> WithShortRecord(const CheckFacts& facts) {
   return objects;
 }
 
-std::vector<AffectedObject> WithDriftingNumber(const CheckFacts& facts) {
+std::vector<AffectedObject> WithDriftingNumber(const ClassFacts& facts) {
   const SlotIndex slots(facts);
   std::vector<AffectedObject> objects;
   for (const NumberedSlot& slot : Numbered(facts)) {
@@ -153,7 +153,7 @@ std::vector<AffectedObject> WithDriftingNumber(const CheckFacts& facts) {
 
 /// Functions are assigned to slots by position, not by tag: if a slot is missing, the slots after
 /// it move up.
-std::vector<AffectedObject> OutOfPlace(const CheckFacts& facts) {
+std::vector<AffectedObject> OutOfPlace(const ClassFacts& facts) {
   std::vector<AffectedObject> objects;
   unsigned position = 0;
   for (const Slot& slot : facts.slots.slots) {
@@ -164,7 +164,7 @@ std::vector<AffectedObject> OutOfPlace(const CheckFacts& facts) {
   return objects;
 }
 
-std::vector<AffectedObject> UnpublishedSlots(const CheckFacts& facts) {
+std::vector<AffectedObject> UnpublishedSlots(const ClassFacts& facts) {
   std::size_t expected = 0;
   for (const SlotRecord& record : facts.slotRecords.records) expected += CountPublished(record);
   const std::size_t published = facts.slots.slots.size();
@@ -173,14 +173,14 @@ std::vector<AffectedObject> UnpublishedSlots(const CheckFacts& facts) {
 }
 
 /// The records by the tag of their slot. Those of peer groups have none.
-std::unordered_map<std::string, const SlotRecord*> RecordsByTag(const CheckFacts& facts) {
+std::unordered_map<std::string, const SlotRecord*> RecordsByTag(const ClassFacts& facts) {
   std::unordered_map<std::string, const SlotRecord*> records;
   for (const NumberedSlot& slot : Numbered(facts)) records.emplace(TagOf(slot.number), slot.record);
   return records;
 }
 
 /// The plug-in compares only the bus of a slot's address.
-std::vector<AffectedObject> OnSlotBusButOtherDevice(const CheckFacts& facts) {
+std::vector<AffectedObject> OnSlotBusButOtherDevice(const ClassFacts& facts) {
   std::vector<AffectedObject> objects;
   const auto records = RecordsByTag(facts);
   for (const Slot& slot : facts.slots.slots) {
@@ -199,7 +199,7 @@ std::vector<AffectedObject> OnSlotBusButOtherDevice(const CheckFacts& facts) {
 
 /// The slots that share a key with another slot; empty keys do not count.
 template <class KeyOf>
-std::vector<AffectedObject> Sharing(const CheckFacts& facts, const KeyOf& keyOf) {
+std::vector<AffectedObject> Sharing(const ClassFacts& facts, const KeyOf& keyOf) {
   std::map<std::string, unsigned> counts;
   for (const Slot& slot : facts.slots.slots) ++counts[keyOf(slot)];
   std::vector<AffectedObject> objects;
@@ -210,19 +210,19 @@ std::vector<AffectedObject> Sharing(const CheckFacts& facts, const KeyOf& keyOf)
   return objects;
 }
 
-std::vector<AffectedObject> WithSharedId(const CheckFacts& facts) {
+std::vector<AffectedObject> WithSharedId(const ClassFacts& facts) {
   return Sharing(facts, [](const Slot& slot) {
     return slot.id ? fmt::format("slot ID {}", *slot.id) : std::string();
   });
 }
 
-std::vector<AffectedObject> WithSharedDesignation(const CheckFacts& facts) {
+std::vector<AffectedObject> WithSharedDesignation(const ClassFacts& facts) {
   return Sharing(
       facts, [](const Slot& slot) { return TrimEnd(Printable(slot.designation.value_or(""))); });
 }
 
 /// If functions are assigned to slots by slot ID, the first slot with the number gets them.
-std::vector<AffectedObject> ByAmbiguousNumber(const CheckFacts& facts) {
+std::vector<AffectedObject> ByAmbiguousNumber(const ClassFacts& facts) {
   if (facts.slotRecords.haveAddresses) return {};
   std::map<unsigned, unsigned> counts;
   for (const Slot& slot : facts.slots.slots) {
@@ -239,17 +239,17 @@ std::vector<AffectedObject> ByAmbiguousNumber(const CheckFacts& facts) {
   return objects;
 }
 
-bool AreTablesMissing(const CheckFacts& facts) {
+bool AreTablesMissing(const ClassFacts& facts) {
   return facts.slotRecords.opened == TVTQStatusCode::kNotFound;
 }
 
-std::vector<AffectedObject> NoTables(const CheckFacts& facts) {
+std::vector<AffectedObject> NoTables(const ClassFacts& facts) {
   if (!AreTablesMissing(facts)) return {};
   return {{"/sys/firmware/dmi/tables", "",
            facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
-std::vector<AffectedObject> UnreadableTables(const CheckFacts& facts) {
+std::vector<AffectedObject> UnreadableTables(const ClassFacts& facts) {
   const auto status = facts.slotRecords.opened;
   if (status == TVTQStatusCode::kSuccess || AreTablesMissing(facts)) return {};
   const char* why = status == TVTQStatusCode::kAccessDenied  ? "this user may not read them"
@@ -258,18 +258,18 @@ std::vector<AffectedObject> UnreadableTables(const CheckFacts& facts) {
   return {{"/sys/firmware/dmi/tables", "", why}};
 }
 
-std::vector<AffectedObject> NoRecords(const CheckFacts& facts) {
+std::vector<AffectedObject> NoRecords(const ClassFacts& facts) {
   const SlotRecords& slots = facts.slotRecords;
   if (slots.opened != TVTQStatusCode::kSuccess || !slots.records.empty()) return {};
   return {{"/sys/firmware/dmi/tables", "", ""}};
 }
 
-std::vector<AffectedObject> NoAddresses(const CheckFacts& facts) {
+std::vector<AffectedObject> NoAddresses(const ClassFacts& facts) {
   if (facts.slotRecords.records.empty() || facts.slotRecords.haveAddresses) return {};
   return {{"/sys/firmware/dmi/tables", "", ""}};
 }
 
-const std::vector<Check> kSlotChecks = {
+const std::vector<ClassCheck> kSlotClassChecks = {
     {"slot-tables-missing", Severity::kNote, "There are no SMBIOS tables, so no slot is published.",
      "Physical machines have them; a capture contains them only if it was made as root.",
      &NoTables},
@@ -311,13 +311,13 @@ const std::vector<Check> kSlotChecks = {
      "These slots are in use, but the kernel knows no function at their addresses.",
      "The firmware's numbering may differ from the kernel's; look for a firmware update.",
      &InUseWithoutFunction},
-    {"slot-on-bus-zero", Severity::kWarning,
+    {"slot-on-bus-zero", Severity::kNote,
      "These slots are in use on bus 0; no functions are assigned to slots on bus 0.",
      "Find the function by the slot's address.", &OnBusZero},
-    {"slot-in-other-domain", Severity::kWarning,
+    {"slot-in-other-domain", Severity::kNote,
      "These slots are in another PCI domain; functions are assigned to them by bus number alone.",
      "Compare the functions shown in them with /sys/bus/pci/devices.", &InOtherDomain},
-    {"slot-neighbour", Severity::kWarning,
+    {"slot-neighbour", Severity::kNote,
      "These functions are shown in a slot because they are on its bus, but the slot's address "
      "names another device.",
      "Compare the device numbers before you assume that the function is the slot's card.",
@@ -334,6 +334,6 @@ const std::vector<Check> kSlotChecks = {
 
 }  // namespace
 
-const std::vector<Check>& SlotChecks() { return kSlotChecks; }
+const std::vector<ClassCheck>& SlotClassChecks() { return kSlotClassChecks; }
 
 }  // namespace pciinfo

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/check/check_view.h"
+#include "host/check/finding_view.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "host/console/safe_json.h"
@@ -22,7 +21,9 @@ void WriteObjects(Output& output, const std::vector<AffectedObject>& objects) {
   for (std::size_t i = 0; i < shown; ++i) {
     const AffectedObject& object = objects[i];
     output.Write("    " + Printable(object.object));
-    if (!object.detail.empty()) output.Write("  " + Printable(object.detail));
+    for (const std::string& text : {object.name, object.detail}) {
+      if (!text.empty()) output.Write("  " + Printable(text));
+    }
     output.Write("\n");
   }
   if (shown == objects.size()) return;
@@ -31,18 +32,24 @@ void WriteObjects(Output& output, const std::vector<AffectedObject>& objects) {
 
 Json ObjectJson(const AffectedObject& affected) {
   Json object;
-  object["object"] = ToUtf8(affected.object);
-  if (!affected.path.empty()) object["path"] = ToUtf8(affected.path);
-  if (!affected.detail.empty()) object["detail"] = ToUtf8(affected.detail);
+  const auto add = [&object](const char* key, const std::string& text) {
+    if (!text.empty()) object[key] = ToUtf8(text);
+  };
+  // Programs read addresses with their domain.
+  object["object"] = ToUtf8(affected.address.empty() ? affected.object : affected.address);
+  add("kind", affected.kind);
+  add("path", affected.path);
+  add("name", affected.name);
+  add("detail", affected.detail);
   return object;
 }
 
 Json FindingJson(const CheckFinding& finding) {
   Json object;
-  object["code"] = finding.check->code;
-  object["severity"] = SeverityText(finding.check->severity);
-  object["what"] = finding.check->what;
-  object["advice"] = finding.check->advice;
+  object["code"] = finding.code;
+  object["severity"] = SeverityText(finding.severity);
+  object["what"] = finding.what;
+  object["advice"] = finding.advice;
   object["objects"] = Json::array();
   for (const AffectedObject& affected : finding.objects) {
     object["objects"].push_back(ObjectJson(affected));
@@ -53,16 +60,15 @@ Json FindingJson(const CheckFinding& finding) {
 }  // namespace
 
 void WriteFindings(Output& output, const std::vector<CheckFinding>& findings) {
-  if (findings.empty()) output.Write("No problems found in this inventory.\n");
+  if (findings.empty()) output.Write("No findings.\n");
   bool isFirst = true;
   for (const CheckFinding& finding : findings) {
     if (!isFirst) output.Write("\n");
     isFirst = false;
-    const Check& check = *finding.check;
-    output.Write(fmt::format("{}: {}\n", SeverityText(check.severity), check.code));
-    output.Write(fmt::format("  {}\n", check.what));
+    output.Write(fmt::format("{}: {}\n", SeverityText(finding.severity), finding.code));
+    output.Write(fmt::format("  {}\n", finding.what));
     WriteObjects(output, finding.objects);
-    output.Write(fmt::format("  Advice: {}\n", check.advice));
+    output.Write(fmt::format("  Advice: {}\n", finding.advice));
   }
 }
 
@@ -75,12 +81,6 @@ void WriteFindingsJson(Output& output, const std::vector<CheckFinding>& findings
     output.Write(SafeJson(FindingJson(finding).dump()));
   }
   output.Write(isFirst ? "]}\n" : "\n]}\n");
-}
-
-bool AreDoubtful(const std::vector<CheckFinding>& findings) {
-  return std::any_of(findings.begin(), findings.end(), [](const CheckFinding& finding) {
-    return finding.check->severity != Severity::kNote;
-  });
 }
 
 }  // namespace pciinfo

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "host/check/checks.h"
+#include "host/check/finding.h"
 #include "host/console/output.h"
 
 namespace pciinfo {
@@ -14,8 +14,5 @@ void WriteFindings(Output& output, const std::vector<CheckFinding>& findings);
 
 /// Writes findings as JSON with all objects; docs/findings.md describes it.
 void WriteFindingsJson(Output& output, const std::vector<CheckFinding>& findings);
-
-/// Whether any finding is a warning or an error.
-bool AreDoubtful(const std::vector<CheckFinding>& findings);
 
 }  // namespace pciinfo

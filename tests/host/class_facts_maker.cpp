@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/host/check_facts_maker.h"
+#include "tests/host/class_facts_maker.h"
 
 using namespace pciinfo;
 
@@ -9,15 +9,15 @@ constexpr PciAddress kDevice{3, 0, 0};
 constexpr PciAddress kBridge{0, 1, 0};
 constexpr VendorAndDevice kIds{0x8086, 0x1533};
 
-void AddFunction(CheckFacts& facts, const PciAddress& address, const std::string& kind) {
+void AddFunction(ClassFacts& facts, const PciAddress& address, const std::string& kind) {
   facts.published.push_back(Published(address, kind));
   facts.list->push_back({address, kIds, {0xFEB00000}, {0x1000}});
   facts.functions[{0, address}] = {kIds, {}};
   facts.configurations[address] = {kIds, false};
 }
 
-std::vector<AffectedObject> ObjectsOf(const std::string& code, const CheckFacts& facts) {
-  for (const Check& check : AllChecks()) {
+std::vector<AffectedObject> ObjectsOf(const std::string& code, const ClassFacts& facts) {
+  for (const ClassCheck& check : ClassChecks()) {
     if (check.code == code) return check.find(facts);
   }
   return {{"no such check", "", ""}};
@@ -25,8 +25,8 @@ std::vector<AffectedObject> ObjectsOf(const std::string& code, const CheckFacts&
 
 }  // namespace
 
-CheckFacts MakeSoundFacts() {
-  CheckFacts facts;
+ClassFacts MakeSoundFacts() {
+  ClassFacts facts;
   facts.hasPciBus = true;
   facts.hasSysfs = true;
   facts.list.emplace();
@@ -60,13 +60,13 @@ Slot PublishedSlot(unsigned tag) {
   return slot;
 }
 
-std::vector<std::string> Doubtful(const std::string& code, const CheckFacts& facts) {
+std::vector<std::string> Doubtful(const std::string& code, const ClassFacts& facts) {
   std::vector<std::string> objects;
   for (const AffectedObject& object : ObjectsOf(code, facts)) objects.push_back(object.object);
   return objects;
 }
 
-std::vector<std::string> Details(const std::string& code, const CheckFacts& facts) {
+std::vector<std::string> Details(const std::string& code, const ClassFacts& facts) {
   std::vector<std::string> details;
   for (const AffectedObject& object : ObjectsOf(code, facts)) {
     details.push_back(object.object + ": " + object.detail);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/check/check_reader.h"
+#include "host/check/class_facts_reader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,8 +24,8 @@ class CheckReader : public testing::Test {
     std::ofstream(file, std::ios::binary) << content;
   }
 
-  CheckFacts Read() const {
-    CheckFacts facts;
+  ClassFacts Read() const {
+    ClassFacts facts;
     ReadKernelFacts(root_.GetPath(), facts);
     return facts;
   }
@@ -38,7 +38,7 @@ std::string Configuration(std::size_t size) {
 }
 
 TEST_F(CheckReader, AnEmptyRootHasNoBus) {
-  const CheckFacts facts = Read();
+  const ClassFacts facts = Read();
   EXPECT_FALSE(facts.hasPciBus);
   EXPECT_FALSE(facts.hasSysfs);
   EXPECT_FALSE(facts.list.has_value());
@@ -53,7 +53,7 @@ TEST_F(CheckReader, ReadsAllColumnsOfTheList) {
         "\n"
         "no line\n"
         "0008\t80861901\tb\n");
-  const CheckFacts facts = Read();
+  const ClassFacts facts = Read();
   ASSERT_TRUE(facts.list.has_value());
   ASSERT_EQ(facts.list->size(), 2U);
   const ListedFunction& first = facts.list->front();
@@ -72,7 +72,7 @@ TEST_F(CheckReader, ReadsTheSizeOfConfigurations) {
   Write("proc/bus/pci/03/00.0", Configuration(64));
   Write("proc/bus/pci/03/00.1", Configuration(256));
   Write("proc/bus/pci/03/00.2", Configuration(63));
-  const CheckFacts facts = Read();
+  const ClassFacts facts = Read();
   ASSERT_EQ(facts.configurations.size(), 2U);
   EXPECT_EQ(facts.configurations.at({3, 0, 0}).ids, (VendorAndDevice{0x8086, 0x1533}));
   EXPECT_TRUE(facts.configurations.at({3, 0, 0}).isHeaderOnly);
@@ -91,7 +91,7 @@ TEST_F(CheckReader, ReadsTheDomainsOfFunctions) {
         "0x0000000000001000 0x000000000000103f 0x0000000000040101\n"
         "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
   Write("sys/bus/pci/devices/0001:ff:20.0/vendor", "0x8086\n");
-  const CheckFacts facts = Read();
+  const ClassFacts facts = Read();
   ASSERT_EQ(facts.functions.size(), 3U);
   EXPECT_TRUE(facts.functions.contains({0x10000, {0, 4, 0}}));
   EXPECT_FALSE(facts.functions.at({0, {0, 0x1F, 3}}).ids.has_value());
@@ -103,7 +103,7 @@ TEST_F(CheckReader, ReadsTheDomainsOfFunctions) {
 }
 
 TEST(CheckFactsOfARepository, ContainItsFunctions) {
-  const CheckFacts facts = ReadCheckFacts(*MakeFixedRepository(), true);
+  const ClassFacts facts = ReadClassFacts(*MakeFixedRepository(), true);
   EXPECT_TRUE(facts.isCapture);
   ASSERT_EQ(facts.published.size(), 5U);
   EXPECT_EQ(facts.published[0].slotNumber, 1U);

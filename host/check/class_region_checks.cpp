@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "host/check/checks.h"
+#include "host/check/class_checks.h"
 #include "host/check/facts_index.h"
 
 namespace pciinfo {
@@ -18,7 +18,7 @@ constexpr std::uint64_t kIoFlag = 1;
 constexpr std::uint64_t kIoMask = ~std::uint64_t{3};
 constexpr std::uint64_t kMemoryMask = ~std::uint64_t{15};
 
-struct Region {
+struct PublishedRegion {
   std::size_t number;
   std::uint64_t base;  ///< with its flag bits
   std::uint64_t size;
@@ -26,9 +26,9 @@ struct Region {
 };
 
 /// Describes the problem of a region; empty if it has none.
-using RegionTest = std::string (*)(const Region& region);
+using RegionTest = std::string (*)(const PublishedRegion& region);
 
-std::vector<AffectedObject> TestRegions(const CheckFacts& facts, RegionTest test) {
+std::vector<AffectedObject> TestRegions(const ClassFacts& facts, RegionTest test) {
   const PublishedIndex published(facts);
   std::vector<AffectedObject> objects;
   for (const ListedFunction& line : ListOf(facts)) {
@@ -47,48 +47,48 @@ std::vector<AffectedObject> TestRegions(const CheckFacts& facts, RegionTest test
   return objects;
 }
 
-std::string WideAddress(const Region& region) {
+std::string WideAddress(const PublishedRegion& region) {
   if (region.base <= kMax32) return "";
   return fmt::format("region {} at {:#x}", region.number, region.base & kMemoryMask);
 }
 
-std::string WideSize(const Region& region) {
+std::string WideSize(const PublishedRegion& region) {
   if (region.size <= kMax32) return "";
   return fmt::format("region {} of {:#x} bytes", region.number, region.size);
 }
 
-std::string WideIo(const Region& region) {
+std::string WideIo(const PublishedRegion& region) {
   if (region.base > kMax32 || (region.base & kIoFlag) == 0) return "";
   const std::uint64_t address = region.base & kIoMask;
   if (address <= kMax16 && region.size <= kMax16) return "";
   return fmt::format("region {} at {:#x} of {:#x} bytes", region.number, address, region.size);
 }
 
-std::string UnmarkedIo(const Region& region) {
+std::string UnmarkedIo(const PublishedRegion& region) {
   if (!region.isIo || (region.base & kIoFlag) != 0) return "";
   return fmt::format("region {} at {:#x}", region.number, region.base & kIoMask);
 }
 
 template <RegionTest test>
-std::vector<AffectedObject> RegionsThatFail(const CheckFacts& facts) {
+std::vector<AffectedObject> RegionsThatFail(const ClassFacts& facts) {
   return TestRegions(facts, test);
 }
 
-const std::vector<Check> kRegionChecks = {
-    {"region-address-wide", Severity::kError,
+const std::vector<ClassCheck> kRegionClassChecks = {
+    {"region-address-wide", Severity::kNote,
      "Memory regions above 4 GiB do not fit into \"MEMAddress\"; they are published as "
      "\"IOAddress\" 65532, and their sizes as \"IOLength\".",
      "Take addresses and sizes from /sys/bus/pci/devices/*/resource.",
      &RegionsThatFail<&WideAddress>},
-    {"region-size-wide", Severity::kError,
+    {"region-size-wide", Severity::kNote,
      "Sizes of 4 GiB and more do not fit into 32 bits; they are published as \"MEMLength\" "
      "4294967295, or as \"IOLength\" 65535 if the region is also above 4 GiB.",
      "Take sizes from /sys/bus/pci/devices/*/resource.", &RegionsThatFail<&WideSize>},
-    {"io-region-wide", Severity::kError,
+    {"io-region-wide", Severity::kNote,
      "I/O addresses or sizes of 64 KiB and more do not fit into 16 bits; their low 16 bits are "
      "published.",
      "Take addresses and sizes from /sys/bus/pci/devices/*/resource.", &RegionsThatFail<&WideIo>},
-    {"io-region-as-memory", Severity::kWarning,
+    {"io-region-as-memory", Severity::kNote,
      "The kernel's list does not mark these regions as I/O; they are published as memory.",
      "Take the type of the region from /sys/bus/pci/devices/*/resource.",
      &RegionsThatFail<&UnmarkedIo>},
@@ -96,6 +96,6 @@ const std::vector<Check> kRegionChecks = {
 
 }  // namespace
 
-const std::vector<Check>& RegionChecks() { return kRegionChecks; }
+const std::vector<ClassCheck>& RegionClassChecks() { return kRegionClassChecks; }
 
 }  // namespace pciinfo

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/check/check_reader.h"
+#include "host/check/class_facts_reader.h"
 #include "tests/runtime/smbios_bytes.h"
 #include "tests/runtime/temporary_directory.h"
 

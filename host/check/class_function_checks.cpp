@@ -6,7 +6,7 @@
 
 #include <set>
 
-#include "host/check/checks.h"
+#include "host/check/class_checks.h"
 #include "host/check/facts_index.h"
 
 namespace pciinfo {
@@ -18,25 +18,25 @@ std::string IdsText(const VendorAndDevice& ids) {
   return fmt::format("{:04x}:{:04x}", ids.vendor, ids.device);
 }
 
-std::optional<VendorAndDevice> IdsOf(const CheckFacts& facts, const FullAddress& where) {
+std::optional<VendorAndDevice> IdsOf(const ClassFacts& facts, const FullAddress& where) {
   const auto found = facts.functions.find(where);
   return found == facts.functions.end() ? std::nullopt : found->second.ids;
 }
 
-bool IsKnown(const CheckFacts& facts, const FullAddress& where) {
+bool IsKnown(const ClassFacts& facts, const FullAddress& where) {
   return facts.functions.count(where) != 0;
 }
 
 /// The plug-in looks for a function of another domain at the same address in domain 0. If a
 /// function with the same identifiers is there, it is mistaken for that one; otherwise it is
 /// dropped.
-bool IsMistakenForDomainZero(const CheckFacts& facts, const FullAddress& where) {
+bool IsMistakenForDomainZero(const ClassFacts& facts, const FullAddress& where) {
   const FullAddress sameInDomainZero{0, where.address};
   return IsKnown(facts, sameInDomainZero) && IdsOf(facts, where).has_value() &&
          IdsOf(facts, where) == IdsOf(facts, sameInDomainZero);
 }
 
-std::vector<AffectedObject> FunctionsOfOtherDomains(const CheckFacts& facts, bool mistaken) {
+std::vector<AffectedObject> FunctionsOfOtherDomains(const ClassFacts& facts, bool mistaken) {
   const PublishedIndex published(facts);
   std::vector<AffectedObject> objects;
   for (const auto& [where, function] : facts.functions) {
@@ -48,17 +48,17 @@ std::vector<AffectedObject> FunctionsOfOtherDomains(const CheckFacts& facts, boo
   return objects;
 }
 
-std::vector<AffectedObject> MissingOfOtherDomains(const CheckFacts& facts) {
+std::vector<AffectedObject> MissingOfOtherDomains(const ClassFacts& facts) {
   return FunctionsOfOtherDomains(facts, false);
 }
 
-std::vector<AffectedObject> MixedUpOfOtherDomains(const CheckFacts& facts) {
+std::vector<AffectedObject> MixedUpOfOtherDomains(const ClassFacts& facts) {
   return FunctionsOfOtherDomains(facts, true);
 }
 
 /// The addresses of functions in other domains. A line of the list with such an address may
 /// describe any function that has it.
-std::set<PciAddress> AddressesOfOtherDomains(const CheckFacts& facts) {
+std::set<PciAddress> AddressesOfOtherDomains(const ClassFacts& facts) {
   std::set<PciAddress> addresses;
   for (const auto& [where, function] : facts.functions) {
     if (where.domain != 0) addresses.insert(where.address);
@@ -66,7 +66,7 @@ std::set<PciAddress> AddressesOfOtherDomains(const CheckFacts& facts) {
   return addresses;
 }
 
-std::vector<AffectedObject> RepeatedInList(const CheckFacts& facts) {
+std::vector<AffectedObject> RepeatedInList(const ClassFacts& facts) {
   std::vector<AffectedObject> objects;
   const PublishedIndex published(facts);
   std::set<PciAddress> seen;
@@ -79,7 +79,7 @@ std::vector<AffectedObject> RepeatedInList(const CheckFacts& facts) {
 }
 
 /// The functions that are certainly in domain 0.
-std::set<PciAddress> KnownAddresses(const CheckFacts& facts) {
+std::set<PciAddress> KnownAddresses(const ClassFacts& facts) {
   const std::set<PciAddress> others = AddressesOfOtherDomains(facts);
   std::set<PciAddress> addresses;
   for (const auto& [where, function] : facts.functions) {
@@ -91,7 +91,7 @@ std::set<PciAddress> KnownAddresses(const CheckFacts& facts) {
   return addresses;
 }
 
-std::string ReasonOfAbsence(const CheckFacts& facts, const KernelIndex& kernel,
+std::string ReasonOfAbsence(const ClassFacts& facts, const KernelIndex& kernel,
                             const PciAddress& address) {
   if (!facts.list) return "the kernel's list cannot be read";
   if (!kernel.IsListed(address)) return "the kernel's list does not name it";
@@ -99,7 +99,7 @@ std::string ReasonOfAbsence(const CheckFacts& facts, const KernelIndex& kernel,
   return "";
 }
 
-std::vector<AffectedObject> UnpublishedFunctions(const CheckFacts& facts) {
+std::vector<AffectedObject> UnpublishedFunctions(const ClassFacts& facts) {
   const PublishedIndex published(facts);
   const KernelIndex kernel(facts);
   std::vector<AffectedObject> objects;
@@ -111,7 +111,7 @@ std::vector<AffectedObject> UnpublishedFunctions(const CheckFacts& facts) {
 }
 
 /// Lists the identifiers of a function in the three sources if they differ; empty if they agree.
-std::string Disagreement(const CheckFacts& facts, const ListedFunction& line) {
+std::string Disagreement(const ClassFacts& facts, const ListedFunction& line) {
   bool doAgree = true;
   std::string text = "list " + IdsText(line.ids);
   const auto add = [&](const char* source, const VendorAndDevice& ids) {
@@ -124,7 +124,7 @@ std::string Disagreement(const CheckFacts& facts, const ListedFunction& line) {
   return doAgree ? "" : text;
 }
 
-std::vector<AffectedObject> DisagreeingIds(const CheckFacts& facts) {
+std::vector<AffectedObject> DisagreeingIds(const ClassFacts& facts) {
   const PublishedIndex published(facts);
   const std::set<PciAddress> others = AddressesOfOtherDomains(facts);
   std::vector<AffectedObject> objects;
@@ -137,7 +137,7 @@ std::vector<AffectedObject> DisagreeingIds(const CheckFacts& facts) {
   return objects;
 }
 
-std::vector<AffectedObject> WithoutDescription(const CheckFacts& facts) {
+std::vector<AffectedObject> WithoutDescription(const ClassFacts& facts) {
   std::vector<AffectedObject> objects;
   for (const PublishedFunction& published : facts.published) {
     const PciFunction& function = published.function;
@@ -149,7 +149,7 @@ std::vector<AffectedObject> WithoutDescription(const CheckFacts& facts) {
   return objects;
 }
 
-std::vector<AffectedObject> WithHeaderOnly(const CheckFacts& facts) {
+std::vector<AffectedObject> WithHeaderOnly(const ClassFacts& facts) {
   const PublishedIndex published(facts);
   std::vector<AffectedObject> objects;
   for (const auto& [address, start] : facts.configurations) {
@@ -160,28 +160,28 @@ std::vector<AffectedObject> WithHeaderOnly(const CheckFacts& facts) {
   return objects;
 }
 
-std::vector<AffectedObject> NoListing(const CheckFacts& facts) {
+std::vector<AffectedObject> NoListing(const ClassFacts& facts) {
   if (facts.listingFailure.empty()) return {};
   return {{"lspci", "", facts.listingFailure}};
 }
 
-std::vector<AffectedObject> NoList(const CheckFacts& facts) {
+std::vector<AffectedObject> NoList(const ClassFacts& facts) {
   if (facts.list || !facts.hasPciBus) return {};
   return {{kList, "", ""}};
 }
 
-std::vector<AffectedObject> NoBus(const CheckFacts& facts) {
+std::vector<AffectedObject> NoBus(const ClassFacts& facts) {
   if (facts.hasPciBus) return {};
   return {{"/proc/bus/pci", "", facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
-std::vector<AffectedObject> NoSysfs(const CheckFacts& facts) {
+std::vector<AffectedObject> NoSysfs(const ClassFacts& facts) {
   if (facts.hasSysfs || !facts.hasPciBus) return {};
   return {{"/sys/bus/pci/devices", "",
            facts.isCapture ? "not in this capture" : "not on this machine"}};
 }
 
-const std::vector<Check> kFunctionChecks = {
+const std::vector<ClassCheck> kFunctionClassChecks = {
     {"pci-bus-missing", Severity::kNote, "No PCI bus was found.",
      "This is normal on a machine without PCI; a capture must contain proc/bus/pci.", &NoBus},
     {"list-unreadable", Severity::kError,
@@ -192,15 +192,15 @@ const std::vector<Check> kFunctionChecks = {
      "domain 0 or in others.",
      "Make sysfs visible to pciinfo (mount it in the container), or capture the machine again.",
      &NoSysfs},
-    {"domain-missing", Severity::kError,
+    {"domain-missing", Severity::kNote,
      "Functions in other PCI domains are missing: the kernel's list does not name the domain, and "
      "domain 0 has no function with the same address and identifiers.",
      "Look these functions up in /sys/bus/pci/devices.", &MissingOfOtherDomains},
-    {"domain-mixed-up", Severity::kError,
+    {"domain-mixed-up", Severity::kNote,
      "Functions in other PCI domains are mistaken for the functions with the same address and "
      "identifiers in domain 0; each published instance mixes data of both.",
      "Look both functions up in /sys/bus/pci/devices.", &MixedUpOfOtherDomains},
-    {"address-repeated", Severity::kWarning,
+    {"address-repeated", Severity::kNote,
      "The kernel's list names these addresses more than once, as it does for functions in several "
      "PCI domains; only one function per address is published.",
      "Compare with /sys/bus/pci/devices, which names the domains.", &RepeatedInList},
@@ -227,6 +227,6 @@ const std::vector<Check> kFunctionChecks = {
 
 }  // namespace
 
-const std::vector<Check>& FunctionChecks() { return kFunctionChecks; }
+const std::vector<ClassCheck>& FunctionClassChecks() { return kFunctionClassChecks; }
 
 }  // namespace pciinfo

@@ -91,7 +91,7 @@ struct SlotRecords {
 };
 
 /// The input of all checks.
-struct CheckFacts {
+struct ClassFacts {
   bool isCapture = false;
 
   std::vector<PublishedFunction> published;
@@ -108,7 +108,7 @@ struct CheckFacts {
 };
 
 /// The lines of the kernel's list; none if it cannot be read.
-inline const std::vector<ListedFunction>& ListOf(const CheckFacts& facts) {
+inline const std::vector<ListedFunction>& ListOf(const ClassFacts& facts) {
   static const std::vector<ListedFunction> none;
   return facts.list ? *facts.list : none;
 }

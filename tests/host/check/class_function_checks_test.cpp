@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/check_facts_maker.h"
+#include "tests/host/class_facts_maker.h"
 
 namespace pciinfo {
 namespace {
@@ -14,7 +14,7 @@ constexpr PciAddress kDevice{3, 0, 0};
 constexpr VendorAndDevice kIds{0x8086, 0x1533};
 
 TEST(CheckFunctions, PciBusMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("pci-bus-missing", facts), IsEmpty());
   facts.hasPciBus = false;
   facts.isCapture = true;
@@ -22,7 +22,7 @@ TEST(CheckFunctions, PciBusMissing) {
 }
 
 TEST(CheckFunctions, ListUnreadable) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("list-unreadable", facts), IsEmpty());
   facts.list.reset();
   EXPECT_THAT(Doubtful("list-unreadable", facts), ElementsAre("/proc/bus/pci/devices"));
@@ -31,7 +31,7 @@ TEST(CheckFunctions, ListUnreadable) {
 }
 
 TEST(CheckFunctions, SysfsMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("sysfs-missing", facts), IsEmpty());
   facts.hasSysfs = false;
   EXPECT_THAT(Doubtful("sysfs-missing", facts), ElementsAre("/sys/bus/pci/devices"));
@@ -40,7 +40,7 @@ TEST(CheckFunctions, SysfsMissing) {
 }
 
 TEST(CheckFunctions, DomainMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("domain-missing", facts), IsEmpty());
   facts.functions[{0x10000, {9, 0, 0}}] = {kIds, {}};
   facts.functions[{1, kDevice}] = {VendorAndDevice{0x10de, 1}, {}};
@@ -49,7 +49,7 @@ TEST(CheckFunctions, DomainMissing) {
 }
 
 TEST(CheckFunctions, DomainMixedUp) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.functions[{1, {9, 0, 0}}] = {kIds, {}};
   facts.functions[{1, {0, 1, 0}}] = {};  // without identifiers it matches no function
   EXPECT_THAT(Doubtful("domain-mixed-up", facts), IsEmpty());
@@ -59,14 +59,14 @@ TEST(CheckFunctions, DomainMixedUp) {
 }
 
 TEST(CheckFunctions, AddressRepeated) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("address-repeated", facts), IsEmpty());
   facts.list->insert(facts.list->end(), 2, facts.list->front());
   EXPECT_THAT(Doubtful("address-repeated", facts), ElementsAre("03:00.0"));
 }
 
 TEST(CheckFunctions, FunctionUnpublished) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("function-unpublished", facts), IsEmpty());
   facts.functions[{0, {7, 0, 0}}] = {};
   facts.list->push_back({{8, 0, 0}, kIds, {}, {}});
@@ -81,14 +81,14 @@ TEST(CheckFunctions, FunctionUnpublished) {
 }
 
 TEST(CheckFunctions, AFunctionOfAnotherDomainHasOneFinding) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.functions[{1, {9, 0, 0}}] = {kIds, {}};
   facts.list->push_back({{9, 0, 0}, kIds, {}, {}});
   EXPECT_THAT(Doubtful("function-unpublished", facts), IsEmpty());
 }
 
 TEST(CheckFunctions, IdsDisagree) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("ids-disagree", facts), IsEmpty());
   facts.configurations[kDevice].ids = {0xFFFF, 0xFFFF};
   EXPECT_THAT(Details("ids-disagree", facts),
@@ -103,14 +103,14 @@ TEST(CheckFunctions, IdsDisagree) {
 }
 
 TEST(CheckFunctions, ListingMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("listing-missing", facts), IsEmpty());
   facts.listingFailure = "it printed nothing";
   EXPECT_THAT(Details("listing-missing", facts), ElementsAre("lspci: it printed nothing"));
 }
 
 TEST(CheckFunctions, DescriptionMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("description-missing", facts), IsEmpty());
   facts.published[0].function.description = "PCI Vendor ID 32902  PCI Device ID 5427";
   facts.published[1].function.description = "";
@@ -119,7 +119,7 @@ TEST(CheckFunctions, DescriptionMissing) {
 }
 
 TEST(CheckFunctions, ConfigurationShort) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("configuration-short", facts), IsEmpty());
   facts.configurations[kDevice].isHeaderOnly = true;
   EXPECT_THAT(Doubtful("configuration-short", facts), ElementsAre("03:00.0"));

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/check_facts_maker.h"
+#include "tests/host/class_facts_maker.h"
 
 namespace pciinfo {
 namespace {
@@ -15,13 +15,13 @@ constexpr unsigned kAvailable = 3;
 
 /// Facts without findings, with the only slot record modified by `change`.
 template <class Change>
-CheckFacts WithRecord(const Change& change) {
-  CheckFacts facts = MakeSoundFacts();
+ClassFacts WithRecord(const Change& change) {
+  ClassFacts facts = MakeSoundFacts();
   change(facts.slotRecords.records.front());
   return facts;
 }
 
-CheckFacts At(unsigned segment, const PciAddress& address, unsigned usage = 4) {
+ClassFacts At(unsigned segment, const PciAddress& address, unsigned usage = 4) {
   return WithRecord([&](SlotRecord& record) {
     record.segment = segment;
     record.address = address;
@@ -30,7 +30,7 @@ CheckFacts At(unsigned segment, const PciAddress& address, unsigned usage = 4) {
 }
 
 TEST(CheckSlots, SlotTablesMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("slot-tables-missing", facts), IsEmpty());
   facts.slotRecords = {TVTQStatusCode::kNotFound, false, {}};
   EXPECT_THAT(Details("slot-tables-missing", facts),
@@ -40,7 +40,7 @@ TEST(CheckSlots, SlotTablesMissing) {
 }
 
 TEST(CheckSlots, SlotTablesUnreadable) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("slot-tables-unreadable", facts), IsEmpty());
   facts.slotRecords = {TVTQStatusCode::kAccessDenied, false, {}};
   EXPECT_THAT(Details("slot-tables-unreadable", facts),
@@ -52,14 +52,14 @@ TEST(CheckSlots, SlotTablesUnreadable) {
 }
 
 TEST(CheckSlots, SlotRecordsMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("slot-records-missing", facts), IsEmpty());
   facts.slotRecords.records.clear();
   EXPECT_THAT(Doubtful("slot-records-missing", facts), ElementsAre("/sys/firmware/dmi/tables"));
 }
 
 TEST(CheckSlots, SlotAddressesMissing) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("slot-addresses-missing", facts), IsEmpty());
   facts.slotRecords.haveAddresses = false;
   EXPECT_THAT(Doubtful("slot-addresses-missing", facts), ElementsAre("/sys/firmware/dmi/tables"));
@@ -68,7 +68,7 @@ TEST(CheckSlots, SlotAddressesMissing) {
 }
 
 TEST(CheckSlots, SlotUnpublished) {
-  CheckFacts facts = WithRecord([](SlotRecord& record) {
+  ClassFacts facts = WithRecord([](SlotRecord& record) {
     record.length = 29;
     record.peerCount = 2;
   });
@@ -79,7 +79,7 @@ TEST(CheckSlots, SlotUnpublished) {
 }
 
 TEST(CheckSlots, SlotOutOfPlace) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.slots.slots.push_back(PublishedSlot(2));
   EXPECT_THAT(Doubtful("slot-out-of-place", facts), IsEmpty());
   facts.slots.slots.push_back(PublishedSlot(4));
@@ -101,7 +101,7 @@ TEST(CheckSlots, SlotNumberDrift) {
 }
 
 TEST(CheckSlots, SlotRecordShort) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.slotRecords.records.push_back(facts.slotRecords.records.front());
   EXPECT_THAT(Doubtful("slot-record-short", facts), IsEmpty());
   facts.slotRecords.records.back().length = 16;
@@ -111,7 +111,7 @@ TEST(CheckSlots, SlotRecordShort) {
 }
 
 TEST(CheckSlots, SlotAddressMissing) {
-  for (const CheckFacts& facts : {At(0, {0, 0, 0}), At(0, {0xFF, 0x1F, 7}), At(0, {0xFF, 0, 0}),
+  for (const ClassFacts& facts : {At(0, {0, 0, 0}), At(0, {0xFF, 0x1F, 7}), At(0, {0xFF, 0, 0}),
                                   At(0xFFFF, {3, 0, 0}), At(0xFF, {3, 0, 0})}) {
     EXPECT_THAT(Doubtful("slot-address-missing", facts), ElementsAre("Tag 1"));
     EXPECT_THAT(Doubtful("slot-address-placeholder", facts), IsEmpty());
@@ -119,7 +119,7 @@ TEST(CheckSlots, SlotAddressMissing) {
     EXPECT_THAT(Doubtful("slot-on-bus-zero", facts), IsEmpty());
   }
   EXPECT_THAT(Doubtful("slot-address-missing", At(0, {3, 0, 0})), IsEmpty());
-  CheckFacts real = At(0, {0xFF, 0x1F, 7});
+  ClassFacts real = At(0, {0xFF, 0x1F, 7});
   real.functions[{0, {0xFF, 0x1F, 7}}] = {};
   EXPECT_THAT(Doubtful("slot-address-missing", real), IsEmpty());
 }
@@ -129,7 +129,7 @@ TEST(CheckSlots, SlotAddressPlaceholder) {
               ElementsAre("Tag 1: 0000:ff:1f.7"));
   EXPECT_THAT(Doubtful("slot-address-missing", At(0, {0, 0, 0}, kAvailable)), IsEmpty());
   EXPECT_THAT(Doubtful("slot-address-placeholder", At(0, {9, 0, 0}, kAvailable)), IsEmpty());
-  CheckFacts old = At(0, {0, 0, 0}, kAvailable);
+  ClassFacts old = At(0, {0, 0, 0}, kAvailable);
   old.slotRecords.records.front().length = 13;
   EXPECT_THAT(Doubtful("slot-address-placeholder", old), IsEmpty());
 }
@@ -141,7 +141,7 @@ TEST(CheckSlots, SlotAddressDangling) {
               ElementsAre("Tag 1: 0001:03:00.0"));
   EXPECT_THAT(Doubtful("slot-address-dangling", At(0, {3, 0, 0})), IsEmpty());
   EXPECT_THAT(Doubtful("slot-address-dangling", At(0, {9, 0, 0}, kAvailable)), IsEmpty());
-  CheckFacts unknown = At(0, {9, 0, 0});
+  ClassFacts unknown = At(0, {9, 0, 0});
   unknown.list->clear();
   unknown.functions.clear();
   EXPECT_THAT(Doubtful("slot-address-dangling", unknown), IsEmpty());
@@ -161,7 +161,7 @@ TEST(CheckSlots, SlotInOtherDomain) {
 }
 
 TEST(CheckSlots, SlotNeighbour) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   EXPECT_THAT(Doubtful("slot-neighbour", facts), IsEmpty());
   std::vector<PciFunction>& functions = facts.slots.slots.front().functions;
   functions.push_back(Published({3, 0, 1}).function);  // of the same card
@@ -172,7 +172,7 @@ TEST(CheckSlots, SlotNeighbour) {
 }
 
 TEST(CheckSlots, SlotNumberShared) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.slotRecords.haveAddresses = false;
   facts.published.front().slotNumber = 1;
   EXPECT_THAT(Doubtful("slot-number-shared", facts), IsEmpty());
@@ -185,7 +185,7 @@ TEST(CheckSlots, SlotNumberShared) {
 }
 
 TEST(CheckSlots, SlotIdShared) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.slots.slots.push_back(PublishedSlot(2));
   facts.slots.slots.push_back(PublishedSlot(3));
   EXPECT_THAT(Doubtful("slot-id-shared", facts), IsEmpty());
@@ -198,7 +198,7 @@ TEST(CheckSlots, SlotIdShared) {
 }
 
 TEST(CheckSlots, SlotDesignationShared) {
-  CheckFacts facts = MakeSoundFacts();
+  ClassFacts facts = MakeSoundFacts();
   facts.slots.slots.push_back(PublishedSlot(2));
   EXPECT_THAT(Doubtful("slot-designation-shared", facts), IsEmpty());
   facts.slots.slots[1].designation = "SLOT1  ";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/check/check_reader.h"
+#include "host/check/class_facts_reader.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -139,7 +139,7 @@ KernelFunction ReadSysFunction(const std::string& directory) {
 
 /// Reads the functions with configuration files below /proc/bus/pci: in the directory "BB" for
 /// domain 0, in "DDDD:BB" for other domains.
-void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
+void ReadProcFunctions(const std::string& root, ClassFacts& facts) {
   const fs::path directory = root + kProcDirectory;
   for (const std::string& bus : NamesIn(directory)) {
     const char* domain = bus.find(':') == std::string::npos ? "0:" : "";
@@ -150,7 +150,7 @@ void ReadProcFunctions(const std::string& root, CheckFacts& facts) {
   }
 }
 
-void ReadSysFunctions(const std::string& root, CheckFacts& facts) {
+void ReadSysFunctions(const std::string& root, ClassFacts& facts) {
   const fs::path directory = root + kSysDirectory;
   for (const std::string& name : NamesIn(directory)) {
     const auto where = ParseFullAddress(name);
@@ -172,7 +172,7 @@ std::optional<ConfigStart> ReadConfigStart(const std::string& path) {
   return ConfigStart{{word(0), word(2)}, !hasMore};
 }
 
-void ReadConfigurations(const std::string& root, CheckFacts& facts) {
+void ReadConfigurations(const std::string& root, ClassFacts& facts) {
   for (const ListedFunction& function : *facts.list) {
     const PciAddress& at = function.address;
     const std::string file =
@@ -181,7 +181,7 @@ void ReadConfigurations(const std::string& root, CheckFacts& facts) {
   }
 }
 
-void ReadPublished(const vtq::Namespace& repository, CheckFacts& facts) {
+void ReadPublished(const vtq::Namespace& repository, ClassFacts& facts) {
   for (const char* name : {"QZMSG_PCIDevice", "QZMSG_PCIBridge"}) {
     const std::shared_ptr<vtq::Class> cimClass = repository.Find(name);
     for (const auto& instance : cimClass->GetInstances()) {
@@ -209,7 +209,7 @@ std::string FormatFullAddress(const FullAddress& address) {
   return address.domain == 0 ? text : fmt::format("{:04x}:{}", address.domain, text);
 }
 
-void ReadKernelFacts(const std::string& root, CheckFacts& facts) {
+void ReadKernelFacts(const std::string& root, ClassFacts& facts) {
   std::error_code ignored;
   facts.hasSysfs = fs::is_directory(root + kSysDirectory, ignored);
   facts.hasPciBus = facts.hasSysfs || fs::is_directory(root + kProcDirectory, ignored);
@@ -219,8 +219,8 @@ void ReadKernelFacts(const std::string& root, CheckFacts& facts) {
   if (facts.list) ReadConfigurations(root, facts);
 }
 
-CheckFacts ReadCheckFacts(const vtq::Namespace& repository, bool isCapture) {
-  CheckFacts facts;
+ClassFacts ReadClassFacts(const vtq::Namespace& repository, bool isCapture) {
+  ClassFacts facts;
   facts.isCapture = isCapture;
   ReadPublished(repository, facts);
   ReadKernelFacts("", facts);

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "framework/smbios.h"
-#include "host/check/check_reader.h"
+#include "host/check/class_facts_reader.h"
 #include "runtime/smbios_access.h"
 
 namespace pciinfo {

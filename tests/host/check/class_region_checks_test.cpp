@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/check_facts_maker.h"
+#include "tests/host/class_facts_maker.h"
 
 namespace pciinfo {
 namespace {
@@ -13,8 +13,8 @@ using testing::IsEmpty;
 constexpr PciAddress kDevice{3, 0, 0};
 
 /// Facts without findings, except for region 2 of the device.
-CheckFacts WithRegion(std::uint64_t base, std::uint64_t size) {
-  CheckFacts facts = MakeSoundFacts();
+ClassFacts WithRegion(std::uint64_t base, std::uint64_t size) {
+  ClassFacts facts = MakeSoundFacts();
   facts.list->front().bases[2] = base;
   facts.list->front().sizes[2] = size;
   return facts;
@@ -42,7 +42,7 @@ TEST(CheckRegions, IoRegionWide) {
 }
 
 TEST(CheckRegions, IoRegionAsMemory) {
-  CheckFacts facts = WithRegion(0x1F0, 8);
+  ClassFacts facts = WithRegion(0x1F0, 8);
   EXPECT_THAT(Doubtful("io-region-as-memory", facts), IsEmpty());
   facts.functions[{0, kDevice}].isIo[2] = true;
   EXPECT_THAT(Details("io-region-as-memory", facts), ElementsAre("03:00.0: region 2 at 0x1f0"));
@@ -51,7 +51,7 @@ TEST(CheckRegions, IoRegionAsMemory) {
 }
 
 TEST(CheckRegions, IgnoresRegionsThatAreNotPublished) {
-  CheckFacts facts = WithRegion(0x10000000C, 0x100000000);
+  ClassFacts facts = WithRegion(0x10000000C, 0x100000000);
   facts.published[0].function.kind = "bridge";
   EXPECT_THAT(Doubtful("region-address-wide", facts), IsEmpty());
   facts.published.clear();
