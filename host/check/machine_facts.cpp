@@ -17,6 +17,10 @@ FunctionFacts ReadFunctionFacts(const PropertyReader& reader, const vtq::Instanc
   facts.powerState = reader.Text(instance, "PowerState");
   facts.modules = reader.Texts(instance, "DriverModules");
   facts.regions = ReadRegions(reader, instance);
+  for (const char* property : {"NetworkInterfaces", "BlockDevices"}) {
+    for (std::string& device : reader.Texts(instance, property))
+      facts.kernelDevices.push_back(std::move(device));
+  }
   return facts;
 }
 

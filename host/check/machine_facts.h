@@ -25,6 +25,7 @@ struct FunctionFacts {
   std::string powerState;            ///< "D0"
   std::vector<std::string> modules;  ///< that could drive it
   std::vector<Region> regions;
+  std::vector<std::string> kernelDevices;  ///< network interfaces and block devices: "eth0"
 };
 
 /// The input of the checks of the machine.

@@ -5,6 +5,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -21,6 +22,7 @@
 #include "host/machine/machine_filter.h"
 #include "host/machine/machine_model.h"
 #include "host/machine/port_tree.h"
+#include "host/metrics/metrics.h"
 #include "host/model/machine_identity.h"
 #include "host/views/classes_view.h"
 #include "host/views/devices_view.h"
@@ -133,6 +135,16 @@ Job CheckJob(const Options& options, const Classes& declared) {
   return job;
 }
 
+Job MetricsJob(const Options& options, const Classes& declared) {
+  const auto start = std::chrono::steady_clock::now();
+  const auto print = [start](const Session& session, Output& output) {
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    WriteMetrics(output, {ReadIdentity(), ReadMachineFacts(session.GetRepository()),
+                          session.GetReport().HasTroubles(), taken.count()});
+  };
+  return MakeView(PlanQuery(declared, CheckedClasses(options)).collect, print);
+}
+
 /// Makes the job of a view of the machine, as far as the filter keeps it.
 Job MachineJob(const Options& options, const Classes& declared,
                const std::function<void(MachineModel kept, Output& output)>& write) {
@@ -216,6 +228,11 @@ bool ShowsMachine(const Options& options) {
          options.command == Command::kSlots || options.command == Command::kTree;
 }
 
+bool ChecksMachine(const Options& options) {
+  return options.command == Command::kMetrics ||
+         (options.command == Command::kCheck && !options.checksClasses);
+}
+
 void RequireClasses(const PluginSet& plugins, const std::vector<std::string>& names) {
   std::vector<std::string> missing;
   for (const std::string& name : names) {
@@ -246,9 +263,7 @@ void RequireMachineClasses(const PluginSet& plugins) {
 Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& terminal) {
   if (IsPartOfInventory(options)) RequireInventoryClasses(plugins);
   if (ShowsMachine(options)) RequireClasses(plugins, MachineClasses());
-  if (options.command == Command::kCheck && !options.checksClasses) {
-    RequireClasses(plugins, CheckedClasses(options));
-  }
+  if (ChecksMachine(options)) RequireClasses(plugins, CheckedClasses(options));
   const Classes& declared = plugins.declared.classes;
   switch (options.command) {
     case Command::kDevices:
@@ -265,6 +280,8 @@ Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& te
       return ShowJob(options, declared, terminal);
     case Command::kCheck:
       return CheckJob(options, declared);
+    case Command::kMetrics:
+      return MetricsJob(options, declared);
     case Command::kDiff:
       return SideJob(declared);
     case Command::kCapture:  // not run as jobs

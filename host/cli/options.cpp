@@ -301,6 +301,8 @@ void AddCommands(CLI::App& app, Options& options) {
   AddSlots(app, options);
   AddViews(app, options);
   AddCheck(app, options);
+  AddCommand(app, "metrics", "Print metrics for Prometheus (OpenMetrics text)", options,
+             Command::kMetrics);
   AddDiff(app, options);
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
@@ -331,7 +333,7 @@ std::string UnknownCommand(const CLI::App& app) {
 bool CanFilter(Command command) {
   return command != Command::kShow && command != Command::kClasses &&
          command != Command::kCapture && command != Command::kSchema &&
-         command != Command::kCheck && command != Command::kDiff;
+         command != Command::kCheck && command != Command::kMetrics && command != Command::kDiff;
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ enum class Command {
   kCapture,
   kSchema,
   kCheck,
+  kMetrics,
   kDiff
 };
 

@@ -50,10 +50,11 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"views", {"base", "console", "formats", "model", "machine", "schema", "collect", "views"}},
     {"diff",
      {"base", "console", "formats", "model", "machine", "views", "instance_diff", "diff"}},
+    {"metrics", {"base", "console", "model", "machine", "check", "metrics"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
      {"base", "console", "formats", "process", "model", "machine", "schema", "check",
-      "instance_diff", "diff", "collect", "capture", "replay", "views", "cli"}},
+      "instance_diff", "diff", "collect", "capture", "replay", "views", "metrics", "cli"}},
 };
 
 struct Include {
