@@ -11,6 +11,7 @@
 
 #include "host/base/errors.h"
 #include "host/capture/capture.h"
+#include "host/capture/new_entry.h"
 #include "host/cli/diff_command.h"
 #include "host/cli/jobs.h"
 #include "host/cli/limits.h"
@@ -39,9 +40,9 @@ void TellIdlePlugins(const PluginOptions& options, const PluginSet& plugins) {
   }
 }
 
-ExitStatus Print(const std::function<void(Output& output)>& print) {
-  return RunGuarded([&print] {
-    Output output(STDOUT_FILENO);
+ExitStatus Print(int descriptor, const std::function<void(Output& output)>& print) {
+  return RunGuarded([&] {
+    Output output(descriptor);
     print(output);
     output.Flush();
     return kAllCollected;
@@ -77,7 +78,7 @@ void CollectClasses(Session& session, TroubleReport& report, const Job& job, Wor
 
 ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus printed) {
   if (printed != kAllCollected) return printed;
-  if (report.HasTroubles()) return kFailed;
+  if (report.HasTroubles()) return job.troubled;
   return job.answer ? job.answer() : kAllCollected;
 }
 
@@ -143,9 +144,9 @@ bool IsNeeded(const PluginFile& plugin, const Job& job) {
                             job.collect.end()) != plugin.classes.end();
 }
 
-/// The work of a view: collects what the job needs and prints it.
+/// The work of a view: collects what the job needs and prints it to a file that is open.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
-                       const LogSettings& log, Worker& worker) {
+                       const LogSettings& log, int descriptor, Worker& worker) {
   TroubleReport report({.hasPciBus = std::filesystem::exists("/proc/bus/pci"),
                         .serviceFailure = "",
                         .isCapture = !options.root.empty(),
@@ -159,7 +160,7 @@ bool IsNeeded(const PluginFile& plugin, const Job& job) {
   worker.EndStep();
   CollectClasses(session, report, job, worker);
   worker.BeginOutput();
-  const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
+  const ExitStatus printed = Print(descriptor, [&](Output& output) { job.print(session, output); });
   const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
   worker.BeginEnding();
   Tell(report, seen, session.EndPlugins());
@@ -198,19 +199,50 @@ class Runner final {
   std::optional<HeldSignals> signals_;  ///< from before anything is made that a signal could leave
 };
 
-ExitStatus RunView(Options options, const Terminal& terminal) {
+ExitStatus RunViewTo(int descriptor, Options options, const Terminal& terminal, Runner& runner) {
   const PluginSet plugins = FindPlugins(options.plugins);  // reads files of the user's
   const Job job = MakeJob(options, plugins, terminal);
   TellIdlePlugins(options.plugins, plugins);
   MakeFilesAbsolute(options);
   const LogSettings log = OpenLog(options);  // one file for all workers
   const Machine machine(options);
-  return Runner(options).Run(
+  return runner.Run(
       [&](Worker& worker) -> ExitStatus {
         machine.Enter(worker, {.files = FilesOf(plugins)});
-        Show(options, plugins, job, log, worker);
+        Show(options, plugins, job, log, descriptor, worker);
       },
       terminal.pager);
+}
+
+ExitStatus RunView(const Options& options, const Terminal& terminal) {
+  Runner runner(options);
+  return RunViewTo(STDOUT_FILENO, options, terminal, runner);
+}
+
+/// The file of a new page; none for standard output.
+std::optional<NewFile> MakePageFile(const std::string& name) {
+  if (name.empty()) throw UsageError("the name of the page is empty");
+  if (name == "-") return std::nullopt;
+  std::error_code ignored;
+  const auto status = std::filesystem::status(name, ignored);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    throw UsageError(name + " exists and is not a regular file");
+  }
+  return std::optional<NewFile>(std::in_place, name);
+}
+
+ExitStatus RunReport(Options options) {
+  if (!options.reportCapture.empty()) {
+    if (!options.root.empty())
+      throw UsageError("--root and CAPTURE name two machines: leave out one");
+    options.root = options.reportCapture;
+  }
+  Runner runner(options);
+  std::optional<NewFile> file = MakePageFile(options.reportFile);
+  const int descriptor = file ? file->GetFile().Get() : STDOUT_FILENO;
+  const ExitStatus status = RunViewTo(descriptor, options, Terminal(), runner);
+  if (file && (status == kAllCollected || status == kPageWithTroubles)) file->Commit();
+  return status == kPageWithTroubles ? kFailed : status;
 }
 
 ExitStatus RunCapture(Options options) {
@@ -236,7 +268,7 @@ ExitStatus RunSchema(const Options& options, const Terminal& terminal) {
   return Runner(options).Run(
       [&](Worker& worker) {
         worker.BeginOutput();
-        return Print([&](Output& output) {
+        return Print(STDOUT_FILENO, [&](Output& output) {
           WriteSchema(output, options.schemaFormat, plugins.declared.classes);
         });
       },
@@ -263,6 +295,8 @@ ExitStatus RunCommand(const Options& options) {
       return RunDiffInWorkers(options, terminal);
     case Command::kCapture:
       return RunCapture(options);
+    case Command::kReport:
+      return RunReport(options);
     default:
       return RunView(options, terminal);
   }

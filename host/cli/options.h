@@ -30,7 +30,8 @@ enum class Command {
   kCapture,
   kSchema,
   kCheck,
-  kDiff
+  kDiff,
+  kReport
 };
 
 #ifdef PCIINFO_SANITIZED
@@ -63,6 +64,8 @@ struct Options {
   bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
   std::string captureFile;    ///< of `capture`
   bool redact = false;        ///< of `capture`
+  std::string reportFile;     ///< of `report`
+  std::string reportCapture;  ///< of `report`: shown in the place of this machine
   // Of `diff`: the two sides, and the properties that are not compared.
   std::string diffBefore;
   std::string diffAfter;

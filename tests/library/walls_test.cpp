@@ -48,10 +48,11 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"capture", {"base", "console", "process", "schema", "capture"}},
     {"replay", {"base", "console", "process", "capture", "replay"}},
     {"views", {"base", "console", "formats", "model", "machine", "schema", "collect", "views"}},
+    {"report", {"base", "console", "model", "machine", "views", "report"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
      {"base", "console", "formats", "process", "model", "machine", "schema", "check", "diff",
-      "collect", "capture", "replay", "views", "cli"}},
+      "collect", "capture", "replay", "views", "report", "cli"}},
 };
 
 struct Include {
