@@ -11,10 +11,10 @@
 
 #include "host/base/errors.h"
 #include "host/capture/capture.h"
-#include "host/capture/new_entry.h"
 #include "host/cli/diff_command.h"
 #include "host/cli/jobs.h"
 #include "host/cli/limits.h"
+#include "host/cli/report_command.h"
 #include "host/collect/foreign_domains.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
@@ -219,32 +219,6 @@ ExitStatus RunView(const Options& options, const Terminal& terminal) {
   return RunViewTo(STDOUT_FILENO, options, terminal, runner);
 }
 
-/// The file of a new page; none for standard output.
-std::optional<NewFile> MakePageFile(const std::string& name) {
-  if (name.empty()) throw UsageError("the name of the page is empty");
-  if (name == "-") return std::nullopt;
-  std::error_code ignored;
-  const auto status = std::filesystem::status(name, ignored);
-  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-    throw UsageError(name + " exists and is not a regular file");
-  }
-  return std::optional<NewFile>(std::in_place, name);
-}
-
-ExitStatus RunReport(Options options) {
-  if (!options.reportCapture.empty()) {
-    if (!options.root.empty())
-      throw UsageError("--root and CAPTURE name two machines: leave out one");
-    options.root = options.reportCapture;
-  }
-  Runner runner(options);
-  std::optional<NewFile> file = MakePageFile(options.reportFile);
-  const int descriptor = file ? file->GetFile().Get() : STDOUT_FILENO;
-  const ExitStatus status = RunViewTo(descriptor, options, Terminal(), runner);
-  if (file && (status == kAllCollected || status == kPageWithTroubles)) file->Commit();
-  return status == kPageWithTroubles ? kFailed : status;
-}
-
 ExitStatus RunCapture(Options options) {
   MakeFilesAbsolute(options);
   const Machine machine(options);
@@ -284,6 +258,15 @@ ExitStatus RunDiffInWorkers(const Options& options, const Terminal& terminal) {
       [](const Options& side) { return RunView(side, Terminal()); });
 }
 
+ExitStatus RunReportInWorkers(const Options& options) {
+  const auto view = [](const Options& machine, const std::function<int()>& openFile) {
+    Runner runner(machine);  // holds signals back before there is a file
+    return RunViewTo(openFile(), machine, Terminal(), runner);
+  };
+  return RunReport(
+      options, {view, [](const Options& sides) { return RunDiffInWorkers(sides, Terminal()); }});
+}
+
 }  // namespace
 
 ExitStatus RunCommand(const Options& options) {
@@ -296,7 +279,7 @@ ExitStatus RunCommand(const Options& options) {
     case Command::kCapture:
       return RunCapture(options);
     case Command::kReport:
-      return RunReport(options);
+      return RunReportInWorkers(options);
     default:
       return RunView(options, terminal);
   }

@@ -20,6 +20,7 @@
 #include "host/model/machine_identity.h"
 #include "host/report/dot_writer.h"
 #include "host/report/layout.h"
+#include "host/report/machines_page.h"
 #include "host/report/page.h"
 #include "host/report/parts.h"
 #include "host/report/svg_writer.h"
@@ -84,10 +85,12 @@ std::string OriginOf(const Options& options) {
 }
 
 Job ReportJob(const Options& options, const Classes& declared) {
-  const auto print = [origin = OriginOf(options)](const Session& session, Output& output) {
+  const auto print = [origin = OriginOf(options), part = options.reportPart](const Session& session,
+                                                                             Output& output) {
     const Overview overview = {ReadIdentity(), session.GetSystemName(), "",
                                ReadMachine(session.GetRepository()),
                                session.GetReport().GetLines()};
+    if (part) return WriteMachinePart(output, overview, origin, *part);
     WritePage(output, overview, origin);
   };
   Job job = MakeView(PlanQuery(declared, MachineClasses()).collect, print);

@@ -45,6 +45,7 @@ constexpr const char* kDiffFooter =
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
 constexpr const char* kReportFooter =
+    "Two captures are compared, the first as the old machine.\n"
     "The page is one file of HTML that loads nothing. It is not written to a place that has\n"
     "something else than a regular file, and only its owner may read it.\n"
     "\n"
@@ -223,8 +224,8 @@ void AddReport(CLI::App& app, Options& options) {
       ->add_option("FILE", options.reportFile,
                    "The page to write, NAME.html, or - for standard output")
       ->required();
-  report->add_option("CAPTURE", options.reportCapture,
-                     "Draw this captured machine (default: this machine)");
+  report->add_option("CAPTURE", options.reportCaptures,
+                     "Draw these captured machines, or all in a directory (default: this machine)");
   report->footer(kReportFooter);
 }
 

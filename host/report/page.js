@@ -3,7 +3,7 @@
 'use strict';
 (() => {
   const byId = (id) => document.getElementById(id);
-  const details = byId('details');
+  const panels = Array.from(document.querySelectorAll('.details'));
   const search = byId('search');
   const rows = Array.from(document.querySelectorAll('tbody tr'));
   const items = Array.from(document.querySelectorAll('a.item'));
@@ -18,14 +18,16 @@
 
   // The ids of the rows that tell of an item: slots before functions.
   const rowsOf = (item) => {
-    const ids = (letter, text) => (text || '').split(' ').filter(Boolean).map((n) => letter + n);
+    const prefix = item.closest('.board').dataset.prefix || '';
+    const ids = (letter, text) =>
+      (text || '').split(' ').filter(Boolean).map((place) => prefix + letter + place);
     return [...ids('s', item.dataset.slots), ...ids('f', item.dataset.functions)];
   };
 
   // Repeats a row of a table as a list of its headings and cells.
-  const tellRow = (row) => {
+  const tellRow = (details, row) => {
     const headings = row.closest('table').tHead.rows[0].cells;
-    const named = row.id.startsWith('f') ? 2 : 1;  // functions by address and name
+    const named = /f[0-9]+$/.test(row.id) ? 2 : 1;  // functions by address and name
     const names = Array.from(row.cells).slice(0, named).map((cell) => cell.textContent.trim());
     add(details, 'h3', names.join(' '));
     const list = add(details, 'dl', '');
@@ -38,9 +40,11 @@
   };
 
   const rest = () => {
-    details.replaceChildren();
-    details.classList.add('resting');
-    add(details, 'p', 'Select a slot, a card or a port to see its details.').className = 'hint';
+    for (const details of panels) {
+      details.replaceChildren();
+      details.classList.add('resting');
+      add(details, 'p', 'Select a slot, a card or a port to see its details.').className = 'hint';
+    }
   };
 
   const unmark = () => {
@@ -53,7 +57,7 @@
     rest();
   };
 
-  const tell = (ids) => {
+  const tell = (details, ids) => {
     details.replaceChildren();
     details.classList.remove('resting');
     const button = add(details, 'button', 'Close');
@@ -63,16 +67,16 @@
       const row = byId(id);
       if (!row) continue;
       row.classList.add('selected');
-      tellRow(row);
+      tellRow(details, row);
     }
     details.scrollTop = 0;
   };
 
   const select = (item) => {
-    unmark();
+    close();
     item.classList.add('selected');
     item.setAttribute('aria-current', 'true');
-    tell(rowsOf(item));
+    tell(item.closest('.board').querySelector('.details'), rowsOf(item));
   };
 
   // One item at a time can be reached with the tabulator key, all with the arrow keys.
@@ -100,6 +104,12 @@
     event.preventDefault();
   };
 
+  const reveal = (element) => {
+    for (let part = element.closest('details'); part; part = part.parentElement.closest('details')) {
+      part.open = true;
+    }
+  };
+
   // Texts of rows in lower case, read once, when the first search needs them.
   let texts = null;
   const find = () => {
@@ -113,7 +123,7 @@
     for (const item of items) {
       item.classList.toggle('dim', !rowsOf(item).some((id) => found.has(id)));
     }
-    if (words.length && found.size) document.querySelector('details').open = true;
+    if (words.length) found.forEach((id) => reveal(byId(id)));
     byId('found').textContent = words.length ? `${found.size} of ${rows.length} rows` : '';
   };
 
@@ -133,10 +143,12 @@
       search.focus();
     }
   });
-  window.addEventListener('beforeprint', () => { document.querySelector('details').open = true; });
+  window.addEventListener('beforeprint', () => rows.forEach(reveal));
   search.addEventListener('input', find);
   byId('find').hidden = false;
-  details.hidden = false;
-  details.setAttribute('aria-live', 'polite');
+  for (const details of panels) {
+    details.hidden = false;
+    details.setAttribute('aria-live', 'polite');
+  }
   rest();
 })();

@@ -109,12 +109,12 @@ std::string LinkWithDoubt(const MachineFunction& function, const MachineModel& m
 
 }  // namespace
 
-void WriteSlotTable(Markup& markup, const MachineModel& machine) {
+void WriteSlotTable(Markup& markup, const MachineModel& machine, const std::string& prefix) {
   BeginTable(markup, "Slots",
              {"Slot", "State", "Card", "Link", "Form", "Port", "Known from", "Because"});
   for (std::size_t i = 0; i < machine.slots.size(); ++i) {
     const MachineSlot& slot = machine.slots[i];
-    WriteRow(markup, fmt::format("s{}", i),
+    WriteRow(markup, fmt::format("{}s{}", prefix, i),
              {NameOf(slot, machine), StateText(slot), CardsText(slot, machine), SlotLink(slot),
               SlotForm(slot), SlotPorts(slot, machine), Printable(slot.source),
               SlotEvidence(slot, machine)});
@@ -122,12 +122,12 @@ void WriteSlotTable(Markup& markup, const MachineModel& machine) {
   EndTable(markup);
 }
 
-void WriteFunctionTable(Markup& markup, const MachineModel& machine) {
+void WriteFunctionTable(Markup& markup, const MachineModel& machine, const std::string& prefix) {
   BeginTable(markup, "Functions",
              {"Address", "Name", "Class", "ID", "Driver", "Link", "Place", "NUMA node"});
   for (std::size_t i = 0; i < machine.functions.size(); ++i) {
     const MachineFunction& function = machine.functions[i];
-    WriteRow(markup, fmt::format("f{}", i),
+    WriteRow(markup, fmt::format("{}f{}", prefix, i),
              {AddressText(function.address, machine.HasDomains()), MakerAndModel(function),
               ClassName(function), IdText(function), Printable(function.driver),
               LinkWithDoubt(function, machine), PlaceText(function, machine), NodeCell(function)});

@@ -110,15 +110,15 @@ std::string PlacesText(const std::vector<std::size_t>& places) {
 }
 
 /// The row of a table that tells of an item.
-std::string RowOf(const DrawnItem& item) {
-  if (!item.slots.empty()) return fmt::format("#s{}", item.slots.front());
-  return item.functions.empty() ? "" : fmt::format("#f{}", item.functions.front());
+std::string RowOf(const DrawnItem& item, const std::string& prefix) {
+  if (!item.slots.empty()) return fmt::format("#{}s{}", prefix, item.slots.front());
+  return item.functions.empty() ? "" : fmt::format("#{}f{}", prefix, item.functions.front());
 }
 
-void WriteItem(Markup& markup, const DrawnItem& item, ItemUse use) {
-  if (use == ItemUse::kLink) {
+void WriteItem(Markup& markup, const DrawnItem& item, const std::optional<std::string>& prefix) {
+  if (prefix) {
     markup.Open("a", {{"class", "item"},
-                      {"href", RowOf(item)},
+                      {"href", RowOf(item, *prefix)},
                       {"data-functions", PlacesText(item.functions)},
                       {"data-slots", PlacesText(item.slots)}});
   } else {
@@ -179,8 +179,7 @@ void WriteColumns(Markup& markup, const std::vector<Panel>& panels,
     double top = kPanelGap;
     double width = 0;
     for (const std::size_t place : column) {
-      WritePanel(markup, panels[place], ItemUse::kPicture,
-                 {{"x", Pixels(left)}, {"y", Pixels(top)}});
+      WritePanel(markup, panels[place], std::nullopt, {{"x", Pixels(left)}, {"y", Pixels(top)}});
       top += panels[place].height + kPanelGap;
       width = std::max(width, panels[place].width);
     }
@@ -190,7 +189,8 @@ void WriteColumns(Markup& markup, const std::vector<Panel>& panels,
 
 }  // namespace
 
-void WritePanel(Markup& markup, const Panel& panel, ItemUse use, const Markup::Attributes& place) {
+void WritePanel(Markup& markup, const Panel& panel, const std::optional<std::string>& prefix,
+                const Markup::Attributes& place) {
   Markup::Attributes attributes = place;
   const std::string width = Pixels(panel.width);
   const std::string height = Pixels(panel.height);
@@ -205,7 +205,7 @@ void WritePanel(Markup& markup, const Panel& panel, ItemUse use, const Markup::A
   for (const PlacedLine& line : panel.lines) WriteLine(markup, line);
   for (const PlacedText& text : panel.texts) WriteText(markup, text);
   markup.Fixed("\n");
-  for (const DrawnItem& item : panel.items) WriteItem(markup, item, use);
+  for (const DrawnItem& item : panel.items) WriteItem(markup, item, prefix);
   markup.CloseLine();
 }
 

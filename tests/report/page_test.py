@@ -86,6 +86,9 @@ for (const element of document.querySelectorAll('h1, h2, h3, dt, dd, li, th, td,
 return wrong;"""
 
 
+EXAMPLES = [SOURCES / f"examples/{name}.tar.gz" for name in ("server", "server-after-service")]
+
+
 def write_page(directory, name, *arguments):
     page = directory / f"{name}.html"
     subprocess.run([PCIINFO, "report", page, *arguments], check=True)
@@ -116,7 +119,9 @@ class PageTest(unittest.TestCase):
         cls.addClassCleanup(temporary.cleanup)
         directory = pathlib.Path(temporary.name)
         cls.pages = {
-            "server": write_page(directory, "server", SOURCES / "examples/server.tar.gz"),
+            "server": write_page(directory, "server", EXAMPLES[0]),
+            "two": write_page(directory, "two", *EXAMPLES),
+            "three": write_page(directory, "three", *EXAMPLES, EXAMPLES[0]),
             "large": write_page(directory, "large", make_machine(directory / "large", 1024)),
             "hostile": write_page(directory, "hostile",
                                   make_machine(directory / "hostile", hostile_recipe(directory))),
@@ -158,12 +163,12 @@ class PageTest(unittest.TestCase):
     def test_selecting_a_card_shows_its_details(self):
         self.open("server")
         self.browser.click("a.item[data-slots='0']")
-        details = self.text_of("#details")
+        details = self.text_of(".details")
         for text in ("PCIe Slot 1", "in use", "X710", "i40e", "SMBIOS record 0x"):
             self.assertIn(text, details)
         self.assertEqual(self.browser.run("return document.querySelectorAll('tr.selected').length"), 4)
         self.browser.press("Escape")
-        self.assertNotIn("PCIe Slot 1", self.text_of("#details"))
+        self.assertNotIn("PCIe Slot 1", self.text_of(".details"))
         self.assertEqual(self.browser.messages(), [])
 
     def test_search_finds(self):
@@ -193,11 +198,11 @@ class PageTest(unittest.TestCase):
         self.browser.press("Down")
         self.assertIn("PCIe Slot 2", self.focused())
         self.browser.press("Enter")
-        self.assertIn("PCIe Slot 2", self.text_of("#details"))
+        self.assertIn("PCIe Slot 2", self.text_of(".details"))
         self.browser.press("End")
         self.assertIn("chipset functions", self.focused())
         self.browser.press(" ")
-        self.assertIn("Sky Lake-E DMI3 Registers", self.text_of("#details"))
+        self.assertIn("Sky Lake-E DMI3 Registers", self.text_of(".details"))
         self.browser.press("Home")
         self.assertIn("PCIe Slot 1", self.focused())
         self.assertEqual(self.browser.run("return document.querySelectorAll(\"a.item[tabindex='0']\").length"), 1)
@@ -212,6 +217,22 @@ class PageTest(unittest.TestCase):
                        ("link", "PCIe Slot 4; empty, x8; link up to x8; port 00:03.1")):
             self.assertIn(wanted, named)
         self.assertIn("narrow link x8 of x16", " ".join(name or "" for _, name in named))
+
+    def test_details_of_two_machines_are_apart(self):
+        self.open("two")
+        self.browser.click("#m1-s2")  # moves into view; rows are no buttons
+        self.browser.click("a.item[href='#m1-s2']")
+        texts = self.browser.run("return Array.from(document.querySelectorAll('.details')).map((e) => e.innerText)")
+        self.assertNotIn("PCIe Slot 3", texts[0])
+        self.assertIn("PCIe Slot 3", texts[1])
+        self.assertIn("empty", texts[1])
+
+    def test_search_opens_machines(self):
+        self.open("three")
+        opened = "return Array.from(document.querySelectorAll('details.machine')).map((e) => e.open)"
+        self.assertEqual(self.browser.run(opened), [False, False, False])
+        self.browser.type("#search", "05:00.0 mellanox connectx-4")
+        self.assertEqual(self.browser.run(opened), [True, False, True])
 
     def test_hostile_names_do_no_harm(self):
         self.open("hostile")
@@ -246,7 +267,7 @@ class PageTest(unittest.TestCase):
 class PageWithoutScriptsTest(unittest.TestCase):
     def test_shows_drawing_and_tables(self):
         with tempfile.TemporaryDirectory() as name, Browser(hasScripts=False) as browser:
-            browser.show(write_page(pathlib.Path(name), "server", SOURCES / "examples/server.tar.gz"))
+            browser.show(write_page(pathlib.Path(name), "server", EXAMPLES[0]))
             self.assertEqual(browser.run("return document.querySelectorAll('#slots tbody tr').length"), 5)
             self.assertEqual(browser.run("return document.querySelectorAll('#functions tbody tr').length"), 20)
             shown = browser.run("return document.body.innerText")

@@ -71,7 +71,8 @@ TEST(Options, TreeCanShowAll) {
 TEST(Options, ReportTakesAFileAndACapture) {
   EXPECT_EQ(Parsed({"report", "page.html"}).command, Command::kReport);
   EXPECT_EQ(Parsed({"report", "page.html", "a.tar"}).reportFile, "page.html");
-  EXPECT_EQ(Parsed({"report", "page.html", "a.tar"}).reportCapture, "a.tar");
+  EXPECT_THAT(Parsed({"report", "page.html", "a.tar", "b"}).reportCaptures,
+              ElementsAre("a.tar", "b"));
   EXPECT_THAT(Error({"report"}), HasSubstr("FILE"));
   EXPECT_THAT(Error({"report", "page.html", "--filter", "class=02"}), HasSubstr("--filter"));
 }

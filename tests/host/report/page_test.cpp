@@ -7,6 +7,7 @@
 #include <regex>
 
 #include "host/report/assets.h"
+#include "host/report/machines_page.h"
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 #include "tests/host/unsafe_text.h"
@@ -123,6 +124,24 @@ TEST(Page, OfAMachineWithoutAnythingSaysSo) {
   EXPECT_THAT(page, HasSubstr("No slots are known."));
   EXPECT_THAT(page, HasSubstr("Nothing is in doubt."));
   EXPECT_THAT(page, HasSubstr("0 PCI functions"));
+  EXPECT_THAT(page, HasSubstr("<h1>This machine</h1>"));
+}
+
+TEST(MachinesPage, EscapesDifferences) {
+  OutputToText output;
+  WriteMachinesPage(output.Get(), {{kHostile, std::nullopt}}, std::string("+ ") + kHostile);
+  const std::string page = output.Text();
+  EXPECT_EQ(CountOf(page, "<script"), 1U);
+  EXPECT_THAT(page, Not(HasSubstr("<img")));
+  EXPECT_THAT(page, HasSubstr("<li class=\"added\"><strong>added</strong> &lt;/script&gt;"));
+}
+
+TEST(MachinesPage, TellsOnlyTheLinesOfDiff) {
+  OutputToText output;
+  WriteMachinesPage(output.Get(), {}, "--- a\n+++ b\n~ slot 1\n    now empty\n- slot 2\n");
+  EXPECT_THAT(output.Text(),
+              HasSubstr("<li class=\"changed\"><strong>changed</strong> slot 1<div>    now empty"
+                        "</div></li>\n<li class=\"removed\"><strong>removed</strong> slot 2"));
 }
 
 TEST(ReportCommand, WritesAFileForItsOwnerOnly) {
@@ -147,6 +166,47 @@ TEST(ReportCommand, DrawsACapture) {
   EXPECT_THAT(result.out, HasSubstr("from the capture server.tar.gz"));
   EXPECT_EQ(RunPciinfo({"report", "-", "--root", capture}).out, result.out);
   EXPECT_EQ(RunPciinfo({"report", "-", capture, "--root", capture}).status, 2);
+}
+
+TEST(ReportCommand, ComparesTwoCaptures) {
+  const RunResult result = RunPciinfo(
+      {"report", "-", EXAMPLES "/server.tar.gz", EXAMPLES "/server-after-service.tar.gz"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("<h1>2 machines</h1>"));
+  EXPECT_THAT(result.out, HasSubstr("What is different"));
+  EXPECT_THAT(result.out, HasSubstr("<strong>changed</strong> slot PCIe Slot 3"));
+  EXPECT_THAT(result.out, HasSubstr("<tr id=\"m0-s0\">"));
+  EXPECT_THAT(result.out, HasSubstr("<tr id=\"m1-s0\">"));
+  EXPECT_EQ(FirstUnsafe(result.out), -1);
+}
+
+TEST(ReportCommand, HasAnIndexOfADirectory) {
+  const vtq::TemporaryDirectory directory;
+  for (const char* name : {"b.tar.gz", "a.tar.gz", "c.tar.gz"}) {
+    std::filesystem::copy(EXAMPLES "/server.tar.gz", directory / name);
+  }
+  directory.Write("notes.txt", "no capture");
+  const RunResult result = RunPciinfo({"report", "-", directory.GetPath()});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("<h1>3 machines</h1>"));
+  EXPECT_THAT(result.out, Not(HasSubstr("What is different")));
+  EXPECT_LT(result.out.find("the capture a.tar.gz"), result.out.find("the capture b.tar.gz"));
+  EXPECT_EQ(CountOf(result.out, "<script"), 1U);
+}
+
+TEST(ReportCommand, NamesACaptureThatCannotBeRead) {
+  const vtq::TemporaryDirectory directory;
+  const std::string damaged = directory.Write("damaged.tar.gz", "nothing");
+  const RunResult result = RunPciinfo({"report", "-", damaged, EXAMPLES "/server.tar.gz", damaged});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("damaged.tar.gz"));
+  EXPECT_THAT(result.out, HasSubstr("could not be read</th><td><td><td><td>damaged.tar.gz"));
+  EXPECT_THAT(result.out, HasSubstr("PCIe Slot 5"));
+}
+
+TEST(ReportCommand, RefusesADirectoryWithoutCaptures) {
+  const vtq::TemporaryDirectory directory;
+  EXPECT_EQ(RunPciinfo({"report", "-", directory.GetPath()}).status, 2);
 }
 
 TEST(ReportCommand, LeavesNothingWhenItFails) {
