@@ -5,7 +5,7 @@
   const byId = (id) => document.getElementById(id);
   const panels = Array.from(document.querySelectorAll('.details'));
   const search = byId('search');
-  const rows = Array.from(document.querySelectorAll('tbody tr'));
+  const rows = Array.from(document.querySelectorAll('tbody tr[id]'));
   const items = Array.from(document.querySelectorAll('a.item'));
   const isShown = (item) => !item.classList.contains('dim');
 
@@ -104,11 +104,8 @@
     event.preventDefault();
   };
 
-  const reveal = (element) => {
-    for (let part = element.closest('details'); part; part = part.parentElement.closest('details')) {
-      part.open = true;
-    }
-  };
+  // What is closed is open while the search finds something in it, and on paper.
+  const folds = Array.from(document.querySelectorAll('details'), (fold) => [fold, fold.open]);
 
   // Texts of rows in lower case, read once, when the first search needs them.
   let texts = null;
@@ -123,7 +120,9 @@
     for (const item of items) {
       item.classList.toggle('dim', !rowsOf(item).some((id) => found.has(id)));
     }
-    if (words.length) found.forEach((id) => reveal(byId(id)));
+    for (const [fold, wasOpen] of folds) {
+      fold.open = words.length ? fold.querySelector('tbody tr[id]:not([hidden])') !== null : wasOpen;
+    }
     byId('found').textContent = words.length ? `${found.size} of ${rows.length} rows` : '';
   };
 
@@ -143,7 +142,9 @@
       search.focus();
     }
   });
-  window.addEventListener('beforeprint', () => rows.forEach(reveal));
+  window.addEventListener('beforeprint', () => {
+    for (const [fold] of folds) fold.open = true;
+  });
   search.addEventListener('input', find);
   byId('find').hidden = false;
   for (const details of panels) {
