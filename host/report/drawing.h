@@ -48,7 +48,7 @@ enum class ShapeKind {
   kSwitch,
   kGroup,
   kSlot,
-  kUnnamedSlot,
+  kUnknownSlot,
   kEmptySlot,
   kDoubtfulSlot
 };

@@ -66,8 +66,8 @@ void WriteLegend(Markup& markup) {
   WriteKey(markup, R"(<rect class="slot-box" x="1" y="1" width="32" height="14" rx="3"/>)", "slot");
   WriteKey(markup, R"(<rect class="empty-box" x="1" y="1" width="32" height="14" rx="3"/>)",
            "empty slot");
-  WriteKey(markup, R"(<rect class="unnamed-box" x="1" y="1" width="32" height="14" rx="3"/>)",
-           "slot that nothing names");
+  WriteKey(markup, R"(<rect class="unknown-box" x="1" y="1" width="32" height="14" rx="3"/>)",
+           "slot of which little is known");
   WriteKey(markup, R"(<rect class="doubtful-box" x="1" y="1" width="32" height="14" rx="3"/>)",
            "not certain which slot, or in doubt");
   WriteKey(markup, R"(<rect class="device-box" x="1" y="1" width="32" height="14" rx="3"/>)",

@@ -22,8 +22,9 @@ constexpr double kRowHeight = 28;   // of a part in one line
 constexpr double kSlotHead = 24;    // the line with the name of a slot
 constexpr double kInset = 6;        // between the frame of a slot and the cards in it
 constexpr double kIndent = 12;      // of the ports of a switch
-constexpr double kCardWidth = 236;  // at least
-constexpr double kTextInset = 10;   // between the frame of a card and its texts
+constexpr double kCardWidth = 236;  // at least, where it is not behind a switch
+constexpr double kLeastCardWidth = 160;
+constexpr double kTextInset = 10;  // between the frame of a card and its texts
 
 constexpr double kBusThickness = 2;
 
@@ -88,7 +89,8 @@ void AddShape(DrawnItem& item, ShapeKind kind, const Span& span, double bottom) 
 
 ShapeKind SlotShape(const Part& part) {
   if (part.isDoubtful || part.slots.size() > part.count) return ShapeKind::kDoubtfulSlot;
-  if (!part.isNamed) return ShapeKind::kUnnamedSlot;
+  const bool isUnknown = part.behind.empty() && !part.isEmpty;
+  if (!part.isNamed || isUnknown) return ShapeKind::kUnknownSlot;
   return part.isEmpty ? ShapeKind::kEmptySlot : ShapeKind::kSlot;
 }
 
@@ -280,24 +282,28 @@ class PanelMaker final {
     const std::size_t place = panel_.items.size() - 1;
     const PlacedBus bus =
         PlaceOnBus(part.behind, {span.left + kIndent, span.right, span.top + kRowHeight + kGap});
-    panel_.items[place].lines.push_back(bus.line);
+    if (!part.behind.empty()) panel_.items[place].lines.push_back(bus.line);
     return bus.bottom;
   }
 
   Panel panel_;
 };
 
-double WidthOf(const Part& part);
+double WidthOf(const Part& part, double cardWidth);
 
-double WidestOf(const std::vector<Part>& parts) {
-  double width = kCardWidth;
-  for (const Part& part : parts) width = std::max(width, WidthOf(part));
+double WidestOf(const std::vector<Part>& parts, double cardWidth) {
+  double width = cardWidth;
+  for (const Part& part : parts) width = std::max(width, WidthOf(part, cardWidth));
   return width;
 }
 
-double WidthOf(const Part& part) {
-  double inside = WidestOf(part.behind);
-  if (part.kind == PartKind::kSwitch) inside += kIndent + kLinkLength;
+/// Cards behind switches may be narrower, so that panels do not become too wide.
+double WidthOf(const Part& part, double cardWidth) {
+  constexpr double kLess = 50;
+  const bool isSwitch = part.kind == PartKind::kSwitch;
+  if (isSwitch) cardWidth = std::max(cardWidth - kLess, kLeastCardWidth);
+  double inside = WidestOf(part.behind, cardWidth);
+  if (isSwitch) inside += kIndent + kLinkLength;
   return part.slot.empty() ? inside : inside + 2 * kInset;
 }
 
@@ -311,7 +317,7 @@ bool IsWithoutBus(const std::vector<Part>& parts) {
 }  // namespace
 
 double PanelWidth(const std::vector<Part>& parts) {
-  return 2 * kPadding + kLinkLength + WidestOf(parts);
+  return 2 * kPadding + kLinkLength + WidestOf(parts, kCardWidth);
 }
 
 double PartHeight(const Part& part, double panelWidth) {

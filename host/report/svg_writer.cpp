@@ -53,8 +53,8 @@ const char* ClassOf(ShapeKind kind) {
       return "group-box";
     case ShapeKind::kSlot:
       return "slot-box";
-    case ShapeKind::kUnnamedSlot:
-      return "unnamed-box";
+    case ShapeKind::kUnknownSlot:
+      return "unknown-box";
     case ShapeKind::kEmptySlot:
       return "empty-box";
     case ShapeKind::kDoubtfulSlot:
