@@ -14,6 +14,7 @@
 #include "host/cli/diff_command.h"
 #include "host/cli/jobs.h"
 #include "host/cli/limits.h"
+#include "host/cli/report_command.h"
 #include "host/collect/foreign_domains.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
@@ -39,9 +40,9 @@ void TellIdlePlugins(const PluginOptions& options, const PluginSet& plugins) {
   }
 }
 
-ExitStatus Print(const std::function<void(Output& output)>& print) {
-  return RunGuarded([&print] {
-    Output output(STDOUT_FILENO);
+ExitStatus Print(int descriptor, const std::function<void(Output& output)>& print) {
+  return RunGuarded([&] {
+    Output output(descriptor);
     print(output);
     output.Flush();
     return kAllCollected;
@@ -77,7 +78,7 @@ void CollectClasses(Session& session, TroubleReport& report, const Job& job, Wor
 
 ExitStatus StatusOf(const Job& job, const TroubleReport& report, ExitStatus printed) {
   if (printed != kAllCollected) return printed;
-  if (report.HasTroubles()) return kFailed;
+  if (report.HasTroubles()) return job.troubled;
   return job.answer ? job.answer() : kAllCollected;
 }
 
@@ -152,10 +153,10 @@ bool ShowedNoTables(const std::optional<Manifest>& manifest) {
   });
 }
 
-/// The work of a view: collects what the job needs and prints it.
+/// The work of a view: collects what the job needs and prints it to a file that is open.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
                        const LogSettings& log, const std::optional<Manifest>& manifest,
-                       Worker& worker) {
+                       int descriptor, Worker& worker) {
   TroubleReport report({.hasPciBus = std::filesystem::exists("/proc/bus/pci"),
                         .serviceFailure = "",
                         .isCapture = !options.root.empty(),
@@ -170,7 +171,7 @@ bool ShowedNoTables(const std::optional<Manifest>& manifest) {
   worker.EndStep();
   CollectClasses(session, report, job, worker);
   worker.BeginOutput();
-  const ExitStatus printed = Print([&](Output& output) { job.print(session, output); });
+  const ExitStatus printed = Print(descriptor, [&](Output& output) { job.print(session, output); });
   const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
   worker.BeginEnding();
   Tell(report, seen, session.EndPlugins());
@@ -209,19 +210,24 @@ class Runner final {
   std::optional<HeldSignals> signals_;  ///< from before anything is made that a signal could leave
 };
 
-ExitStatus RunView(Options options, const Terminal& terminal) {
+ExitStatus RunViewTo(int descriptor, Options options, const Terminal& terminal, Runner& runner) {
   const PluginSet plugins = FindPlugins(options.plugins);  // reads files of the user's
   const Job job = MakeJob(options, plugins, terminal);
   TellIdlePlugins(options.plugins, plugins);
   MakeFilesAbsolute(options);
   const LogSettings log = OpenLog(options);  // one file for all workers
   const Machine machine(options);
-  return Runner(options).Run(
+  return runner.Run(
       [&](Worker& worker) -> ExitStatus {
         const std::optional<Manifest> manifest = machine.Enter(worker, {.files = FilesOf(plugins)});
-        Show(options, plugins, job, log, manifest, worker);
+        Show(options, plugins, job, log, manifest, descriptor, worker);
       },
       terminal.pager);
+}
+
+ExitStatus RunView(const Options& options, const Terminal& terminal) {
+  Runner runner(options);
+  return RunViewTo(STDOUT_FILENO, options, terminal, runner);
 }
 
 ExitStatus RunCapture(Options options) {
@@ -247,7 +253,7 @@ ExitStatus RunSchema(const Options& options, const Terminal& terminal) {
   return Runner(options).Run(
       [&](Worker& worker) {
         worker.BeginOutput();
-        return Print([&](Output& output) {
+        return Print(STDOUT_FILENO, [&](Output& output) {
           WriteSchema(output, options.schemaFormat, plugins.declared.classes);
         });
       },
@@ -263,6 +269,15 @@ ExitStatus RunDiffInWorkers(const Options& options, const Terminal& terminal) {
       [](const Options& side) { return RunView(side, Terminal()); });
 }
 
+ExitStatus RunReportInWorkers(const Options& options) {
+  const auto view = [](const Options& machine, const std::function<int()>& openFile) {
+    Runner runner(machine);  // holds signals back before there is a file
+    return RunViewTo(openFile(), machine, Terminal(), runner);
+  };
+  return RunReport(
+      options, {view, [](const Options& sides) { return RunDiffInWorkers(sides, Terminal()); }});
+}
+
 }  // namespace
 
 ExitStatus RunCommand(const Options& options) {
@@ -274,6 +289,8 @@ ExitStatus RunCommand(const Options& options) {
       return RunDiffInWorkers(options, terminal);
     case Command::kCapture:
       return RunCapture(options);
+    case Command::kReport:
+      return RunReportInWorkers(options);
     default:
       return RunView(options, terminal);
   }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -24,6 +25,12 @@
 #include "host/machine/port_tree.h"
 #include "host/metrics/metrics.h"
 #include "host/model/machine_identity.h"
+#include "host/report/dot_writer.h"
+#include "host/report/layout.h"
+#include "host/report/machines_page.h"
+#include "host/report/page.h"
+#include "host/report/parts.h"
+#include "host/report/svg_writer.h"
 #include "host/views/classes_view.h"
 #include "host/views/devices_view.h"
 #include "host/views/overview.h"
@@ -33,6 +40,8 @@
 
 namespace pciinfo {
 namespace {
+
+namespace fs = std::filesystem;
 
 using Classes = std::vector<vtq::ClassSchema>;
 
@@ -73,6 +82,26 @@ Job OverviewJob(const Options& options, const Classes& declared, const Terminal&
   };
   Job job = MakeView(PlanQuery(declared, MachineClasses()).collect, print);
   job.showsTroubles = asJson || terminal.width.has_value();
+  return job;
+}
+
+std::string OriginOf(const Options& options) {
+  if (options.root.empty()) return "this machine";
+  return options.root == "-" ? "a capture"
+                             : "the capture " + fs::path(options.root).filename().string();
+}
+
+Job ReportJob(const Options& options, const Classes& declared) {
+  const auto print = [origin = OriginOf(options), part = options.reportPart](const Session& session,
+                                                                             Output& output) {
+    const Overview overview = {ReadIdentity(), session.GetSystemName(), "",
+                               ReadMachine(session.GetRepository()),
+                               session.GetReport().GetLines()};
+    if (part) return WriteMachinePart(output, overview, origin, *part);
+    WritePage(output, overview, origin);
+  };
+  Job job = MakeView(PlanQuery(declared, MachineClasses()).collect, print);
+  job.troubled = kPageWithTroubles;
   return job;
 }
 
@@ -179,18 +208,29 @@ Job SlotsJob(const Options& options, const Classes& declared, const Terminal& te
   return MachineJob(options, declared, write);
 }
 
+/// Draws a tree; with a filter without the slots to which no port leads, which it could not choose.
+void DrawTree(Output& output, const std::vector<RootBus>& tree, const MachineModel& machine,
+              const Options& options) {
+  std::vector<PartGroup> parts = PartsOf(tree, machine);
+  if (options.filter.IsEmpty()) parts.push_back(SlotsWithoutPort(machine));
+  if (!options.showAll) FoldParts(parts);
+  if (options.format == "dot") return WriteDot(output, parts);
+  WriteSvg(output, LayOut(parts), "PCI functions and slots");
+}
+
 Job TreeJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  const auto print = [filter = options.filter, terminal, asJson = options.format == "json",
-                      all = options.showAll](const Session& session, Output& output) {
+  const auto print = [options, terminal](const Session& session, Output& output) {
     const MachineModel machine = ReadMachine(session.GetRepository());
     std::vector<RootBus> tree = MakePortTree(machine);
-    if (!filter.IsEmpty()) {
-      Prune(tree,
-            [&](const MachineFunction& function) { return Keeps(filter, machine, function); });
-      if (tree.empty()) TellNothingMatches(filter);
+    if (!options.filter.IsEmpty()) {
+      Prune(tree, [&](const MachineFunction& function) {
+        return Keeps(options.filter, machine, function);
+      });
+      if (tree.empty()) TellNothingMatches(options.filter);
     }
-    if (asJson) return WriteTreeJson(output, tree, machine);
-    if (!all) FoldAlike(tree);
+    if (options.format == "json") return WriteTreeJson(output, tree, machine);
+    if (options.format != "table") return DrawTree(output, tree, machine, options);
+    if (!options.showAll) FoldAlike(tree);
     WriteTree(output, tree, machine, terminal);
   };
   return MakeView(PlanQuery(declared, MachineClasses()).collect, print);
@@ -225,7 +265,8 @@ bool IsPartOfInventory(const Options& options) {
 bool ShowsMachine(const Options& options) {
   if (options.command == Command::kShow) return !options.target.starts_with('/');
   return options.command == Command::kOverview || options.command == Command::kDevices ||
-         options.command == Command::kSlots || options.command == Command::kTree;
+         options.command == Command::kSlots || options.command == Command::kTree ||
+         options.command == Command::kReport;
 }
 
 bool ChecksMachine(const Options& options) {
@@ -282,6 +323,8 @@ Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& te
       return CheckJob(options, declared);
     case Command::kMetrics:
       return MetricsJob(options, declared);
+    case Command::kReport:
+      return ReportJob(options, declared);
     case Command::kDiff:
       return SideJob(declared);
     case Command::kCapture:  // not run as jobs

@@ -18,11 +18,17 @@ struct Job {
   std::function<void(const Session& session, Output& output)> print;
   /// The exit status when everything was collected and printed; empty: kAllCollected.
   std::function<ExitStatus()> answer = nullptr;
+  /// The exit status when something could not be collected.
+  ExitStatus troubled = kFailed;
   /// Whether the output itself shows the troubles, so that they are not repeated as messages.
   bool showsTroubles = false;
   /// Whether every plug-in is loaded, also one that serves none of the classes.
   bool loadsAll = false;
 };
+
+/// Exit status of the job of `report` for a page that is complete but for what could not be
+/// collected.
+inline constexpr auto kPageWithTroubles = static_cast<ExitStatus>(10);
 
 /// Makes the job of a command that prints collected instances. Throws UsageError for a class that
 /// is not declared, and std::runtime_error when classes that the command needs are not. `plugins`

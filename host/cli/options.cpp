@@ -56,6 +56,13 @@ constexpr const char* kDiffFooter =
     "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
 
+constexpr const char* kReportFooter =
+    "Two captures are compared, the first as the old machine.\n"
+    "The page is one file of HTML that loads nothing. It is not written to a place that has\n"
+    "something else than a regular file, and only its owner may read it.\n"
+    "\n"
+    "The options of \"pciinfo --help\" can be given here as well.\n";
+
 /// CLI11 calls this with the option's value. A non-empty result is the error message.
 std::string IsNoLimitOrEnough(const std::string& text) {
   // With less, the program's own libraries cannot be loaded; no address space is larger.
@@ -274,7 +281,7 @@ void AddViews(CLI::App& app, Options& options) {
   AddFormat(*devices, options.format, kListFormats);
   AddColumns(*devices, options, DeviceColumns());
   CLI::App* tree = AddCommand(app, "tree", "Print the buses as a tree", options, Command::kTree);
-  AddFormat(*tree, options.format, {"table", "json"});
+  AddFormat(*tree, options.format, {"table", "json", "svg", "dot"});
   tree->add_flag("--all", options.showAll, "Show every function; do not fold similar ones");
   CLI::App* show =
       AddCommand(app, "show",
@@ -286,6 +293,18 @@ void AddViews(CLI::App& app, Options& options) {
           "path")
       ->required();
   AddFormat(*show, options.format, {"table", "json"});
+}
+
+void AddReport(CLI::App& app, Options& options) {
+  CLI::App* report = AddCommand(app, "report", "Write a page with a drawing of the machine",
+                                options, Command::kReport);
+  report
+      ->add_option("FILE", options.reportFile,
+                   "The page to write, NAME.html, or - for standard output")
+      ->required();
+  report->add_option("CAPTURE", options.reportCaptures,
+                     "Draw these captured machines, or all in a directory (default: this machine)");
+  report->footer(kReportFooter);
 }
 
 void AddCommands(CLI::App& app, Options& options) {
@@ -304,6 +323,7 @@ void AddCommands(CLI::App& app, Options& options) {
   AddCommand(app, "metrics", "Print metrics for Prometheus (OpenMetrics text)", options,
              Command::kMetrics);
   AddDiff(app, options);
+  AddReport(app, options);
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
   AddFormat(*schema, options.schemaFormat, SchemaFormats());
@@ -333,7 +353,8 @@ std::string UnknownCommand(const CLI::App& app) {
 bool CanFilter(Command command) {
   return command != Command::kShow && command != Command::kClasses &&
          command != Command::kCapture && command != Command::kSchema &&
-         command != Command::kCheck && command != Command::kMetrics && command != Command::kDiff;
+         command != Command::kCheck && command != Command::kMetrics &&
+         command != Command::kDiff && command != Command::kReport;
 }
 
 }  // namespace

@@ -32,7 +32,8 @@ enum class Command {
   kSchema,
   kCheck,
   kMetrics,
-  kDiff
+  kDiff,
+  kReport
 };
 
 #ifdef PCIINFO_SANITIZED
@@ -61,10 +62,13 @@ struct Options {
   std::uint64_t memoryLimit = kDefaultMemoryLimit;  ///< MiB of each process; 0: none
   bool isVerbose = false;                           ///< with --version
   bool inProcess = false;                           ///< no worker: for debuggers
-  std::string root;           ///< a capture to show in the place of this machine
-  bool liveCommands = false;  ///< with `root`: run commands instead of replaying them
-  std::string captureFile;    ///< of `capture`
-  bool redact = false;        ///< of `capture`
+  std::string root;                         ///< a capture to show in the place of this machine
+  bool liveCommands = false;                ///< with `root`: run commands instead of replaying them
+  std::string captureFile;                  ///< of `capture`
+  bool redact = false;                      ///< of `capture`
+  std::string reportFile;                   ///< of `report`
+  std::vector<std::string> reportCaptures;  ///< of `report`; empty: this machine
+  std::optional<std::size_t> reportPart;    ///< of `report`: write the part of this machine only
   // Of `diff`: the two sides, and the properties that are not compared.
   std::string diffBefore;
   std::string diffAfter;

@@ -20,10 +20,10 @@ DomainAddress DeviceOf(const MachineFunction& function) {
   return address;
 }
 
-/// The functions of one device, and how many virtual functions they have.
+/// The functions of one device, and the virtual functions of these.
 struct Device {
   FunctionList functions;
-  std::size_t virtualFunctions = 0;
+  FunctionList virtualFunctions;
 };
 
 std::vector<Device> DevicesOf(const FunctionList& functions) {
@@ -42,7 +42,7 @@ std::vector<Device> DevicesOf(const FunctionList& functions) {
     if (owner == deviceOf.end()) {
       devices[function->address].functions.push_back(function);
     } else {
-      ++devices[owner->second].virtualFunctions;
+      devices[owner->second].virtualFunctions.push_back(function);
     }
   }
   std::vector<Device> list;
@@ -86,9 +86,13 @@ std::string DeviceText(const Device& device) {
     if (!isKnown) texts.push_back(std::move(text));
   }
   std::string text = fmt::format("{}", fmt::join(texts, " + "));
-  if (device.virtualFunctions == 0) return text;
-  return text + fmt::format(", {} virtual function{}", device.virtualFunctions,
-                            device.virtualFunctions == 1 ? "" : "s");
+  const std::size_t count = device.virtualFunctions.size();
+  if (count == 0) return text;
+  return text + fmt::format(", {} virtual function{}", count, count == 1 ? "" : "s");
+}
+
+void Append(FunctionList& list, const FunctionList& more) {
+  list.insert(list.end(), more.begin(), more.end());
 }
 
 }  // namespace
@@ -112,8 +116,11 @@ std::vector<Card> CardsOf(const FunctionList& functions, bool hasDomains) {
   for (const Device& device : DevicesOf(shown.empty() ? functions : shown)) {
     const std::string text = DeviceText(device);
     const auto [place, isNew] = places.try_emplace(text, cards.size());
-    if (isNew) cards.push_back({{}, text});
-    cards[place->second].addresses.push_back(FunctionNumbersText(device.functions, hasDomains));
+    if (isNew) cards.push_back({{}, text, {}});
+    Card& card = cards[place->second];
+    card.addresses.push_back(FunctionNumbersText(device.functions, hasDomains));
+    Append(card.functions, device.functions);
+    Append(card.functions, device.virtualFunctions);
   }
   for (Card& card : cards) {
     const std::size_t count = card.addresses.size();

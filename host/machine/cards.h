@@ -17,6 +17,7 @@ std::string AddressText(const DomainAddress& address, bool hasDomains);
 struct Card {
   std::vector<std::string> addresses;  ///< one text for each device: "01:00.0-3"
   std::string text;                    ///< "2 x Intel I350 Gigabit Network Connection"
+  FunctionList functions;              ///< of all these devices, virtual ones included
 };
 
 /// Folds functions into cards: the functions of a device into one, equal devices into one line,

@@ -70,9 +70,8 @@ std::string SlotsText(const Counts& counts) {
                      counts.inUse, counts.matched);
 }
 
-void WriteFact(Output& output, const char* name, const std::string& text,
+void WriteFact(Output& output, const std::string& name, const std::string& text,
                const Terminal& terminal) {
-  if (text.empty()) return;
   const std::string line = FitLine(fmt::format("{:8}  {}", name, text), terminal);
   const std::size_t length = std::min(line.find(' '), line.size());
   output.Write(Coloured(line.substr(0, length), Colour::kBold, terminal) + line.substr(length) +
@@ -81,24 +80,6 @@ void WriteFact(Output& output, const char* name, const std::string& text,
 
 std::string MakerText(const std::string& maker, const std::string& product) {
   return MakerAndProduct(ShortMaker(maker), NameIn(product));
-}
-
-void WriteFacts(Output& output, const Overview& overview, const Terminal& terminal) {
-  const MachineIdentity& identity = overview.identity;
-  const Counts counts = CountAll(overview.machine);
-  WriteFact(output, "System", Printable(overview.systemName), terminal);
-  WriteFact(output, "Machine", MakerText(identity.maker, identity.product), terminal);
-  const std::string board = MakerText(identity.boardMaker, identity.boardProduct);
-  const std::string version = NameIn(identity.boardVersion);
-  WriteFact(output, "Board", board.empty() || version.empty() ? board : board + " " + version,
-            terminal);
-  WriteFact(
-      output, "BIOS",
-      WithComma(MakerText(identity.biosMaker, identity.biosVersion), NameIn(identity.biosDate)),
-      terminal);
-  WriteFact(output, "Filter", Printable(overview.filter), terminal);
-  WriteFact(output, "PCI", PciText(counts), terminal);
-  WriteFact(output, "Slots", SlotsText(counts), terminal);
 }
 
 void AddOverviewRows(std::vector<Row>& rows, const MachineSlot& slot, const MachineModel& machine) {
@@ -158,9 +139,27 @@ std::vector<std::string> Uncounted(const MachineModel& machine) {
 
 }  // namespace
 
+std::vector<std::pair<std::string, std::string>> OverviewFacts(const Overview& overview) {
+  const MachineIdentity& identity = overview.identity;
+  const Counts counts = CountAll(overview.machine);
+  const std::string board = MakerText(identity.boardMaker, identity.boardProduct);
+  const std::string version = NameIn(identity.boardVersion);
+  std::vector<std::pair<std::string, std::string>> facts = {
+      {"System", Printable(overview.systemName)},
+      {"Machine", MakerText(identity.maker, identity.product)},
+      {"Board", board.empty() || version.empty() ? board : board + " " + version},
+      {"BIOS",
+       WithComma(MakerText(identity.biosMaker, identity.biosVersion), NameIn(identity.biosDate))},
+      {"Filter", Printable(overview.filter)},
+      {"PCI", PciText(counts)},
+      {"Slots", SlotsText(counts)}};
+  std::erase_if(facts, [](const auto& fact) { return fact.second.empty(); });
+  return facts;
+}
+
 void WriteOverview(Output& output, const Overview& overview, const Terminal& terminal) {
   const MachineModel& machine = overview.machine;
-  WriteFacts(output, overview, terminal);
+  for (const auto& [name, text] : OverviewFacts(overview)) WriteFact(output, name, text, terminal);
   output.Write("\n");
   PlaceSections sections(output, machine, terminal);
   WriteSlotSection(sections, machine);

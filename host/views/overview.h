@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/console/output.h"
@@ -19,6 +20,10 @@ struct Overview {
   MachineModel machine;
   std::vector<std::string> notRead;  ///< what could not be read and why, one sentence each
 };
+
+/// Returns names and texts of what is known of the whole machine, as "BIOS" and its version; what
+/// is not known is left out.
+std::vector<std::pair<std::string, std::string>> OverviewFacts(const Overview& overview);
 
 /// Writes the machine, its slots with their cards, the cards outside slots, and in a line each what
 /// is doubtful or could not be read. Bridges and chipset functions outside slots are only counted.

@@ -14,8 +14,11 @@
 #include <set>
 
 #include "host/formats/json_reader.h"
+#include "host/report/layout.h"
 #include "tests/host/captures.h"
 #include "tests/host/cim_xml_document.h"
+#include "tests/host/report/drawing_checks.h"
+#include "tests/host/report/read_machine.h"
 #include "tests/host/run_program.h"
 #include "tests/host/written.h"
 #include "tests/runtime/temporary_directory.h"
@@ -123,6 +126,18 @@ TEST_P(CapturedMachine, ABridgeFilterAndADeviceFilterShareTheFunctions) {
   EXPECT_EQ(count({"--filter", "kind=bridge"}) + count({"--filter", "kind=device"}), count({}));
   EXPECT_EQ(count({"--filter", "kind=bridge", "--filter", "kind=device"}), count({}));
   EXPECT_EQ(count({"--filter", "kind=bridge,kind=device"}), 0U);
+}
+
+TEST_P(CapturedMachine, ItsDrawingIsLegibleAndComplete) {
+  const pciinfo::MachineModel machine = MachineOfCapture(GetParam());
+  auto parts = pciinfo::PartsOf(pciinfo::MakePortTree(machine), machine);
+  parts.push_back(pciinfo::SlotsWithoutPort(machine));
+  for (const bool isFolded : {false, true}) {
+    if (isFolded) pciinfo::FoldParts(parts);
+    const auto panels = pciinfo::LayOut(parts);
+    for (const pciinfo::Panel& panel : panels) ExpectLegible(panel);
+    ExpectComplete(panels, machine);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, CapturedMachine, testing::ValuesIn(Captures()), NameOfCapture);

@@ -22,11 +22,16 @@ std::shared_ptr<vtq::Namespace> MakeFixedRepository() {
   return repository;
 }
 
-std::shared_ptr<vtq::Namespace> MakeTopologyRepository() {
+std::shared_ptr<vtq::Namespace> MakeEmptyTopologyRepository() {
   auto repository = vtq::Namespace::Create(pciinfo::kNamespaceName);
   for (vtq::ClassSchema& schema : pciinfo::LoadClasses(TOPOLOGY_CLASS_FILE)) {
     repository->Declare(std::move(schema));
   }
+  return repository;
+}
+
+std::shared_ptr<vtq::Namespace> MakeTopologyRepository() {
+  auto repository = MakeEmptyTopologyRepository();
   for (const auto& cimClass : repository->GetClasses()) fake::MakeTopologyInstances(*cimClass);
   return repository;
 }

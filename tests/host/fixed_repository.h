@@ -13,6 +13,9 @@ std::shared_ptr<vtq::Namespace> MakeEmptyRepository();
 /// A repository with the invented machine of the plug-in "fixed".
 std::shared_ptr<vtq::Namespace> MakeFixedRepository();
 
+/// A repository with the classes of the topology and no instances.
+std::shared_ptr<vtq::Namespace> MakeEmptyTopologyRepository();
+
 /// A repository with the classes of the topology and the invented machine of the plug-in "fixed".
 std::shared_ptr<vtq::Namespace> MakeTopologyRepository();
 

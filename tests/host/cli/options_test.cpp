@@ -63,7 +63,18 @@ TEST(Options, TreeCanShowAll) {
   EXPECT_EQ(Parsed({"tree"}).command, Command::kTree);
   EXPECT_FALSE(Parsed({"tree"}).showAll);
   EXPECT_TRUE(Parsed({"tree", "--all"}).showAll);
+  EXPECT_EQ(Parsed({"tree", "--format", "svg"}).format, "svg");
+  EXPECT_EQ(Parsed({"tree", "--format", "dot"}).format, "dot");
   EXPECT_EQ(Parsed({"devices", "--format", "json"}).format, "json");
+}
+
+TEST(Options, ReportTakesAFileAndACapture) {
+  EXPECT_EQ(Parsed({"report", "page.html"}).command, Command::kReport);
+  EXPECT_EQ(Parsed({"report", "page.html", "a.tar"}).reportFile, "page.html");
+  EXPECT_THAT(Parsed({"report", "page.html", "a.tar", "b"}).reportCaptures,
+              ElementsAre("a.tar", "b"));
+  EXPECT_THAT(Error({"report"}), HasSubstr("FILE"));
+  EXPECT_THAT(Error({"report", "page.html", "--filter", "class=02"}), HasSubstr("--filter"));
 }
 
 TEST(Options, ColoursAndPagerAreForTheTerminalToDecide) {
@@ -190,7 +201,7 @@ TEST(Options, ErrorsAreOneLine) {
 
 TEST(Options, EveryCommandHasItsHelp) {
   for (const char* command :
-       {"instances", "classes", "slots", "devices", "tree", "show", "capture"}) {
+       {"instances", "classes", "slots", "devices", "tree", "show", "capture", "report"}) {
     const auto result = Parse({command, "--help"});
     const Answer* answer = std::get_if<Answer>(&result);
     ASSERT_NE(answer, nullptr);
