@@ -20,12 +20,18 @@ class CardGroups final {
  public:
   CardGroups(const MachineModel& machine, const std::vector<std::optional<std::size_t>>& partners)
       : machine_(machine), partners_(partners) {
+    std::map<std::string, std::size_t> places;  // in `groups_`, by key
     for (std::size_t i = 0; i < machine.functions.size(); ++i) {
-      if (!partners[i]) groups_[KeyOf(machine.functions[i])].push_back(&machine.functions[i]);
+      if (partners[i]) continue;
+      const MachineFunction& function = machine.functions[i];
+      const auto [place, isNew] = places.try_emplace(KeyOf(function), groups_.size());
+      if (isNew) groups_.emplace_back();
+      groups_[place->second].push_back(&function);
     }
   }
 
-  const std::map<DomainAddress, FunctionList>& Get() const { return groups_; }
+  /// The groups in the order of their first functions.
+  const std::vector<FunctionList>& Get() const { return groups_; }
 
  private:
   bool IsAlone(const MachineFunction* function) const {
@@ -42,25 +48,33 @@ class CardGroups final {
     return IsAlone(owner) && owner->parentPort ? owner : nullptr;
   }
 
-  DomainAddress KeyOf(const MachineFunction& function) const {
+  const MachineFunction& FirstOf(const MachineFunction& function) const {
     const MachineFunction* first = &function;
     for (int steps = 0; steps < kMostSteps; ++steps) {
       const MachineFunction* const owner = OwnerOf(*first);
       if (owner == nullptr) break;
       first = owner;
     }
+    return *first;
+  }
+
+  std::string KeyOf(const MachineFunction& function) const {
+    const MachineFunction& first = FirstOf(function);
     // Virtual functions of a physical one that has stayed.
-    if (first->physicalFunction) return *first->physicalFunction;
-    DomainAddress key = first->address;
-    key.address.function = 0;
+    if (first.physicalFunction) return "of " + FormatAddress(*first.physicalFunction);
+    const MachineSlot* const slot = NamedSlotOf(first, machine_);
+    if (slot != nullptr) return "in " + slot->name;
     // What is on a root bus is the chip set, which comes and goes as one.
-    if (!first->parentPort && first->place == FunctionPlace::kOnBoard) key.address = {};
-    return key;
+    const bool isChipSet = !first.parentPort && first.place == FunctionPlace::kOnBoard;
+    if (isChipSet) return fmt::format("domain {}", first.address.domain);
+    DomainAddress device = first.address;
+    device.address.function = 0;
+    return FormatAddress(device);
   }
 
   const MachineModel& machine_;
   const std::vector<std::optional<std::size_t>>& partners_;
-  std::map<DomainAddress, FunctionList> groups_;
+  std::vector<FunctionList> groups_;
 };
 
 std::string ChangeInWords(const FunctionList& functions, const MachineModel& machine, bool isNew) {
@@ -82,7 +96,7 @@ std::vector<ObjectChange> WithoutPartner(const MachineModel& machine,
                                          ObjectChange::Op op) {
   std::vector<ObjectChange> changes;
   const CardGroups groups(machine, partners);
-  for (const auto& [key, functions] : groups.Get()) {
+  for (const FunctionList& functions : groups.Get()) {
     ObjectChange change;
     change.op = op;
     change.subject = "function";

@@ -34,21 +34,20 @@ std::string CardsLabel(const FunctionList& functions, const MachineModel& machin
   return fmt::format("{}", fmt::join(texts, "; "));
 }
 
-std::string AddressesText(const std::vector<DomainAddress>& addresses, bool hasDomains) {
+ShownAddresses ShowAddresses(const std::vector<DomainAddress>& addresses, bool hasDomains) {
   constexpr std::size_t kMost = 8;
   std::vector<std::string> texts;
-  for (std::size_t i = 0; i < addresses.size();) {
-    const std::size_t length = RunLength(addresses, i);
-    if (texts.size() == kMost) {
-      texts.push_back(fmt::format("and {} more", addresses.size() - i));
-      break;
-    }
-    std::string text = AddressText(addresses[i], hasDomains);
-    if (length > 1) text += fmt::format("-{:x}", addresses[i + length - 1].address.function);
+  std::size_t shown = 0;
+  while (shown < addresses.size() && texts.size() < kMost) {
+    const std::size_t length = RunLength(addresses, shown);
+    std::string text = AddressText(addresses[shown], hasDomains);
+    shown += length;
+    if (length > 1) text += fmt::format("-{:x}", addresses[shown - 1].address.function);
     texts.push_back(std::move(text));
-    i += length;
   }
-  return fmt::format("{}", fmt::join(texts, ", "));
+  const bool isWhole = shown == addresses.size();
+  if (!isWhole) texts.push_back(fmt::format("and {} more", addresses.size() - shown));
+  return {fmt::format("{}", fmt::join(texts, ", ")), isWhole};
 }
 
 }  // namespace pciinfo

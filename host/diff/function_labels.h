@@ -11,8 +11,13 @@ namespace pciinfo {
 /// Returns what functions are: one or two cards, and how many more there are.
 std::string CardsLabel(const FunctionList& functions, const MachineModel& machine);
 
-/// Returns addresses as texts, those of a device together: "03:00.0-3". Of more than eight only the
-/// first are listed, followed by how many are missing.
-std::string AddressesText(const std::vector<DomainAddress>& addresses, bool hasDomains);
+/// Addresses in words, those of a device together: "03:00.0-3".
+struct ShownAddresses {
+  std::string text;
+  bool isWhole = true;  ///< else the text ends with how many are missing
+};
+
+/// Returns addresses in words, the first ones if there are more than eight texts.
+ShownAddresses ShowAddresses(const std::vector<DomainAddress>& addresses, bool hasDomains);
 
 }  // namespace pciinfo

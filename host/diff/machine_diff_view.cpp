@@ -32,27 +32,49 @@ std::string SubjectText(const ObjectChange& change) {
   return count > 1 ? fmt::format("{} {}s", count, change.subject) : change.subject;
 }
 
-std::string HeadOf(const ObjectChange& change, bool hasDomains) {
-  std::string text =
-      fmt::format("{} {}", kOpMarks[static_cast<std::size_t>(change.op)], SubjectText(change));
-  if (!change.functions.empty()) text += ' ' + AddressesText(change.functions, hasDomains);
-  if (!change.formerFunctions.empty()) {
-    text += fmt::format(" (was {})", AddressesText(change.formerFunctions, hasDomains));
-  }
-  if (change.label.empty()) return text;
-  return text + (change.functions.empty() ? " " : "  ") + Printable(change.label);
-}
+/// Writes changes, and says at the end how to see what was cut short.
+class ChangeWriter final {
+ public:
+  ChangeWriter(Output& output, bool hasDomains) : output_(output), hasDomains_(hasDomains) {}
 
-void WriteFacts(Output& output, const ObjectChange& change) {
-  // Only a list of buses is longer, when all cards have other addresses.
-  const std::size_t most = change.subject == "buses" ? 8 : change.facts.size();
-  for (std::size_t i = 0; i < change.facts.size() && i < most; ++i) {
-    output.Write("    " + Printable(change.facts[i].text) + "\n");
+  void Write(const ObjectChange& change) {
+    output_.Write(HeadOf(change) + "\n");
+    // Only a list of buses is longer, when all cards have other addresses.
+    const std::size_t most = change.subject == "buses" ? 8 : change.facts.size();
+    for (std::size_t i = 0; i < change.facts.size() && i < most; ++i) {
+      output_.Write("    " + Printable(change.facts[i].text) + "\n");
+    }
+    if (change.facts.size() <= most) return;
+    output_.Write(fmt::format("    and {} more\n", change.facts.size() - most));
+    isWhole_ = false;
   }
-  if (change.facts.size() <= most) return;
-  output.Write(
-      fmt::format("    and {} more (--format json lists all)\n", change.facts.size() - most));
-}
+
+  void End() {
+    if (!isWhole_) output_.Write("Lists are cut short; --format json has all of them.\n");
+  }
+
+ private:
+  std::string HeadOf(const ObjectChange& change) {
+    std::string text =
+        fmt::format("{} {}", kOpMarks[static_cast<std::size_t>(change.op)], SubjectText(change));
+    if (!change.functions.empty()) text += ' ' + Shown(change.functions);
+    if (!change.formerFunctions.empty()) {
+      text += fmt::format(" (was {})", Shown(change.formerFunctions));
+    }
+    if (change.label.empty()) return text;
+    return text + (change.functions.empty() ? " " : "  ") + Printable(change.label);
+  }
+
+  std::string Shown(const std::vector<DomainAddress>& addresses) {
+    ShownAddresses shown = ShowAddresses(addresses, hasDomains_);
+    isWhole_ = isWhole_ && shown.isWhole;
+    return std::move(shown.text);
+  }
+
+  Output& output_;
+  bool hasDomains_;
+  bool isWhole_ = true;
+};
 
 OrderedJson Texts(const std::vector<std::string>& texts) {
   OrderedJson array = OrderedJson::array();
@@ -116,10 +138,9 @@ void WriteMachineDiff(Output& output, const DiffHeading& heading, const MachineD
     return;
   }
   output.Write("--- " + Printable(heading.before) + "\n+++ " + Printable(heading.after) + "\n");
-  for (const ObjectChange& change : diff.changes) {
-    output.Write(HeadOf(change, hasDomains) + "\n");
-    WriteFacts(output, change);
-  }
+  ChangeWriter writer(output, hasDomains);
+  for (const ObjectChange& change : diff.changes) writer.Write(change);
+  writer.End();
 }
 
 void WriteMachineDiffJson(Output& output, const DiffHeading& heading, const MachineDiff& diff) {

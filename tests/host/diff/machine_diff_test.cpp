@@ -111,6 +111,14 @@ TEST(MachineDiff, WhatIsBehindACardComesAndGoesWithIt) {
   EXPECT_THAT(ChangesOf(diff), ElementsAre("function 02:00.0 03:08.0 04:00.0: added in B"));
 }
 
+TEST(MachineDiff, AllThatLeavesASlotIsOneChange) {
+  MadeMachine before = Server();
+  before.Card("0000:02:00.0", 0x2231, "0000:00:02.0").Put("0000:02:00.0", "B");
+  before.Card("0000:02:08.0", 0x2232, "0000:00:02.0").Put("0000:02:08.0", "B");
+  EXPECT_THAT(Differences(before, Server()),
+              ElementsAre("function 02:00.0 02:08.0: removed, was in B"));
+}
+
 TEST(MachineDiff, VirtualFunctionsAreCounted) {
   MadeMachine after = Server();
   for (const char* address : {"0000:01:10.0", "0000:01:10.2"}) {

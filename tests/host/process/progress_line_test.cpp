@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include "tests/host/run_on_terminal.h"
+#include "tests/runtime/temporary_directory.h"
 
 namespace {
 
@@ -58,8 +59,10 @@ TEST(ProgressLine, IsNeverDueWhenItIsNotWanted) {
 }
 
 TEST(ProgressLine, SaysWhichSideADiffCollects) {
-  const RunResult result = RunOnTerminal({{"diff", "live", "/dev/null", "--no-pager", "--timeout",
-                                           "4", "--only-plugin", FakePluginFile("hostile")},
+  const vtq::TemporaryDirectory directory;
+  const std::string other = directory.Write("other.json", "{\"instances\":[]}");
+  const RunResult result = RunOnTerminal({{"diff", "live", other, "--no-pager", "--timeout", "4",
+                                           "--only-plugin", FakePluginFile("hostile")},
                                           {{"HOSTILE", "Hang QZMSG_SystemSlot"}}});
   EXPECT_THAT(result.out, HasSubstr("pciinfo: live: collecting QZMSG_SystemSlot ("));
 }

@@ -74,7 +74,9 @@ TEST(PluginOptions, CommandsSayWhichClassesNoPluginServes) {
   expectMissing({"check"}, "VTQ_PCIFunction");
   expectMissing({"check", "--classes"}, "QZMSG_PCIDevice");
   expectMissing({"instances", "--filter", "class=02"}, "QZMSG_PCIDevice");
-  EXPECT_EQ(RunPciinfo({"diff", "live", "/dev/null", "--only-plugin", fan}).status, 2);
+  const RunResult diff = RunPciinfo({"diff", "live", "/", "--only-plugin", fan});
+  EXPECT_EQ(diff.status, 2);
+  EXPECT_THAT(diff.err, HasSubstr("VTQ_PCIFunction"));
 }
 
 TEST(PluginOptions, APluginWithoutDeclaredClassesIsWarnedOf) {
