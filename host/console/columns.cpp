@@ -141,6 +141,7 @@ std::vector<std::string> FormatTable(const std::vector<Column>& columns,
   Widths widths = Picked(natural, places);
   if (terminal.width) Shrink(widths, staying, *terminal.width);
   Row headings;
+  headings.reserve(columns.size());
   for (const Column& column : columns) headings.push_back(column.heading);
   std::vector<Column> bold = staying;
   for (Column& column : bold) column.colour = Colour::kBold;

@@ -151,8 +151,10 @@ std::vector<std::string> FieldsOf(const SlotEntry& entry, const std::vector<std:
 
 /// Columns that the user has chosen stay.
 std::vector<Column> TableColumns(const std::vector<std::string>& names) {
+  const std::vector<std::size_t> places = PlacesOf(names.empty() ? SlotColumns() : names);
   std::vector<Column> columns;
-  for (const std::size_t place : PlacesOf(names.empty() ? SlotColumns() : names)) {
+  columns.reserve(places.size());
+  for (const std::size_t place : places) {
     columns.push_back(AllSlotColumns()[place].column);
     if (!names.empty()) columns.back().leaves = 0;
   }
@@ -162,10 +164,13 @@ std::vector<Column> TableColumns(const std::vector<std::string>& names) {
 /// Takes the cells of the columns out of rows of all cells, and leaves out rows without any.
 std::vector<Row> RowsOf(const std::vector<Row>& rows, const std::vector<std::string>& names) {
   if (names.empty()) return rows;
+  const std::vector<std::size_t> places = PlacesOf(names);
   std::vector<Row> shown;
+  shown.reserve(rows.size());
   for (const Row& row : rows) {
     Row& cells = shown.emplace_back();
-    for (const std::size_t place : PlacesOf(names)) cells.push_back(row[place]);
+    cells.reserve(places.size());
+    for (const std::size_t place : places) cells.push_back(row[place]);
     const auto isEmpty = [](const std::string& cell) { return cell.empty(); };
     if (std::all_of(cells.begin(), cells.end(), isEmpty)) shown.pop_back();
   }
