@@ -188,6 +188,9 @@ std::vector<std::string> CapturesIn(const std::vector<std::string>& names) {
 }
 
 ExitStatus RunReport(const Options& options, const ReportRunners& runners) {
+  if (options.inProcess) {
+    throw UsageError("report collects in a process of its own: leave out --in-process");
+  }
   if (!options.reportCaptures.empty() && !options.root.empty()) {
     throw UsageError("--root and CAPTURE name two machines: leave out one");
   }

@@ -147,7 +147,24 @@ class PartMaker final {
 
   Part SwitchPart(const PortNode& node, const SlotPlaces& enclosing) const {
     Part part = BridgePart(PartKind::kSwitch, node);
-    part.behind = PartsBehind(node.behind, false, enclosing);
+    const SlotPlaces slots = SlotsAt(*node.functions.front());
+    if (slots.empty()) {
+      part.behind = PartsBehind(node.behind, false, enclosing);
+    } else {
+      part.behind.push_back(SlotBehindBridge(node, slots, enclosing));
+    }
+    return part;
+  }
+
+  /// The slot to which a bridge on a card leads, as one of a conventional bus.
+  Part SlotBehindBridge(const PortNode& node, const SlotPlaces& slots, SlotPlaces enclosing) const {
+    Part part;
+    part.kind = PartKind::kSlot;
+    SetSlots(part, slots);
+    enclosing.insert(enclosing.end(), slots.begin(), slots.end());
+    part.behind = PartsBehind(node.behind, true, enclosing);
+    const bool isCard = part.behind.size() == 1 && part.behind.front().kind == PartKind::kCard;
+    if (isCard) part.functions = part.behind.front().functions;
     return part;
   }
 
@@ -242,6 +259,15 @@ bool HasOneNode(const std::vector<PartGroup>& groups) {
   return notes.size() < 2;
 }
 
+/// Whether one of the ports of a slot is drawn.
+bool HasPortInTree(const MachineSlot& slot, const MachineModel& machine) {
+  return std::any_of(slot.ports.begin(), slot.ports.end(), [&machine](const std::string& text) {
+    const auto address = ParseDomainAddress(text);
+    const MachineFunction* port = address ? machine.Find(*address) : nullptr;
+    return port != nullptr && port->buses.has_value();
+  });
+}
+
 }  // namespace
 
 std::vector<PartGroup> PartsOf(const std::vector<RootBus>& tree, const MachineModel& machine) {
@@ -264,7 +290,7 @@ PartGroup SlotsWithoutPort(const MachineModel& machine) {
   PartGroup group{"Slots without a known port", "", {}};
   for (std::size_t place = 0; place < machine.slots.size(); ++place) {
     const MachineSlot& slot = machine.slots[place];
-    if (!slot.ports.empty() || !slot.functions.empty()) continue;
+    if (HasPortInTree(slot, machine) || !slot.functions.empty()) continue;
     Part& part = group.parts.emplace_back();
     part.kind = PartKind::kSlot;
     part.slot = NameOf(slot, machine);

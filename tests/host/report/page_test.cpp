@@ -174,7 +174,7 @@ TEST(ReportCommand, ComparesTwoCaptures) {
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_THAT(result.out, HasSubstr("<h1>2 machines</h1>"));
   EXPECT_THAT(result.out, HasSubstr("What is different"));
-  EXPECT_THAT(result.out, HasSubstr("<strong>changed</strong> slot PCIe Slot 3"));
+  EXPECT_THAT(result.out, HasSubstr("moved from PCIe Slot 3 to PCIe Slot 4</div>"));
   EXPECT_THAT(result.out, HasSubstr("<tr id=\"m0-s0\">"));
   EXPECT_THAT(result.out, HasSubstr("<tr id=\"m1-s0\">"));
   EXPECT_EQ(FirstUnsafe(result.out), -1);
@@ -215,6 +215,7 @@ TEST(ReportCommand, LeavesNothingWhenItFails) {
   EXPECT_EQ(RunFake("fixed", {"report", directory / "no/page.html"}).status, 1);
   EXPECT_EQ(RunFake("fixed", {"report", directory.GetPath()}).status, 2);
   EXPECT_EQ(RunFake("fixed", {"report", ""}).status, 2);
+  EXPECT_EQ(RunFake("fixed", {"report", directory / "page.html", "--in-process"}).status, 2);
   EXPECT_TRUE(directory.Names().empty());
 }
 

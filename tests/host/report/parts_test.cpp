@@ -99,6 +99,31 @@ TEST(Parts, OfSwitchesHaveTheirPorts) {
   EXPECT_EQ(inside.behind[0].behind[0].kind, PartKind::kCard);
 }
 
+TEST(Parts, OfABridgeOnACardHaveItsSlot) {
+  MachineModel machine;
+  machine.functions = {Bridge(0, 1, 1, "root port"), Bridge(1, 0, 2, "PCIe to PCI bridge")};
+  machine.functions[1].parentPort = machine.functions[0].address;
+  MachineSlot slot;
+  slot.name = "PCI 1";
+  slot.state = SlotState::kEmpty;
+  slot.ports = {"0000:01:00.0"};
+  machine.slots = {slot};
+  const Part bridge = PartsOfMachine(machine)[0].parts[0].behind[0];
+  ASSERT_EQ(bridge.behind.size(), 1U);
+  EXPECT_EQ(bridge.behind[0].kind, PartKind::kSlot);
+  EXPECT_EQ(bridge.behind[0].slot, "PCI 1");
+  EXPECT_TRUE(SlotsWithoutPort(machine).parts.empty());
+}
+
+TEST(Parts, OfASlotWhosePortIsMissing) {
+  MachineModel machine;
+  MachineSlot slot;
+  slot.name = "PCI 1";
+  slot.ports = {"0000:01:00.0"};
+  machine.slots = {slot};
+  EXPECT_EQ(SlotsWithoutPort(machine).parts.size(), 1U);
+}
+
 TEST(Parts, OfOneKindAreFolded) {
   auto groups = PartsOfMachine(MachineOfDrives(9));
   EXPECT_EQ(CountParts(groups), 8U + 8 + 1);
