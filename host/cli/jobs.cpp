@@ -91,16 +91,25 @@ std::string OriginOf(const Options& options) {
                              : "the capture " + fs::path(options.root).filename().string();
 }
 
+std::vector<std::string> CheckedClasses(const Options& options) {
+  if (options.checksClasses) return {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
+  std::vector<std::string> classes = MachineClasses();
+  classes.emplace_back(kDetailsClass);
+  return classes;
+}
+
 Job ReportJob(const Options& options, const Classes& declared) {
   const auto print = [origin = OriginOf(options), part = options.reportPart](const Session& session,
                                                                              Output& output) {
-    const Overview overview = {ReadIdentity(), session.GetSystemName(), "",
-                               ReadMachine(session.GetRepository()),
-                               session.GetReport().GetLines()};
-    if (part) return WriteMachinePart(output, overview, origin, *part);
-    WritePage(output, overview, origin);
+    MachineFacts facts = ReadMachineFacts(session.GetRepository());
+    std::vector<CheckFinding> findings = FindWith(MachineChecks(), facts);
+    const ReportedMachine machine = {{ReadIdentity(), session.GetSystemName(), "",
+                                      std::move(facts.machine), session.GetReport().GetLines()},
+                                     std::move(findings)};
+    if (part) return WriteMachinePart(output, machine, origin, *part);
+    WritePage(output, machine, origin);
   };
-  Job job = MakeView(PlanQuery(declared, MachineClasses()).collect, print);
+  Job job = MakeView(PlanQuery(declared, CheckedClasses(options)).collect, print);
   job.troubled = kPageWithTroubles;
   return job;
 }
@@ -136,13 +145,6 @@ Job ClassesJob(const PluginSet& plugins) {
   });
   job.loadsAll = true;
   return job;
-}
-
-std::vector<std::string> CheckedClasses(const Options& options) {
-  if (options.checksClasses) return {"QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"};
-  std::vector<std::string> classes = MachineClasses();
-  classes.emplace_back(kDetailsClass);
-  return classes;
 }
 
 std::vector<CheckFinding> FindingsOf(const Options& options, const vtq::Namespace& repository) {
@@ -265,12 +267,11 @@ bool IsPartOfInventory(const Options& options) {
 bool ShowsMachine(const Options& options) {
   if (options.command == Command::kShow) return !options.target.starts_with('/');
   return options.command == Command::kOverview || options.command == Command::kDevices ||
-         options.command == Command::kSlots || options.command == Command::kTree ||
-         options.command == Command::kReport;
+         options.command == Command::kSlots || options.command == Command::kTree;
 }
 
 bool ChecksMachine(const Options& options) {
-  return options.command == Command::kMetrics ||
+  return options.command == Command::kMetrics || options.command == Command::kReport ||
          (options.command == Command::kCheck && !options.checksClasses);
 }
 

@@ -353,8 +353,8 @@ std::string UnknownCommand(const CLI::App& app) {
 bool CanFilter(Command command) {
   return command != Command::kShow && command != Command::kClasses &&
          command != Command::kCapture && command != Command::kSchema &&
-         command != Command::kCheck && command != Command::kMetrics &&
-         command != Command::kDiff && command != Command::kReport;
+         command != Command::kCheck && command != Command::kMetrics && command != Command::kDiff &&
+         command != Command::kReport;
 }
 
 }  // namespace

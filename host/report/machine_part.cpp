@@ -5,6 +5,7 @@
 
 #include "host/report/layout.h"
 #include "host/report/page_doubts.h"
+#include "host/report/page_findings.h"
 #include "host/report/page_frame.h"
 #include "host/report/page_tables.h"
 #include "host/report/parts.h"
@@ -130,8 +131,12 @@ void WriteFactList(Markup& markup, const Overview& overview) {
   markup.CloseLine();
 }
 
-void WriteMachine(Markup& markup, const Overview& overview, const std::string& prefix) {
+void WriteMachine(Markup& markup, const ReportedMachine& machine, const std::string& prefix) {
+  const Overview& overview = machine.overview;
   WriteDrawing(markup, overview.machine, prefix);
+  BeginSection(markup, prefix + "findings", "Findings");
+  WriteFindings(markup, machine.findings);
+  markup.CloseLine();
   BeginSection(markup, prefix + "doubts", "In doubt");
   WriteDoubts(markup, overview);
   markup.CloseLine();

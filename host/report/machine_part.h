@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/report/markup.h"
-#include "host/views/overview.h"
+#include "host/report/reported_machine.h"
 
 namespace pciinfo {
 
@@ -15,7 +15,8 @@ std::string TitleOf(const Overview& overview, std::string origin);
 /// Writes what is known of the whole machine.
 void WriteFactList(Markup& markup, const Overview& overview);
 
-/// Writes the drawing of a machine, what is in doubt, and the tables. All ids begin with `prefix`.
-void WriteMachine(Markup& markup, const Overview& overview, const std::string& prefix);
+/// Writes the drawing of a machine, the findings, what is in doubt, and the tables. All ids begin
+/// with `prefix`.
+void WriteMachine(Markup& markup, const ReportedMachine& machine, const std::string& prefix);
 
 }  // namespace pciinfo

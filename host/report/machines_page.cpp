@@ -63,8 +63,9 @@ void WriteIndex(Markup& markup, const std::vector<MachineOnPage>& machines) {
 
 }  // namespace
 
-void WriteMachinePart(Output& output, const Overview& overview, const std::string& origin,
+void WriteMachinePart(Output& output, const ReportedMachine& machine, const std::string& origin,
                       std::size_t place) {
+  const Overview& overview = machine.overview;
   const std::string prefix = fmt::format("m{}-", place);
   Markup markup(output);
   WriteIndexRow(markup, overview, origin, prefix + "machine");
@@ -74,7 +75,7 @@ void WriteMachinePart(Output& output, const Overview& overview, const std::strin
   markup.Element("span", {{"class", "origin"}}, "from " + origin);
   markup.CloseLine();
   WriteFactList(markup, overview);
-  WriteMachine(markup, overview, prefix);
+  WriteMachine(markup, machine, prefix);
 }
 
 void WriteMachinesPage(Output& output, const std::vector<MachineOnPage>& machines,

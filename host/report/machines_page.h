@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/console/output.h"
-#include "host/views/overview.h"
+#include "host/report/reported_machine.h"
 
 namespace pciinfo {
 
@@ -17,7 +17,7 @@ namespace pciinfo {
 
 /// Writes the part of a machine: a row of the index, a form feed, which no text on a page can
 /// contain, and the machine itself. `place` is its place among the machines.
-void WriteMachinePart(Output& output, const Overview& overview, const std::string& origin,
+void WriteMachinePart(Output& output, const ReportedMachine& machine, const std::string& origin,
                       std::size_t place);
 
 /// A machine of a page of several.

@@ -6,13 +6,13 @@
 
 namespace pciinfo {
 
-void WritePage(Output& output, const Overview& overview, const std::string& origin) {
+void WritePage(Output& output, const ReportedMachine& machine, const std::string& origin) {
   Markup markup(output);
-  BeginPage(markup, TitleOf(overview, origin));
-  WriteFactList(markup, overview);
+  BeginPage(markup, TitleOf(machine.overview, origin));
+  WriteFactList(markup, machine.overview);
   WriteSearch(markup);
   BeginMain(markup);
-  WriteMachine(markup, overview, "");
+  WriteMachine(markup, machine, "");
   EndPage(markup, origin);
 }
 

@@ -9,28 +9,12 @@
 
 #include "host/console/text.h"
 #include "host/machine/cards.h"
-#include "host/machine/link_text.h"
-#include "host/machine/names.h"
 #include "host/views/place_texts.h"
 
 namespace pciinfo {
 namespace {
 
 using Sentences = std::vector<std::string>;
-
-Sentences NarrowLinks(const MachineModel& machine) {
-  Sentences sentences;
-  for (const MachineFunction& function : machine.functions) {
-    const std::string narrow = NarrowLinkText(function, machine);
-    if (narrow.empty()) continue;
-    const std::string place =
-        function.slot ? " in " + NameOf(machine.slots[*function.slot], machine) : "";
-    sentences.push_back(fmt::format("{} at {}{}: {}", ModelText(function),
-                                    AddressText(function.address, machine.HasDomains()), place,
-                                    narrow));
-  }
-  return sentences;
-}
 
 Sentences SharedPorts(const MachineModel& machine) {
   Sentences sentences;
@@ -70,7 +54,6 @@ void WriteList(Markup& markup, const char* title, const Sentences& sentences) {
 void WriteDoubts(Markup& markup, const Overview& overview) {
   const MachineModel& machine = overview.machine;
   const std::vector<std::pair<const char*, Sentences>> lists = {
-      {"Links that use fewer lanes than both of their ends allow", NarrowLinks(machine)},
       {"Cards in one of several slots", SharedPorts(machine)},
       {"Contradictions", Contradictions(machine)},
       {"Slots that lead nowhere", Unmatched(machine)},

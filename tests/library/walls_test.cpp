@@ -51,7 +51,7 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"diff",
      {"base", "console", "formats", "model", "machine", "views", "instance_diff", "diff"}},
     {"metrics", {"base", "console", "model", "machine", "check", "metrics"}},
-    {"report", {"base", "console", "model", "machine", "views", "report"}},
+    {"report", {"base", "console", "model", "machine", "check", "views", "report"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
      {"base", "console", "formats", "process", "model", "machine", "schema", "check",

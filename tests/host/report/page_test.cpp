@@ -21,7 +21,7 @@ using testing::Not;
 
 std::string Page(const Overview& overview) {
   OutputToText output;
-  WritePage(output.Get(), overview, "this machine");
+  WritePage(output.Get(), {overview, {}}, "this machine");
   return output.Text();
 }
 
@@ -64,12 +64,39 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
 TEST(Page, ShowsTheMachine) {
   const std::string page = Page(FixedOverview());
   EXPECT_THAT(page, HasSubstr("<h1>server</h1>"));
-  EXPECT_THAT(page,
-              HasSubstr("NVIDIA GP104 [GeForce GTX 1080] at 01:00.0 in PCIEX16_1: x8 of x16"));
   EXPECT_THAT(page, HasSubstr("<tr id=\"s0\"><th scope=\"row\">PCIEX16_1</th>"));
   EXPECT_THAT(page, HasSubstr("<li>a file was missing</li>"));
   EXPECT_EQ(CountOf(page, "<tr id=\"f"), FixedOverview().machine.functions.size());
   EXPECT_THAT(page, HasSubstr("Made by pciinfo " PCIINFO_VERSION " from this machine."));
+}
+
+std::string PageWithFindings(std::vector<CheckFinding> findings) {
+  OutputToText output;
+  WritePage(output.Get(), {FixedOverview(), std::move(findings)}, "this machine");
+  return output.Text();
+}
+
+TEST(Page, TellsFindingsWithTheirAdvice) {
+  const std::string page = PageWithFindings(
+      {{"errors-fatal",
+        Severity::kError,
+        "It has failed.",
+        "Replace it.",
+        {{"01:00.0", "", "3 of them", "function", "0000:01:00.0", "a card"}, {"Slot 2", "", ""}}}});
+  EXPECT_THAT(page, HasSubstr("<li class=\"error\"><strong>error</strong> It has failed."
+                              "<div>01:00.0  a card: 3 of them</div><div>Slot 2</div>"
+                              "<div>Advice: Replace it.</div></li>"));
+  EXPECT_THAT(PageWithFindings({}), HasSubstr("<p>pciinfo check finds nothing.</p>"));
+}
+
+TEST(Page, EscapesFindings) {
+  const std::string page = PageWithFindings({{"errors-fatal",
+                                              Severity::kError,
+                                              "It has failed.",
+                                              "Replace it.",
+                                              {{kHostile, "", kHostile, "slot", "", kHostile}}}});
+  EXPECT_EQ(CountOf(page, "<script"), 1U);
+  EXPECT_THAT(page, Not(HasSubstr("<img")));
 }
 
 TEST(Page, LinksEveryItemOfTheDrawingToARow) {
