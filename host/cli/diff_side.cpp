@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -13,9 +12,9 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 
 #include "host/cli/limits.h"
+#include "host/cli/memory_file.h"
 #include "host/console/output.h"
 #include "host/machine/machine_model.h"
 #include "host/process/guarded_run.h"
@@ -63,16 +62,10 @@ std::string ReadJson(const std::string& name, const std::string& path, const Opt
   return text;
 }
 
-/// As long as this lives, what this process and those that are forked from it write to standard
-/// output goes to a file in memory.
+/// As long as this lives, standard output is kept. A write beyond `most` bytes (0: none) fails.
 class KeptOutput final {
  public:
-  /// A write beyond `most` bytes (0: none) fails.
-  explicit KeptOutput(std::uint64_t most)
-      : file_(memfd_create("output", MFD_CLOEXEC)), before_(dup(STDOUT_FILENO)) {
-    if (!file_.IsOpen() || dup2(file_.Get(), STDOUT_FILENO) < 0) {
-      throw std::system_error(errno, std::generic_category());
-    }
+  explicit KeptOutput(std::uint64_t most) : redirected_(file_) {
     getrlimit(RLIMIT_FSIZE, &limit_);
     rlimit lower = limit_;
     if (most != 0) lower.rlim_cur = std::min<rlim_t>(most, lower.rlim_cur);
@@ -80,22 +73,13 @@ class KeptOutput final {
   }
   KeptOutput(const KeptOutput&) = delete;
   KeptOutput& operator=(const KeptOutput&) = delete;
-  ~KeptOutput() {
-    setrlimit(RLIMIT_FSIZE, &limit_);
-    dup2(before_.Get(), STDOUT_FILENO);
-  }
+  ~KeptOutput() { setrlimit(RLIMIT_FSIZE, &limit_); }
 
-  std::string Read() const {
-    std::string text;
-    lseek(file_.Get(), 0, SEEK_SET);
-    while (vtq::AppendFrom(file_.Get(), text) > 0) {
-    }
-    return text;
-  }
+  std::string Read() const { return file_.Read(); }
 
  private:
-  vtq::FileDescriptor file_;
-  vtq::FileDescriptor before_;
+  MemoryFile file_;
+  StandardOutputTo redirected_;
   rlimit limit_{};
 };
 

@@ -81,7 +81,7 @@ struct Options {
   /// Of `tree`: every function on its line; of `instances`: every class; of `diff`: every property.
   bool showAll = false;
   SlotChoice slotChoice = SlotChoice::kAll;  ///< of `slots`
-  std::vector<std::string> columns;  ///< of `devices` and `slots`; empty: the usual ones
+  std::vector<std::string> columns;          ///< of `devices` and `slots`; empty: the usual ones
   Filter filter;
   TerminalWishes terminal;
 };

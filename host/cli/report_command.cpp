@@ -1,64 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/cli/report_command.h"
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
-#include <system_error>
 
 #include "host/base/errors.h"
 #include "host/capture/manifest.h"
 #include "host/capture/new_entry.h"
 #include "host/cli/jobs.h"
+#include "host/cli/memory_file.h"
 #include "host/console/output.h"
 #include "host/process/guarded_run.h"
 #include "host/process/signals.h"
 #include "host/report/machines_page.h"
-#include "runtime/file_descriptor.h"
 
 namespace pciinfo {
 namespace {
 
 namespace pages = std::filesystem;
-
-/// A file in memory.
-class MemoryFile final {
- public:
-  MemoryFile() : file_(memfd_create("page", MFD_CLOEXEC)) {
-    if (!file_.IsOpen()) throw std::system_error(errno, std::generic_category());
-  }
-
-  int Get() const noexcept { return file_.Get(); }
-
-  std::string Read() const {
-    std::string text;
-    lseek(file_.Get(), 0, SEEK_SET);
-    while (vtq::AppendFrom(file_.Get(), text) > 0) {
-    }
-    return text;
-  }
-
- private:
-  vtq::FileDescriptor file_;
-};
-
-/// As long as this lives, standard output is another file.
-class StandardOutputTo final {
- public:
-  explicit StandardOutputTo(const MemoryFile& file) : before_(dup(STDOUT_FILENO)) {
-    if (dup2(file.Get(), STDOUT_FILENO) < 0)
-      throw std::system_error(errno, std::generic_category());
-  }
-  StandardOutputTo(const StandardOutputTo&) = delete;
-  StandardOutputTo& operator=(const StandardOutputTo&) = delete;
-  ~StandardOutputTo() { dup2(before_.Get(), STDOUT_FILENO); }
-
- private:
-  vtq::FileDescriptor before_;
-};
 
 /// The page to write: a new file, or standard output for "-".
 class PageTarget final {

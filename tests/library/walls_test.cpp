@@ -48,14 +48,14 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"capture", {"base", "console", "process", "schema", "capture"}},
     {"replay", {"base", "console", "process", "capture", "replay"}},
     {"views", {"base", "console", "formats", "model", "machine", "schema", "collect", "views"}},
-    {"diff",
-     {"base", "console", "formats", "model", "machine", "views", "instance_diff", "diff"}},
+    {"diff", {"base", "console", "formats", "model", "machine", "views", "instance_diff", "diff"}},
     {"metrics", {"base", "console", "model", "machine", "check", "metrics"}},
     {"report", {"base", "console", "model", "machine", "check", "views", "report"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
      {"base", "console", "formats", "process", "model", "machine", "schema", "check",
-      "instance_diff", "diff", "collect", "capture", "replay", "views", "metrics", "report", "cli"}},
+      "instance_diff", "diff", "collect", "capture", "replay", "views", "metrics", "report",
+      "cli"}},
 };
 
 struct Include {

@@ -129,7 +129,7 @@ TEST(Witness, LspciTellsTheSameOfCapturedMachines) {
     ExpectEqual(AskPlugin(root), AskLspci(root), root);
     return std::size_t{1};
   };
-  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, compare), 10U);
+  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, compare), 0U) << "no capture has sysfs";
 }
 
 #endif

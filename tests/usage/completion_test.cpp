@@ -63,8 +63,7 @@ TEST_F(Completion, BashProposesCommandsAndOptions) {
   EXPECT_EQ(Bash("water \"\""), "plants|log|pot|");
   EXPECT_EQ(Bash("water pl"), "plants|");
   EXPECT_EQ(Bash("water --c"), "--can|");
-  EXPECT_EQ(Bash("water plants --"),
-            "--help|--version|--can|--tone|--colour|--dry|--ignore|");
+  EXPECT_EQ(Bash("water plants --"), "--help|--version|--can|--tone|--colour|--dry|--ignore|");
   EXPECT_EQ(Bash("water log --d"), "|");
 }
 
