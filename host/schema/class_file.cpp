@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,7 @@
 #include <limits>
 #include <optional>
 #include <sstream>
+#include <system_error>
 
 #include "host/console/text.h"
 #include "host/schema/json_value.h"
@@ -294,7 +296,9 @@ std::string ContentOf(const std::string& file) {
   std::ifstream stream(file, std::ios::binary);
   std::ostringstream content;
   content << stream.rdbuf();
-  if (!stream) throw ClassFileError("cannot read " + file);
+  if (!stream) {
+    throw ClassFileError("cannot read " + file + ": " + std::generic_category().message(errno));
+  }
   return content.str();
 }
 
