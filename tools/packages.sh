@@ -14,9 +14,9 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev
 test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less python3-jsonschema
   man-db groff mandoc)
 # What the slow tests need beside these: valgrind, emulated machines, other shells, what checks units,
-# and a browser.
+# a browser, and what draws graphs.
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish systemd chromium
-  chromium-driver)
+  chromium-driver graphviz)
 # What packing, and checking the packages, needs beside these.
 package_packages=(binutils dpkg-dev file lintian mmdebstrap)
 # Packages that the fuzzers need besides the first list.

@@ -92,7 +92,8 @@ std::string SlowLink(const Link& card, const Link& port, const SlotLimits& slot)
 /// and sound with them. Storage, networks and USB leave it as it was negotiated.
 bool KeepsSpeed(const MachineFunction& function, const FunctionFacts& facts) {
   if (!facts.powerState.empty() && facts.powerState != "D0") return false;
-  return function.baseClass == 0x01U || function.baseClass == 0x02U || function.baseClass == 0x0CU;
+  const unsigned baseClass = function.baseClass.value_or(0);
+  return baseClass == 0x01U || baseClass == 0x02U || baseClass == 0x0CU;
 }
 
 bool IsAnyLink(const MachineFunction& /*function*/, const FunctionFacts& /*facts*/) { return true; }
@@ -107,11 +108,11 @@ std::vector<AffectedObject> TestLinks(const MachineFacts& facts, const Fits& fit
     const MachineFunction* const port = PortOfLink(function, machine);
     if (port == nullptr || !fits(function, facts.functions[i])) continue;
     const auto limit = limits.find(FormatAddress(port->address));
-    const std::string detail =
+    std::string detail =
         test(function.link, port->link, limit == limits.end() ? SlotLimits() : limit->second);
     if (detail.empty()) continue;
-    const std::string below = AddressText(port->address, machine.HasDomains());
-    objects.push_back(ObjectOf(function, machine, detail + " below port " + below));
+    detail += " below port " + AddressText(port->address, machine.HasDomains());
+    objects.push_back(ObjectOf(function, machine, std::move(detail)));
   }
   return objects;
 }

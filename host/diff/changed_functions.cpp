@@ -15,14 +15,11 @@
 namespace pciinfo {
 namespace {
 
-struct BusNumber {
-  unsigned domain = 0;
-  unsigned bus = 0;
+using BusNumber = std::pair<unsigned, unsigned>;  // with the domain first
 
-  friend auto operator<=>(const BusNumber&, const BusNumber&) = default;
-
-  std::string ToText() const { return fmt::format("{:04x}:{:02x}", domain, bus); }
-};
+std::string BusText(const BusNumber& bus) {
+  return fmt::format("{:04x}:{:02x}", bus.first, bus.second);
+}
 
 BusNumber BusOf(const MachineFunction& function) {
   return {function.address.domain, function.address.address.bus};
@@ -40,8 +37,8 @@ class RenumberedBuses final {
     ObjectChange change;
     change.subject = "buses";
     for (const auto& [numbers, count] : buses_) {
-      const std::string before = numbers.first.ToText();
-      const std::string after = numbers.second.ToText();
+      const std::string before = BusText(numbers.first);
+      const std::string after = BusText(numbers.second);
       change.facts.push_back({"Bus", before, after,
                               fmt::format("bus {} is now {} ({})", before, after,
                                           Count(count, "function", "functions"))});

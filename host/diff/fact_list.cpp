@@ -8,7 +8,7 @@ namespace {
 
 std::string HowMany(const Fact& fact, std::size_t count, const std::string& unit) {
   if (unit.empty()) return fact.words;
-  const std::string units = fmt::format("{} {}{}", count, unit, count == 1 ? "" : "s");
+  std::string units = fmt::format("{} {}{}", count, unit, count == 1 ? "" : "s");
   if (fact.property.empty()) return units;
   if (fact.words.empty()) return fmt::format("{} ({})", units, fact.property);
   return fmt::format("{} of {}", fact.words, units);

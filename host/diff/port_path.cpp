@@ -13,7 +13,7 @@ std::string PathOf(const MachineFunction& function, const MachineModel& machine)
   std::string path;
   const MachineFunction* place = &function;
   for (int ports = 0; ports < kMostPorts; ++ports) {
-    path = '/' + NumberOnBus(place->address.address) + path;
+    path.insert(0, '/' + NumberOnBus(place->address.address));
     const MachineFunction* parent = place->parentPort ? machine.Find(*place->parentPort) : nullptr;
     if (parent == nullptr) break;
     place = parent;
