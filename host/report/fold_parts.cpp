@@ -31,7 +31,7 @@ bool ShowSame(const Part& one, const Part& other) {
 /// "first ... last"; what was merged before keeps its first.
 std::string FirstAndLast(const std::string& text, const std::string& last) {
   constexpr std::string_view kBetween = " \u2026 ";
-  const std::string first = text.substr(0, text.find(kBetween));
+  std::string first = text.substr(0, text.find(kBetween));
   const std::size_t inside = last.rfind(kBetween);
   const std::string end =
       inside == std::string::npos ? last : last.substr(inside + kBetween.size());
