@@ -60,14 +60,15 @@ class FieldList {
  public:
   explicit FieldList(const PropertyReader& reader) : reader_(reader) {}
 
-  /// `field` leads from an object to the field: a pointer to a member, or a function.
   template <class Field>
-  void Add(Field field, const char* property) {
-    const auto place = reader_.Place(property);
-    if (!place) return;
-    steps_.emplace_back([place = *place, field](const vtq::Instance& instance, Object& object) {
-      const TCIMValue& value = instance.GetValue(place);
-      if (!value.IsNull()) Take(value, std::invoke(field, object));
+  void Add(Field Object::*field, const char* property) {
+    AddStep(property,
+            [field](const TCIMValue& value, Object& object) { Take(value, object.*field); });
+  }
+  template <class Field>
+  void Add(Link Object::*link, Field Link::*field, const char* property) {
+    AddStep(property, [link, field](const TCIMValue& value, Object& object) {
+      Take(value, object.*link.*field);
     });
   }
 
@@ -76,6 +77,16 @@ class FieldList {
   }
 
  private:
+  template <class Step>
+  void AddStep(const char* property, Step step) {
+    const auto place = reader_.Place(property);
+    if (!place) return;
+    steps_.emplace_back([place = *place, step](const vtq::Instance& instance, Object& object) {
+      const TCIMValue& value = instance.GetValue(place);
+      if (!value.IsNull()) step(value, object);
+    });
+  }
+
   const PropertyReader& reader_;
   std::vector<std::function<void(const vtq::Instance& instance, Object& object)>> steps_;
 };
@@ -83,14 +94,10 @@ class FieldList {
 /// The link of functions and of slots.
 template <class Object>
 void AddLink(FieldList<Object>& fields) {
-  fields.Add(
-      [](Object & object) -> auto& { return object.link.width; }, "LinkWidth");
-  fields.Add(
-      [](Object & object) -> auto& { return object.link.speed; }, "LinkSpeed");
-  fields.Add(
-      [](Object & object) -> auto& { return object.link.maxWidth; }, "MaxLinkWidth");
-  fields.Add(
-      [](Object & object) -> auto& { return object.link.maxSpeed; }, "MaxLinkSpeed");
+  fields.Add(&Object::link, &Link::width, "LinkWidth");
+  fields.Add(&Object::link, &Link::speed, "LinkSpeed");
+  fields.Add(&Object::link, &Link::maxWidth, "MaxLinkWidth");
+  fields.Add(&Object::link, &Link::maxSpeed, "MaxLinkSpeed");
 }
 
 void AddIdentity(FieldList<MachineFunction>& fields) {

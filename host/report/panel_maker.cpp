@@ -218,8 +218,8 @@ class PanelMaker final {
     const bool isAlone = part.behind.size() == 1 && part.behind.front().kind == PartKind::kCard;
     if (!isAlone) return PlaceStack(part.behind, span);
     const Part& card = part.behind.front();
-    std::vector<std::size_t>& functions = panel_.items[place].functions;
     if (part.kind == PartKind::kPort) {
+      std::vector<std::size_t>& functions = panel_.items[place].functions;
       functions.insert(functions.begin(), card.functions.begin(), card.functions.end());
     }
     return PlaceCard(place, card, span);
