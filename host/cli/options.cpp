@@ -177,8 +177,10 @@ std::string ElsewhereOnly(const std::string& format, const std::vector<std::stri
   };
   if (!isOf(all) || isOf(formats)) return "";
   const bool isOfLists = isOf(kListFormats);
+  const bool hasJson = std::find(formats.begin(), formats.end(), "json") != formats.end();
   return fmt::format("this command has no {}: use {}, or \"pciinfo {} --format {}\" for {}", format,
-                     formats.back(), isOfLists ? "devices" : "instances VTQ_PCIFunction", format,
+                     hasJson ? "json" : formats.back(),
+                     isOfLists ? "devices" : "instances VTQ_PCIFunction", format,
                      isOfLists ? "a list of the functions" : "instances");
 }
 

@@ -170,6 +170,7 @@ TEST(Options, AFormatOfOtherCommandsIsAnErrorThatNamesThem) {
       Error({"show", "1", "--format", "csv"}),
       "--format: this command has no csv: use json, or \"pciinfo devices --format csv\" for a "
       "list of the functions (see \"pciinfo --help\")");
+  EXPECT_THAT(Error({"tree", "--format", "csv"}), HasSubstr("use json, or"));
   EXPECT_THAT(Error({"devices", "--format", "mof"}),
               HasSubstr("\"pciinfo instances VTQ_PCIFunction --format mof\" for instances"));
 }
