@@ -6,10 +6,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdlib>
 
 #include "host/base/errors.h"
-#include "host/check/machine_checks.h"
+#include "host/cli/option_values.h"
 #include "host/cli/suggestion.h"
 #include "host/formats/instance_writer.h"
 #include "host/replay/protection.h"
@@ -58,32 +57,10 @@ constexpr const char* kDiffFooter =
 
 constexpr const char* kReportFooter =
     "Two captures are compared, the first as the old machine.\n"
-    "The page is one file of HTML that loads nothing. It is not written to a place that has\n"
-    "something else than a regular file, and only its owner may read it.\n"
+    "The page is one file of HTML that loads nothing. Only its owner may read it. It replaces an\n"
+    "older file of that name; a directory or device of that name is refused.\n"
     "\n"
     "The options of \"pciinfo --help\" can be given here as well.\n";
-
-/// CLI11 calls this with the option's value. A non-empty result is the error message.
-std::string IsNoLimitOrEnough(const std::string& text) {
-  // With less, the program's own libraries cannot be loaded; no address space is larger.
-  constexpr long kLeast = 128;
-  constexpr long kMost = 1L << 30;
-  char* end = nullptr;
-  const long limit = std::strtol(text.c_str(), &end, 10);
-  const bool isNumber = end != text.c_str() && *end == '\0';
-  return isNumber && (limit == 0 || (limit >= kLeast && limit <= kMost))
-             ? ""
-             : "must be 0 or at least 128 (MiB)";
-}
-
-/// The same for --timeout.
-std::string IsTime(const std::string& text) {
-  char* end = nullptr;
-  const double seconds = std::strtod(text.c_str(), &end);
-  const bool isNumber = end != text.c_str() && *end == '\0';
-  // False for a value that is not a number ("nan").
-  return isNumber && seconds >= 0.1 && seconds <= 1e6 ? "" : "must be 0.1 to 1000000 (seconds)";
-}
 
 void AddViewOptions(CLI::App& app, Options& options) {
   app.add_option_function<std::vector<std::string>>(
@@ -203,15 +180,6 @@ void AddColumns(CLI::App& command, Options& options, const std::vector<std::stri
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->allow_extra_args(false)
       ->check(CLI::IsMember(columns));
-}
-
-/// CLI11 calls this with each value of --ignore.
-std::string IsFindingCode(const std::string& text) {
-  const std::vector<std::string> codes = FindingCodes();
-  if (std::find(codes.begin(), codes.end(), text) != codes.end()) return "";
-  const std::string nearest = NearestOf(text, codes);
-  return fmt::format("there is no finding \"{}\"{}", text,
-                     nearest.empty() ? "" : fmt::format(": did you mean \"{}\"?", nearest));
 }
 
 void AddSeverity(CLI::App& command, const char* name, Severity& severity, const char* description) {
