@@ -109,7 +109,7 @@ std::string Directory::ReadLine(const char* name) const {
 
 std::string Directory::ReadLinkName(const char* name) const {
   if (!IsOpen()) return "";
-  std::array<char, PATH_MAX> target{};
+  std::array<char, PATH_MAX> target;  // readlinkat fills what is used
   const ssize_t size = readlinkat(file_, name, target.data(), target.size());
   if (size < 0) NoteFailure(name);
   if (size <= 0) return "";
