@@ -21,6 +21,7 @@
 #include "host/console/repeatable_input.h"
 #include "host/console/text.h"
 #include "host/process/guarded_run.h"
+#include "host/process/huge_pages.h"
 #include "host/process/supervisor.h"
 #include "host/replay/root.h"
 #include "host/schema/schema_writer.h"
@@ -162,6 +163,7 @@ bool ShowedNoTables(const std::optional<Manifest>& manifest) {
                         .isCapture = !options.root.empty(),
                         .domainOf = MakeDomainLookup(),
                         .showedNoTables = ShowedNoTables(manifest)});
+  UseHugePages();
   Session session(report, log, plugins.declared.classes);
   worker.Begin({"loading the plug-ins", true, false});
   for (const PluginFile& plugin : plugins.plugins) {
