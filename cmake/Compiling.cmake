@@ -21,6 +21,18 @@ function(pciinfo_compile_by_room)
   endforeach()
 endfunction()
 
+# pciinfo_compile_together(NAME ROOM...): compiles rooms of the current directory as one source, after
+# pciinfo_compile_by_room. Names in their unnamed namespaces must differ too.
+function(pciinfo_compile_together name)
+  if(NOT PCIINFO_UNITY)
+    return()
+  endif()
+  foreach(room IN LISTS ARGN)
+    file(GLOB sources ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.cpp)
+    set_source_files_properties(${sources} PROPERTIES UNITY_GROUP ${name})
+  endforeach()
+endfunction()
+
 # pciinfo_compile_quickly(TARGET...): for what is compiled often and runs little, as tests do. The checked
 # versions of the C library's functions need optimised code.
 function(pciinfo_compile_quickly)

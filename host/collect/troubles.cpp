@@ -109,38 +109,38 @@ constexpr RecordRow kRecords[] = {
      "a PCI function refers to a slot that does not exist: {record}"},
 };
 
-enum class Step { kLoad, kFirst };
+enum class SmBiosStep { kLoad, kFirst };
 
 struct SmbiosRow {
   std::string_view beginning;  // the rest of the record is a status code
-  Step step;
+  SmBiosStep step;
   const char* effect;
 };
 
 constexpr SmbiosRow kSmbiosRecords[] = {
-    {"SMBIOS library could not load. Error ", Step::kLoad, kNoSlots},
-    {"Unable to open SMBIOS library error: ", Step::kLoad, kNoSlots},
-    {"Return from smBiosGetFirst: Error ", Step::kFirst, kNoSlots},
-    {"Return from smBiosGetFirst: ", Step::kFirst, kNoSlots},
-    {"SMBIOS tables not loaded: status ", Step::kLoad, kKernelSlotsOnly},
-    {"SMBIOS slot records not read: status ", Step::kFirst, kKernelSlotsOnly},
+    {"SMBIOS library could not load. Error ", SmBiosStep::kLoad, kNoSlots},
+    {"Unable to open SMBIOS library error: ", SmBiosStep::kLoad, kNoSlots},
+    {"Return from smBiosGetFirst: Error ", SmBiosStep::kFirst, kNoSlots},
+    {"Return from smBiosGetFirst: ", SmBiosStep::kFirst, kNoSlots},
+    {"SMBIOS tables not loaded: status ", SmBiosStep::kLoad, kKernelSlotsOnly},
+    {"SMBIOS slot records not read: status ", SmBiosStep::kFirst, kKernelSlotsOnly},
 };
 
 struct StatusRow {
-  Step step;
+  SmBiosStep step;
   int code;
   Verdict verdict;
   const char* clause;
 };
 
 constexpr StatusRow kStatuses[] = {
-    {Step::kLoad, TVTQStatusCode::kNotFound, Verdict::kNotice, kNoTables},
-    {Step::kFirst, TVTQStatusCode::kNotFound, Verdict::kNotice, kNoSlotRecords},
-    {Step::kLoad, TVTQStatusCode::kAccessDenied, Verdict::kTrouble,
+    {SmBiosStep::kLoad, TVTQStatusCode::kNotFound, Verdict::kNotice, kNoTables},
+    {SmBiosStep::kFirst, TVTQStatusCode::kNotFound, Verdict::kNotice, kNoSlotRecords},
+    {SmBiosStep::kLoad, TVTQStatusCode::kAccessDenied, Verdict::kTrouble,
      "this user may not read the SMBIOS tables, so {effect}; run as root"},
-    {Step::kLoad, TVTQStatusCode::kCorruptData, Verdict::kTrouble,
+    {SmBiosStep::kLoad, TVTQStatusCode::kCorruptData, Verdict::kTrouble,
      "the SMBIOS tables are damaged, so {effect}: {why}"},
-    {Step::kFirst, TVTQStatusCode::kBufferTooSmall, Verdict::kTrouble,
+    {SmBiosStep::kFirst, TVTQStatusCode::kBufferTooSmall, Verdict::kTrouble,
      "the first SMBIOS slot record is too large, so {effect}"},
 };
 

@@ -83,10 +83,10 @@ std::string SerialOf(const NamedProperties& details, const std::vector<const cha
 }
 
 /// Makes the keys of the functions of one side.
-class FunctionKeys final {
+class KeysOfFunctions final {
  public:
   /// `slotNumbers`: a number for each slot, the same for slots that are partners.
-  FunctionKeys(const MachineState& state, const std::vector<std::size_t>& slotNumbers,
+  KeysOfFunctions(const MachineState& state, const std::vector<std::size_t>& slotNumbers,
                const std::vector<const char*>& serials)
       : state_(state), slotNumbers_(slotNumbers), paths_(PortPaths(state.model)) {
     for (std::size_t i = 0; i < state.model.functions.size(); ++i) {
@@ -167,8 +167,8 @@ MachinePairs PairMachines(const MachineState& before, const MachineState& after)
   const auto serials = CommonSerials(before, after);
   const auto oldSlots = OldSlotNumbers(pairs.slots);
   const auto newSlots = NewSlotNumbers(pairs.slots);
-  pairs.functions = PairUp(FunctionKeys(before, oldSlots, serials).Make(),
-                           FunctionKeys(after, newSlots, serials).Make());
+  pairs.functions = PairUp(KeysOfFunctions(before, oldSlots, serials).Make(),
+                           KeysOfFunctions(after, newSlots, serials).Make());
   return pairs;
 }
 

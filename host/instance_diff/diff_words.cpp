@@ -115,12 +115,12 @@ std::string ListingText(const TCIMValue& before, const TCIMValue& after) {
 
 /// Says in words that a slot became empty or got a card.
 std::string UsageText(const TCIMValue& before, const TCIMValue& after) {
-  constexpr unsigned kAvailable = 3;
-  constexpr unsigned kInUse = 4;
+  constexpr unsigned kAvailableCode = 3;
+  constexpr unsigned kInUseCode = 4;
   const auto old = CodeOf(before);
   const auto now = CodeOf(after);
-  if (old == kInUse && now == kAvailable) return "now empty: ";
-  if (old == kAvailable && now == kInUse) return "no longer empty: ";
+  if (old == kInUseCode && now == kAvailableCode) return "now empty: ";
+  if (old == kAvailableCode && now == kInUseCode) return "no longer empty: ";
   return "";
 }
 

@@ -9,12 +9,12 @@
 namespace pciinfo {
 namespace {
 
-struct ClassText {
+struct NamedCode {
   unsigned code;
   const char* text;
 };
 
-constexpr ClassText kBaseClasses[] = {
+constexpr NamedCode kBaseClasses[] = {
     {0x00, "Unclassified device"},
     {0x01, "Mass storage controller"},
     {0x02, "Network controller"},
@@ -40,7 +40,7 @@ constexpr ClassText kBaseClasses[] = {
 };
 
 // Base class and subclass.
-constexpr ClassText kSubclasses[] = {
+constexpr NamedCode kSubclasses[] = {
     {0x0000, "Non-VGA unclassified device"},
     {0x0001, "VGA compatible unclassified device"},
     {0x0100, "SCSI storage controller"},
@@ -136,7 +136,7 @@ constexpr ClassText kSubclasses[] = {
 };
 
 // Base class, subclass and programming interface.
-constexpr ClassText kInterfaces[] = {
+constexpr NamedCode kInterfaces[] = {
     {0x010601, "SATA controller, AHCI"},
     {0x010802, "Non-volatile memory controller, NVMe"},
     {0x060401, "PCI-to-PCI bridge, subtractive decode"},
@@ -152,9 +152,9 @@ constexpr ClassText kInterfaces[] = {
 };
 
 template <std::size_t size>
-const char* Find(const ClassText (&table)[size], unsigned code) {
+const char* Find(const NamedCode (&table)[size], unsigned code) {
   const auto* row = std::find_if(std::begin(table), std::end(table),
-                                 [code](const ClassText& entry) { return entry.code == code; });
+                                 [code](const NamedCode& entry) { return entry.code == code; });
   return row == std::end(table) ? nullptr : row->text;
 }
 

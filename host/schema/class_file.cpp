@@ -22,7 +22,7 @@
 namespace pciinfo {
 namespace {
 
-using Kind = JsonValue::Kind;
+using JsonKind = JsonValue::Kind;
 using NQZMVTQ20::TCIMValue;
 using Names = std::vector<std::string>;
 using Members = std::vector<std::pair<std::string, JsonValue>>;
@@ -83,7 +83,7 @@ class Object {
  public:
   Object(const JsonValue& value, std::string place, std::initializer_list<std::string_view> members)
       : value_(value), place_(std::move(place)) {
-    if (value.kind != Kind::kObject)
+    if (value.kind != JsonKind::kObject)
       Fail(place_, fmt::format("expected an object, found {}", ShownType()));
     for (const auto& [name, ignored] : value.members) {
       if (std::find(members.begin(), members.end(), name) != members.end()) continue;
@@ -96,13 +96,13 @@ class Object {
 
   /// Empty if missing.
   std::string Text(const char* name) const {
-    const JsonValue* member = Find(name, Kind::kString, "a string");
+    const JsonValue* member = Find(name, JsonKind::kString, "a string");
     return member == nullptr ? "" : member->text;
   }
 
   /// False if missing.
   bool Flag(const char* name) const {
-    const JsonValue* member = Find(name, Kind::kBoolean, "true or false");
+    const JsonValue* member = Find(name, JsonKind::kBoolean, "true or false");
     return member != nullptr && member->flag;
   }
 
@@ -120,21 +120,21 @@ class Object {
   /// Empty if missing.
   const Members& MembersOf(const char* name) const {
     static const Members kNone;
-    const JsonValue* member = Find(name, Kind::kObject, "an object");
+    const JsonValue* member = Find(name, JsonKind::kObject, "an object");
     return member == nullptr ? kNone : member->members;
   }
 
   /// Empty if missing.
   const Members& Array(const char* name) const {
     static const Members kNone;
-    const JsonValue* member = Find(name, Kind::kArray, "an array");
+    const JsonValue* member = Find(name, JsonKind::kArray, "an array");
     return member == nullptr ? kNone : member->members;
   }
 
  private:
   std::string ShownType() const { return value_.KindName(); }
 
-  const JsonValue* Find(const char* name, Kind kind, const char* needed) const {
+  const JsonValue* Find(const char* name, JsonKind kind, const char* needed) const {
     for (const auto& [key, member] : value_.members) {
       if (key != name) continue;
       if (member.kind != kind) {
@@ -149,9 +149,9 @@ class Object {
   std::string place_;
 };
 
-class Reader {
+class ClassReader {
  public:
-  explicit Reader(const Declarations& declared) : files_(declared.files) {
+  explicit ClassReader(const Declarations& declared) : files_(declared.files) {
     for (const vtq::ClassSchema& schema : declared.classes) known_.push_back(schema.name);
   }
 
@@ -239,7 +239,7 @@ class Reader {
       Fail(place,
            fmt::format("expected a number from 0 to {}, found \"{}\"", largest, Printable(number)));
     }
-    if (meaning.kind != Kind::kString) {
+    if (meaning.kind != JsonKind::kString) {
       Fail(place + "." + number, fmt::format("expected a string, found {}", meaning.KindName()));
     }
     return {*value, meaning.text};
@@ -257,7 +257,7 @@ class Reader {
     Names targets;
     for (const auto& [unnamed, target] : object.Array("targets")) {
       const std::string place = fmt::format("{}.targets[{}]", object.Place(), targets.size());
-      const std::string* known = target.kind == Kind::kString ? Known(target.text) : nullptr;
+      const std::string* known = target.kind == JsonKind::kString ? Known(target.text) : nullptr;
       if (known == nullptr) {
         Fail(place, fmt::format("no class of that name is declared before; the classes are {}",
                                 fmt::join(known_, ", ")));
@@ -305,7 +305,7 @@ std::string ContentOf(const std::string& file) {
 }  // namespace
 
 ClassFile ParseClasses(std::string_view text, const Declarations& declared) {
-  return Reader(declared).Read(ParseJson(text));
+  return ClassReader(declared).Read(ParseJson(text));
 }
 
 Names ReadClassFile(const std::string& file, Declarations& declared) {

@@ -11,7 +11,7 @@ namespace pciinfo {
 namespace {
 
 using nlohmann::json;
-using Kind = JsonValue::Kind;
+using JsonKind = JsonValue::Kind;
 
 constexpr std::size_t kDeepestNesting = 32;  // values are freed by recursion
 
@@ -21,17 +21,17 @@ class ValueMaker final : public nlohmann::json_sax<json> {
   explicit ValueMaker(JsonValue& root) : root_(root) {}
 
   bool null() override { return Add({}); }
-  bool boolean(bool flag) override { return Add({Kind::kBoolean, flag, ""}); }
-  bool number_integer(number_integer_t) override { return Add({Kind::kNumber, false, ""}); }
-  bool number_unsigned(number_unsigned_t) override { return Add({Kind::kNumber, false, ""}); }
+  bool boolean(bool flag) override { return Add({JsonKind::kBoolean, flag, ""}); }
+  bool number_integer(number_integer_t) override { return Add({JsonKind::kNumber, false, ""}); }
+  bool number_unsigned(number_unsigned_t) override { return Add({JsonKind::kNumber, false, ""}); }
   bool number_float(number_float_t, const string_t&) override {
-    return Add({Kind::kNumber, false, ""});
+    return Add({JsonKind::kNumber, false, ""});
   }
-  bool string(string_t& text) override { return Add({Kind::kString, false, text}); }
+  bool string(string_t& text) override { return Add({JsonKind::kString, false, text}); }
   bool binary(binary_t&) override { return false; }
-  bool start_object(std::size_t) override { return Open(Kind::kObject); }
+  bool start_object(std::size_t) override { return Open(JsonKind::kObject); }
   bool end_object() override { return Close(); }
-  bool start_array(std::size_t) override { return Open(Kind::kArray); }
+  bool start_array(std::size_t) override { return Open(JsonKind::kArray); }
   bool end_array() override { return Close(); }
 
   bool key(string_t& name) override {
@@ -63,7 +63,7 @@ class ValueMaker final : public nlohmann::json_sax<json> {
     return open_.back()->members.emplace_back(std::move(key_), std::move(value)).second;
   }
 
-  bool Open(Kind kind) {
+  bool Open(JsonKind kind) {
     if (open_.size() == kDeepestNesting) throw ClassFileError("values are nested too deeply");
     open_.push_back(&Place({kind, false, ""}));
     return true;

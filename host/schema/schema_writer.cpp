@@ -7,12 +7,12 @@
 namespace pciinfo {
 namespace {
 
-struct FormatRow {
+struct SchemaFormat {
   const char* name;
   void (*write)(Output& output, const std::vector<vtq::ClassSchema>& classes);
 };
 
-constexpr FormatRow kFormats[] = {
+constexpr SchemaFormat kSchemaFormats[] = {
     {"mof", &WriteMofSchema},
     {"json-schema", &WriteJsonSchema},
 };
@@ -21,13 +21,13 @@ constexpr FormatRow kFormats[] = {
 
 std::vector<std::string> SchemaFormats() {
   std::vector<std::string> names;
-  for (const FormatRow& row : kFormats) names.emplace_back(row.name);
+  for (const SchemaFormat& row : kSchemaFormats) names.emplace_back(row.name);
   return names;
 }
 
 void WriteSchema(Output& output, const std::string& format,
                  const std::vector<vtq::ClassSchema>& classes) {
-  for (const FormatRow& row : kFormats) {
+  for (const SchemaFormat& row : kSchemaFormats) {
     if (format == row.name) row.write(output, classes);
   }
 }
