@@ -43,6 +43,7 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"machine", {"base", "console", "formats", "model", "machine"}},
     {"schema", {"base", "console", "formats", "model", "schema"}},
     {"check", {"base", "console", "formats", "model", "machine", "check"}},
+    {"record", {"base", "console", "formats", "model", "machine", "check", "record"}},
     {"instance_diff", {"base", "console", "formats", "model", "instance_diff"}},
     {"collect", {"base", "console", "schema", "process", "collect"}},
     {"capture", {"base", "console", "process", "schema", "capture"}},
