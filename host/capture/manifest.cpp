@@ -11,6 +11,7 @@
 #include "framework/os_specific.h"
 #include "framework/schema_helper.h"
 #include "host/base/namespace_name.h"
+#include "host/base/utc_time.h"
 #include "host/console/safe_json.h"
 #include "host/console/utf8.h"
 #include "runtime/repository.h"
@@ -29,14 +30,6 @@ constexpr int kVersionSeconds = 10;
 std::string KernelRelease() {
   utsname system{};
   return uname(&system) == 0 ? system.release : "";
-}
-
-std::string Now() {
-  const std::time_t now = std::time(nullptr);
-  std::tm utc{};
-  gmtime_r(&now, &utc);
-  char text[sizeof "2026-01-31T23:59:59Z"] = {};
-  return std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc) != 0 ? text : "";
 }
 
 std::string VersionOfLspci() {
@@ -100,7 +93,7 @@ Manifest DescribeThisMachine() {
   manifest.systemName =
       NQZMVTQ20::TCIMSchemaHelper::GetSystemName(vtq::Namespace::Create(kNamespaceName));
   manifest.kernelRelease = KernelRelease();
-  manifest.capturedAt = Now();
+  manifest.capturedAt = UtcText(std::time(nullptr));
   manifest.tools = {{"pciinfo", PCIINFO_VERSION}, {"lspci", VersionOfLspci()}};
   return manifest;
 }

@@ -59,6 +59,12 @@ Json FindingJson(const CheckFinding& finding) {
 
 }  // namespace
 
+Json FindingsJson(const std::vector<CheckFinding>& findings) {
+  auto array = Json::array();
+  for (const CheckFinding& finding : findings) array.push_back(FindingJson(finding));
+  return array;
+}
+
 void WriteFindings(Output& output, const std::vector<CheckFinding>& findings) {
   if (findings.empty()) output.Write("No findings.\n");
   bool isFirst = true;

@@ -17,10 +17,11 @@ FunctionFacts ReadFunctionFacts(const PropertyReader& reader, const vtq::Instanc
   facts.powerState = reader.Text(instance, "PowerState");
   facts.modules = reader.Texts(instance, "DriverModules");
   facts.regions = ReadRegions(reader, instance);
-  for (const char* property : {"NetworkInterfaces", "BlockDevices"}) {
-    for (std::string& device : reader.Texts(instance, property))
-      facts.kernelDevices.push_back(std::move(device));
-  }
+  facts.serialNumber = reader.Text(instance, "SerialNumber");
+  facts.productName = reader.Text(instance, "ProductName");
+  facts.partNumber = reader.Text(instance, "ProductPartNumber");
+  facts.productSerialNumber = reader.Text(instance, "ProductSerialNumber");
+  facts.systemDevices = ReadSystemDevices(reader, instance);
   return facts;
 }
 

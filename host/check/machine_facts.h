@@ -25,7 +25,12 @@ struct FunctionFacts {
   std::string powerState;            ///< "D0"
   std::vector<std::string> modules;  ///< that could drive it
   std::vector<Region> regions;
-  std::vector<std::string> kernelDevices;  ///< network interfaces and block devices: "eth0"
+  std::string serialNumber;  ///< of the device's configuration space: "00-1b-21-ff-ff-a0-b1-c2"
+  // Of the vital product data:
+  std::string productName;
+  std::string partNumber;
+  std::string productSerialNumber;
+  std::vector<SystemDevice> systemDevices;
 };
 
 /// The input of the checks of the machine.

@@ -5,11 +5,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 #include <optional>
 
 #include "host/base/errors.h"
+#include "host/base/utc_time.h"
 #include "host/capture/capture.h"
 #include "host/cli/diff_command.h"
 #include "host/cli/jobs.h"
@@ -154,6 +156,13 @@ bool ShowedNoTables(const std::optional<Manifest>& manifest) {
   });
 }
 
+/// When the machine was as it is shown: now, or when it was captured. A capture made by hand need
+/// not say when.
+std::string TimeOf(const std::optional<Manifest>& manifest) {
+  if (!manifest) return UtcText(std::time(nullptr));
+  return IsUtcText(manifest->capturedAt) ? manifest->capturedAt : "";
+}
+
 /// The work of a view: collects what the job needs and prints it to a file that is open.
 [[noreturn]] void Show(const Options& options, const PluginSet& plugins, const Job& job,
                        const LogSettings& log, const std::optional<Manifest>& manifest,
@@ -165,6 +174,7 @@ bool ShowedNoTables(const std::optional<Manifest>& manifest) {
                         .showedNoTables = ShowedNoTables(manifest)});
   UseHugePages();
   Session session(report, log, plugins.declared.classes);
+  session.SetTime(TimeOf(manifest));
   worker.Begin({"loading the plug-ins", true, false});
   for (const PluginFile& plugin : plugins.plugins) {
     if (IsNeeded(plugin, job)) session.Load(plugin);

@@ -25,6 +25,7 @@
 #include "host/machine/port_tree.h"
 #include "host/metrics/metrics.h"
 #include "host/model/machine_identity.h"
+#include "host/record/machine_line.h"
 #include "host/report/dot_writer.h"
 #include "host/report/layout.h"
 #include "host/report/machines_page.h"
@@ -70,7 +71,30 @@ MachineModel ReadKept(const vtq::Namespace& repository, const Filter& filter) {
   return kept;
 }
 
+MachineStamp StampOf(const Session& session) {
+  return {session.GetSystemName(), ReadMachineIds(), session.GetTime()};
+}
+
+/// Makes the job of a format that tells all of the machine.
+Job WholeMachineJob(
+    const Classes& declared,
+    const std::function<void(const CollectedMachine& machine, Output& output)>& write) {
+  const auto print = [write](const Session& session, Output& output) {
+    CollectedMachine machine = CollectMachine(session.GetRepository());
+    machine.stamp = StampOf(session);
+    machine.notRead = session.GetReport().GetLines();
+    machine.troubles = session.GetReport().GetTroubles();
+    write(machine, output);
+  };
+  return MakeView(PlanQuery(declared, RecordedClasses()).collect, print);
+}
+
 Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
+  if (options.format == "jsonl") {
+    return WholeMachineJob(declared, [](const CollectedMachine& machine, Output& output) {
+      output.Write(MachineLine(machine) + "\n");
+    });
+  }
   const bool asJson = options.format == "json";
   const auto print = [asJson, terminal, filter = options.filter](const Session& session,
                                                                  Output& output) {
@@ -132,7 +156,7 @@ Job InstancesJob(const Options& options, const Declarations& plugins, const Term
   if (!options.filter.IsEmpty()) collect.emplace_back("QZMSG_DeviceInSlot");
   const auto write = [print, format = options.format, isShown = terminal.width.has_value(),
                       filter = options.filter](const Session& session, Output& output) {
-    const auto writer = MakeInstanceWriter(format, output, isShown);
+    const auto writer = MakeInstanceWriter(format, output, {isShown, StampText(StampOf(session))});
     if (filter.IsEmpty()) return WriteInstances(session.GetRepository(), print, *writer);
     WriteInstances(*KeptOf(session.GetRepository(), filter), print, *writer);
   };
@@ -178,18 +202,19 @@ Job MetricsJob(const Options& options, const Classes& declared) {
 
 /// Makes the job of a view of the machine, as far as the filter keeps it.
 Job MachineJob(const Options& options, const Classes& declared,
-               const std::function<void(MachineModel kept, Output& output)>& write) {
+               const std::function<void(MachineModel kept, const MachineStamp& stamp,
+                                        Output& output)>& write) {
   return MakeView(PlanQuery(declared, MachineClasses()).collect,
                   [write, filter = options.filter](const Session& session, Output& output) {
-                    write(ReadKept(session.GetRepository(), filter), output);
+                    write(ReadKept(session.GetRepository(), filter), StampOf(session), output);
                   });
 }
 
 Job DevicesJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto write = [format = options.format, columns = options.columns, terminal](
-                         const MachineModel& kept, Output& output) {
+                         const MachineModel& kept, const MachineStamp& stamp, Output& output) {
     if (format == "json") return WriteDevicesJson(output, kept);
-    if (format == "jsonl") return WriteDevicesJsonLines(output, kept);
+    if (format == "jsonl") return WriteDevicesJsonLines(output, kept, stamp);
     if (format == "yaml") return WriteDevicesYaml(output, kept);
     if (format == "csv") return WriteDevicesCsv(output, kept, columns);
     WriteDevicesTable(output, kept, columns, terminal);
@@ -199,10 +224,11 @@ Job DevicesJob(const Options& options, const Classes& declared, const Terminal& 
 
 Job SlotsJob(const Options& options, const Classes& declared, const Terminal& terminal) {
   const auto write = [format = options.format, choice = options.slotChoice,
-                      columns = options.columns, terminal](MachineModel kept, Output& output) {
+                      columns = options.columns,
+                      terminal](MachineModel kept, const MachineStamp& stamp, Output& output) {
     const MachineModel chosen = ChosenSlots(std::move(kept), choice);
     if (format == "json") return WriteSlotsJson(output, chosen);
-    if (format == "jsonl") return WriteSlotsJsonLines(output, chosen);
+    if (format == "jsonl") return WriteSlotsJsonLines(output, chosen, stamp);
     if (format == "yaml") return WriteSlotsYaml(output, chosen);
     if (format == "csv") return WriteSlotsCsv(output, chosen, columns);
     WriteSlotsTable(output, chosen, columns, terminal);

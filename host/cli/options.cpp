@@ -143,6 +143,8 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
   return sub;
 }
 
+const std::vector<std::string> kOverviewFormats = {"table", "json", "jsonl"};
+
 /// Formats of lists: `devices` and `slots`.
 const std::vector<std::string> kListFormats = {"table", "json", "jsonl", "csv", "yaml"};
 
@@ -334,7 +336,7 @@ std::shared_ptr<CLI::App> BuildApp(Options& options) {
       "Shows the PCI functions and system slots of this machine.\n"
       "Without a command, prints an overview.",
       "pciinfo");
-  AddFormat(*app, options.format, {"table", "json"});
+  AddFormat(*app, options.format, kOverviewFormats);
   AddGlobalOptions(*app, options);
   AddCommands(*app, options);
   return app;
@@ -358,6 +360,12 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv) {
   }
   if (!options.filter.IsEmpty() && !CanFilter(options.command)) {
     return Answer{true, "--filter cannot be used with this command"};
+  }
+  if (options.command == Command::kOverview && !options.filter.IsEmpty() &&
+      options.format != "table" && options.format != "json") {
+    return Answer{true, fmt::format("--filter cannot be used with --format {}, which tells all of "
+                                    "the machine: leave it out, or use json",
+                                    options.format)};
   }
   if (!options.columns.empty() && options.format != "table" && options.format != "csv") {
     return Answer{true, fmt::format("--columns cannot be used with {}, which always has all that "

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/collect/plugin_files.h"
@@ -47,6 +48,9 @@ class Session final {
   const vtq::Namespace& GetRepository() const noexcept { return *repository_; }
   /// The name of the system, see NQZMVTQ20::TCIMSchemaHelper.
   std::string GetSystemName() const;
+  /// When the machine's data was collected, in UTC: "2026-01-31T23:59:59Z". Empty: unknown.
+  void SetTime(std::string time) { time_ = std::move(time); }
+  const std::string& GetTime() const noexcept { return time_; }
   const TroubleReport& GetReport() const noexcept { return report_; }
   /// Returns why a log record could not be written; nothing if all were.
   std::optional<std::string> GetLogFailure() const;
@@ -60,6 +64,7 @@ class Session final {
   std::shared_ptr<vtq::Logger> logger_;
   std::shared_ptr<vtq::PluginManager> manager_;
   std::shared_ptr<vtq::Namespace> repository_;
+  std::string time_;
   std::map<std::string, std::string> servers_;  ///< the file of the plug-in, by class
 };
 

@@ -72,4 +72,10 @@ std::vector<std::string> TroubleReport::GetLines() const {
   return lines;
 }
 
+std::vector<std::string> TroubleReport::GetTroubles() const {
+  std::vector<std::string> lines;
+  for (const Told& one : troubles_) lines.push_back(LineOf(one));
+  return lines;
+}
+
 }  // namespace pciinfo

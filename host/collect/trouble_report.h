@@ -37,6 +37,8 @@ class TroubleReport final {
   /// The messages, without the program's name: first what this machine lacks, then the troubles as
   /// "CLASS: why", each in the order in which they were added.
   std::vector<std::string> GetLines() const;
+  /// The troubles alone.
+  std::vector<std::string> GetTroubles() const;
 
  private:
   /// A finding, and how often it was made.

@@ -10,7 +10,7 @@
 #include "host/console/text.h"
 #include "host/console/utf8.h"
 #include "host/diff/function_labels.h"
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 
 namespace pciinfo {
 namespace {

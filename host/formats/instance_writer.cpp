@@ -15,28 +15,32 @@ namespace pciinfo {
 namespace {
 
 template <class Writer>
-std::unique_ptr<InstanceWriter> Make(Output& output, bool /*isShown*/) {
+std::unique_ptr<InstanceWriter> Make(Output& output, const WriterSettings& /*settings*/) {
   return std::make_unique<Writer>(output);
 }
 
-std::unique_ptr<InstanceWriter> MakeCsv(Output& output, bool isShown) {
-  return std::make_unique<CsvWriter>(output, isShown);
+std::unique_ptr<InstanceWriter> MakeCsv(Output& output, const WriterSettings& settings) {
+  return std::make_unique<CsvWriter>(output, settings.isShown);
+}
+
+std::unique_ptr<InstanceWriter> MakeJsonLines(Output& output, const WriterSettings& settings) {
+  return std::make_unique<JsonLinesWriter>(output, settings.lineHead);
 }
 
 template <std::unique_ptr<InstanceWriter> (*make)(Output& output)>
-std::unique_ptr<InstanceWriter> MakeExtra(Output& output, bool /*isShown*/) {
+std::unique_ptr<InstanceWriter> MakeExtra(Output& output, const WriterSettings& /*settings*/) {
   return make(output);
 }
 
 struct FormatRow {
   const char* name;
-  std::unique_ptr<InstanceWriter> (*make)(Output& output, bool isShown);
+  std::unique_ptr<InstanceWriter> (*make)(Output& output, const WriterSettings& settings);
 };
 
 constexpr FormatRow kFormats[] = {
     {"table", &Make<TableWriter>},
     {"json", &Make<JsonWriter>},
-    {"jsonl", &Make<JsonLinesWriter>},
+    {"jsonl", &MakeJsonLines},
     {"csv", &MakeCsv},
     {"yaml", &MakeExtra<&MakeYamlWriter>},
     {"mof", &Make<MofWriter>},
@@ -61,11 +65,11 @@ std::vector<std::string> InstanceFormats() {
 }
 
 std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output,
-                                                   bool isShown) {
+                                                   const WriterSettings& settings) {
   const auto* row =
       std::find_if(std::begin(kFormats), std::end(kFormats),
                    [&format](const FormatRow& entry) { return format == entry.name; });
-  return row == std::end(kFormats) ? nullptr : row->make(output, isShown);
+  return row == std::end(kFormats) ? nullptr : row->make(output, settings);
 }
 
 void WriteInstances(const vtq::Namespace& repository, const std::vector<std::string>& classes,

@@ -28,11 +28,17 @@ class VTQ_EXPORT InstanceWriter {
 /// The names of the formats.
 std::vector<std::string> InstanceFormats();
 
+/// What only some of the formats heed.
+struct WriterSettings {
+  /// For a terminal, where a format without escapes gives up bytes that are not safe there.
+  bool isShown = false;
+  /// The members that each object of JSON Lines begins with, with a comma after each.
+  std::string lineHead = {};
+};
+
 /// Makes the writer of a format, which must be one of InstanceFormats. `output` must outlive it.
-/// `isShown`: for a terminal, where a format without escapes gives up bytes that are not safe
-/// there.
 std::unique_ptr<InstanceWriter> MakeInstanceWriter(const std::string& format, Output& output,
-                                                   bool isShown = false);
+                                                   const WriterSettings& settings = {});
 
 /// Writes the instances of `classes`: classes in the given order, instances in commit order.
 void WriteInstances(const vtq::Namespace& repository, const std::vector<std::string>& classes,

@@ -7,7 +7,7 @@ namespace pciinfo {
 
 void JsonObjects::BeginClass(const vtq::Class& cimClass) {
   const vtq::ClassSchema& schema = cimClass.GetSchema();
-  head_ = "{\"class\":\"" + schema.name + "\",\"path\":";
+  head_ = "{" + firstMembers_ + "\"class\":\"" + schema.name + "\",\"path\":";
   names_.clear();
   for (const vtq::PropertySchema& property : schema.properties) {
     names_.push_back(",\"" + property.name + "\":");

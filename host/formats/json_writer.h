@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/formats/instance_writer.h"
@@ -11,7 +12,9 @@ namespace pciinfo {
 /// Writes instances as JSON objects; docs/formats.md describes them.
 class JsonObjects final {
  public:
-  explicit JsonObjects(Output& output) : output_(output) {}
+  /// `head` are members that every object begins with, with a comma after each.
+  explicit JsonObjects(Output& output, std::string head = "")
+      : output_(output), firstMembers_(std::move(head)) {}
 
   /// Sets the class of the instances that follow.
   void BeginClass(const vtq::Class& cimClass);
@@ -19,6 +22,7 @@ class JsonObjects final {
 
  private:
   Output& output_;
+  std::string firstMembers_;
   // Made once for all instances of the class.
   std::string head_;
   std::vector<std::string> names_;  // by position in the schema
@@ -27,7 +31,8 @@ class JsonObjects final {
 /// Writes one JSON object per line, one for each instance.
 class JsonLinesWriter final : public InstanceWriter {
  public:
-  explicit JsonLinesWriter(Output& output) : output_(output), objects_(output) {}
+  JsonLinesWriter(Output& output, const std::string& head)
+      : output_(output), objects_(output, head) {}
 
   void BeginClass(const vtq::Class& cimClass) override { objects_.BeginClass(cimClass); }
   void Write(const vtq::Class& cimClass, const vtq::Instance& instance) override;

@@ -12,14 +12,36 @@ auto ElementAt(const List& list, std::size_t place) {
   return place < list.size() ? list[place] : typename List::value_type{};
 }
 
+/// The properties with lists of devices of one kind, in parallel. Null: there is no such list.
+struct DeviceProperties {
+  const char* kind;
+  const char* names;
+  const char* addresses = nullptr;
+  const char* models = nullptr;
+  const char* serialNumbers = nullptr;
+  const char* firmware = nullptr;
+};
+
+constexpr DeviceProperties kDeviceProperties[] = {
+    {.kind = "network", .names = "NetworkInterfaces", .addresses = "NetworkAddresses"},
+    {.kind = "block", .names = "BlockDevices"},
+    {.kind = "nvme",
+     .names = "NvmeControllers",
+     .models = "NvmeModels",
+     .serialNumbers = "NvmeSerialNumbers",
+     .firmware = "NvmeFirmwareRevisions"},
+    {.kind = "drm", .names = "DrmDevices"},
+    {.kind = "infiniband", .names = "InfinibandDevices", .firmware = "InfinibandFirmwareVersions"},
+    {.kind = "scsi", .names = "ScsiHosts"},
+};
+
 bool HasDevice(const PropertyReader& reader, const vtq::Instance& instance,
                const std::string& name) {
-  constexpr const char* kNames[] = {"NetworkInterfaces", "BlockDevices",      "NvmeControllers",
-                                    "DrmDevices",        "InfinibandDevices", "ScsiHosts"};
-  return std::any_of(std::begin(kNames), std::end(kNames), [&](const char* property) {
-    const std::vector<std::string> devices = reader.Texts(instance, property);
-    return std::find(devices.begin(), devices.end(), name) != devices.end();
-  });
+  return std::any_of(std::begin(kDeviceProperties), std::end(kDeviceProperties),
+                     [&](const DeviceProperties& properties) {
+                       const auto devices = reader.Texts(instance, properties.names);
+                       return std::find(devices.begin(), devices.end(), name) != devices.end();
+                     });
 }
 
 }  // namespace
@@ -37,6 +59,26 @@ std::vector<Region> ReadRegions(const PropertyReader& reader, const vtq::Instanc
                        ElementAt(prefetchable, i), ElementAt(wide, i)});
   }
   return regions;
+}
+
+std::vector<SystemDevice> ReadSystemDevices(const PropertyReader& reader,
+                                            const vtq::Instance& instance) {
+  std::vector<SystemDevice> devices;
+  for (const DeviceProperties& properties : kDeviceProperties) {
+    const auto names = reader.Texts(instance, properties.names);
+    const auto listOf = [&](const char* property) {
+      return property == nullptr ? std::vector<std::string>() : reader.Texts(instance, property);
+    };
+    const auto addresses = listOf(properties.addresses);
+    const auto models = listOf(properties.models);
+    const auto serialNumbers = listOf(properties.serialNumbers);
+    const auto firmware = listOf(properties.firmware);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      devices.push_back({properties.kind, names[i], ElementAt(addresses, i), ElementAt(models, i),
+                         ElementAt(serialNumbers, i), ElementAt(firmware, i)});
+    }
+  }
+  return devices;
 }
 
 FunctionDetails ReadDetails(const vtq::Namespace& repository, const DomainAddress& address) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/machine/property_reader.h"
+#include "host/machine/system_device.h"
 #include "host/model/address.h"
 #include "runtime/repository.h"
 
@@ -34,6 +35,10 @@ struct FunctionDetails {
 
 /// Reads the regions of an instance of that class.
 std::vector<Region> ReadRegions(const PropertyReader& reader, const vtq::Instance& instance);
+
+/// Reads the system's devices of an instance of that class.
+std::vector<SystemDevice> ReadSystemDevices(const PropertyReader& reader,
+                                            const vtq::Instance& instance);
 
 /// Reads the details of a function.
 FunctionDetails ReadDetails(const vtq::Namespace& repository, const DomainAddress& address);

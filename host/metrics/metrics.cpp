@@ -178,8 +178,10 @@ void WriteFunctions(Output& output, const MachineFacts& facts) {
       functions.Add(With(With(labels, "id", IdText(function)), "card", MakerAndModel(function)), 1);
     }
     AddErrors(errors, labels, facts.functions[i]);
-    for (const std::string& device : facts.functions[i].kernelDevices)
-      devices.Add(With(labels, "device", device), 1);
+    for (const SystemDevice& device : facts.functions[i].systemDevices) {
+      const bool isMeasured = device.kind == "network" || device.kind == "block";
+      if (isMeasured) devices.Add(With(labels, "device", device.name), 1);
+    }
   }
   for (const MetricFamily* family : {&functions, &devices, &errors})
     WriteMetricFamily(output, *family);

@@ -90,16 +90,21 @@ MachineIdentity ParseIdentity(const vtq::SmBiosTable& table) {
   return identity;
 }
 
-MachineIdentity ReadIdentity(const std::string& root) {
+std::optional<vtq::SmBiosTable> ReadSmBiosTable(const std::string& root) {
   const std::string directory = root + "/sys/firmware/dmi/tables/";
   const auto entryPoint = ReadBytes(directory + "smbios_entry_point");
   std::optional<Bytes> bytes = ReadBytes(directory + "DMI");
-  if (!entryPoint || !bytes) return ReadKernelFiles(root);
+  if (!entryPoint || !bytes) return std::nullopt;
   try {
-    return ParseIdentity({vtq::ParseSmBiosEntryPoint(*entryPoint), *std::move(bytes)});
+    return vtq::SmBiosTable{vtq::ParseSmBiosEntryPoint(*entryPoint), *std::move(bytes)};
   } catch (const NQZMVTQ20::TVTQException&) {
-    return ReadKernelFiles(root);
+    return std::nullopt;
   }
+}
+
+MachineIdentity ReadIdentity(const std::string& root) {
+  const std::optional<vtq::SmBiosTable> table = ReadSmBiosTable(root);
+  return table ? ParseIdentity(*table) : ReadKernelFiles(root);
 }
 
 }  // namespace pciinfo

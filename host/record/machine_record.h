@@ -5,22 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "host/machine/system_device.h"
 #include "host/model/machine_identity.h"
 
 namespace pciinfo {
 
-/// What the system knows a function as: a network interface, a disk, an NVMe or InfiniBand device.
-/// What is not known is empty, here and below.
-struct SystemDevice {
-  std::string kind;             ///< "network", "block", "nvme", "drm", "infiniband" or "scsi"
-  std::string name;             ///< "eth0"
-  std::string hardwareAddress;  ///< of a network interface: "52:54:00:12:34:56"
-  std::string model;            ///< of an NVMe device, as are the next two
-  std::string serialNumber;
-  std::string firmware;  ///< of an NVMe or InfiniBand device
-};
-
-/// One PCI function of a recorded machine.
+/// One PCI function of a recorded machine. What is not known is empty, here and below.
 struct RecordedFunction {
   std::string address;  ///< "0000:01:00.0"
   bool isBridge = false;
@@ -97,11 +87,9 @@ struct MachineRecord {
   std::vector<std::string> troubles;  ///< what could not be collected, and why
 };
 
-/// Returns the record as one line of JSON, without the end of the line (docs/formats.md).
-std::string RecordLine(const MachineRecord& record);
-
-/// Reads a line that RecordLine or `pciinfo --format json` wrote. Throws UsageError, which says
-/// what is wrong, for other texts.
+/// Reads a machine line or the document of `pciinfo --format json`, which lacks some of its data.
+/// Both are described in docs/formats.md. Throws UsageError, which says what is wrong, for other
+/// texts, and for a machine that has no name, UUID or ID.
 MachineRecord ParseRecord(const std::string& text);
 
 }  // namespace pciinfo

@@ -16,7 +16,7 @@
 #include "host/machine/cards.h"
 #include "host/machine/link_text.h"
 #include "host/machine/names.h"
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 #include "host/views/place_texts.h"
 
 namespace pciinfo {
@@ -143,9 +143,10 @@ void WriteDevicesJson(Output& output, const MachineModel& machine) {
   WriteJsonLines(output, DevicesJson(machine));
 }
 
-void WriteDevicesJsonLines(Output& output, const MachineModel& machine) {
+void WriteDevicesJsonLines(Output& output, const MachineModel& machine, const MachineStamp& stamp) {
+  const std::string head = "{" + StampText(stamp);
   for (const MachineFunction& function : machine.functions) {
-    output.Write(SafeJson(FunctionJson(function, machine).dump()) + "\n");
+    output.Write(head + SafeJson(FunctionJson(function, machine).dump()).substr(1) + "\n");
   }
 }
 

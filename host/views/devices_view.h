@@ -7,6 +7,7 @@
 #include "host/console/output.h"
 #include "host/console/terminal.h"
 #include "host/machine/machine_model.h"
+#include "host/record/machine_stamp.h"
 
 namespace pciinfo {
 
@@ -21,7 +22,7 @@ void WriteDevicesTable(Output& output, const MachineModel& machine,
 // The same in other formats, which docs/formats.md describes.
 
 void WriteDevicesJson(Output& output, const MachineModel& machine);
-void WriteDevicesJsonLines(Output& output, const MachineModel& machine);
+void WriteDevicesJsonLines(Output& output, const MachineModel& machine, const MachineStamp& stamp);
 void WriteDevicesYaml(Output& output, const MachineModel& machine);
 /// Without names of `columns`, writes all of them, so that every machine has the same.
 void WriteDevicesCsv(Output& output, const MachineModel& machine,

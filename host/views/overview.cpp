@@ -8,11 +8,10 @@
 
 #include "host/console/columns.h"
 #include "host/console/text.h"
-#include "host/console/utf8.h"
 #include "host/machine/cards.h"
 #include "host/machine/link_text.h"
 #include "host/machine/names.h"
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 #include "host/views/place_sections.h"
 #include "host/views/place_texts.h"
 
@@ -24,47 +23,17 @@ const std::vector<Column> kOverviewColumns = {{"SLOT", true, Colour::kGreen},
                                               {.heading = "ADDRESS", .colour = Colour::kCyan},
                                               {.heading = "CARD", .isSubject = true}};
 
-struct Counts {
-  std::size_t functions = 0;
-  std::size_t bridges = 0;
-  std::size_t slots = 0;  ///< with a name
-  std::size_t inUse = 0;
-  std::size_t matched = 0;
-};
-
-/// Where the hardware does not tell, the firmware's word is taken.
-bool IsInUse(const MachineSlot& slot) {
-  constexpr unsigned kInUseCode = 4;  // DSP0134, 7.10.3
-  if (slot.state != SlotState::kUnknown) return slot.state == SlotState::kOccupied;
-  return slot.usage == kInUseCode;
-}
-
-Counts CountAll(const MachineModel& machine) {
-  Counts counts;
-  counts.functions = machine.functions.size();
-  for (const MachineFunction& function : machine.functions) {
-    if (function.IsBridge()) ++counts.bridges;
-  }
-  for (const MachineSlot& slot : machine.slots) {
-    if (!slot.IsNamed()) continue;
-    ++counts.slots;
-    if (IsInUse(slot)) ++counts.inUse;
-    if (!slot.functions.empty()) ++counts.matched;
-  }
-  return counts;
-}
-
 std::string WithComma(const std::string& text, const std::string& more) {
   return text.empty() || more.empty() ? text + more : text + ", " + more;
 }
 
-std::string PciText(const Counts& counts) {
+std::string PciText(const MachineCounts& counts) {
   if (counts.functions == 0) return "no functions";
   return fmt::format("{}, {} of them bridges", Count(counts.functions, "function", "functions"),
                      counts.bridges);
 }
 
-std::string SlotsText(const Counts& counts) {
+std::string SlotsText(const MachineCounts& counts) {
   if (counts.slots == 0) return "none known";
   return fmt::format("{}: {} in use, {} matched to a card", Count(counts.slots, "slot", "slots"),
                      counts.inUse, counts.matched);
@@ -141,7 +110,7 @@ std::vector<std::string> Uncounted(const MachineModel& machine) {
 
 std::vector<std::pair<std::string, std::string>> OverviewFacts(const Overview& overview) {
   const MachineIdentity& identity = overview.identity;
-  const Counts counts = CountAll(overview.machine);
+  const MachineCounts counts = CountAll(overview.machine);
   const std::string board = MakerText(identity.boardMaker, identity.boardProduct);
   const std::string version = NameIn(identity.boardVersion);
   std::vector<std::pair<std::string, std::string>> facts = {
@@ -176,33 +145,7 @@ void WriteOverview(Output& output, const Overview& overview, const Terminal& ter
 }
 
 void WriteOverviewJson(Output& output, const Overview& overview) {
-  const MachineIdentity& identity = overview.identity;
-  const Counts counts = CountAll(overview.machine);
-  nlohmann::ordered_json machine = nlohmann::ordered_json::object();
-  const auto add = [&machine](const char* name, const std::string& text) {
-    const std::string fit = NameIn(text);
-    if (!fit.empty()) machine[name] = ToUtf8(fit);
-  };
-  add("maker", identity.maker);
-  add("product", identity.product);
-  add("boardMaker", identity.boardMaker);
-  add("boardProduct", identity.boardProduct);
-  add("boardVersion", identity.boardVersion);
-  add("biosMaker", identity.biosMaker);
-  add("biosVersion", identity.biosVersion);
-  add("biosDate", identity.biosDate);
-  nlohmann::ordered_json object = {{"system", ToUtf8(overview.systemName)}};
-  if (!overview.filter.empty()) object["filter"] = ToUtf8(overview.filter);
-  object["machine"] = std::move(machine);
-  object["counts"] = {{"functions", counts.functions},
-                      {"bridges", counts.bridges},
-                      {"slots", counts.slots},
-                      {"inUse", counts.inUse},
-                      {"matched", counts.matched}};
-  object.update(MachineJson(overview.machine));
-  object["notRead"] = nlohmann::ordered_json::array();
-  for (const std::string& line : overview.notRead) object["notRead"].push_back(ToUtf8(line));
-  WriteJsonLines(output, object);
+  WriteJsonLines(output, OverviewJson(overview));
 }
 
 }  // namespace pciinfo

@@ -7,19 +7,9 @@
 
 #include "host/console/output.h"
 #include "host/console/terminal.h"
-#include "host/machine/machine_model.h"
-#include "host/model/machine_identity.h"
+#include "host/record/overview_json.h"
 
 namespace pciinfo {
-
-/// The data of the overview.
-struct Overview {
-  MachineIdentity identity;
-  std::string systemName;
-  std::string filter;  ///< as the user wrote it; empty: everything is shown
-  MachineModel machine;
-  std::vector<std::string> notRead;  ///< what could not be read and why, one sentence each
-};
 
 /// Returns names and texts of what is known of the whole machine, as "BIOS" and its version; what
 /// is not known is left out.

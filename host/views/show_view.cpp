@@ -14,7 +14,7 @@
 #include "host/machine/link_text.h"
 #include "host/machine/names.h"
 #include "host/model/smbios_names.h"
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 #include "host/views/place_sections.h"
 #include "host/views/place_texts.h"
 

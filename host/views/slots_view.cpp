@@ -16,7 +16,7 @@
 #include "host/machine/machine_filter.h"
 #include "host/machine/names.h"
 #include "host/model/smbios_names.h"
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 #include "host/views/place_sections.h"
 #include "host/views/place_texts.h"
 
@@ -218,9 +218,10 @@ void WriteSlotsJson(Output& output, const MachineModel& machine) {
   WriteJsonLines(output, MachineJson(machine));
 }
 
-void WriteSlotsJsonLines(Output& output, const MachineModel& machine) {
+void WriteSlotsJsonLines(Output& output, const MachineModel& machine, const MachineStamp& stamp) {
+  const std::string head = "{" + StampText(stamp);
   for (const MachineSlot& slot : machine.slots) {
-    output.Write(SafeJson(SlotJson(slot, machine).dump()) + "\n");
+    output.Write(head + SafeJson(SlotJson(slot, machine).dump()).substr(1) + "\n");
   }
 }
 

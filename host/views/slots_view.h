@@ -7,6 +7,7 @@
 #include "host/console/output.h"
 #include "host/console/terminal.h"
 #include "host/machine/machine_model.h"
+#include "host/record/machine_stamp.h"
 
 namespace pciinfo {
 
@@ -30,7 +31,7 @@ void WriteSlotsTable(Output& output, const MachineModel& machine,
 // only, CSV a line for each function in a slot.
 
 void WriteSlotsJson(Output& output, const MachineModel& machine);
-void WriteSlotsJsonLines(Output& output, const MachineModel& machine);
+void WriteSlotsJsonLines(Output& output, const MachineModel& machine, const MachineStamp& stamp);
 void WriteSlotsYaml(Output& output, const MachineModel& machine);
 void WriteSlotsCsv(Output& output, const MachineModel& machine,
                    const std::vector<std::string>& columns);

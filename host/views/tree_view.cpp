@@ -11,7 +11,7 @@
 #include "host/console/utf8.h"
 #include "host/machine/link_text.h"
 #include "host/machine/names.h"
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 #include "host/views/place_texts.h"
 
 namespace pciinfo {

@@ -31,7 +31,7 @@ std::shared_ptr<vtq::Namespace> MakeUnsafeRepository() {
 std::string OnTerminal(const std::string& format, const vtq::Namespace& repository) {
   OutputToText output;
   WriteInstances(repository, {"Hostile_Everything", "Hostile_Link"},
-                 *MakeInstanceWriter(format, output.Get(), true));
+                 *MakeInstanceWriter(format, output.Get(), {.isShown = true}));
   return output.Text();
 }
 

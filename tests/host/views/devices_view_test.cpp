@@ -85,7 +85,7 @@ TEST(DevicesView, WritesALineOfJsonForEachFunction) {
   OutputToText json;
   WriteDevicesJson(json.Get(), MachineOfDevices());
   OutputToText output;
-  WriteDevicesJsonLines(output.Get(), MachineOfDevices());
+  WriteDevicesJsonLines(output.Get(), MachineOfDevices(), {"box", {}, ""});
   const auto lines = LinesOf(output.Text());
   ASSERT_EQ(lines.size(), 12U);
   EXPECT_EQ(nlohmann::json::parse(lines[5]), nlohmann::json::parse(json.Text())["functions"][5]);

@@ -134,7 +134,7 @@ TEST(SlotsView, WritesYamlWithTheContentOfJson) {
 
 TEST(SlotsView, WritesALineOfJsonForEachSlot) {
   OutputToText output;
-  WriteSlotsJsonLines(output.Get(), TopologyMachine());
+  WriteSlotsJsonLines(output.Get(), TopologyMachine(), {"box", {}, ""});
   const auto lines = LinesOf(output.Text());
   ASSERT_EQ(lines.size(), 7U);
   EXPECT_EQ(nlohmann::json::parse(lines[0]), Document(TopologyMachine())["slots"][0]);

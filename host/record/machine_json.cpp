@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/views/machine_json.h"
+#include "host/record/machine_json.h"
 
 #include <fmt/format.h>
 
