@@ -29,7 +29,7 @@ class Recorder final : public CaptureReceiver {
       return;
     }
     writer_.Write(part);
-    ++parts_;
+    if (part.path != kMachineIdFile) ++parts_;
   }
 
   void NoteUnread(const std::string& path, const std::string& reason) override {

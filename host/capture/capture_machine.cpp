@@ -110,6 +110,7 @@ void CaptureMachine(CaptureReceiver& receiver) {
   CaptureModules(receiver);
   CaptureSlots(receiver);
   CaptureFirmware(receiver);
+  AddFile(receiver, "/etc/machine-id");
   if (!HasPciBus()) return;  // lspci fails where there is nothing to list
   for (const char* command : kCommands) CaptureCommand(receiver, command);
 }

@@ -39,6 +39,10 @@ struct Manifest {
 
 inline constexpr const char* kManifestFile = "manifest.json";
 
+/// The machine's ID. It is not one of the parts that a manifest counts: programs that do not know
+/// it must find as many parts as the manifest says.
+inline constexpr const char* kMachineIdFile = "etc/machine-id";
+
 /// Returns the manifest of this machine at this time, without unread parts.
 Manifest DescribeThisMachine();
 

@@ -48,6 +48,7 @@ void RedactAttribute(CapturePart& part) {
 }  // namespace
 
 void Redactor::Redact(CapturePart& part) {
+  if (part.path == kMachineIdFile) BlankLetters(part.content);
   if (part.path == kEntryPoint) entryPoint_ = part.content;
   if (part.path == kTable) RedactTable(entryPoint_, part.content);
   if (IsConfigSpace(part.path)) RedactConfigSpace(part.content);

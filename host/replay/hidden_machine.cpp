@@ -103,6 +103,9 @@ void HideMachine(const std::string& tree, const std::vector<std::string>& files)
   KeepDirectories(tree, files);
   LinkDescriptors(tree);
   std::ofstream(fs::path(tree) / "etc/hosts").flush();  // no other names of this machine
+  // Nothing may write to /etc while the capture is unpacked, so its own file stands elsewhere.
+  fs::create_symlink(fs::path("/") / kOwnDirectory / "etc/machine-id",
+                     fs::path(tree) / "etc/machine-id");
   ShowOwnProcesses(tree);
   for (const char* const place : kHidden) {
     if (Exists(place)) ShowAt(InTree(tree, place), place);

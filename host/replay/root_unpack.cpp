@@ -18,7 +18,8 @@ namespace fs = std::filesystem;
 constexpr std::size_t kLargestManifest = 1 << 20;
 
 /// The directories and files of a capture that are unpacked.
-constexpr std::array<std::string_view, 4> kServed = {"proc/bus/pci", "proc/pci", "sys", "commands"};
+constexpr std::array<std::string_view, 5> kServed = {"proc/bus/pci", "proc/pci", "sys", "commands",
+                                                     "etc/machine-id"};
 
 bool IsWithin(std::string_view path, std::string_view directory) {
   return path.starts_with(directory) &&
@@ -34,7 +35,8 @@ bool IsServed(std::string_view path) {
 
 /// Whether this directory can contain something that is unpacked.
 bool LeadsToServed(std::string_view directory) {
-  return directory.empty() || directory == "proc" || directory == "proc/bus" || IsServed(directory);
+  return directory.empty() || directory == "proc" || directory == "proc/bus" ||
+         directory == "etc" || IsServed(directory);
 }
 
 void UnpackFile(CaptureReader& capture, const vtq::FileDescriptor& file) {
@@ -69,7 +71,8 @@ class Unpacking final {
       tree_.MakeLink(place, entry.target);
       links_.push_back(fs::path(place).parent_path() / entry.target);
     }
-    if (entry.kind != EntryKind::kDirectory) ++parts_;
+    const bool isCounted = entry.kind != EntryKind::kDirectory && !place.ends_with(kMachineIdFile);
+    if (isCounted) ++parts_;
     isEmpty_ = false;
     gate_.CountDirectories(tree_.GetDirectories());
   }
@@ -104,7 +107,8 @@ class Unpacking final {
 
 std::optional<std::string> ServedPlace(const std::string& path) {
   if (!IsServed(path)) return std::nullopt;
-  return IsWithin(path, "commands") ? "proc/pciinfo/" + path : path;
+  const bool isOwn = IsWithin(path, "commands") || IsWithin(path, "etc");
+  return isOwn ? std::string(kOwnDirectory) + "/" + path : path;
 }
 
 Unpacked UnpackCapture(CaptureReader& capture, CaptureTree& tree, const CaptureLimits& limits) {

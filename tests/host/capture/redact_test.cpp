@@ -53,6 +53,7 @@ TEST(Redactor, SerialNumbersAndAddressesInTheKernelsFilesAreRedacted) {
   EXPECT_EQ(Redacted(function + "nvme/nvme0/serial", "S12 34  \n"), "XXX XX  \n");
   EXPECT_EQ(Redacted(function + "virtio0/net/eth0/address", "52:54:00:12:34:56\n"),
             "XX:XX:XX:XX:XX:XX\n");
+  EXPECT_EQ(Redacted("etc/machine-id", "01ab\n"), "XXXX\n");
   EXPECT_EQ(Redacted(function + "nvme/nvme0/model", "Fast disk\n"), "Fast disk\n");
   EXPECT_EQ(Redacted("sys/bus/pci/slots/3/address", "0000:03:00\n"), "0000:03:00\n");
   EXPECT_EQ(Redacted(function + "vpd", "\xFF\xFF"), std::string(2, '\0'));

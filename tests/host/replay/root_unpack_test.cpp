@@ -54,12 +54,14 @@ TEST_F(UnpackCaptureTest, ServedPartsAreUnpacked) {
                     {"proc/pci", "old"},
                     {"sys/bus/pci/devices/x/config", "config"},
                     {"commands/lspci -vvv", "output"},
+                    {"etc/machine-id", "id"},
                     {"manifest.json", "{}"}}),
             "{}");
   EXPECT_EQ(tree_.Read("proc/bus/pci/devices"), "list");
   EXPECT_EQ(tree_.Read("proc/pci"), "old");
   EXPECT_EQ(tree_.Read("sys/bus/pci/devices/x/config"), "config");
   EXPECT_EQ(tree_.Read("proc/pciinfo/commands/lspci -vvv"), "output");
+  EXPECT_EQ(tree_.Read("proc/pciinfo/etc/machine-id"), "id");
 }
 
 TEST_F(UnpackCaptureTest, OtherPartsAreNotUnpacked) {
@@ -82,8 +84,13 @@ TEST_F(UnpackCaptureTest, ADirectoryIsUnpackedLikeAnArchive) {
   fs::create_symlink("/etc/passwd", directory_.GetPath() + "/link");
   directory_.Write("sys/bus/x", "1");
   directory_.Write("proc/bus/pci/devices", "2");
+  fs::create_directories(directory_.GetPath() + "/etc");
+  fs::create_symlink("/etc/passwd", directory_.GetPath() + "/etc/passwd");
+  directory_.Write("etc/machine-id", "3");
   directory_.Write("manifest.json", "{}");
   EXPECT_EQ(Unpack(directory_.GetPath()), "{}");
+  EXPECT_EQ(tree_.Read("proc/pciinfo/etc/machine-id"), "3");
+  EXPECT_FALSE(fs::exists(Place("etc")));
   EXPECT_EQ(tree_.Read("sys/bus/x"), "1");
   EXPECT_EQ(tree_.Read("proc/bus/pci/devices"), "2");
 }
