@@ -149,6 +149,13 @@ std::string ConnectorTypeText(unsigned code) { return TextOf(kConnectorTypes, co
 
 std::string SlotWidthText(unsigned code) { return TextOf(kWidths, code); }
 
+std::optional<unsigned> LanesOfWidth(unsigned code) {
+  constexpr unsigned kFirst = 0x08;
+  constexpr unsigned kLanes[] = {1, 2, 4, 8, 12, 16, 32};
+  if (code < kFirst || code - kFirst >= std::size(kLanes)) return std::nullopt;
+  return kLanes[code - kFirst];
+}
+
 std::string SlotUsageText(unsigned code) { return TextOf(kUsages, code); }
 
 std::string SlotLengthText(unsigned code) { return TextOf(kLengths, code); }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace pciinfo {
@@ -10,7 +11,9 @@ namespace pciinfo {
 
 std::string ConnectorTypeText(unsigned code);  ///< slot type, 7.10.1
 std::string SlotWidthText(unsigned code);      ///< slot data bus width, 7.10.2
-std::string SlotUsageText(unsigned code);      ///< current usage, 7.10.3
-std::string SlotLengthText(unsigned code);     ///< slot length, 7.10.4
+/// The number of lanes of a slot data bus width; nothing for other widths.
+std::optional<unsigned> LanesOfWidth(unsigned code);
+std::string SlotUsageText(unsigned code);   ///< current usage, 7.10.3
+std::string SlotLengthText(unsigned code);  ///< slot length, 7.10.4
 
 }  // namespace pciinfo

@@ -9,6 +9,7 @@ inline constexpr const char* kCheckJsonSchema = R"({
     "description": "pciinfo check --format json",
     "type": "object",
     "required": ["findings"],
+    "not": {"required": ["system"]},
     "properties": {
       "findings": {"type": "array", "items": {"$ref": "#/$defs/finding"}}
     }

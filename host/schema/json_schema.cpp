@@ -13,6 +13,7 @@
 #include "host/console/safe_json.h"
 #include "host/schema/check_json_schema.h"
 #include "host/schema/diff_json_schema.h"
+#include "host/schema/lines_json_schema.h"
 #include "host/schema/slots_json_schema.h"
 #include "host/schema/views_json_schema.h"
 
@@ -121,6 +122,7 @@ Json Definitions(const std::vector<vtq::ClassSchema>& classes) {
   definitions.update(Json::parse(kViewsJsonSchema));
   definitions.update(Json::parse(kCheckJsonSchema));
   definitions.update(Json::parse(kDiffJsonSchema));
+  definitions.update(Json::parse(kLinesJsonSchema));
   return definitions;
 }
 
@@ -137,7 +139,8 @@ void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classe
        "in later versions."},
       {"oneOf",
        {RefTo("overview"), RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
-        RefTo("tree"), RefTo("shown"), RefTo("check"), RefTo("diff")}},
+        RefTo("tree"), RefTo("shown"), RefTo("check"), RefTo("diff"), RefTo("machineLine"),
+        RefTo("deviceLine"), RefTo("slotLine")}},
       {"$defs", Definitions(classes)}};
   output.Write(SafeJson(schema.dump(2)) + "\n");
 }

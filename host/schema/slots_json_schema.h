@@ -174,7 +174,31 @@ inline constexpr const char* kSlotsJsonSchema = R"({
       "placeReason": {"type": "string"},
       "slot": {"description": "Name of the slot that holds the function.", "type": "string"},
       "certainty": {"enum": ["certain", "likely"]},
-      "evidence": {"description": "Why it is said to be in the slot.", "type": "string"}
+      "evidence": {"description": "Why it is said to be in the slot.", "type": "string"},
+      "serialNumber": {
+        "description": "Of the device (PCI Express 7.9.3). This and the next only in lines of machines.",
+        "type": "string"
+      },
+      "productName": {"description": "Of the vital product data.", "type": "string"},
+      "partNumber": {"description": "Likewise.", "type": "string"},
+      "productSerialNumber": {"description": "Likewise.", "type": "string"},
+      "systemDevices": {
+        "description": "What the system knows the function as.",
+        "type": "array",
+        "items": {"$ref": "#/$defs/systemDevice"}
+      }
+    }
+  },
+  "systemDevice": {
+    "type": "object",
+    "required": ["kind", "name"],
+    "properties": {
+      "kind": {"enum": ["network", "block", "nvme", "drm", "infiniband", "scsi"]},
+      "name": {"type": "string"},
+      "hardwareAddress": {"description": "Of a network interface.", "type": "string"},
+      "model": {"description": "Of an NVMe controller.", "type": "string"},
+      "serialNumber": {"description": "Of an NVMe controller.", "type": "string"},
+      "firmware": {"description": "Of an NVMe controller or InfiniBand device.", "type": "string"}
     }
   }
 })";

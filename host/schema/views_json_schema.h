@@ -8,6 +8,11 @@ namespace pciinfo {
 inline constexpr const char* kViewsJsonSchema = R"({
   "overview": {
     "description": "pciinfo --format json",
+    "allOf": [{"$ref": "#/$defs/machineDocument"}],
+    "not": {"required": ["version"]}
+  },
+  "machineDocument": {
+    "description": "The overview of a machine.",
     "allOf": [{"$ref": "#/$defs/places"}],
     "required": ["system", "machine", "counts", "notRead"],
     "properties": {

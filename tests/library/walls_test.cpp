@@ -44,6 +44,8 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"schema", {"base", "console", "formats", "model", "schema"}},
     {"check", {"base", "console", "formats", "model", "machine", "check"}},
     {"record", {"base", "console", "formats", "model", "machine", "check", "record"}},
+    {"interchange",
+     {"base", "console", "formats", "model", "machine", "check", "record", "interchange"}},
     {"instance_diff", {"base", "console", "formats", "model", "instance_diff"}},
     {"collect", {"base", "console", "schema", "process", "collect"}},
     {"capture", {"base", "console", "process", "schema", "capture"}},
@@ -59,8 +61,8 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
     {"cli",
      {"base", "console", "formats", "process", "model", "machine", "schema", "check", "record",
-      "instance_diff", "diff", "collect", "capture", "replay", "views", "metrics", "report",
-      "cli"}},
+      "interchange", "instance_diff", "diff", "collect", "capture", "replay", "views", "metrics",
+      "report", "cli"}},
 };
 
 struct Include {

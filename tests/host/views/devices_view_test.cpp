@@ -85,10 +85,14 @@ TEST(DevicesView, WritesALineOfJsonForEachFunction) {
   OutputToText json;
   WriteDevicesJson(json.Get(), MachineOfDevices());
   OutputToText output;
-  WriteDevicesJsonLines(output.Get(), MachineOfDevices(), {"box", {}, ""});
+  WriteDevicesJsonLines(output.Get(), MachineOfDevices(), {"box", {"a UUID", ""}, "a time"});
   const auto lines = LinesOf(output.Text());
   ASSERT_EQ(lines.size(), 12U);
-  EXPECT_EQ(nlohmann::json::parse(lines[5]), nlohmann::json::parse(json.Text())["functions"][5]);
+  auto expected = nlohmann::json::parse(json.Text())["functions"][5];
+  expected.update({{"system", "box"}, {"systemUUID", "a UUID"}, {"collected", "a time"}});
+  EXPECT_EQ(nlohmann::json::parse(lines[5]), expected);
+  EXPECT_THAT(lines[5], testing::StartsWith("{\"system\":\"box\",\"systemUUID\":\"a UUID\","
+                                            "\"collected\":\"a time\",\"address\":"));
 }
 
 TEST(DevicesView, WritesYaml) {
