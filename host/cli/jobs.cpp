@@ -8,6 +8,7 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
 
@@ -16,15 +17,19 @@
 #include "host/check/finding_view.h"
 #include "host/check/machine_checks.h"
 #include "host/collect/query_order.h"
+#include "host/console/safe_json.h"
 #include "host/diff/identity_facts.h"
 #include "host/diff/machine_state.h"
 #include "host/formats/instance_writer.h"
+#include "host/interchange/netbox.h"
+#include "host/interchange/redfish.h"
 #include "host/machine/function_details.h"
 #include "host/machine/machine_filter.h"
 #include "host/machine/machine_model.h"
 #include "host/machine/port_tree.h"
 #include "host/metrics/metrics.h"
 #include "host/model/machine_identity.h"
+#include "host/record/machine_json.h"
 #include "host/record/machine_line.h"
 #include "host/report/dot_writer.h"
 #include "host/report/layout.h"
@@ -75,10 +80,10 @@ MachineStamp StampOf(const Session& session) {
   return {session.GetSystemName(), ReadMachineIds(), session.GetTime()};
 }
 
+using WriteWhole = std::function<void(const CollectedMachine& machine, Output& output)>;
+
 /// Makes the job of a format that tells all of the machine.
-Job WholeMachineJob(
-    const Classes& declared,
-    const std::function<void(const CollectedMachine& machine, Output& output)>& write) {
+Job WholeMachineJob(const Classes& declared, const WriteWhole& write) {
   const auto print = [write](const Session& session, Output& output) {
     CollectedMachine machine = CollectMachine(session.GetRepository());
     machine.stamp = StampOf(session);
@@ -89,12 +94,26 @@ Job WholeMachineJob(
   return MakeView(PlanQuery(declared, RecordedClasses()).collect, print);
 }
 
-Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
-  if (options.format == "jsonl") {
-    return WholeMachineJob(declared, [](const CollectedMachine& machine, Output& output) {
+/// The writer of such a format; empty for other formats.
+WriteWhole WriterOfWhole(const std::string& format) {
+  if (format == "jsonl") {
+    return [](const CollectedMachine& machine, Output& output) {
       output.Write(MachineLine(machine) + "\n");
-    });
+    };
   }
+  if (format == "redfish") {
+    return [](const CollectedMachine& machine, Output& output) {
+      output.Write(SafeJson(RedfishJson(machine).dump(2)) + "\n");
+    };
+  }
+  if (format != "netbox") return nullptr;
+  return [](const CollectedMachine& machine, Output& output) {
+    WriteJsonLines(output, NetBoxJson(machine));
+  };
+}
+
+Job OverviewJob(const Options& options, const Classes& declared, const Terminal& terminal) {
+  if (const auto write = WriterOfWhole(options.format)) return WholeMachineJob(declared, write);
   const bool asJson = options.format == "json";
   const auto print = [asJson, terminal, filter = options.filter](const Session& session,
                                                                  Output& output) {

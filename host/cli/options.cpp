@@ -143,7 +143,7 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
   return sub;
 }
 
-const std::vector<std::string> kOverviewFormats = {"table", "json", "jsonl"};
+const std::vector<std::string> kOverviewFormats = {"table", "json", "jsonl", "redfish", "netbox"};
 
 /// Formats of lists: `devices` and `slots`.
 const std::vector<std::string> kListFormats = {"table", "json", "jsonl", "csv", "yaml"};

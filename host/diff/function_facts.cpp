@@ -9,6 +9,7 @@
 
 #include "host/console/text.h"
 #include "host/diff/property_changes.h"
+#include "host/machine/link_text.h"
 #include "host/machine/names.h"
 
 namespace pciinfo {
@@ -38,12 +39,6 @@ OptionalText ClassText(const MachineFunction& function) {
   return fmt::format("{:02x}{:02x}", *function.baseClass, *function.subclass);
 }
 
-/// A port's link is that of the device below it, which tells its width. Without a device the link
-/// is down, which is no news when the device has gone.
-bool LeadsDown(const MachineFunction& function) {
-  return function.portType == "root port" || function.portType == "switch downstream port";
-}
-
 OptionalText DriverText(const StateFunction& function) {
   const std::string& driver = function.Get().driver;
   if (!driver.empty()) return Printable(driver);
@@ -62,7 +57,9 @@ void AddHeaderFacts(std::vector<Fact>& facts, const StateFunction& at) {
       {"MaxLinkWidth", "maximum link width", WidthFact(function.link.maxWidth), because});
   facts.push_back(
       {"MaxLinkSpeed", "maximum link speed", KnownText(function.link.maxSpeed), because});
-  const OptionalText width = LeadsDown(function) ? std::nullopt : WidthFact(function.link.width);
+  // A port's link is that of the device below it, which tells its width. Without a device the link
+  // is down, which is no news when the device has gone.
+  const OptionalText width = LeadsToLink(function) ? std::nullopt : WidthFact(function.link.width);
   facts.push_back({"LinkWidth", "link width", width, because});
 }
 

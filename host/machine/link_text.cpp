@@ -30,11 +30,11 @@ std::string SpeedText(const Link& link) {
   return now == most || most.empty() ? now + " GT/s" : fmt::format("{} of {} GT/s", now, most);
 }
 
-bool LeadsToLink(const MachineFunction& port) {
-  return port.portType == "root port" || port.portType == "switch downstream port";
-}
-
 }  // namespace
+
+bool LeadsToLink(const MachineFunction& function) {
+  return function.portType == "root port" || function.portType == "switch downstream port";
+}
 
 std::string LinkText(const Link& link) {
   const std::string width = WidthText(link);

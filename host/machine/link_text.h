@@ -14,6 +14,9 @@ std::string LinkText(const Link& link);
 /// Returns what a link can do at most, "x16, 16 GT/s", whatever it does now.
 std::string MostLinkText(const Link& link);
 
+/// Whether a function is a port whose link leads to the devices below it.
+bool LeadsToLink(const MachineFunction& function);
+
 /// Returns the port at the other end of the link above a device; null if it is not known, and for
 /// other functions of a device than the first, which share its link.
 const MachineFunction* PortOfLink(const MachineFunction& function, const MachineModel& machine);

@@ -16,22 +16,13 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Whether nothing but one character of those stands there that devices without a number, and
-/// redacted captures, have.
-bool IsBlank(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" -:");
-  if (first == std::string::npos) return true;
-  return std::string_view("0fFX").find(text[first]) != std::string_view::npos &&
-         text.find_first_not_of(std::string(" -:") + text[first]) == std::string::npos;
-}
-
 void AddFact(Json& object, const char* name, const std::string& text) {
   if (!text.empty()) object[name] = ToUtf8(text);
 }
 
 /// Programs tell devices by such a text.
 void AddIdentifier(Json& object, const char* name, const std::string& text) {
-  if (!IsBlank(text)) AddFact(object, name, text);
+  if (!IsBlankIdentifier(text)) AddFact(object, name, text);
 }
 
 Json SystemDeviceJson(const SystemDevice& device) {
@@ -70,6 +61,13 @@ Json TextsJson(const std::vector<std::string>& texts) {
 }
 
 }  // namespace
+
+bool IsBlankIdentifier(const std::string& text) {
+  const std::size_t first = text.find_first_not_of(" -:");
+  if (first == std::string::npos) return true;
+  return std::string_view("0fFX").find(text[first]) != std::string_view::npos &&
+         text.find_first_not_of(std::string(" -:") + text[first]) == std::string::npos;
+}
 
 std::vector<std::string> RecordedClasses() {
   std::vector<std::string> classes = MachineClasses();

@@ -30,6 +30,10 @@ std::vector<std::string> RecordedClasses();
 /// Name, time and what could not be read are left to the caller.
 CollectedMachine CollectMachine(const vtq::Namespace& repository);
 
+/// Whether a serial number or hardware address tells nothing: it consists of the one character that
+/// devices without such a number, or redacted captures, have.
+bool IsBlankIdentifier(const std::string& text);
+
 /// Returns the machine line: one line of JSON, without its end; docs/formats.md describes it.
 std::string MachineLine(const CollectedMachine& machine);
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <array>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -8,6 +7,7 @@
 #include "host/base/errors.h"
 #include "host/base/utc_time.h"
 #include "host/model/machine_ids.h"
+#include "host/model/smbios_names.h"
 #include "host/record/checked_json.h"
 #include "host/record/machine_record.h"
 
@@ -36,15 +36,6 @@ std::optional<unsigned> ClassCodeIn(const CheckedObject& code) {
 /// The text of an SMBIOS code.
 std::string CodeText(const CheckedObject& slot, const char* name) {
   return slot.Object(name).Text("text");
-}
-
-/// DSP0134 7.10.2; other widths are no numbers of lanes.
-std::optional<unsigned> LanesIn(const CheckedObject& width) {
-  constexpr unsigned kFirst = 8;
-  constexpr std::array kLanes = {1U, 2U, 4U, 8U, 12U, 16U, 32U};
-  const unsigned code = width.Number("code", kWord).value_or(0);
-  if (code < kFirst || code >= kFirst + kLanes.size()) return std::nullopt;
-  return kLanes[code - kFirst];
 }
 
 SystemDevice ReadSystemDevice(const CheckedObject& object) {
@@ -113,7 +104,7 @@ void ReadFirmwareRecord(const CheckedObject& object, RecordedSlot& slot) {
   slot.width = CodeText(object, "width");
   slot.length = CodeText(object, "length");
   slot.usage = CodeText(object, "usage");
-  slot.lanes = LanesIn(object.Object("width"));
+  slot.lanes = LanesOfWidth(object.Object("width").Number("code", kWord).value_or(0));
   slot.id = object.Number("id", kWord);
   slot.firmwareAddress = object.Address("firmwareAddress");
 }

@@ -53,6 +53,7 @@ inline constexpr const char* kViewsJsonSchema = R"({
     "description": "pciinfo devices --format json",
     "type": "object",
     "required": ["functions"],
+    "not": {"required": ["system"]},
     "properties": {
       "functions": {
         "description": "Sorted by address.",

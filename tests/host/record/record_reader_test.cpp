@@ -2,16 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "host/base/errors.h"
-#include "host/check/machine_checks.h"
-#include "host/machine/machine_model.h"
-#include "host/record/machine_line.h"
 #include "host/record/machine_record.h"
 #include "host/record/overview_json.h"
-#include "tests/host/fixed_repository.h"
-#include "tests/host/machine_facts_maker.h"
+#include "tests/host/collected_machine.h"
 
 namespace pciinfo {
 namespace {
@@ -28,11 +26,7 @@ constexpr const char* kMachineId = "0123456789abcdef0123456789abcdef";
 constexpr const char* kTime = "2024-05-06T07:08:09Z";
 
 CollectedMachine MadeMachine() {
-  CollectedMachine machine;
-  machine.stamp = {"box", {kUuid, kMachineId}, kTime};
-  machine.identity.maker = "Dell Inc.";
-  machine.facts.machine = ReadMachine(*MakeTopologyRepository());
-  machine.facts.functions.resize(machine.facts.machine.functions.size());
+  CollectedMachine machine = MakeCollectedMachine();
   FunctionFacts& facts = machine.facts.functions.back();
   facts.serialNumber = "00-1b-21-ff-ff-a0-b1-c2";
   facts.partNumber = "P-1";

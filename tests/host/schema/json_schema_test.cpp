@@ -20,6 +20,7 @@
 #include "host/views/tree_view.h"
 #include "tests/fakes/pci_schema.h"
 #include "tests/host/class_facts_maker.h"
+#include "tests/host/collected_machine.h"
 #include "tests/host/fixed_repository.h"
 #include "tests/host/run_program.h"
 #include "tests/host/written.h"
@@ -108,6 +109,18 @@ std::vector<std::string> CheckTexts() {
   return texts;
 }
 
+/// All lines of a machine: itself, its functions and its slots.
+std::string Lines() {
+  CollectedMachine machine = MakeCollectedMachine();
+  machine.facts.functions[0].systemDevices = {{"network", "eth0", "52:54:00:12:34:56", "", "", ""}};
+  machine.findings = FindWith(MachineChecks(), machine.facts);
+  OutputToText output;
+  output.Get().Write(MachineLine(machine) + "\n");
+  WriteDevicesJsonLines(output.Get(), machine.facts.machine, machine.stamp);
+  WriteSlotsJsonLines(output.Get(), machine.facts.machine, machine.stamp);
+  return output.Text();
+}
+
 /// Prints for each document of the list whether it is valid.
 constexpr const char* kValidate = R"(
 import json, sys, jsonschema
@@ -171,6 +184,7 @@ TEST_F(JsonSchema, AcceptsTheProgramsOutput) {
   for (const std::string& line : LinesOf(Written("jsonl", *repository))) {
     documents.push_back(json::parse(line));
   }
+  for (const std::string& line : LinesOf(Lines())) documents.push_back(json::parse(line));
   EXPECT_EQ(Verdicts(documents), std::vector<std::string>(documents.size(), "valid"));
 }
 
