@@ -19,6 +19,9 @@ namespace pciinfo {
 namespace {
 
 constexpr const char* kFooter =
+    "Formats without a command: table (for people), json, jsonl (everything in one line, for\n"
+    "databases), redfish (resources of DSP0268), netbox (rows for its bulk import).\n"
+    "\n"
     "Severities: 0 error, 1 warning, 2 status, 3 debug, 4 verbose; records go to standard error.\n"
     "\n"
     "Exit status:\n"
