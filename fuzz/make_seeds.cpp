@@ -143,6 +143,7 @@ class MachineSeeds final {
             {"sys/firmware/dmi/tables/smbios_entry_point",
              Content("sys/firmware/dmi/tables/smbios_entry_point")},
             {"commands/lspci", "00:00.0 Host bridge: Device\n"},
+            {"etc/machine-id", "0123456789abcdef0123456789abcdef\n"},
             {"manifest.json", R"({"formatVersion": 1, "systemName": ")" + name_ + "\"}"}};
   }
 
@@ -214,6 +215,16 @@ void WriteOwnSeeds(const fs::path& output) {
             R"({"formatVersion": 1, "systemName": "box.example.org", "kernelRelease": "6.1.0",
 "capturedAt": "2026-01-31T23:59:59Z", "tools": {"lspci": "lspci version 3.9.0"},
 "redacted": true, "unread": [{"path": "proc/bus/pci/00/00.0", "reason": "\u00e4"}]})");
+  WriteFile(output / "machine_record/line",
+            R"({"system":"box","systemUUID":"4c4c4544-0035-4d10-8052-b3c04f4c3132",
+"machineID":"0123456789abcdef0123456789abcdef","collected":"2026-01-31T23:59:59Z","version":"1.0.0",
+"machine":{"maker":"A","biosVersion":"1"},"slots":[{"name":"S1","state":"occupied","width":{"code":13,
+"text":"x16"},"id":1,"ports":["0000:00:01.0"],"link":{"maxWidth":16},"functions":[{"address":
+"0000:01:00.0","kind":"device","place":"slot","slot":"S1","certainty":"likely","vendorID":32902,
+"class":{"base":2,"subclass":0,"text":"N"},"numaNode":-1,"systemDevices":[{"kind":"network",
+"name":"eth0"}]}]}],"shared":[{"port":"0000:00:02.0","slots":["S1","S2"],"functions":[]}],
+"onBoard":[],"unnamed":[],"unknown":[],"findings":[{"code":"a-b","severity":"note","what":"W",
+"objects":[{"object":"S1"}]}],"troubles":["t"]})");
   WriteFile(output / "slot_location/text", std::string("\x02\x05\x01\x0B\x05\0\0\x01", 8) +
                                                "$T9 SID:0x0102 SegGrp:0x0000 B:0x3a D:0x00 F:0x00" +
                                                std::string(2, '\0'));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <set>
+#include <iterator>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -181,30 +182,35 @@ class RecordReader final {
   }
 
   void ReadSlots() {
-    std::set<std::string> names;
     for (const char* list : {"slots", "unnamed"}) {
       for (const CheckedObject& object : machine_.Objects(list)) {
         record_.slots.push_back(ReadSlot(object));
-        const bool isNew = names.insert(record_.slots.back().name).second;
+        const std::size_t place = record_.slots.size() - 1;
+        const bool isNew = slotByName_.emplace(record_.slots.back().name, place).second;
         if (!isNew) object.Refuse("name", "unique");
         ReadFunctions(object, "functions");
       }
     }
   }
 
+  /// Each slot gets all other names, so a few kilobytes could make many gigabytes.
   void ReadShared() {
+    constexpr std::size_t kMostSlots = 64;
     for (const CheckedObject& object : machine_.Objects("shared")) {
       ReadFunctions(object, "functions");
       const std::vector<std::string> names = object.Texts("slots");
-      for (RecordedSlot& slot : record_.slots) Share(slot, names);
+      if (names.size() > kMostSlots) object.Refuse("slots", "an array of at most 64 names");
+      for (const std::string& name : names) {
+        const auto slot = slotByName_.find(name);
+        if (slot != slotByName_.end()) Share(record_.slots[slot->second], names);
+      }
     }
   }
 
   static void Share(RecordedSlot& slot, const std::vector<std::string>& names) {
-    if (std::find(names.begin(), names.end(), slot.name) == names.end()) return;
-    for (const std::string& name : names) {
-      if (name != slot.name) slot.sharedWith.push_back(name);
-    }
+    if (!slot.sharedWith.empty()) return;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(slot.sharedWith),
+                 [&slot](const std::string& name) { return name != slot.name; });
   }
 
   void ReadFunctions(const CheckedObject& owner, const char* name) {
@@ -242,6 +248,7 @@ class RecordReader final {
 
   const CheckedObject& machine_;
   MachineRecord record_;
+  std::map<std::string, std::size_t> slotByName_;
 };
 
 }  // namespace

@@ -240,6 +240,13 @@ TEST(RecordReader, RefusesAMachineWithoutAnyIdentity) {
   EXPECT_EQ(Refusal([](json& document) { document["system"] = ""; }), "not refused");
 }
 
+TEST(RecordReader, RefusesAPortThatTooManySlotsShare) {
+  EXPECT_THAT(Refusal([](json& document) {
+                document["shared"][0]["slots"] = std::vector<std::string>(65, "PCIEX4_1");
+              }),
+              HasSubstr("shared[0].slots is not an array of at most 64 names"));
+}
+
 TEST(RecordReader, MakesTextsPrintable) {
   json document = MadeDocument();
   document["troubles"] = {"a\nb", std::string("c\0d", 3)};
