@@ -25,7 +25,13 @@ constexpr std::size_t kLongestPosition = 30;
 constexpr std::size_t kLongestDescription = 200;
 
 std::string Name(const std::string& text) { return Cut(NameIn(text), kLongestName); }
+/// The name by which all that is in the slot refers to it, also where it is no good name.
+std::string SlotName(const MachineSlot& slot) { return Cut(Printable(slot.name), kLongestName); }
+
 std::string Model(const std::string& text) { return Cut(NameIn(text), kLongestModel); }
+
+/// NetBox tells bays by their names.
+bool HasBay(const MachineSlot& slot) { return slot.IsNamed() && !slot.name.empty(); }
 
 /// A number that is cut is another number.
 std::string Number(const std::string& text) { return text.size() > kLongestNumber ? "" : text; }
@@ -85,7 +91,7 @@ class NetBoxMaker final {
   /// The card in a slot, if it is known; the cards in slots on a card are modules of their own
   /// bays.
   std::optional<Module> ModuleIn(const MachineSlot& slot) const {
-    if (!slot.IsNamed() || !slot.innerSlots.empty()) return std::nullopt;
+    if (!HasBay(slot) || !slot.innerSlots.empty()) return std::nullopt;
     for (const PciDevice& device : devices_) {
       const std::size_t first = device.functions.front();
       const bool isInside =
@@ -143,8 +149,8 @@ class NetBoxMaker final {
   Json ModuleBays() const {
     Json rows = Json::array();
     for (const MachineSlot& slot : model_.slots) {
-      if (name_.empty() || !slot.IsNamed()) continue;
-      Json row = {{"device", name_}, {"name", Name(slot.name)}};
+      if (name_.empty() || !HasBay(slot)) continue;
+      Json row = {{"device", name_}, {"name", SlotName(slot)}};
       const auto position = slot.id ? slot.id : slot.physicalNumber;
       if (position) row["position"] = Cut(std::to_string(*position), kLongestPosition);
       rows.push_back(std::move(row));
@@ -173,7 +179,7 @@ class NetBoxMaker final {
     for (const Module& module : modules_) {
       if (name_.empty() || ManufacturerOf(module).empty()) continue;
       Json row = {{"device", name_},
-                  {"module_bay", Name(module.slot->name)},
+                  {"module_bay", SlotName(*module.slot)},
                   {"module_type", ModelOf(module)},
                   {"status", "active"}};
       AddKnownText(row, "serial", Number(module.product.serialNumber));

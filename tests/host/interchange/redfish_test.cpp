@@ -162,7 +162,7 @@ TEST(Redfish, TellsTheHealthThatCheckFinds) {
   EXPECT_EQ(statusAt()["Health"], "OK");
   machine.findings = {{"a-note", Severity::kNote, "", "", {{"", "", "", "", "0000:01:00.0"}}},
                       {"bad", Severity::kError, "", "", {{"", "", "", "", "0000:01:00.0"}}},
-                      {"a-warning", Severity::kWarning, "", "", {{"PCIEX16_1", ""}}}};
+                      {"a-warning", Severity::kWarning, "", "", {{"PCIEX16_1", "", ""}}}};
   EXPECT_EQ(statusAt()["Health"], "Critical");
   EXPECT_EQ(Document(machine)["PCIeSlots"]["Slots"][0]["Status"]["Health"], "Warning");
   EXPECT_EQ(Document(machine)["Status"]["HealthRollup"], "Critical");

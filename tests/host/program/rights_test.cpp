@@ -112,7 +112,7 @@ TEST_F(Rights, NothingOfThisMachineIsSeenInACapture) {
         LinesOf(Run("echo /dev/* | tr ' ' '\\n' | grep -E 'mem|port|vd|sd|shm|kvm'", options)),
         Each(Not(HasSubstr("/dev/"))));
     EXPECT_THAT(
-        Run("ls -A /etc | grep -vE '^(ld.so.cache|alternatives|hosts|udev)$' | sed s/^/live:/; "
+        Run("ls -A /etc | grep -vE '^(ld.so.cache|alternatives|hosts|machine-id|udev)$' | sed s/^/live:/; "
             "find /run /boot /lib/modules -mindepth 1 | sed s/^/live:/; "
             "for f in /proc/[a-z]*; do echo $f; done | grep -vE "
             "'^/proc/(bus|pciinfo|self|thread-self)$' | sed s/^/live:/",

@@ -172,7 +172,7 @@ TEST(RecordReader, RefusesWhatIsNotAMachine) {
   EXPECT_THAT(RefusalOf(""), HasSubstr("this is not the JSON of a machine: "));
   EXPECT_THAT(RefusalOf("[]"), HasSubstr("it is not an object"));
   EXPECT_THAT(RefusalOf("{}"), HasSubstr("system is missing"));
-  EXPECT_THAT(RefusalOf("{\"system\":\"\xff\"}"), HasSubstr("invalid UTF-8"));
+  EXPECT_THAT(RefusalOf("{\"system\":\"\xff\"}"), HasSubstr("ill-formed UTF-8"));
   EXPECT_THAT(RefusalOf("{\"system\":NaN}"), HasSubstr("this is not the JSON"));
   EXPECT_THAT(RefusalOf("{\"system\":1e999}"), HasSubstr("this is not the JSON"));
   EXPECT_THAT(RefusalOf(MachineLine(MadeMachine()) + "{}"), HasSubstr("this is not the JSON"));

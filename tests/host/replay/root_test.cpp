@@ -92,6 +92,24 @@ TEST_F(Root, ShowsItsNameAndReplaysItsCommands) {
   EXPECT_THAT(result.out, HasSubstr("\"RawResult\":[\"recorded verbose\"]"));
 }
 
+TEST_F(Root, TellsInLinesWhichMachineWasCapturedAndWhen) {
+  std::vector<MadeEntry> machine = SmallMachine();
+  machine.back().content = R"({"formatVersion": 1, "systemName": "box",
+                               "capturedAt": "2024-05-06T07:08:09Z"})";
+  machine.push_back({"etc/machine-id", "0123456789abcdef0123456789abcdef\n"});
+  const RunResult result = RunPciinfo({"--root", Archive(machine), "slots", "--format", "jsonl"});
+  EXPECT_THAT(result.out, testing::StartsWith("{\"system\":\"box\","
+                                              "\"machineID\":\"0123456789abcdef0123456789abcdef\","
+                                              "\"collected\":\"2024-05-06T07:08:09Z\",\"name\":"));
+}
+
+TEST_F(Root, TellsNothingOfThisMachineInLinesOfACapture) {
+  const json line =
+      json::parse(RunPciinfo({"--root", Archive(SmallMachine()), "--format", "jsonl"}).out);
+  EXPECT_EQ(line["system"], "box.example.org");
+  for (const char* key : {"machineID", "systemUUID", "collected"}) EXPECT_FALSE(line.contains(key));
+}
+
 TEST_F(Root, ANameMayBeLongerThanThoseOfTheKernel) {
   const std::string name = std::string(60, 'a') + "." + std::string(60, 'b');
   std::vector<MadeEntry> machine = SmallMachine();
