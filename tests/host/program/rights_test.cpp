@@ -111,13 +111,13 @@ TEST_F(Rights, NothingOfThisMachineIsSeenInACapture) {
     EXPECT_THAT(
         LinesOf(Run("echo /dev/* | tr ' ' '\\n' | grep -E 'mem|port|vd|sd|shm|kvm'", options)),
         Each(Not(HasSubstr("/dev/"))));
-    EXPECT_THAT(
-        Run("ls -A /etc | grep -vE '^(ld.so.cache|alternatives|hosts|machine-id|udev)$' | sed s/^/live:/; "
-            "find /run /boot /lib/modules -mindepth 1 | sed s/^/live:/; "
-            "for f in /proc/[a-z]*; do echo $f; done | grep -vE "
-            "'^/proc/(bus|pciinfo|self|thread-self)$' | sed s/^/live:/",
-            options),
-        Not(HasSubstr("live:")));
+    EXPECT_THAT(Run("ls -A /etc | grep -vE '^(ld.so.cache|alternatives|hosts|machine-id|udev)$' | "
+                    "sed s/^/live:/; "
+                    "find /run /boot /lib/modules -mindepth 1 | sed s/^/live:/; "
+                    "for f in /proc/[a-z]*; do echo $f; done | grep -vE "
+                    "'^/proc/(bus|pciinfo|self|thread-self)$' | sed s/^/live:/",
+                    options),
+                Not(HasSubstr("live:")));
     EXPECT_THAT(Run("uname -n | sed s/^/name:/", options), HasSubstr("name:\n"));
   }
 }
