@@ -25,8 +25,8 @@ function(pciinfo_find_libraries target)
 endfunction()
 
 # The installed pages link to installed pages only; the test "links.installed" checks it.
-set(user_pages captures.md class-files.md diff.md findings.md formats.md metrics.md
-  pciinfo.schema.json report.md)
+set(user_pages captures.md class-files.md diff.md findings.md fleet-database.md fleet-database.svg
+  fleet.md formats.md metrics.md pciinfo.schema.json report.md)
 list(TRANSFORM user_pages PREPEND docs/)
 install(FILES ${user_pages} CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
 

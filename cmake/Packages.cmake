@@ -6,12 +6,15 @@ set(CPACK_PACKAGE_CONTACT "The pciinfo authors <pciinfo@example.org>")
 set(CPACK_PACKAGE_VENDOR "The pciinfo authors")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # Debug information goes to packages of its own (PACKAGE-dbgsym); what remains is stripped.
-foreach(component LIBRARY PLUGIN TOOL)
+foreach(component LIBRARY PLUGIN TOOL FLEET)
   set(CPACK_DEBIAN_${component}_DEBUGINFO_PACKAGE ON)
 endforeach()
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_COMPONENTS_ALL library plugin tool development)
+if(TARGET pciinfo-fleet)
+  list(APPEND CPACK_COMPONENTS_ALL fleet)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -59,6 +62,17 @@ set(CPACK_COMPONENT_TOOL_DESCRIPTION "which PCI cards are in this server, and in
  Shows PCI functions, system slots with the cards in them, and what is on the
  board, as tables and in formats for other programs. Saves captures of
  machines and shows them elsewhere.")
+
+set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS pciinfo-fleet)
+
+set(CPACK_DEBIAN_FLEET_PACKAGE_NAME pciinfo-fleet)
+set(CPACK_DEBIAN_FLEET_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_FLEET_PACKAGE_DEPENDS
+  "pciinfo ${same}, ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} ${same}")
+set(CPACK_COMPONENT_FLEET_DESCRIPTION "PCI cards and slots of many servers in one database
+ Adds to pciinfo what stores machines in an SQLite or PostgreSQL database, with
+ the history of their cards, slots and firmware, and what answers questions
+ about all of them.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvtq-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

@@ -4,11 +4,14 @@
 # to each.
 cmake_minimum_required(VERSION 3.25)
 set(packages library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} plugin pciinfo-plugin tool pciinfo
-  development libvtq-dev)
+  fleet pciinfo-fleet development libvtq-dev)
 
 while(packages)
   list(POP_FRONT packages component package)
   set(root ${CPACK_TEMPORARY_DIRECTORY}/${component})
+  if(NOT EXISTS ${root})
+    continue()
+  endif()
   set(documents ${root}/usr/share/doc/${package})
   file(MAKE_DIRECTORY ${documents})
   file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/copyright ${documents}/copyright)

@@ -10,13 +10,15 @@ fail() {
 # Packages that the program needs to be built and to run.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
   libxml2-dev libyaml-cpp-dev pciutils)
+# What `pciinfo store` needs to be built, beside these; without them it is left out.
+fleet_packages=(libsoci-dev libsqlite3-dev libpq-dev libssl-dev)
 # What the tests need beside these.
 test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less python3-jsonschema
-  man-db groff mandoc)
+  man-db groff mandoc "${fleet_packages[@]}" sqlite3)
 # What the slow tests need beside these: valgrind, emulated machines, other shells, what checks units,
-# a browser, and what draws graphs.
+# a browser, what draws graphs, a database server, and what injects signals.
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish systemd chromium
-  chromium-driver graphviz)
+  chromium-driver graphviz postgresql-15 strace)
 # What packing, and checking the packages, needs beside these.
 package_packages=(binutils dpkg-dev file lintian mmdebstrap)
 # Packages that the fuzzers need besides the first list.

@@ -47,7 +47,7 @@ _{0}_things() {{
 }}
 
 _{0}() {{
-  local cur=${{COMP_WORDS[COMP_CWORD]}} prev=${{COMP_WORDS[COMP_CWORD - 1]}} command= i
+  local cur=${{COMP_WORDS[COMP_CWORD]}} prev=${{COMP_WORDS[COMP_CWORD - 1]}} command= place=0 i
   COMPREPLY=()
   if [[ $cur == = ]]; then
     cur=
@@ -67,8 +67,11 @@ _{0}() {{
         ;;
       -*) ;;
       *)
-        command=${{COMP_WORDS[i]}}
-        break
+        if [[ -z $command ]]; then
+          command=${{COMP_WORDS[i]}}
+        elif [[ ${{COMP_WORDS[i]}} != : && ${{COMP_WORDS[i - 1]}} != : ]]; then
+          ((place++))
+        fi
         ;;
     esac
   done
@@ -114,6 +117,17 @@ std::string OptionCase(const Usage& usage, const UsageCommand& command, const st
                      Words(names));
 }
 
+/// What completes the arguments of a command; the last one is repeated.
+std::string ArgumentCases(const Usage& usage, const UsageCommand& command) {
+  std::string cases;
+  for (std::size_t i = 0; i < command.arguments.size(); ++i) {
+    const bool isLast = i + 1 == command.arguments.size();
+    cases += fmt::format("    {}:{}) {} ;;\n", command.name, isLast ? "*" : std::to_string(i),
+                         Completing(usage, command.arguments[i]));
+  }
+  return cases;
+}
+
 std::vector<std::string> CommandNames(const Usage& usage) {
   std::vector<std::string> names;
   for (const UsageCommand& command : usage.commands) names.push_back(command.name);
@@ -128,20 +142,18 @@ std::string BashCompletion(const Usage& usage) {
   std::string values;
   std::string options = OptionCase(usage, usage.program, "''");
   std::string arguments =
-      fmt::format("    '') _{}_words \"{}\" \"$cur\" ;;\n", program, Words(CommandNames(usage)));
+      fmt::format("    :*) _{}_words \"{}\" \"$cur\" ;;\n", program, Words(CommandNames(usage)));
   for (const UsageCommand& command : usage.commands) {
     for (const std::string& name : OptionNames(command, true)) valued.push_back(name);
     values += ValueCases(usage, command, command.name);
     options += OptionCase(usage, command, command.name);
-    if (command.arguments.empty()) continue;
-    arguments +=
-        fmt::format("    {}) {} ;;\n", command.name, Completing(usage, command.arguments.front()));
+    arguments += ArgumentCases(usage, command);
   }
   values += ValueCases(usage, usage.program, "*");  // a command's own choices go first
   return fmt::format(kBegin, program, ListingText(usage), fmt::join(valued, " | ")) +
          "  case $command:$prev in\n" + values + "  esac\n" +
          "  if [[ $cur == -* ]]; then\n    case $command in\n" + options +
-         "    esac\n    return\n  fi\n" + "  case $command in\n" + arguments + "  esac\n" +
+         "    esac\n    return\n  fi\n" + "  case $command:$place in\n" + arguments + "  esac\n" +
          fmt::format(kEnd, program);
 }
 

@@ -76,8 +76,10 @@ class Writer {
   void WriteCommand(const UsageCommand& command) {
     const std::string condition = fmt::format(" -n '__fish_seen_subcommand_from {}'", command.name);
     for (const UsageOption& option : command.options) WriteOption(condition, option);
-    if (command.arguments.empty()) return;
-    const UsageOption& argument = command.arguments.front();
+    for (const UsageOption& argument : command.arguments) WriteArgument(condition, argument);
+  }
+
+  void WriteArgument(const std::string& condition, const UsageOption& argument) {
     const std::vector<std::string>& values = ValuesOf(usage_, argument);
     if (argument.kind == ValueKind::kThing) {
       text_ += fmt::format("{}{} -a {}\n", start_, condition,

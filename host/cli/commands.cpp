@@ -14,9 +14,11 @@
 #include "host/base/utc_time.h"
 #include "host/capture/capture.h"
 #include "host/cli/diff_command.h"
+#include "host/cli/fleet_command.h"
 #include "host/cli/jobs.h"
 #include "host/cli/limits.h"
 #include "host/cli/report_command.h"
+#include "host/cli/store_command.h"
 #include "host/collect/foreign_domains.h"
 #include "host/collect/session.h"
 #include "host/console/output.h"
@@ -290,6 +292,18 @@ ExitStatus RunReportInWorkers(const Options& options) {
       options, {view, [](const Options& sides) { return RunDiffInWorkers(sides, Terminal()); }});
 }
 
+ExitStatus RunFleetInWorker(const Options& options, const Terminal& terminal) {
+  return RunFleet(options, terminal,
+                  [&](const Work& work) { return Runner(options).Run(work, terminal.pager); });
+}
+
+ExitStatus RunStoreOfWorkers(const Options& options) {
+  return RunStore(options, [](const Options& machine, int descriptor) {
+    Runner runner(machine);
+    return RunViewTo(descriptor, machine, Terminal(), runner);
+  });
+}
+
 }  // namespace
 
 ExitStatus RunCommand(const Options& options) {
@@ -303,6 +317,10 @@ ExitStatus RunCommand(const Options& options) {
       return RunCapture(options);
     case Command::kReport:
       return RunReportInWorkers(options);
+    case Command::kFleet:
+      return RunFleetInWorker(options, terminal);
+    case Command::kStore:
+      return RunStoreOfWorkers(options);
     default:
       return RunView(options, terminal);
   }

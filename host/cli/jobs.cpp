@@ -374,7 +374,9 @@ Job MakeJob(const Options& options, const PluginSet& plugins, const Terminal& te
     case Command::kDiff:
       return SideJob(declared);
     case Command::kCapture:  // not run as jobs
+    case Command::kStore:
     case Command::kSchema:
+    case Command::kFleet:
     case Command::kOverview:
       break;
   }

@@ -8,7 +8,9 @@
 #include <algorithm>
 
 #include "host/base/errors.h"
+#include "host/cli/fleet_options.h"
 #include "host/cli/option_values.h"
+#include "host/cli/store_options.h"
 #include "host/cli/suggestion.h"
 #include "host/formats/instance_writer.h"
 #include "host/replay/protection.h"
@@ -235,6 +237,12 @@ void AddDiff(CLI::App& app, Options& options) {
   diff->footer(kDiffFooter);
 }
 
+void AddStore(CLI::App& app, Options& options) {
+  CLI::App* store = AddCommand(app, "store", "Write machines into a database, with their history",
+                               options, Command::kStore);
+  AddStoreOptions(*store, options);
+}
+
 void AddSlots(CLI::App& app, Options& options) {
   CLI::App* slots = AddCommand(app, "slots", "Print the slots, and which card sits in which",
                                options, Command::kSlots);
@@ -282,6 +290,13 @@ void AddReport(CLI::App& app, Options& options) {
   report->footer(kReportFooter);
 }
 
+void AddFleet(CLI::App& app, Options& options) {
+  CLI::App* fleet =
+      AddCommand(app, "fleet", "Ask a database of many machines", options, Command::kFleet);
+  AddFleetOptions(*fleet, options.database, options.fleet);
+  AddFormat(*fleet, options.format, kListFormats);
+}
+
 void AddCommands(CLI::App& app, Options& options) {
   CLI::App* instances = AddCommand(app, "instances", "Print the instances of CIM classes", options,
                                    Command::kInstances);
@@ -299,6 +314,8 @@ void AddCommands(CLI::App& app, Options& options) {
              Command::kMetrics);
   AddDiff(app, options);
   AddReport(app, options);
+  AddStore(app, options);
+  AddFleet(app, options);
   CLI::App* schema =
       AddCommand(app, "schema", "Print the declarations of the classes", options, Command::kSchema);
   AddFormat(*schema, options.schemaFormat, SchemaFormats());
@@ -329,7 +346,8 @@ bool CanFilter(Command command) {
   return command != Command::kShow && command != Command::kClasses &&
          command != Command::kCapture && command != Command::kSchema &&
          command != Command::kCheck && command != Command::kMetrics && command != Command::kDiff &&
-         command != Command::kReport;
+         command != Command::kReport && command != Command::kStore &&
+         command != Command::kFleet;
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "host/check/finding.h"
 #include "host/collect/plugin_files.h"
 #include "host/console/terminal.h"
+#include "host/fleet/questions.h"
 #include "host/model/filter.h"
 #include "host/views/slots_view.h"
 
@@ -33,7 +34,9 @@ enum class Command {
   kCheck,
   kMetrics,
   kDiff,
-  kReport
+  kReport,
+  kStore,
+  kFleet
 };
 
 #ifdef PCIINFO_SANITIZED
@@ -65,14 +68,18 @@ struct Options {
   std::string root;                         ///< a capture to show in the place of this machine
   bool liveCommands = false;                ///< with `root`: run commands instead of replaying them
   std::string captureFile;                  ///< of `capture`
-  bool redact = false;                      ///< of `capture`
+  bool redact = false;                      ///< of `capture` and `store`
   std::string reportFile;                   ///< of `report`
   std::vector<std::string> reportCaptures;  ///< of `report`; empty: this machine
   std::optional<std::size_t> reportPart;    ///< of `report`: write the part of this machine only
+  std::string storeTarget;                  ///< of `store`: the database
+  std::vector<std::string> storeSources;    ///< of `store`; empty: this machine
   // Of `diff`: the two sides, and the properties that are not compared.
   std::string diffBefore;
   std::string diffAfter;
   std::vector<std::string> ignored;
+  std::string database;  ///< of `fleet`
+  FleetRequest fleet;
   // Of `check`: whether it checks the seven classes, what it shows, and what makes it fail.
   bool checksClasses = false;
   FindingChoice findingChoice;

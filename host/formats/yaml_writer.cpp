@@ -74,6 +74,10 @@ void EmitJson(YAML::Emitter& emitter, const nlohmann::ordered_json& value) {
   if (value.is_object()) return EmitMembers(emitter, value);
   if (value.is_array()) return EmitElements(emitter, value);
   if (value.is_string()) return EmitText(emitter, value.get<std::string>());
+  if (value.is_null()) {
+    emitter << YAML::LowerNull << YAML::Null;
+    return;
+  }
   emitter << value.dump();  // YAML has the same numbers and words
 }
 

@@ -58,11 +58,12 @@ const std::map<std::string, std::vector<std::string>> kRoomMayInclude{
       "diff"}},
     {"metrics", {"base", "console", "model", "machine", "check", "metrics"}},
     {"report", {"base", "console", "model", "machine", "check", "record", "views", "report"}},
+    {"fleet", {"base", "console", "formats", "model", "store", "fleet"}},
+    {"store", {"base", "process", "model", "machine", "record", "store"}},
     {"extras", {"base", "process", "formats", "capture", "replay", "extras"}},
-    {"cli",
-     {"base", "console", "formats", "process", "model", "machine", "schema", "check", "record",
-      "interchange", "instance_diff", "diff", "collect", "capture", "replay", "views", "metrics",
-      "report", "cli"}},
+    {"cli", {"base",   "console", "formats",     "process",       "model", "machine", "schema",
+             "check",  "record",  "interchange", "instance_diff", "diff",  "collect", "capture",
+             "replay", "views",   "metrics",     "report",        "store", "fleet",   "cli"}},
 };
 
 struct Include {

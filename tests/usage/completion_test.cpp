@@ -87,6 +87,13 @@ TEST_F(Completion, BashTakesNoValueForTheCommand) {
   EXPECT_EQ(Bash("water --can = log plants F"), "Fern|");
 }
 
+TEST_F(Completion, BashProposesEachArgumentInItsPlace) {
+  EXPECT_EQ(Bash("water log t"), "tap|");
+  EXPECT_EQ(Bash("water log tap \"\""), "long|short|");
+  EXPECT_EQ(Bash("water --can x log --tone high tap s"), "short|");
+  EXPECT_EQ(Bash("water log tub : //a s"), "short|");
+}
+
 TEST_F(Completion, BashProposesChoicesThatTheHelpSeparates) {
   EXPECT_EQ(Bash("water pot --sort \"\""), "up|down|");
 }

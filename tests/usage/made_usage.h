@@ -32,6 +32,8 @@ inline Usage MadeUsage() {
   plants->footer("All cans serve.\n\nOwn words.\n");
   CLI::App* log = app.add_subcommand("log", "Write down");
   log->add_option("FILE", text, "Where to")->required();
+  log->add_option("HOW", text, "In which form")
+      ->check(CLI::IsMember(std::vector<std::string>{"long", "short"}));
   log->footer("All cans serve.\n");
   CLI::App* pot = app.add_subcommand("pot", "Look at one");
   pot->add_option("NAME", text, "Which")->required();

@@ -25,7 +25,7 @@ TEST(ManualPage, SaysWhatTheDefinitionsSay) {
   const std::string page = MadePage();
   EXPECT_THAT(page, HasSubstr(".TH WATER 1 2026-01-31 \"water 2.0\""));
   EXPECT_THAT(page, HasSubstr("water \\- waters plants\n"));
-  EXPECT_THAT(page, HasSubstr("\\fBlog\\fR \\fIFILE\\fR\n"));
+  EXPECT_THAT(page, HasSubstr("\\fBlog\\fR \\fIFILE\\fR [\\fIHOW\\fR]\n"));
   EXPECT_THAT(page, HasSubstr("\\fBplants\\fR [\\fIOPTION\\fR]... [\\fICLASS\\fR...]\n"));
   EXPECT_THAT(page, HasSubstr("One of red, blue."));
   EXPECT_THAT(page, HasSubstr("Default: red"));

@@ -74,6 +74,12 @@ TEST(Options, ReportTakesAFileAndACapture) {
   EXPECT_THAT(Parsed({"report", "page.html", "a.tar", "b"}).reportCaptures,
               ElementsAre("a.tar", "b"));
   EXPECT_THAT(Error({"report"}), HasSubstr("FILE"));
+  EXPECT_EQ(Parsed({"store", "i.db"}).command, Command::kStore);
+  EXPECT_EQ(Parsed({"store", "i.db", "a.tar"}).storeTarget, "i.db");
+  EXPECT_THAT(Parsed({"store", "i.db", "a.tar", "-", "--redact"}).storeSources,
+              testing::ElementsAre("a.tar", "-"));
+  EXPECT_TRUE(Parsed({"store", "i.db", "--redact"}).redact);
+  EXPECT_THAT(Error({"store"}), HasSubstr("TARGET"));
   EXPECT_THAT(Error({"report", "page.html", "--filter", "class=02"}), HasSubstr("--filter"));
 }
 
@@ -202,7 +208,7 @@ TEST(Options, ErrorsAreOneLine) {
 
 TEST(Options, EveryCommandHasItsHelp) {
   for (const char* command :
-       {"instances", "classes", "slots", "devices", "tree", "show", "capture", "report"}) {
+       {"instances", "classes", "slots", "devices", "tree", "show", "capture", "report", "store"}) {
     const auto result = Parse({command, "--help"});
     const Answer* answer = std::get_if<Answer>(&result);
     ASSERT_NE(answer, nullptr);
