@@ -57,6 +57,9 @@ void RequireResult(const PGresult* result, PGconn* connection) {
     default:
       break;
   }
+  if (PQstatus(connection) == CONNECTION_BAD) {
+    throw std::runtime_error("the connection to the database is lost: ask again");
+  }
   const char* primary =
       result == nullptr ? nullptr : PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
   std::string said = primary == nullptr ? PQerrorMessage(connection) : primary;

@@ -29,11 +29,16 @@ int AllowReading(void*, int action, const char*, const char*, const char*, const
   return isReading ? SQLITE_OK : SQLITE_DENY;
 }
 
+/// Throws what the database says: about the statement, or about the file.
 [[noreturn]] void ThrowSqlite(sqlite3* database) {
   const int code = sqlite_api::sqlite3_errcode(database);
   const std::string said = sqlite_api::sqlite3_errmsg(database);
-  throw std::runtime_error("the database refuses the statement: " +
-                           (code == SQLITE_AUTH ? "it is only read, with SELECT" : said));
+  if (code == SQLITE_AUTH) {
+    throw std::runtime_error("the database refuses the statement: it is only read, with SELECT");
+  }
+  throw std::runtime_error((code == SQLITE_ERROR ? "the database refuses the statement: "
+                                                 : "the database cannot be read: ") +
+                           said);
 }
 
 /// Prepares the first statement of a text and moves `sql` behind it.

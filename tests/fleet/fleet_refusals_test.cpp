@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "tests/fleet/fleet_under_test.h"
 #include "tests/runtime/temporary_directory.h"
@@ -108,6 +109,17 @@ TEST(FleetOfSqlite, IsADatabaseThatCanBeRead) {
   EXPECT_THAT(RunFleet({"other://server/db", "machines"}).err, HasSubstr("are not supported"));
 }
 
+TEST(FleetOfSqlite, SaysThatItIsDamaged) {
+  const std::string database = EmptyDatabase(DatabaseKind::kSqlite);
+  std::filesystem::copy_file(ExampleFleet(DatabaseKind::kSqlite), database);
+  std::fstream file(database, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(4096);  // all pages but the first, which has the schema
+  file << std::string(std::filesystem::file_size(database) - 4096, '\xff') << std::flush;
+  const RunResult result = RunFleet({database, "cards"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("the database is damaged: restore it from a backup"));
+}
+
 TEST(FleetOfSqlite, SaysThatItIsEmpty) {
   const std::string database = EmptyDatabase(DatabaseKind::kSqlite);
   std::filesystem::copy_file(ExampleFleet(DatabaseKind::kSqlite), database);
@@ -116,6 +128,30 @@ TEST(FleetOfSqlite, SaysThatItIsEmpty) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err,
             "pciinfo: the database has no machines yet: \"pciinfo store\" writes them into it\n");
+}
+
+TEST(FleetCommandLine, IsChecked) {
+  EXPECT_EQ(RunFleet({"x.db"}).status, 2);
+  EXPECT_THAT(RunFleet({"x.db", "card"}).err, HasSubstr("QUESTION: card not in {machines,cards,"));
+  EXPECT_THAT(RunFleet({"x.db", "cards", "--free"}).err, HasSubstr("belongs to \"fleet slots\""));
+  EXPECT_THAT(RunFleet({"x.db", "cards", "--filter", "colour=red"}).err,
+              HasSubstr("invalid filter \"colour=red\""));
+  EXPECT_THAT(RunFleet({"x.db", "changes", "--since", "later"}).err,
+              HasSubstr("\"later\" is no time"));
+  EXPECT_EQ(RunFleet({"x.db", "cards", "--format", "mof"}).status, 2);
+  EXPECT_THAT(RunFleet({"--help"}).out, HasSubstr("Questions:\n  machines "));
+  const RunResult early =
+      RunProcess({PCIINFO_PROGRAM, "--filter", "vendor=10de", "fleet", "x.db", "cards"});
+  EXPECT_EQ(early.status, 2);
+  EXPECT_THAT(early.err, HasSubstr("--filter cannot be used with this command"));
+}
+
+TEST(FleetAnswer, ThatCannotBeWrittenIsAFailure) {
+  const RunResult result = RunProcess(
+      {"sh", "-c", std::string(PCIINFO_PROGRAM) + " fleet \"$DATABASE\" cards >/dev/full"},
+      {{"DATABASE", ExampleFleet(DatabaseKind::kSqlite)}});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("cannot write the output: No space left on device"));
 }
 
 /// What a server refuses.
@@ -173,7 +209,7 @@ TEST_F(PostgresqlFleet, IsAskedByARoleThatMayOnlyRead) {
 }
 
 TEST_F(PostgresqlFleet, SaysWhyItCannotConnect) {
-  PostgresqlServer& server = PostgresqlServer::Shared();
+  const PostgresqlServer& server = PostgresqlServer::Shared();
   EXPECT_THAT(RunFleet({server.AddressOf("nosuch"), "machines"}).err,
               HasSubstr("database \"nosuch\" does not exist"));
   server.Run("CREATE ROLE secret LOGIN PASSWORD 'right'");

@@ -97,7 +97,7 @@ CREATE INDEX function_fact_by_first_seen ON function_fact (first_seen, machine);
 CREATE INDEX function_fact_card
   ON function_fact (machine, address, model, slot, driver, firmware, serial_number)
   WHERE gone IS NULL AND is_card = 1;
-CREATE INDEX function_fact_by_model ON function_fact (model, machine) WHERE gone IS NULL;
+CREATE INDEX function_fact_by_model ON function_fact (model, is_card, machine) WHERE gone IS NULL;
 CREATE INDEX function_fact_by_serial_number ON function_fact (serial_number)
   WHERE gone IS NULL AND serial_number <> '';
 CREATE INDEX function_fact_by_firmware ON function_fact (firmware, model, machine)
