@@ -18,7 +18,7 @@ test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less py
 # What the slow tests need beside these: valgrind, emulated machines, other shells, what checks units,
 # a browser, what draws graphs, a database server, and what injects signals.
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish systemd chromium
-  chromium-driver graphviz postgresql-15 strace)
+  chromium-driver graphviz postgresql-15 strace clickhouse-client)
 # What packing, and checking the packages, needs beside these.
 package_packages=(binutils dpkg-dev file lintian mmdebstrap)
 # Packages that the fuzzers need besides the first list.
