@@ -25,7 +25,7 @@ function(pciinfo_find_libraries target)
 endfunction()
 
 # The installed pages link to installed pages only; the test "links.installed" checks it.
-set(user_pages captures.md class-files.md diff.md findings.md fleet-database.md fleet-database.svg
+set(user_pages ansible.md captures.md class-files.md diff.md findings.md fleet-database.md fleet-database.svg
   fleet-scale.md fleet.md formats.md metrics.md pciinfo.schema.json report.md)
 list(TRANSFORM user_pages PREPEND docs/)
 install(FILES ${user_pages} CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
@@ -35,6 +35,8 @@ list(FILTER monitoring_examples EXCLUDE REGEX README)
 install(FILES ${monitoring_examples} DESTINATION ${CMAKE_INSTALL_DOCDIR}/monitoring COMPONENT tool)
 install(DIRECTORY packaging/clickhouse DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool
   USE_SOURCE_PERMISSIONS PATTERN README.md EXCLUDE PATTERN __pycache__ EXCLUDE)
+install(DIRECTORY packaging/ansible DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool
+  PATTERN README.md EXCLUDE)
 
 # Laid out as here, so that the links between them hold in both places.
 set(development_pages ${CMAKE_INSTALL_DATADIR}/doc/libvtq-dev)

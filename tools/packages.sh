@@ -16,11 +16,11 @@ fleet_packages=(libsoci-dev libsqlite3-dev libpq-dev libssl-dev)
 test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less python3-jsonschema
   man-db groff mandoc "${fleet_packages[@]}" sqlite3)
 # What the slow tests need beside these: valgrind, emulated machines, other shells, what checks units,
-# a browser, what draws graphs, a database server, and what injects signals.
+# a browser, what draws graphs, a database server, what injects signals, and Ansible.
 slow_test_packages=(valgrind qemu-system-x86 busybox-static cpio zsh fish systemd chromium
-  chromium-driver graphviz postgresql-15 strace clickhouse-client)
+  chromium-driver graphviz postgresql-15 strace clickhouse-client ansible-core openssh-client)
 # What packing, and checking the packages, needs beside these.
-package_packages=(binutils dpkg-dev file lintian mmdebstrap)
+package_packages=(binutils dpkg-dev file lintian mmdebstrap ansible-core openssh-client)
 # Packages that the fuzzers need besides the first list.
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
 # Packages that the measurements need besides the first list.
