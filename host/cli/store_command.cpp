@@ -60,7 +60,7 @@ std::string NameOfCapture(const std::string& path) {
 std::string Named(const std::string& line, const std::string& name) {
   auto machine = nlohmann::ordered_json::parse(line);
   if (machine.contains("systemUUID") || machine.contains("machineID")) return line;
-  if (machine.value("system", "") != "") return line;
+  if (!machine.value("system", std::string()).empty()) return line;
   machine["system"] = name;
   return machine.dump();
 }

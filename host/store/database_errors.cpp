@@ -49,7 +49,7 @@ std::string ExplainSqlite(const soci::sqlite3_soci_error& error) {
 
 std::string ExplainPostgresql(const soci::postgresql_soci_error& error) {
   const std::string state = error.sqlstate();
-  const std::string text = OneLine(error.get_error_message());
+  std::string text = OneLine(error.get_error_message());
   const auto isOf = [&state](const char* group) { return state.starts_with(group); };
   if (isOf("53100")) return "the disk of the server is full: " + text;
   if (isOf("25006")) return "the database cannot be written: " + text;

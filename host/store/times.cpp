@@ -4,7 +4,9 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include <cstdio>
+#include <ctime>
+#include <iomanip>
+#include <sstream>
 
 #include "host/store/machine_store.h"
 
@@ -20,19 +22,9 @@ std::string TextOf(sys_seconds time) {
 /// Reads digits, in the form that TextOf writes; other texts answer a time that it writes
 /// otherwise.
 sys_seconds Parse(const std::string& text) {
-  int year = 0;
-  unsigned month = 0;
-  unsigned day = 0;
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
-  std::sscanf(text.c_str(), "%4d-%2u-%2u %2d:%2d:%2d", &year, &month, &day, &hour, &minute,
-              &second);
-  const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                         std::chrono::day(day)};
-  if (!date.ok()) return {};
-  return std::chrono::sys_days(date) + std::chrono::hours(hour) + std::chrono::minutes(minute) +
-         std::chrono::seconds(second);
+  std::tm time{};
+  std::istringstream(text) >> std::get_time(&time, "%Y-%m-%d %H:%M:%S");
+  return sys_seconds(std::chrono::seconds(timegm(&time)));
 }
 
 }  // namespace
