@@ -29,6 +29,10 @@ target_link_libraries(pciinfo_fleet PUBLIC
   SQLite::SQLite3 PostgreSQL::PostgreSQL OpenSSL::Crypto)
 
 add_library(pciinfo-fleet MODULE)
-target_link_libraries(pciinfo-fleet PRIVATE pciinfo_fleet)
+target_link_libraries(pciinfo-fleet PRIVATE pciinfo_fleet pciinfo_extras_loader)
+# With clang, only the program contains the sanitizers.
+if(NOT PCIINFO_SANITIZE)
+  target_link_options(pciinfo-fleet PRIVATE -Wl,--no-undefined)
+endif()
 pciinfo_find_libraries(pciinfo-fleet "$ORIGIN/.." "$ORIGIN")
 install(TARGETS pciinfo-fleet LIBRARY DESTINATION ${PCIINFO_PLUGIN_DIRECTORY} COMPONENT fleet)

@@ -39,6 +39,8 @@ bool IsJsonFile(const std::string& path) {
   return first == '{';
 }
 
+bool IsBlank(const std::string& line) { return line.find_first_not_of(" \t\r") == line.npos; }
+
 std::string SentenceOf(StoreResult result, std::size_t count) {
   const std::map<StoreResult, const char*> words{
       {StoreResult::kNew, "new"},
@@ -115,21 +117,26 @@ class StoreRun final {
     StoreLines(file.Get(), name);
   }
 
-  /// Stores each line of a file; or one document, which has a first line that is no JSON alone.
+  /// Stores each line of a file; or one document, whose first line is no JSON alone and whose
+  /// second is no object either.
   void StoreLines(int descriptor, const std::string& source) {
     const MessageSubject subject(source);
     const std::unique_ptr<MachineStore> store = OpenMachineStore(settings_);
     LineReader lines(descriptor, source, options_.memoryLimit << 20U);
-    std::size_t number = 0;
-    for (std::string line; lines.Next(line);) {
-      ++number;
-      if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
-      if (number == 1 && !nlohmann::json::accept(line)) {
-        return StoreText(*store, line + "\n" + lines.Rest(), "");
-      }
-      StoreText(*store, line, fmt::format("line {}: ", number));
+    std::string line;
+    if (!lines.Next(line)) return Refuse("it is empty");
+    std::string second;
+    const bool hasSecond = lines.Next(second);
+    if (hasSecond && !IsBlank(line) && !second.starts_with('{') && !nlohmann::json::accept(line)) {
+      return StoreText(*store, line + "\n" + second + "\n" + lines.Rest(), "");
     }
-    if (number == 0) Refuse("it is empty");
+    StoreLine(*store, line, 1);
+    if (hasSecond) StoreLine(*store, second, 2);
+    for (std::size_t number = 3; lines.Next(line); ++number) StoreLine(*store, line, number);
+  }
+
+  void StoreLine(MachineStore& store, const std::string& line, std::size_t number) {
+    if (!IsBlank(line)) StoreText(store, line, fmt::format("line {}: ", number));
   }
 
   /// Stores what one text tells. A text that tells no machine keeps no other from being stored.

@@ -101,6 +101,13 @@ TEST_F(StoreProgramTest, LeavesOutLinesThatTellNoMachine) {
   EXPECT_THAT(result.err, HasSubstr("line 4: it was collected in the future"));
 }
 
+TEST_F(StoreProgramTest, ABadFirstLineKeepsNoOtherOut) {
+  const RunResult result = Store({Write("{\"system\":\n" + MadeLine("b", kTime))});
+  EXPECT_EQ(result.out, "Machines in " + target_ + ": 1 new\n");
+  EXPECT_THAT(result.err, HasSubstr("machines.jsonl: line 1: "));
+  EXPECT_EQ(result.status, 1);
+}
+
 TEST_F(StoreProgramTest, RefusesAnEmptyFile) {
   const RunResult result = Shell("\"$PCIINFO\" store \"$DB\" - < /dev/null");
   EXPECT_EQ(result.status, 1);
