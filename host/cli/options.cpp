@@ -346,8 +346,7 @@ bool CanFilter(Command command) {
   return command != Command::kShow && command != Command::kClasses &&
          command != Command::kCapture && command != Command::kSchema &&
          command != Command::kCheck && command != Command::kMetrics && command != Command::kDiff &&
-         command != Command::kReport && command != Command::kStore &&
-         command != Command::kFleet;
+         command != Command::kReport && command != Command::kStore && command != Command::kFleet;
 }
 
 }  // namespace

@@ -87,7 +87,7 @@ class KeysOfFunctions final {
  public:
   /// `slotNumbers`: a number for each slot, the same for slots that are partners.
   KeysOfFunctions(const MachineState& state, const std::vector<std::size_t>& slotNumbers,
-               const std::vector<const char*>& serials)
+                  const std::vector<const char*>& serials)
       : state_(state), slotNumbers_(slotNumbers), paths_(PortPaths(state.model)) {
     for (std::size_t i = 0; i < state.model.functions.size(); ++i) {
       models_.push_back(ModelOf(state.model.functions[i]));
