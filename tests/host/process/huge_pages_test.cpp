@@ -18,6 +18,7 @@
 namespace pciinfo {
 namespace {
 
+#ifndef PCIINFO_SANITIZED  // AddressSanitizer has a heap of its own, which is left alone
 bool HasKernelHugePages() { return std::filesystem::exists("/sys/kernel/mm/transparent_hugepage"); }
 
 /// The size of the heap that is advised to be in huge pages, in KiB.
@@ -47,7 +48,6 @@ int InChildWithHugePages(const Answer& answer) {
       .status;
 }
 
-#ifndef PCIINFO_SANITIZED  // AddressSanitizer has a heap of its own, which is left alone
 TEST(HugePages, AreAdvisedForMostOfTheReservedHeap) {
   const unsigned long least = HasKernelHugePages() ? 60 << 10 : 0;
   EXPECT_EQ(InChildWithHugePages([least] { return AdvisedKiB() >= least; }), 0);
