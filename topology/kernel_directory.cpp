@@ -109,11 +109,11 @@ std::string Directory::ReadLine(const char* name) const {
 
 std::string Directory::ReadLinkName(const char* name) const {
   if (!IsOpen()) return "";
-  std::array<char, PATH_MAX> target;  // readlinkat fills what is used
-  const ssize_t size = readlinkat(file_, name, target.data(), target.size());
+  char target[PATH_MAX];
+  const ssize_t size = readlinkat(file_, name, target, sizeof target);
   if (size < 0) NoteFailure(name);
   if (size <= 0) return "";
-  const std::string text(target.data(), static_cast<std::size_t>(size));
+  const std::string text(target, static_cast<std::size_t>(size));
   return text.substr(text.rfind('/') + 1);
 }
 

@@ -40,7 +40,7 @@ Condition SerialTerm(const std::string& column, const std::string& value, Condit
 /// "VENDOR:DEVICE" or "VENDOR".
 Condition SubsystemTerm(const std::string&, const std::string& value, Conditions& conditions) {
   const std::size_t colon = value.find(':');
-  const Condition vendor = IdTerm("subsystem_vendor_id", value.substr(0, colon), conditions);
+  Condition vendor = IdTerm("subsystem_vendor_id", value.substr(0, colon), conditions);
   if (colon == std::string::npos) return vendor;
   const Condition device = IdTerm("subsystem_id", value.substr(colon + 1), conditions);
   if (!vendor || !device) return std::nullopt;

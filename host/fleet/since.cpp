@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <cstdio>
+#include <ctime>
 #include <optional>
 #include <string_view>
 
@@ -52,22 +52,11 @@ std::optional<sys_seconds> DateOf(std::string_view text) {
   if (text.ends_with('Z')) text.remove_suffix(1);
   std::string whole = std::string(text) + (text.size() == 10 ? " 00:00:00" : "");
   if (whole.size() > 10 && whole[10] == 'T') whole[10] = ' ';
-  int year = 0;
-  unsigned month = 0;
-  unsigned day = 0;
-  unsigned hour = 0;
-  unsigned minute = 0;
-  unsigned second = 0;
-  if (std::sscanf(whole.c_str(), "%4d-%2u-%2u %2u:%2u:%2u", &year, &month, &day, &hour, &minute,
-                  &second) != 6) {
-    return std::nullopt;
-  }
-  const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                         std::chrono::day(day)};
-  if (!date.ok()) return std::nullopt;
-  const sys_seconds time = std::chrono::sys_days(date) + std::chrono::hours(hour) +
-                           std::chrono::minutes(minute) + std::chrono::seconds(second);
-  // Digits that the pattern took otherwise, and an hour 25, do not come back.
+  std::tm date{};
+  const char* const end = strptime(whole.c_str(), "%Y-%m-%d %H:%M:%S", &date);
+  if (end == nullptr || *end != '\0') return std::nullopt;
+  const sys_seconds time(std::chrono::seconds(timegm(&date)));
+  // Fewer digits, and a day that the month does not have, do not come back.
   if (TimeText(time) != whole) return std::nullopt;
   return time;
 }

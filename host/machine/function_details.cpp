@@ -14,8 +14,8 @@ auto ElementAt(const List& list, std::size_t place) {
 
 /// The properties with lists of devices of one kind, in parallel. Null: there is no such list.
 struct DeviceProperties {
-  const char* kind;
-  const char* names;
+  const char* kind = nullptr;
+  const char* names = nullptr;
   const char* addresses = nullptr;
   const char* models = nullptr;
   const char* serialNumbers = nullptr;
