@@ -8,6 +8,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "host/console/safe_json.h"
 #include "host/console/text.h"
 #include "host/console/utf8.h"
 #include "host/formats/csv_text.h"
@@ -56,18 +57,18 @@ class RowJsonWriter final : public RowSink {
 
   void Begin(const std::vector<std::string>& names) override {
     RequireDistinct(names);
-    names_ = names;
+    beginnings_.reserve(names.size());
+    for (const std::string& name : names) {
+      const std::string text = SafeJson(RowJson(ToUtf8(name)).dump());
+      beginnings_.push_back((beginnings_.empty() ? "{" : ",") + text + ":");
+    }
     if (!key_.empty()) output_.Write(fmt::format("{{\"{}\":[", key_));
   }
   void Write(const DbRow& row) override {
     if (!key_.empty()) output_.Write(isFirst_ ? "\n" : ",\n");
     isFirst_ = false;
-    const char* separator = "{";
-    for (std::size_t i = 0; i < names_.size(); ++i) {
-      output_.Write(separator);
-      separator = ",";
-      WriteJsonString(output_, names_[i]);
-      output_.Write(":");
+    for (std::size_t i = 0; i < beginnings_.size(); ++i) {
+      output_.Write(beginnings_[i]);
       WriteDbValue(output_, row[i]);
     }
     output_.Write(key_.empty() ? "}\n" : "}");
@@ -79,7 +80,7 @@ class RowJsonWriter final : public RowSink {
  private:
   std::string key_;
   Output& output_;
-  std::vector<std::string> names_;
+  std::vector<std::string> beginnings_;  ///< of the values: `{"first":`, `,"second":`, ...
   bool isFirst_ = true;
 };
 

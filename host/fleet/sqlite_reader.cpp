@@ -74,20 +74,29 @@ void BindSqlite(sqlite3_stmt* statement, const std::vector<std::string>& values)
   }
 }
 
-DbValue SqliteValue(sqlite3_stmt* statement, int column) {
-  switch (sqlite_api::sqlite3_column_type(statement, column)) {
-    case SQLITE_NULL:
-      return {};
-    case SQLITE_INTEGER:
-      return std::int64_t{sqlite_api::sqlite3_column_int64(statement, column)};
-    case SQLITE_FLOAT:
-      return sqlite_api::sqlite3_column_double(statement, column);
-    default:
-      break;
-  }
+/// Takes a text into `value`; one that is there lends its memory.
+void TakeSqliteText(sqlite3_stmt* statement, int column, DbValue& value) {
   const void* bytes = sqlite_api::sqlite3_column_blob(statement, column);
   const int size = sqlite_api::sqlite3_column_bytes(statement, column);
-  return std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(size));
+  if (!std::holds_alternative<std::string>(value)) value.emplace<std::string>();
+  std::get<std::string>(value).assign(static_cast<const char*>(bytes),
+                                      static_cast<std::size_t>(size));
+}
+
+void TakeSqliteValue(sqlite3_stmt* statement, int column, DbValue& value) {
+  switch (sqlite_api::sqlite3_column_type(statement, column)) {
+    case SQLITE_NULL:
+      value = {};
+      break;
+    case SQLITE_INTEGER:
+      value = std::int64_t{sqlite_api::sqlite3_column_int64(statement, column)};
+      break;
+    case SQLITE_FLOAT:
+      value = sqlite_api::sqlite3_column_double(statement, column);
+      break;
+    default:
+      TakeSqliteText(statement, column, value);
+  }
 }
 
 std::vector<std::string> SqliteNames(sqlite3_stmt* statement) {
@@ -116,7 +125,7 @@ class SqliteReader final : public FleetDatabase {
     int step = sqlite_api::sqlite3_step(prepared.get());
     for (; step == SQLITE_ROW; step = sqlite_api::sqlite3_step(prepared.get())) {
       for (std::size_t i = 0; i < row.size(); ++i) {
-        row[i] = SqliteValue(prepared.get(), static_cast<int>(i));
+        TakeSqliteValue(prepared.get(), static_cast<int>(i), row[i]);
       }
       sink.Write(row);
     }

@@ -15,7 +15,7 @@ SELECT m.name AS machine, m.id AS machine_number, m.system_uuid, m.machine_id,
 FROM machine m LEFT JOIN identity_fact i ON i.machine = m.id AND i.gone IS NULL;
 
 CREATE VIEW function_history AS
-SELECT m.name AS machine, f.machine AS machine_number, f.address,
+SELECT m.name AS machine, m.id AS machine_number, f.address,
   c.vendor_id, c.device_id, c.subsystem_vendor_id, c.subsystem_id, c.class_code,
   c.vendor, c.device, c.subsystem, c.class_name,
   f.revision, f.driver, f.firmware, f.serial_number, f.part_number, f.product_name,
@@ -45,7 +45,7 @@ SELECT machine, machine_number, slot, place, address, vendor, device, subsystem,
 FROM function_history WHERE gone IS NULL AND is_card = 1;
 
 CREATE VIEW system_devices AS
-SELECT m.name AS machine, d.machine AS machine_number, d.kind, d.name, d.address,
+SELECT m.name AS machine, m.id AS machine_number, d.kind, d.name, d.address,
   f.slot, f.driver, c.vendor, c.device,
   d.hardware_address, d.model, d.serial_number, d.firmware,
   d.first_seen, m.last_seen
@@ -61,7 +61,7 @@ SELECT machine, machine_number, name AS interface, hardware_address, address, sl
 FROM system_devices WHERE kind = 'network';
 
 CREATE VIEW slot_history AS
-SELECT m.name AS machine, s.machine AS machine_number, s.name AS slot, s.ordinal, s.designation,
+SELECT m.name AS machine, m.id AS machine_number, s.name AS slot, s.ordinal, s.designation,
   s.state, s.type, s.width, s.lanes, s.length, s.usage, s.source,
   s.firmware_number, s.firmware_address, s.physical_number, s.ports,
   s.max_link_width, s.max_link_speed, s.numa_node, s.shared_with, s.conflicts,
@@ -80,7 +80,7 @@ SELECT machine, machine_number, slot, type, width, lanes, length, max_link_width
 FROM slot_history WHERE gone IS NULL AND state = 'empty';
 
 CREATE VIEW finding_history AS
-SELECT m.name AS machine, f.machine AS machine_number, f.code, f.severity, f.object, f.text,
+SELECT m.name AS machine, m.id AS machine_number, f.code, f.severity, f.object, f.text,
   f.first_seen, COALESCE(f.last_seen, m.last_seen) AS last_seen, f.gone
 FROM finding_fact f JOIN machine m ON m.id = f.machine;
 
@@ -148,7 +148,7 @@ change (machine, at, kind, object, change, property, before, after) AS NOT MATER
     WHERE n.machine = o.machine AND n.address = o.address AND n.first_seen = o.gone)
   UNION ALL
   SELECT n.machine, n.first_seen, 'function', n.address, 'appeared', '', '', n.device
-  FROM function_text n JOIN machine m ON m.id = n.machine AND m.first_seen <> n.first_seen
+  FROM function_text n JOIN machine m ON m.id = n.machine AND m.first_seen < n.first_seen
   WHERE NOT EXISTS (SELECT 1 FROM function_fact o
     WHERE o.machine = m.id AND o.address = n.address AND (o.gone = n.first_seen) IS TRUE)
   UNION ALL
@@ -180,7 +180,7 @@ change (machine, at, kind, object, change, property, before, after) AS NOT MATER
       AND n.first_seen = o.gone)
   UNION ALL
   SELECT n.machine, n.first_seen, n.kind, n.name, 'appeared', '', '', n.address
-  FROM system_device_fact n JOIN machine m ON m.id = n.machine AND m.first_seen <> n.first_seen
+  FROM system_device_fact n JOIN machine m ON m.id = n.machine AND m.first_seen < n.first_seen
   WHERE NOT EXISTS (SELECT 1 FROM system_device_fact o
     WHERE o.machine = m.id AND o.address = n.address AND o.kind = n.kind AND o.name = n.name
       AND o.gone = n.first_seen)
@@ -202,7 +202,7 @@ change (machine, at, kind, object, change, property, before, after) AS NOT MATER
       AND n.first_seen = o.gone)
   UNION ALL
   SELECT n.machine, n.first_seen, 'slot', n.name, 'appeared', '', '', n.state
-  FROM slot_fact n JOIN machine m ON m.id = n.machine AND m.first_seen <> n.first_seen
+  FROM slot_fact n JOIN machine m ON m.id = n.machine AND m.first_seen < n.first_seen
   WHERE NOT EXISTS (SELECT 1 FROM slot_fact o
     WHERE o.machine = m.id AND o.name = n.name AND o.ordinal = n.ordinal
       AND o.gone = n.first_seen)
@@ -228,7 +228,7 @@ change (machine, at, kind, object, change, property, before, after) AS NOT MATER
       AND n.ordinal = o.ordinal AND n.first_seen = o.gone)
   UNION ALL
   SELECT n.machine, n.first_seen, 'finding', n.object, 'appeared', n.code, '', n.text
-  FROM finding_fact n JOIN machine m ON m.id = n.machine AND m.first_seen <> n.first_seen
+  FROM finding_fact n JOIN machine m ON m.id = n.machine AND m.first_seen < n.first_seen
   WHERE NOT EXISTS (SELECT 1 FROM finding_fact o
     WHERE o.machine = m.id AND o.code = n.code AND o.object = n.object
       AND o.ordinal = n.ordinal AND o.gone = n.first_seen))
