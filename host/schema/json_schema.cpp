@@ -13,6 +13,7 @@
 #include "host/console/safe_json.h"
 #include "host/schema/check_json_schema.h"
 #include "host/schema/diff_json_schema.h"
+#include "host/schema/fleet_json_schema.h"
 #include "host/schema/lines_json_schema.h"
 #include "host/schema/slots_json_schema.h"
 #include "host/schema/views_json_schema.h"
@@ -123,6 +124,7 @@ Json Definitions(const std::vector<vtq::ClassSchema>& classes) {
   definitions.update(Json::parse(kCheckJsonSchema));
   definitions.update(Json::parse(kDiffJsonSchema));
   definitions.update(Json::parse(kLinesJsonSchema));
+  definitions.update(Json::parse(kFleetJsonSchema));
   return definitions;
 }
 
@@ -135,12 +137,14 @@ void WriteJsonSchema(Output& output, const std::vector<vtq::ClassSchema>& classe
       {"title", "JSON of pciinfo"},
       {"description",
        "What pciinfo without a command, instances, slots, devices, tree, show, "
-       "check and diff print with --format json, and a line of --format jsonl. Keys may be added "
-       "in later versions."},
+       "check, diff and fleet print with --format json, and a line of --format jsonl. Keys may be "
+       "added in later versions."},
       {"oneOf",
        {RefTo("overview"), RefTo("instances"), RefTo("instance"), RefTo("slots"), RefTo("devices"),
         RefTo("tree"), RefTo("shown"), RefTo("check"), RefTo("diff"), RefTo("machineLine"),
-        RefTo("deviceLine"), RefTo("slotLine")}},
+        RefTo("deviceLine"), RefTo("slotLine"), RefTo("fleetMachines"), RefTo("fleetCards"),
+        RefTo("fleetSlots"), RefTo("fleetFinds"), RefTo("fleetFirmwareVersions"),
+        RefTo("fleetChanges"), RefTo("fleetFindings")}},
       {"$defs", Definitions(classes)}};
   output.Write(SafeJson(schema.dump(2)) + "\n");
 }

@@ -99,6 +99,31 @@ TEST_P(FleetAnswers, WithoutRowsEndWell) {
             "found: []\n");
 }
 
+TEST_P(FleetAnswers, AreAsTheJsonSchemaSays) {
+  constexpr const char* kCheck = R"(
+import json, sys, jsonschema
+schema = json.load(open(sys.argv[1]))
+fleet = [kind for kind in schema["oneOf"] if kind["$ref"].startswith("#/$defs/fleet")]
+validator = jsonschema.Draft202012Validator({"$defs": schema["$defs"], "oneOf": fleet})
+answer = json.load(sys.stdin)
+for error in validator.iter_errors(answer):
+    print([fault.message for fault in error.context or [error]])
+validator = jsonschema.Draft202012Validator(schema)
+print(len(fleet), validator.is_valid(answer), len(list(answer.values())[0]) > 0)
+answer[list(answer)[0]].append({"machine": "a"})
+print(validator.is_valid(answer))
+)";
+  for (const char* question : {"machines", "cards", "slots", "find 10de:2231", "find eth0",
+                               "firmware", "changes", "findings"}) {
+    const RunResult result =
+        RunProcess({"sh", "-c",
+                    std::string(PCIINFO_PROGRAM) + " fleet \"$DATABASE\" " + question +
+                        " --format json | /usr/bin/python3 -c \"$CHECK\" " + JSON_SCHEMA},
+                   {{"DATABASE", ExampleFleet(GetParam())}, {"CHECK", kCheck}});
+    EXPECT_EQ(result.out + result.err, "7 True True\nFalse\n") << question;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Sqlite, FleetAnswers, testing::Values(DatabaseKind::kSqlite));
 INSTANTIATE_TEST_SUITE_P(Postgresql, FleetAnswers, testing::Values(DatabaseKind::kPostgresql));
 
