@@ -13,6 +13,7 @@
 
 #include "host/check/machine_checks.h"
 #include "host/cli/options.h"
+#include "host/fleet/fleet_filter.h"
 #include "host/model/filter.h"
 #include "host/schema/class_file.h"
 #include "usage/writers.h"
@@ -35,6 +36,22 @@ void WriteFile(const std::filesystem::path& name, const std::string& text) {
   if (!file) throw std::runtime_error(name.string() + ": cannot be written");
 }
 
+/// The keys of `--filter` as they are completed.
+std::vector<std::string> WithEqualsSigns(std::vector<std::string> keys) {
+  for (std::string& key : keys) key += "=";
+  return keys;
+}
+
+/// The answers of fleet have other keys than the functions of a machine.
+void SetFleetKeys(Usage& usage) {
+  for (UsageCommand& command : usage.commands) {
+    if (command.name != "fleet") continue;
+    for (UsageOption& option : command.options) {
+      if (option.kind == ValueKind::kKeys) option.keys = WithEqualsSigns(FleetFilterKeys());
+    }
+  }
+}
+
 Usage UsageOfProgram(const std::vector<std::string>& classFiles) {
   Declarations declared;
   std::vector<std::string> classes;
@@ -45,7 +62,8 @@ Usage UsageOfProgram(const std::vector<std::string>& classFiles) {
   Usage usage = UsageOf(*BuildApp(options));
   usage.classes = classes;
   usage.codes = FindingCodes();
-  for (const std::string& key : FilterKeys()) usage.keys.push_back(key + "=");
+  usage.keys = WithEqualsSigns(FilterKeys());
+  SetFleetKeys(usage);
   usage.listings = {"devices --columns address", "slots --columns slot --format csv"};
   return usage;
 }

@@ -84,7 +84,8 @@ Usage UsageOf(const CLI::App& app) {
     UsageCommand& command = usage.commands.emplace_back(CommandOf(*shown));
     std::erase_if(command.options, [&usage](const UsageOption& option) {
       const UsageOption* const same = FindOption(usage.program, option.names.back());
-      return same != nullptr && same->choices == option.choices;
+      return same != nullptr && same->choices == option.choices &&
+             same->description == option.description;
     });
   }
   return usage;
@@ -112,7 +113,7 @@ std::string ListingText(const Usage& usage) {
 
 const std::vector<std::string>& ValuesOf(const Usage& usage, const UsageOption& option) {
   if (option.kind == ValueKind::kCode) return usage.codes;
-  if (option.kind == ValueKind::kKeys) return usage.keys;
+  if (option.kind == ValueKind::kKeys) return option.keys.empty() ? usage.keys : option.keys;
   return option.kind == ValueKind::kClass ? usage.classes : option.choices;
 }
 

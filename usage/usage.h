@@ -30,13 +30,14 @@ struct UsageOption {
   std::string description;
   std::string defaultText;           ///< empty when there is none
   std::vector<std::string> choices;  ///< empty if any value is allowed
+  std::vector<std::string> keys;     ///< "state=", of the kind kKeys; empty: those of the program
   ValueKind kind = ValueKind::kNothing;
   bool isRequired = false;
   bool isRepeatable = false;
 };
 
 /// The program or one of its commands. Options of the program may follow every command, so a
-/// command lists only its own options, and those for which it has other choices.
+/// command lists only its own options, and those that have other choices or another meaning there.
 struct UsageCommand {
   std::string name;
   std::string description;
@@ -51,7 +52,7 @@ struct Usage {
   std::vector<UsageCommand> commands;
   std::vector<std::string> classes;  ///< completions of a value of the kind kClass
   std::vector<std::string> codes;    ///< the same of kCode: the codes of findings
-  std::vector<std::string> keys;     ///< "class=", of the kind kKeys
+  std::vector<std::string> keys;     ///< "class=", of the kind kKeys, unless an option has its own
   /// Commands of the program that print completions of the kind kThing, a heading first, as a table
   /// of one column or as CSV.
   std::vector<std::string> listings;

@@ -134,6 +134,12 @@ void AddFilter(const std::vector<std::string>& texts, const std::vector<std::str
   conditions.Require(fmt::format("({})", fmt::join(alternatives, " OR ")));
 }
 
+std::vector<std::string> FleetFilterKeys() {
+  std::vector<std::string> names;
+  for (const FleetKey& key : kFleetKeys) names.emplace_back(key.name);
+  return names;
+}
+
 std::string FleetFilterHelp() {
   std::string help =
       "Keys of --filter (a question takes those that it shows; * stands for any text):\n";

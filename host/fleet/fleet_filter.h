@@ -14,6 +14,9 @@ namespace pciinfo {
 void AddFilter(const std::vector<std::string>& texts, const std::vector<std::string>& keys,
                Conditions& conditions);
 
+/// The keys of all questions.
+std::vector<std::string> FleetFilterKeys();
+
 /// Returns the keys and their meaning for the help text, one per line.
 std::string FleetFilterHelp();
 

@@ -178,5 +178,15 @@ TEST_F(Completion, BashProposesTheProgramsOwnCommands) {
             "QZMSG_PCIBridge\n");
 }
 
+TEST_F(Completion, BashProposesTheKeysOfTheCommandsOwnFilter) {
+  const auto proposed = [](const std::string& command) {
+    return RunShell("bash --norc -c '. " WRITTEN_DIRECTORY "/pciinfo; COMP_WORDS=(pciinfo " +
+                    command + " --filter s); COMP_CWORD=3; _pciinfo; echo \"${COMPREPLY[@]}\"'")
+        .out;
+  };
+  EXPECT_EQ(proposed("fleet"), "subsystem= slot= serial= state= severity=\n");
+  EXPECT_EQ(proposed("devices"), "subsystem= slot=\n");
+}
+
 }  // namespace
 }  // namespace pciinfo

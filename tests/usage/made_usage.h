@@ -45,6 +45,7 @@ inline Usage MadeUsage() {
   app.add_option("--tone", text, "Sound")->check(CLI::IsMember(std::vector<std::string>{"high"}));
   pot->add_option("--tone", text, "Sound")
       ->check(CLI::IsMember(std::vector<std::string>{"high", "low"}));
+  pot->add_option("--can", texts, "How many cans");
   pot->footer("All cans serve.\n");
   Usage usage = UsageOf(app);
   usage.classes = {"Fern", "Moss"};

@@ -11,6 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 TEST(Usage, ReadsTheProgramsOptionsButHiddenOnes) {
   const UsageCommand program = MadeUsage().program;
@@ -59,7 +60,7 @@ TEST(Usage, ValuesAreToldByTheirWord) {
   const Usage usage = MadeUsage();
   const UsageCommand& pot = usage.commands[2];
   EXPECT_EQ(pot.arguments.at(0).kind, ValueKind::kThing);
-  ASSERT_EQ(pot.options.size(), 4U);
+  ASSERT_EQ(pot.options.size(), 5U);
   EXPECT_EQ(pot.options[0].kind, ValueKind::kChoice);
   EXPECT_THAT(pot.options[0].choices, ElementsAre("up", "down"));
   EXPECT_EQ(pot.options[1].kind, ValueKind::kList);
@@ -75,11 +76,12 @@ TEST(Usage, ACodeIsOneOfTheCodes) {
   EXPECT_THAT(ValuesOf(usage, ignored), ElementsAre("too-dry", "too-wet"));
 }
 
-TEST(Usage, ACommandHasThoseOptionsOnlyThatTheProgramHasNot) {
+TEST(Usage, ACommandHasThoseOptionsThatTheProgramHasNotOrMeansOtherwise) {
   const Usage usage = MadeUsage();
   ASSERT_EQ(usage.commands.size(), 3U);
   EXPECT_THAT(OptionNames(usage.commands[0]), ElementsAre("--colour", "--dry", "--ignore"));
   EXPECT_THAT(OptionNames(usage.commands[1]), IsEmpty());
+  EXPECT_THAT(OptionNames(usage.commands[2]), IsSupersetOf({"--can", "--tone"}));
 }
 
 }  // namespace
