@@ -60,11 +60,11 @@ FactStatements StatementsFor(const FactTable& table) {
 }
 
 std::string InsertStatement(const FactTable& table, std::size_t rows) {
-  const std::size_t width = 2 + table.Width();
+  const std::size_t width = 3 + table.Width();
   Names values;
   values.reserve(rows);
   for (std::size_t i = 0; i < rows; ++i) values.push_back(Parameters(1 + i * width, width));
-  return fmt::format("INSERT INTO {} (machine, first_seen, {}) VALUES {}", table.name,
+  return fmt::format("INSERT INTO {} (machine, first_seen, began_later, {}) VALUES {}", table.name,
                      fmt::join(ColumnsOf(table), ", "), fmt::join(values, ", "));
 }
 

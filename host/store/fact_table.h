@@ -6,7 +6,8 @@
 
 namespace pciinfo {
 
-/// A table that ends in _fact: its columns besides `machine`, `first_seen`, `last_seen` and `gone`.
+/// A table that ends in _fact: its columns besides `machine`, `first_seen`, `last_seen`, `gone`
+/// and `began_later`.
 /// A row has the values of `keys`, `facts` and `latest`, in this order.
 struct FactTable {
   std::string name;
@@ -28,7 +29,7 @@ struct FactStatements {
 FactStatements StatementsFor(const FactTable& table);
 
 /// Returns the statement that inserts so many rows; its parameters are for each the machine,
-/// first_seen and the row.
+/// first_seen, began_later and the row.
 std::string InsertStatement(const FactTable& table, std::size_t rows);
 
 }  // namespace pciinfo

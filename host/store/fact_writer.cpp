@@ -11,6 +11,9 @@ namespace {
 /// One statement for many rows saves most of the round trips to a server.
 constexpr std::size_t kMany = 16;
 
+/// The parameters of an inserted row before its own: machine, first_seen, began_later.
+constexpr std::size_t kBegin = 3;
+
 Row Joined(Row first, const Row& second) {
   first.insert(first.end(), second.begin(), second.end());
   return first;
@@ -29,8 +32,8 @@ void FillUnknown(Row& row, const Row& known) {
 FactWriter::FactWriter(Database& database, FactTable table)
     : table_(std::move(table)),
       read_(database, StatementsFor(table_).read, 1, 1 + table_.Width()),
-      insert_(database, InsertStatement(table_, 1), 2 + table_.Width()),
-      insertMany_(database, InsertStatement(table_, kMany), kMany * (2 + table_.Width())),
+      insert_(database, InsertStatement(table_, 1), kBegin + table_.Width()),
+      insertMany_(database, InsertStatement(table_, kMany), kMany * (kBegin + table_.Width())),
       close_(database, StatementsFor(table_).close, 4 + table_.keys.size()),
       remove_(database, StatementsFor(table_).remove, 2 + table_.keys.size()) {
   const std::string update = StatementsFor(table_).update;
@@ -93,7 +96,8 @@ bool FactWriter::WriteRow(const Collection& collection, Row row, HeldRows& held)
 }
 
 void FactWriter::Insert(const Collection& collection, const Row& row) {
-  inserted_.push_back(Joined({collection.machine, collection.time}, row));
+  const Value beganLater = FlagValue(collection.time != collection.firstSeen);
+  inserted_.push_back(Joined({collection.machine, collection.time, beganLater}, row));
 }
 
 void FactWriter::InsertCollected() {

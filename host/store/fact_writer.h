@@ -13,9 +13,10 @@ namespace pciinfo {
 
 /// A collection of a machine. Times are texts as the database gives them: "2024-05-06 07:08:09".
 struct Collection {
-  std::string machine;   ///< its key in the table `machine`
-  std::string time;      ///< of this collection
-  std::string lastSeen;  ///< of the one before
+  std::string machine;    ///< its key in the table `machine`
+  std::string time;       ///< of this collection
+  std::string firstSeen;  ///< of the machine's first one
+  std::string lastSeen;   ///< of the one before
   bool isComplete = true;
 };
 

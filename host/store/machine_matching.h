@@ -18,6 +18,7 @@ struct KnownMachine {
   std::string id;
   MachineNames names;
   std::string lastSeen;
+  std::string firstSeen = {};
 };
 
 /// Returns the names without UUIDs that boards have whose maker has set none, and without machine

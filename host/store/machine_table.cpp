@@ -39,9 +39,9 @@ MachineTable::MachineTable(Database& database, bool redact)
     : redact_(redact),
       salt_(ReadSalt(database)),
       find_(database,
-            "SELECT id, name, system_uuid, machine_id, last_seen FROM machine "
+            "SELECT id, name, system_uuid, machine_id, last_seen, first_seen FROM machine "
             "WHERE name = :p1 OR system_uuid IN (:p2, :p3) OR machine_id IN (:p4, :p5)",
-            5, 5),
+            5, 6),
       countSlots_(database, "SELECT COUNT(*) FROM slot_fact WHERE machine = :p1 AND gone IS NULL",
                   1, 1),
       add_(database,
@@ -68,7 +68,8 @@ std::optional<KnownMachine> MachineTable::Find(const MachineRecord& record) {
                     orNull(told.machineId), orNull(digests.machineId)})) {
     written.push_back({row[0].value_or(""),
                        {row[1].value_or(""), row[2].value_or(""), row[3].value_or("")},
-                       TimeOfDatabase(row[4].value_or(""))});
+                       TimeOfDatabase(row[4].value_or("")),
+                       TimeOfDatabase(row[5].value_or(""))});
     candidates.push_back(written.back());
     candidates.back().names = DigestsOf(candidates.back().names);
   }

@@ -76,12 +76,13 @@ class SqlMachineStore final : public MachineStore {
     const std::optional<KnownMachine> known = machines_->Find(record);
     const bool isComplete = machines_->IsComplete(known, record);
     if (!known) {
-      WriteFacts(record, {machines_->Add(record, time), time, time, isComplete});
+      WriteFacts(record, {machines_->Add(record, time), time, time, time, isComplete});
       return StoreResult::kNew;
     }
     if (time < known->lastSeen) return StoreResult::kOlder;
     machines_->Update(*known, record, time);
-    const bool hasGrown = WriteFacts(record, {known->id, time, known->lastSeen, isComplete});
+    const bool hasGrown =
+        WriteFacts(record, {known->id, time, known->firstSeen, known->lastSeen, isComplete});
     return hasGrown ? StoreResult::kChanged : StoreResult::kSame;
   }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/store/schema.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -56,6 +57,24 @@ TEST_P(SchemaTest, EachVersionMakesTheNextWithoutLosingARow) {
   EXPECT_THAT(AnswerOf(target_, "SELECT machine FROM machines"), ElementsAre("db1", "old"));
   EXPECT_EQ(AnswerOf(target_, "SELECT version FROM schema_version").size(),
             static_cast<std::size_t>(NewestVersion()));
+}
+
+TEST_P(SchemaTest, TheSecondVersionsHistoryHasTheSameChanges) {
+  Database database(target_);
+  Migrate(database, 2);
+  database.Execute(
+      "INSERT INTO machine (name, first_seen, last_seen, complete) "
+      "VALUES ('old', '2024-01-01 00:00:00', '2024-01-02 00:00:00', 1)");
+  for (const char* row : {"'slow-link', '00:01.0', 1, '2024-01-01 00:00:00'",
+                          "'no-driver', '00:02.0', 1, '2024-01-02 00:00:00'"}) {
+    database.Execute(
+        fmt::format("INSERT INTO finding_fact (machine, code, object, ordinal, "
+                    "first_seen, severity, text) SELECT id, {}, 'note', '' FROM machine",
+                    row));
+  }
+  const char* const query = "SELECT property FROM changes WHERE kind = 'finding'";
+  Migrate(database);
+  EXPECT_THAT(AnswerOf(target_, query), ElementsAre("no-driver"));
 }
 
 TEST_P(SchemaTest, AFailedMigrationChangesNothing) {

@@ -93,7 +93,7 @@ CREATE TABLE function_fact (
   PRIMARY KEY (machine, address, first_seen)
 );
 CREATE INDEX function_fact_by_gone ON function_fact (gone) WHERE gone IS NOT NULL;
-CREATE INDEX function_fact_by_first_seen ON function_fact (machine, first_seen);
+CREATE INDEX function_fact_by_first_seen ON function_fact (first_seen, machine);
 CREATE INDEX function_fact_card
   ON function_fact (machine, address, model, slot, driver, firmware, serial_number)
   WHERE gone IS NULL AND is_card = 1;
@@ -121,7 +121,7 @@ CREATE TABLE system_device_fact (
   PRIMARY KEY (machine, address, kind, name, first_seen)
 );
 CREATE INDEX system_device_fact_by_gone ON system_device_fact (gone) WHERE gone IS NOT NULL;
-CREATE INDEX system_device_fact_by_first_seen ON system_device_fact (machine, first_seen);
+CREATE INDEX system_device_fact_by_first_seen ON system_device_fact (first_seen);
 CREATE INDEX system_device_fact_by_name ON system_device_fact (name) WHERE gone IS NULL;
 CREATE INDEX system_device_fact_by_model ON system_device_fact (model, machine, address)
   WHERE gone IS NULL AND model <> '';
@@ -157,7 +157,7 @@ CREATE TABLE slot_fact (
   PRIMARY KEY (machine, name, ordinal, first_seen)
 );
 CREATE INDEX slot_fact_by_gone ON slot_fact (gone) WHERE gone IS NOT NULL;
-CREATE INDEX slot_fact_by_first_seen ON slot_fact (machine, first_seen);
+CREATE INDEX slot_fact_by_first_seen ON slot_fact (first_seen);
 CREATE INDEX slot_fact_free ON slot_fact (lanes, machine) WHERE gone IS NULL AND state = 'empty';
 
 CREATE TABLE finding_fact (
@@ -173,5 +173,5 @@ CREATE TABLE finding_fact (
   PRIMARY KEY (machine, code, object, ordinal, first_seen)
 );
 CREATE INDEX finding_fact_by_gone ON finding_fact (gone) WHERE gone IS NOT NULL;
-CREATE INDEX finding_fact_by_first_seen ON finding_fact (machine, first_seen);
+CREATE INDEX finding_fact_by_first_seen ON finding_fact (first_seen);
 CREATE INDEX finding_fact_by_code ON finding_fact (code) WHERE gone IS NULL;
