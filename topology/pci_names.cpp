@@ -61,30 +61,91 @@ std::string_view TakeIndented(std::string_view& text, std::size_t tabs) {
   return lines;
 }
 
+/// The beginning of the next line that is not indented. Most of the file's ten thousands of lines
+/// are indented, so many bytes are looked at together: compilers use vector instructions for a loop
+/// of known length without branches.
+std::size_t NextTopLine(std::string_view text, std::size_t at) {
+  constexpr std::size_t kStep = 64;
+  for (unsigned char ends = 0; at + kStep < text.size(); at += kStep) {
+    const char* const bytes = text.data() + at;
+    for (std::size_t i = 0; i < kStep; ++i) {
+      ends |= static_cast<unsigned char>((bytes[i] == '\n') & (bytes[i + 1] != '\t'));
+    }
+    if (ends != 0) break;
+  }
+  do {
+    at = std::min(text.find('\n', at), text.size()) + 1;
+  } while (at < text.size() && text[at] == '\t');
+  return at;
+}
+
+/// Base classes are counted after all vendors.
+constexpr unsigned kClasses = 0x10000;
+
+std::optional<unsigned> TopId(std::string_view line) {
+  if (!line.starts_with("C ")) return Id(line, 4);
+  const auto base = Id(line.substr(2), 2);
+  return base ? std::optional(kClasses | *base) : std::nullopt;
+}
+
+struct DeviceLine {
+  std::size_t begin;
+  unsigned device;
+};
+
+/// The first line of a device that begins from `at` on and before `end`.
+std::optional<DeviceLine> NextDevice(std::string_view lines, std::size_t at, std::size_t end) {
+  while (at < end) {
+    const std::string_view line = lines.substr(at);
+    const auto device = line.starts_with('\t') ? Id(line.substr(1), 4) : std::nullopt;
+    if (device && line.substr(5).starts_with(' ')) return DeviceLine{at, *device};
+    at = std::min(lines.find('\n', at), end) + 1;
+  }
+  return std::nullopt;
+}
+
+/// Takes the lines to be in the order of their IDs.
+std::optional<std::size_t> BisectDevices(std::string_view lines, unsigned device) {
+  std::size_t low = 0;
+  for (std::size_t high = lines.size(); low < high;) {
+    const std::size_t middle = low + (high - low) / 2;
+    const std::size_t at = middle == 0 ? 0 : std::min(lines.find('\n', middle - 1), high) + 1;
+    const auto found = NextDevice(lines, at, high);
+    if (found && found->device == device) return found->begin;
+    if (found && found->device < device) {
+      low = found->begin + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return std::nullopt;
+}
+
+/// The lines of a vendor are in the order of their IDs as a rule. Where they are not, or the device
+/// is not among them, every line is looked at.
+std::optional<std::size_t> FindDeviceLine(std::string_view lines, unsigned device) {
+  if (const auto place = BisectDevices(lines, device)) return place;
+  auto found = NextDevice(lines, 0, lines.size());
+  while (found && found->device != device) {
+    found = NextDevice(lines, found->begin + 1, lines.size());
+  }
+  return found ? std::optional(found->begin) : std::nullopt;
+}
+
 }  // namespace
 
 PciNames::PciNames(std::string text) : text_(std::move(text)) {
-  std::string_view rest = text_;
-  while (!rest.empty()) {
-    const std::string_view line = TakeLine(rest);
-    const bool isClass = line.starts_with("C ");
-    const auto id = isClass ? Id(line.substr(2), 2) : Id(line, 4);
-    if (!id) continue;
-    const Block block{NameIn(line, 4), TakeIndented(rest, 1)};
-    (isClass ? classes_ : vendors_).emplace(*id, block);
+  bool isOpen = false;  // the block of the last place goes on
+  for (std::size_t at = 0; at < text_.size(); at = NextTopLine(text_, at)) {
+    if (text_[at] == '#') continue;
+    if (isOpen) places_.back().end = at;
+    const auto id = TopId(std::string_view(text_).substr(at));
+    isOpen = id.has_value();
+    if (id) places_.push_back({*id, at, text_.size()});
   }
-}
-
-PciNames::Devices PciNames::DevicesIn(std::string_view lines) {
-  Devices devices;
-  for (std::string_view rest = lines; !rest.empty();) {
-    const std::size_t offset = lines.size() - rest.size();
-    const std::string_view line = TakeLine(rest);
-    const auto id = IsIndented(line, 1) ? Id(line.substr(1), 4) : std::nullopt;
-    if (id && line.substr(5).starts_with(' ')) devices.emplace_back(*id, offset);
-    TakeIndented(rest, 2);
-  }
-  return devices;
+  const auto isBefore = [](const Place& left, const Place& right) { return left.id < right.id; };
+  if (std::is_sorted(places_.begin(), places_.end(), isBefore)) return;
+  std::stable_sort(places_.begin(), places_.end(), isBefore);
 }
 
 /// Finds the line that begins with `indented`, which holds the tabs and the ID.
@@ -98,29 +159,35 @@ std::optional<PciNames::Block> PciNames::FindIn(std::string_view lines, std::str
   return std::nullopt;
 }
 
-const PciNames::Block* PciNames::FindVendor(std::uint16_t vendor) const {
-  const auto found = vendors_.find(vendor);
-  return found == vendors_.end() ? nullptr : &found->second;
+std::optional<PciNames::Block> PciNames::FindTop(unsigned id) const {
+  const auto place =
+      std::lower_bound(places_.begin(), places_.end(), id,
+                       [](const Place& left, unsigned right) { return left.id < right; });
+  if (place == places_.end() || place->id != id) return std::nullopt;
+  std::string_view lines = std::string_view(text_).substr(place->begin, place->end - place->begin);
+  const std::string_view line = TakeLine(lines);
+  return Block{NameIn(line, 4), lines};
 }
 
 std::optional<PciNames::Block> PciNames::FindDevice(std::uint16_t vendor,
                                                     std::uint16_t device) const {
-  const Block* const block = FindVendor(vendor);
-  if (block == nullptr) return std::nullopt;
-  const auto [devices, isNew] = devices_.try_emplace(vendor);
-  if (isNew) devices->second = DevicesIn(block->lines);
-  for (const auto& [id, offset] : devices->second) {
-    if (id != device) continue;
-    std::string_view rest = block->lines.substr(offset);
-    const std::string_view line = TakeLine(rest);
-    return Block{NameIn(line, 6), TakeIndented(rest, 2)};
-  }
-  return std::nullopt;
+  const auto block = FindTop(vendor);
+  if (!block) return std::nullopt;
+  const auto begin = FindDeviceLine(block->lines, device);
+  if (!begin) return std::nullopt;
+  std::string_view lines = block->lines.substr(*begin);
+  const std::string_view line = TakeLine(lines);
+  return Block{NameIn(line, 6), TakeIndented(lines, 2)};
+}
+
+std::optional<PciNames::Block> PciNames::FindSubclass(std::uint32_t classCode) const {
+  const auto base = FindTop(kClasses | (classCode >> 16 & 0xFF));
+  if (!base) return std::nullopt;
+  return FindIn(base->lines, Front(1, 2, {classCode >> 8 & 0xFF}));
 }
 
 std::string_view PciNames::Vendor(std::uint16_t vendor) const {
-  const Block* const block = FindVendor(vendor);
-  return block == nullptr ? std::string_view() : block->name;
+  return FindTop(vendor).value_or(Block()).name;
 }
 
 std::string_view PciNames::Device(std::uint16_t vendor, std::uint16_t device) const {
@@ -138,18 +205,13 @@ std::string_view PciNames::Subsystem(std::uint16_t vendor, std::uint16_t device,
 }
 
 std::string_view PciNames::Class(std::uint32_t classCode) const {
-  const auto base = classes_.find(classCode >> 16 & 0xFF);
-  if (base == classes_.end()) return {};
-  const auto subclass = FindIn(base->second.lines, Front(1, 2, {classCode >> 8 & 0xFF}));
-  return subclass ? subclass->name : base->second.name;
+  if (const auto subclass = FindSubclass(classCode)) return subclass->name;
+  return FindTop(kClasses | (classCode >> 16 & 0xFF)).value_or(Block()).name;
 }
 
 std::string_view PciNames::ProgrammingInterface(std::uint32_t classCode) const {
-  const auto base = classes_.find(classCode >> 16 & 0xFF);
-  if (base == classes_.end()) return {};
-  const auto subclass = FindIn(base->second.lines, Front(1, 2, {classCode >> 8 & 0xFF}));
-  if (!subclass) return {};
-  return FindIn(subclass->lines, Front(2, 2, {classCode & 0xFF})).value_or(Block()).name;
+  const std::string_view lines = FindSubclass(classCode).value_or(Block()).lines;
+  return FindIn(lines, Front(2, 2, {classCode & 0xFF})).value_or(Block()).name;
 }
 
 }  // namespace topology

@@ -2,11 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace topology {
@@ -14,10 +12,10 @@ namespace topology {
 /// The names of PCI IDs, from the text of the file pci.ids. A name that the file lacks is empty.
 class PciNames {
  public:
-  PciNames() = default;
-  /// `text` is the whole file. Reading it takes one pass over its lines; the first lookup of a
-  /// device takes one over the lines of its vendor.
+  /// `text` is the whole file. Reading it takes one pass that finds vendors and classes.
   explicit PciNames(std::string text);
+  PciNames(const PciNames&) = delete;
+  PciNames& operator=(const PciNames&) = delete;
 
   std::string_view Vendor(std::uint16_t vendor) const;
   std::string_view Device(std::uint16_t vendor, std::uint16_t device) const;
@@ -34,19 +32,20 @@ class PciNames {
     std::string_view name;
     std::string_view lines;  ///< those that are indented below it
   };
-  using Blocks = std::map<unsigned, Block>;
-  /// IDs of devices, and the offsets of their lines in those of the vendor.
-  using Devices = std::vector<std::pair<std::uint16_t, std::uint32_t>>;
+  /// Where the block of a vendor or base class stands in the text.
+  struct Place {
+    unsigned id;
+    std::size_t begin;
+    std::size_t end;
+  };
 
-  static Devices DevicesIn(std::string_view lines);
   static std::optional<Block> FindIn(std::string_view lines, std::string_view indented);
-  const Block* FindVendor(std::uint16_t vendor) const;
+  std::optional<Block> FindTop(unsigned id) const;
   std::optional<Block> FindDevice(std::uint16_t vendor, std::uint16_t device) const;
+  std::optional<Block> FindSubclass(std::uint32_t classCode) const;
 
   std::string text_;
-  Blocks vendors_;
-  Blocks classes_;
-  mutable std::map<unsigned, Devices> devices_;  ///< of the vendors that were asked for
+  std::vector<Place> places_;  ///< in the order of their IDs
 };
 
 }  // namespace topology

@@ -97,16 +97,16 @@ void ReadFirmware(const NQZMVTQ20::TPluginManagerProvider* provider, Machine& ma
 }
 
 /// Distributions keep the file of names in one of these places.
-PciNames ReadNames() {
+std::string ReadNames() {
   for (const char* path : {"/usr/share/misc/pci.ids", "/usr/share/hwdata/pci.ids"}) {
-    if (TOSSpecific::FileExists(path)) return PciNames(TOSSpecific::CaptureFile(path));
+    if (TOSSpecific::FileExists(path)) return TOSSpecific::CaptureFile(path);
   }
   return {};
 }
 
 }  // namespace
 
-Snapshot::Snapshot(Machine machine, PciNames names)
+Snapshot::Snapshot(Machine machine, std::string names)
     : machine_(std::move(machine)),
       tree_(machine_.functions),
       resolution_(ResolveSlots(machine_, tree_)),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "framework/plugin_manager_provider.h"
 #include "topology/bus_tree.h"
@@ -23,7 +24,7 @@ class Snapshot {
   const PciNames& GetNames() const { return names_; }
 
  private:
-  Snapshot(Machine machine, PciNames names);
+  Snapshot(Machine machine, std::string names);
 
   Machine machine_;
   BusTree tree_;

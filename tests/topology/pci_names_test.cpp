@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
+#include <string>
+
 namespace topology {
 namespace {
 
@@ -48,6 +52,49 @@ TEST(PciNames, OfClassesFallBackToTheBaseClass) {
   EXPECT_EQ(names.ProgrammingInterface(0x0C0330), "XHCI");
   EXPECT_EQ(names.ProgrammingInterface(0x0C0300), "");
   EXPECT_EQ(names.Class(0x110000), "");
+}
+
+TEST(PciNames, AreFoundInAnyOrderOfLines) {
+  const PciNames names(
+      "8086  Intel Corporation\n"
+      "\t1572  Ethernet Controller X710\n"
+      "\t1533  I210 Gigabit Network Connection\n"
+      "\t\t103c 0003  Ethernet I210-T1 GbE NIC\n"
+      "\t0001  Early\n"
+      "\n"
+      "\t1600  Of nobody\n"
+      "C 02  Network controller\n"
+      "1002  AMD\n"
+      "\t1600  Of AMD\n"
+      "1002  Again\n");
+  EXPECT_EQ(names.Vendor(0x8086), "Intel Corporation");
+  EXPECT_EQ(names.Vendor(0x1002), "AMD");
+  EXPECT_EQ(names.Device(0x1002, 0x1600), "Of AMD");
+  EXPECT_EQ(names.Device(0x8086, 0x1600), "");
+  EXPECT_EQ(names.Device(0x8086, 0x0001), "Early");
+  EXPECT_EQ(names.Device(0x8086, 0x1533), "I210 Gigabit Network Connection");
+  EXPECT_EQ(names.Device(0x8086, 0x1572), "Ethernet Controller X710");
+  EXPECT_EQ(names.Subsystem(0x8086, 0x1533, 0x103C, 3), "Ethernet I210-T1 GbE NIC");
+  EXPECT_EQ(names.Class(0x020000), "Network controller");
+}
+
+TEST(PciNames, OfManyDevicesAreFound) {
+  std::string text = "8086  Intel Corporation\n";
+  for (unsigned device = 0x1000; device < 0x1400; device += 2) {
+    std::array<char, 64> lines{};
+    std::snprintf(lines.data(), lines.size(), "\t%04x  Device %x\n\t\t103c %04x  Card %x\n", device,
+                  device, device, device);
+    text += lines.data();
+  }
+  const PciNames names(text + "8087  Next\n");
+  for (unsigned device = 0xFFE; device < 0x1402; ++device) {
+    const auto id = static_cast<std::uint16_t>(device);
+    const bool isThere = device >= 0x1000 && device < 0x1400 && device % 2 == 0;
+    std::array<char, 32> name{};
+    std::snprintf(name.data(), name.size(), "Device %x", device);
+    EXPECT_EQ(names.Device(0x8086, id), isThere ? name.data() : "");
+  }
+  EXPECT_EQ(names.Vendor(0x8087), "Next");
 }
 
 TEST(PciNames, ThatAreMissingAreEmpty) {
