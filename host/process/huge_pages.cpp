@@ -24,18 +24,26 @@ bool HasPlentyOfAddresses() noexcept {
   return getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur >= kPlenty;
 }
 
+std::uintptr_t HeapEnd() noexcept { return reinterpret_cast<std::uintptr_t>(sbrk(0)); }
+
 /// Whether the block is in the heap that ends where sbrk says; other blocks are mappings of their
 /// own, which end with their release.
 bool IsInHeap(const void* block) noexcept {
-  const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0));
   const auto begin = reinterpret_cast<std::uintptr_t>(block);
-  return begin < end && end - begin < 2 * kReserved;
+  return begin < HeapEnd() && HeapEnd() - begin < 2 * kReserved;
 }
 
 void AdviseHugePages(void* block) noexcept {
   std::size_t space = kReserved;
   if (std::align(kHugePage, kHugePage, block, space) == nullptr) return;
   madvise(block, space / kHugePage * kHugePage, MADV_HUGEPAGE);
+}
+
+/// Lets the heap go on a page before a huge one: the allocator writes at the front of what the
+/// heap grows by, before that is advised. What is left out stays without memory.
+void SkipToHugePage() noexcept {
+  constexpr std::size_t kPage = 4096;
+  sbrk(static_cast<std::intptr_t>(kHugePage - (HeapEnd() + kPage) % kHugePage));
 }
 
 }  // namespace
@@ -50,6 +58,7 @@ void UseHugePages() noexcept {
   constexpr int kUsualOwnMapping = 8 << 20;
   mallopt(M_MMAP_THRESHOLD, kOwnMapping);
   mallopt(M_TRIM_THRESHOLD, kOwnMapping);
+  SkipToHugePage();
   void* const reserved = std::malloc(kReserved);
   if (reserved != nullptr && IsInHeap(reserved)) AdviseHugePages(reserved);
   std::free(reserved);
