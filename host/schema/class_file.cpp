@@ -31,6 +31,20 @@ using Members = std::vector<std::pair<std::string, JsonValue>>;
   throw ClassFileError(place + ": " + what);
 }
 
+/// Where an object stands in the file. Only a message needs the text: a file has hundreds of
+/// objects, and all files are read whenever the program starts.
+struct Location {
+  const Location* parent;
+  const char* list;
+  std::size_t index;
+
+  /// "classes[0].properties[2]"
+  std::string Text() const {
+    const std::string text = fmt::format("{}[{}]", list, index);
+    return parent == nullptr ? text : parent->Text() + "." + text;
+  }
+};
+
 /// CIM names are not case-sensitive.
 bool IsSameName(const std::string& left, const std::string& right) {
   return std::equal(
@@ -81,18 +95,21 @@ std::optional<unsigned> NumberOf(const std::string& text) {
 /// A JSON object of the file with typed access to its members.
 class Object {
  public:
-  Object(const JsonValue& value, std::string place, std::initializer_list<std::string_view> members)
-      : value_(value), place_(std::move(place)) {
+  /// `location` is null for the whole file, and outlives the object.
+  Object(const JsonValue& value, const Location* location,
+         std::initializer_list<std::string_view> members)
+      : value_(value), location_(location) {
     if (value.kind != JsonKind::kObject)
-      Fail(place_, fmt::format("expected an object, found {}", ShownType()));
+      Fail(Place(), fmt::format("expected an object, found {}", ShownType()));
     for (const auto& [name, ignored] : value.members) {
       if (std::find(members.begin(), members.end(), name) != members.end()) continue;
-      Fail(place_, fmt::format("unknown member \"{}\"; the members are {}", Printable(name),
-                               fmt::join(members, ", ")));
+      Fail(Place(), fmt::format("unknown member \"{}\"; the members are {}", Printable(name),
+                                fmt::join(members, ", ")));
     }
   }
 
-  const std::string& Place() const { return place_; }
+  /// For messages.
+  std::string Place() const { return location_ == nullptr ? "top level" : location_->Text(); }
 
   /// Empty if missing.
   std::string Text(const char* name) const {
@@ -109,7 +126,7 @@ class Object {
   std::string Name(const char* name) const {
     std::string text = Text(name);
     if (!IsName(text)) {
-      Fail(place_ + "." + name, "expected a name of letters, digits and underscores");
+      Fail(Place() + "." + name, "expected a name of letters, digits and underscores");
     }
     return text;
   }
@@ -138,7 +155,7 @@ class Object {
     for (const auto& [key, member] : value_.members) {
       if (key != name) continue;
       if (member.kind != kind) {
-        Fail(place_ + "." + name, fmt::format("expected {}, found {}", needed, member.KindName()));
+        Fail(Place() + "." + name, fmt::format("expected {}, found {}", needed, member.KindName()));
       }
       return &member;
     }
@@ -146,7 +163,7 @@ class Object {
   }
 
   const JsonValue& value_;
-  std::string place_;
+  const Location* location_;
 };
 
 class ClassReader {
@@ -156,45 +173,45 @@ class ClassReader {
   }
 
   ClassFile Read(const JsonValue& document) {
-    const Object object(document, "top level", {"classes", "onRequest"});
+    const Object object(document, nullptr, {"classes", "onRequest"});
     const Members& classes = object.Array("classes");
     if (classes.empty()) Fail("classes", "no class is declared");
     ClassFile file;
     file.onRequest = object.Flag("onRequest");
     for (const auto& [unnamed, element] : classes) {
-      file.classes.push_back(ReadClass(element, fmt::format("classes[{}]", file.classes.size())));
+      file.classes.push_back(ReadClass(element, {nullptr, "classes", file.classes.size()}));
     }
     return file;
   }
 
  private:
-  vtq::ClassSchema ReadClass(const JsonValue& value, const std::string& place) {
-    const Object object(value, place, {"name", "superclass", "description", "properties"});
+  vtq::ClassSchema ReadClass(const JsonValue& value, const Location& location) {
+    const Object object(value, &location, {"name", "superclass", "description", "properties"});
     vtq::ClassSchema schema{
         object.Name("name"), object.OptionalName("superclass"), object.Text("description"), {}};
-    RequireNew(schema.name, place + ".name");
+    RequireNew(schema.name, location);
     known_.push_back(schema.name);  // references of the class may name it
     for (const auto& [unnamed, property] : object.Array("properties")) {
-      AddProperty(schema, property,
-                  fmt::format("{}.properties[{}]", place, schema.properties.size()));
+      AddProperty(schema, property, {&location, "properties", schema.properties.size()});
     }
-    if (!HasKey(schema)) Fail(place, "no property is a key; a class needs at least one");
+    if (!HasKey(schema)) Fail(object.Place(), "no property is a key; a class needs at least one");
     return schema;
   }
 
-  void RequireNew(const std::string& name, const std::string& place) const {
+  void RequireNew(const std::string& name, const Location& location) const {
     const std::string* known = Known(name);
     if (known == nullptr) return;
     const auto file = files_.find(*known);
     const std::string advice = file == files_.end()
                                    ? "in this file: remove one of the two declarations"
                                    : "by " + file->second + ": leave out one of the two files";
-    Fail(place, fmt::format("class \"{}\" is already declared {}", name, advice));
+    Fail(location.Text() + ".name",
+         fmt::format("class \"{}\" is already declared {}", name, advice));
   }
 
   void AddProperty(vtq::ClassSchema& schema, const JsonValue& value,
-                   const std::string& place) const {
-    const Object object(value, place,
+                   const Location& location) const {
+    const Object object(value, &location,
                         {"name", "type", "array", "key", "description", "values", "override",
                          "targets", "commonTarget"});
     vtq::PropertySchema property{object.Name("name"),   TypeOf(object),
@@ -204,10 +221,11 @@ class ClassReader {
                                  CommonTargetOf(object)};
     for (const vtq::PropertySchema& other : schema.properties) {
       if (IsSameName(other.name, property.name)) {
-        Fail(place + ".name", fmt::format("property \"{}\" is already declared", other.name));
+        Fail(object.Place() + ".name",
+             fmt::format("property \"{}\" is already declared", other.name));
       }
     }
-    if (property.isKey && property.isArray) Fail(place, "an array cannot be a key");
+    if (property.isKey && property.isArray) Fail(object.Place(), "an array cannot be a key");
     schema.properties.push_back(std::move(property));
   }
 
@@ -256,9 +274,9 @@ class ClassReader {
   Names TargetsOf(const Object& object) const {
     Names targets;
     for (const auto& [unnamed, target] : object.Array("targets")) {
-      const std::string place = fmt::format("{}.targets[{}]", object.Place(), targets.size());
       const std::string* known = target.kind == JsonKind::kString ? Known(target.text) : nullptr;
       if (known == nullptr) {
+        const std::string place = fmt::format("{}.targets[{}]", object.Place(), targets.size());
         Fail(place, fmt::format("no class of that name is declared before; the classes are {}",
                                 fmt::join(known_, ", ")));
       }

@@ -13,6 +13,7 @@ namespace {
 using nlohmann::json;
 using JsonKind = JsonValue::Kind;
 
+constexpr std::size_t kUsualMembers = 4;
 constexpr std::size_t kDeepestNesting = 32;  // values are freed by recursion
 
 /// Makes a value of the events of the library's parser.
@@ -66,6 +67,7 @@ class ValueMaker final : public nlohmann::json_sax<json> {
   bool Open(JsonKind kind) {
     if (open_.size() == kDeepestNesting) throw ClassFileError("values are nested too deeply");
     open_.push_back(&Place({kind, false, ""}));
+    open_.back()->members.reserve(kUsualMembers);
     return true;
   }
 
