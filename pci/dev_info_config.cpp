@@ -9,6 +9,7 @@
 #include "pci/address.h"
 #include "pci/dev_info.h"
 #include "pci/paths.h"
+#include "pci/routine_lines.h"
 
 namespace {
 
@@ -40,7 +41,8 @@ class OpenFile final {
 }  // namespace
 
 unsigned TPciDevInfo::PciRead(TRecord record) {
-  WriteDebug("Entering TPciDevInfo::PciRead routine");
+  static const RoutineLines kLines("PciRead");
+  WriteDebug(kLines.entering);
   const std::string path = ConfigPath(*record);
   const OpenFile file(path);
   if (!file.IsOpen()) {
@@ -58,7 +60,7 @@ unsigned TPciDevInfo::PciRead(TRecord record) {
     return 1;
   }
   std::copy_n(header.get(), kConfigHeaderSize, record->configSpace.begin());
-  WriteDebug("Exiting TPciDevInfo::PciRead routine");
+  WriteDebug(kLines.exiting);
   return 0;
 }
 

@@ -9,6 +9,7 @@
 #include "pci/dev_info.h"
 #include "pci/paths.h"
 #include "pci/process_state.h"
+#include "pci/routine_lines.h"
 #include "pci/tokens.h"
 #include "plugin/values.h"
 
@@ -51,7 +52,8 @@ std::vector<std::string> TPciDevInfo::MultiStringTok(std::string& text, const ch
 }
 
 std::string TPciDevInfo::GetLspciDeviceDescription(std::string key) {
-  WriteDebug("Entering TPciDevInfo::GetLspciDeviceDescription routine");
+  static const RoutineLines kLines("GetLspciDeviceDescription");
+  WriteDebug(kLines.entering);
   PciProcessState& state = processState;
   if (state.listingUnavailable) return "";
   if (!state.listingRun) {
@@ -72,12 +74,13 @@ std::string TPciDevInfo::GetLspciDeviceDescription(std::string key) {
     return "";
   }
   std::string description(state.listing->Find(key));
-  WriteDebug("Exiting TPciDevInfo::GetLspciDeviceDescription routine");
+  WriteDebug(kLines.exiting);
   return description;
 }
 
 std::string TPciDevInfo::GetDeviceDescription(std::string key) {
-  WriteDebug("Entering TPciDevInfo::GetDeviceDescription routine");
+  static const RoutineLines kLines("GetDeviceDescription");
+  WriteDebug(kLines.entering);
   if (processState.descriptionFileUnavailable) return "";
   std::ifstream file(kProcPci);
   if (!file.is_open() || file.fail()) {
@@ -91,6 +94,6 @@ std::string TPciDevInfo::GetDeviceDescription(std::string key) {
     return "";
   }
   std::string description = LineBehind(file, key + ":", buffer.get());
-  WriteDebug("Exiting TPciDevInfo::GetDeviceDescription routine");
+  WriteDebug(kLines.exiting);
   return description;
 }

@@ -5,6 +5,7 @@
 #include "pci/dev_info.h"
 #include "pci/hardware_probe.h"
 #include "pci/process_state.h"
+#include "pci/routine_lines.h"
 
 namespace {
 
@@ -14,7 +15,8 @@ constexpr std::uint8_t kBridgeBaseClass = 0x06;  // PCI Code and ID Assignment 1
 
 void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
                              std::vector<TPropertyMap>* devices) {
-  WriteDebug("Entering TPciDevInfo::GetPciInfo routine");
+  static const RoutineLines kLines("GetPciInfo");
+  WriteDebug(kLines.entering);
   std::vector<sPciDevices> records = ScanPciDevices();
   // The probe replaces firmware that has no bus numbers of slots. It starts from bridges with a
   // slot number; since only the firmware gives bridges one, it usually has nothing to do.
@@ -35,7 +37,7 @@ void TPciDevInfo::GetPciInfo(std::vector<TPropertyMap>* bridges,
     ProbeBelowBridge(address.WithDomain(), bridges->back(), &hwinfoSlotMap);
   }
   if (mayProbe) FillInSlotNumbers(hwinfoSlotMap, devices);
-  WriteDebug("Exiting TPciDevInfo::GetPciInfo routine");
+  WriteDebug(kLines.exiting);
 }
 
 std::string TPciDevInfo::Parsehwinfo(std::string address) { return DeviceKeyFromAddress(address); }

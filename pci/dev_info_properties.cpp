@@ -4,6 +4,7 @@
 #include "pci/address.h"
 #include "pci/dev_info.h"
 #include "pci/process_state.h"
+#include "pci/routine_lines.h"
 #include "plugin/array_value.h"
 #include "plugin/class_names.h"
 #include "plugin/system_keys.h"
@@ -77,7 +78,8 @@ int TPciDevInfo::PopulateKeyProperties(TPropertyMap* properties) {
 }
 
 int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties) {
-  WriteDebug("Entering TPciDevInfo::GetCommonDevProperties routine");
+  static const RoutineLines kLines("GetCommonDevProperties");
+  WriteDebug(kLines.entering);
   const auto reject = [&](const std::string& why) {
     properties->clear();
     WriteStatus(why);
@@ -115,7 +117,7 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
       "PCI" + PciAddress{record->bus, record->device, record->function}.LegacyKey();
   InsertProperty(properties, "Location", TCIMValue(location));
   InsertProperty(properties, "DeviceID", TCIMValue(location));
-  WriteDebug("Exiting TPciDevInfo::GetCommonDevProperties routine");
+  WriteDebug(kLines.exiting);
   return 0;
 }
 
@@ -127,7 +129,8 @@ TPropertyMap TPciDevInfo::PopulatePciBridgeProperties(TRecord record) {
 }
 
 TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
-  WriteDebug("Entering TPciDevInfo::PopulatePciDeviceProperties routine");
+  static const RoutineLines kLines("PopulatePciDeviceProperties");
+  WriteDebug(kLines.entering);
   TPropertyMap properties;
   InsertProperty(&properties, "CreationClassName", TCIMValue(kPciDeviceClass));
   if (GetCommonDevProperties(record, &properties) == 1) return {};
@@ -143,7 +146,7 @@ TPropertyMap TPciDevInfo::PopulatePciDeviceProperties(TRecord record) {
   insert("IOAddress", regions.ioAddresses, &TPciDevInfo::GetWordCimValue);
   insert("IOLength", regions.ioLengths, &TPciDevInfo::GetWordCimValue);
   if (record->irq != 0) InsertProperty(&properties, "IRQ", TCIMValue(record->irq));
-  WriteDebug("Exiting TPciDevInfo::PopulatePciDeviceProperties routine");
+  WriteDebug(kLines.exiting);
   return properties;
 }
 

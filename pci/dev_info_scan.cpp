@@ -5,9 +5,11 @@
 #include "pci/dev_info.h"
 #include "pci/device_line.h"
 #include "pci/paths.h"
+#include "pci/routine_lines.h"
 
 std::vector<sPciDevices> TPciDevInfo::ScanPciDevices() {
-  WriteDebug("Entering TPciDevInfo::ScanPciDevices routine");
+  static const RoutineLines kLines("ScanPciDevices");
+  WriteDebug(kLines.entering);
   std::vector<sPciDevices> records;
   char path[512];
   std::snprintf(path, sizeof path, "%s/devices", kProcBusPci);
@@ -25,6 +27,6 @@ std::vector<sPciDevices> TPciDevInfo::ScanPciDevices() {
     sPciDevices record;
     if (ParseDeviceLine(line, &record)) records.push_back(record);
   }
-  WriteDebug("Exiting TPciDevInfo::ScanPciDevices routine");
+  WriteDebug(kLines.exiting);
   return records;
 }
