@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string_view>
 #include <system_error>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -44,7 +45,9 @@ T ExtractDecimalDataToHex(std::string text) {
 template <class Map>
 void InsertProperty(Map* map, std::string name, TCIMValue value) {
   if (value.IsNull()) return;
-  map->emplace(std::move(name), std::move(value));
+  // In two tuples, because emplace with two values searches the map twice.
+  map->emplace(std::piecewise_construct, std::forward_as_tuple(std::move(name)),
+               std::forward_as_tuple(std::move(value)));
 }
 
 template VTQ_EXPORT std::string dataToString(const char* value);
