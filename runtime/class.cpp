@@ -38,6 +38,16 @@ std::vector<std::size_t> KeysAmong(const std::vector<std::size_t>& positions,
   return keys;
 }
 
+// Not inlined, so that the caller needs no stack space for the message: it seldom has to search.
+[[gnu::noinline]] std::size_t Search(const ClassSchema& schema, const std::string& property) {
+  const std::vector<PropertySchema>& properties = schema.properties;
+  const auto found = std::find_if(properties.begin(), properties.end(),
+                                  [&](const auto& other) { return other.name == property; });
+  if (found != properties.end()) return static_cast<std::size_t>(found - properties.begin());
+  throw TVTQException("the class " + schema.name + " has no property " + property,
+                      TVTQStatusCode::kNotFound);
+}
+
 }  // namespace
 
 Class::Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema schema)
@@ -53,13 +63,7 @@ std::size_t Class::PositionOf(const std::string& property) const {
   const std::vector<PropertySchema>& properties = schema_.properties;
   std::size_t& expected = followers_[last_];
   if (expected >= properties.size() || properties[expected].name != property) {
-    const auto found = std::find_if(properties.begin(), properties.end(),
-                                    [&](const auto& other) { return other.name == property; });
-    if (found == properties.end()) {
-      throw TVTQException("the class " + schema_.name + " has no property " + property,
-                          TVTQStatusCode::kNotFound);
-    }
-    expected = static_cast<std::size_t>(found - properties.begin());
+    expected = Search(schema_, property);
   }
   return last_ = expected;
 }
