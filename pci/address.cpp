@@ -2,7 +2,6 @@
 #include "pci/address.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 
 namespace {
@@ -11,15 +10,16 @@ std::string HexToDecimal(std::string_view digits) {
   return std::to_string(std::strtoul(std::string(digits).c_str(), nullptr, 16));
 }
 
+constexpr char kHexDigits[] = "0123456789abcdef";
+
 std::string HexDigits(std::uint8_t value) {
-  char text[2];
-  return {text, std::to_chars(text, text + sizeof text, value, 16).ptr};
+  return value < 16 ? std::string(1, kHexDigits[value]) : TwoHexDigits(value);
 }
 
 }  // namespace
 
 std::string TwoHexDigits(std::uint8_t value) {
-  return (value < 0x10 ? "0" : "") + HexDigits(value);
+  return {kHexDigits[value / 16], kHexDigits[value % 16]};
 }
 
 std::string PciAddress::ListingKey() const {

@@ -113,10 +113,10 @@ int TPciDevInfo::GetCommonDevProperties(TRecord record, TPropertyMap* properties
   InsertProperty(properties, "Revision", ConfigByteValue(*record, kConfigRevision));
   InsertProperty(properties, "Description", TCIMValue(Describe(*this, *record)));
   // "DeviceID" identifies a function by its location; the PCI device ID is "PciDeviceID".
-  const std::string location =
+  std::string location =
       "PCI" + PciAddress{record->bus, record->device, record->function}.LegacyKey();
   InsertProperty(properties, "Location", TCIMValue(location));
-  InsertProperty(properties, "DeviceID", TCIMValue(location));
+  InsertProperty(properties, "DeviceID", TCIMValue(std::move(location)));
   WriteDebug(kLines.exiting);
   return 0;
 }

@@ -72,7 +72,9 @@ void PathText::AddKey(const std::string& name, const TCIMValue& value) {
                             " is null, an array or a real number, which cannot be part of a path",
                         TVTQStatusCode::kInvalidArgument);
   }
-  text_.append(1, separator_).append(name).append(1, '=');
+  text_ += separator_;
+  text_ += name;
+  text_ += '=';
   AppendScalar(text_, value);
   separator_ = ',';
 }
