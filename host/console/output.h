@@ -38,6 +38,10 @@ class Output final {
     if (text.size() > kBufferSize - size_) return WriteBeyondBuffer(text);
     size_ += text.copy(buffer_.get() + size_, text.size());
   }
+  void Write(char character) {
+    if (size_ == kBufferSize) Flush();
+    buffer_[size_++] = character;
+  }
   /// Writes the buffered text; throws like Write. The destructor does not flush.
   void Flush();
 

@@ -15,8 +15,8 @@ namespace {
 
 using NQZMVTQ20::TCIMValue;
 
-// The JSON escape of a common character; null for those that WriteConverted must handle.
-const char* EscapeOf(char c) {
+// The JSON escape of a common character; empty for those that WriteConverted must handle.
+std::string_view EscapeOf(char c) {
   switch (c) {
     case '"':
       return "\\\"";
@@ -25,7 +25,7 @@ const char* EscapeOf(char c) {
     case '\t':
       return "\\t";
     default:
-      return nullptr;
+      return {};
   }
 }
 
@@ -79,14 +79,14 @@ void WriteScalar(Output& output, const TCIMValue& value) {
 }  // namespace
 
 void WriteJsonString(Output& output, std::string_view bytes) {
-  output.Write("\"");
+  output.Write('"');
   for (;;) {
     const std::size_t plain = CountPlain(bytes);
     output.Write(bytes.substr(0, plain));
     bytes.remove_prefix(plain);
-    if (bytes.empty()) return output.Write("\"");
-    const char* const escape = EscapeOf(bytes.front());
-    if (escape == nullptr) return WriteConverted(output, bytes);
+    if (bytes.empty()) return output.Write('"');
+    const std::string_view escape = EscapeOf(bytes.front());
+    if (escape.empty()) return WriteConverted(output, bytes);
     output.Write(escape);
     bytes.remove_prefix(1);
   }
@@ -94,14 +94,14 @@ void WriteJsonString(Output& output, std::string_view bytes) {
 
 void WriteJsonValue(Output& output, const TCIMValue& value) {
   if (!value.IsArray()) return WriteScalar(output, value);
-  output.Write("[");
+  output.Write('[');
   bool first = true;
   for (const TCIMValue& element : value.GetArray()) {
-    if (!first) output.Write(",");
+    if (!first) output.Write(',');
     first = false;
     WriteScalar(output, element);
   }
-  output.Write("]");
+  output.Write(']');
 }
 
 }  // namespace pciinfo
