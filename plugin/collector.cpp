@@ -13,7 +13,6 @@ using NQZMVTQ20::ILogger;
 using NQZMVTQ20::TAddToVectorCallback;
 using NQZMVTQ20::TCIMReference;
 using NQZMVTQ20::TPluginManagerProvider;
-using NQZMVTQ20::TQualifierMap;
 using NQZMVTQ20::TRootObject;
 
 TPci::TPci() = default;
@@ -50,10 +49,9 @@ ICIMInstance* TPci::GenerateCIMInstance(TPropertyMap properties, std::string cla
 
 ICIMInstance* TPci::MakeInstance(const TPropertyMap& properties, const std::string& className) {
   WriteVerbose("TPci::generateCIMInstance - Generating CIM instance for class " + className + ".");
-  const TQualifierMap none;
-  const std::shared_ptr<ICIMInstance> instance = GetCIMClass()->CreateInstance(none);
-  for (const auto& [name, value] : properties) instance->SetProperty(name, value, none);
-  if (GetCIMClass()->GetName(none) == className) instance->Commit(none);
+  const std::shared_ptr<ICIMInstance> instance = GetCIMClass()->CreateInstance({});
+  for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
+  if (GetCIMClass()->GetName({}) == className) instance->Commit({});
   return instance.get();
 }
 
