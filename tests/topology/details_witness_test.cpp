@@ -333,7 +333,7 @@ void LeaveOutWhatIsNoFact(Facts& facts, const json& properties) {
 }
 
 /// The number of functions that were compared.
-std::size_t Compare(const std::string& root) {
+std::size_t CompareDetails(const std::string& root) {
   FactsOfAll listed = AskLspciVerbosely(root);
   const std::map<std::string, json> told = AskPluginForAll(root);
   EXPECT_EQ(told.size(), listed.size()) << root;
@@ -356,20 +356,20 @@ std::size_t Compare(const std::string& root) {
 
 TEST(DetailsWitness, LspciTellsTheSameOfThisMachine) {
   if (!fs::exists("/sys/bus/pci/devices")) GTEST_SKIP() << "this machine has no PCI bus";
-  EXPECT_GT(Compare("/"), 0U);
+  EXPECT_GT(CompareDetails("/"), 0U);
 }
 
 TEST(DetailsWitness, LspciTellsTheSameOfAGeneratedServer) {
   const vtq::TemporaryDirectory directory;
   const std::string root = directory / "machine";
   ASSERT_EQ(RunProcess({BENCH_MACHINE, "64", root}).status, 0);
-  EXPECT_EQ(Compare(root), 64U);
+  EXPECT_EQ(CompareDetails(root), 64U);
 }
 
 #ifdef PCIINFO_MACHINES
 
 TEST(DetailsWitness, LspciTellsTheSameOfCapturedMachines) {
-  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, &Compare), 0U);
+  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, &CompareDetails), 0U);
 }
 
 #endif

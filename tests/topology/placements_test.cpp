@@ -24,16 +24,16 @@ std::string KeyOf(const std::string& path) {
 }
 
 /// What the plug-in tells of a machine.
-struct Told {
+struct Placement {
   std::map<std::string, Functions> slots;  ///< those of the firmware's records only
   std::set<std::pair<std::set<std::string>, Functions>> shared;
 };
 
-Told AskPlugin(const std::string& root) {
+Placement AskForPlacement(const std::string& root) {
   const RunResult run = RunProcess({PCIINFO_PROGRAM, "--root", root, "instances", "--only-plugin",
                                     TOPOLOGY_PLUGIN, "--format", "json"});
   EXPECT_EQ(run.status, 0) << run.err;
-  Told told;
+  Placement told;
   std::set<std::string> named;
   const json instances = json::parse(run.out).at("instances");
   for (const json& instance : instances) {
@@ -57,7 +57,7 @@ Told AskPlugin(const std::string& root) {
 
 /// Compares with the truth of a machine: {"slots": {NAME: [FUNCTION]}, "shared": [{"slots",
 /// "functions"}]}.
-void ExpectTruth(const Told& told, const json& truth, const std::string& machine) {
+void ExpectTruth(const Placement& told, const json& truth, const std::string& machine) {
   EXPECT_EQ(told.slots, (truth.at("slots").get<std::map<std::string, Functions>>())) << machine;
   std::set<std::pair<std::set<std::string>, Functions>> shared;
   for (const json& place : truth.at("shared")) {
@@ -73,7 +73,8 @@ TEST(Placements, OfRealBoardsAreFoundAndNothingElseIsClaimed) {
   const json placements = json::parse(std::ifstream(PLACEMENTS));
   for (const auto& [board, truth] : placements.items()) {
     if (!truth.is_object()) continue;
-    ExpectTruth(AskPlugin(std::string(PCIINFO_MACHINES) + "/" + board + ".tar.gz"), truth, board);
+    ExpectTruth(AskForPlacement(std::string(PCIINFO_MACHINES) + "/" + board + ".tar.gz"), truth,
+                board);
   }
 }
 
@@ -94,7 +95,7 @@ TEST_P(GeneratedServerTest, HasEveryFunctionInItsTrueSlot) {
   std::set<Functions> expected;
   for (const auto& [slot, functions] : truth) expected.insert(functions);
   std::set<Functions> found;
-  for (const auto& [slot, functions] : AskPlugin(root).slots) found.insert(functions);
+  for (const auto& [slot, functions] : AskForPlacement(root).slots) found.insert(functions);
   EXPECT_EQ(found, expected);
 }
 
@@ -104,7 +105,7 @@ TEST_P(GeneratedServerTest, WithSlotsOfEveryKindIsResolvedAsItWasMade) {
   ASSERT_EQ(RunProcess({BENCH_MACHINE, "--board", std::to_string(GetParam()), root}).status, 0);
   const json truth = json::parse(std::ifstream(root + "/truth.json"));
   ASSERT_FALSE(truth.at("slots").empty());
-  ExpectTruth(AskPlugin(root), truth, root);
+  ExpectTruth(AskForPlacement(root), truth, root);
 }
 
 // With sanitizers the largest takes a minute, and runs no code that the others do not.

@@ -114,7 +114,7 @@ void ExpectSameLinks(const json& slot, const std::string& text, const std::strin
 }
 
 /// The number of slots that were compared.
-std::size_t Compare(const std::string& root) {
+std::size_t CompareSlots(const std::string& root) {
   const auto listed = AskLspci(root);
   std::size_t compared = 0;
   const json slots = AskForSlots(root);
@@ -194,7 +194,7 @@ TEST(SlotWitness, LspciTellsTheSameOfEverySlotRegister) {
       made.SetRegisters(9U << 19 | 0x7FU >> bit,
                         indicator << 6 | (3 - indicator) << 8 | (indicator & 1) << 10,
                         indicator == 3 ? 0x62 : 0x20 * bit);
-      EXPECT_EQ(Compare(made.GetRoot()), 1U);
+      EXPECT_EQ(CompareSlots(made.GetRoot()), 1U);
     }
   }
 }
@@ -203,7 +203,7 @@ TEST(SlotWitness, AnEmptySlotHasNoLink) {
   MadeSlot made(false);
   made.SetRegisters(0x60, 0, 0);
   EXPECT_EQ(made.OnlySlot().at("State"), "empty");
-  EXPECT_EQ(Compare(made.GetRoot()), 1U);
+  EXPECT_EQ(CompareSlots(made.GetRoot()), 1U);
 }
 
 TEST(SlotWitness, TheDriverOfTheSlotIsStrongerThanThePort) {
@@ -243,7 +243,7 @@ TEST(SlotWitness, AcpiNumbersTheSlotAlsoInACapture) {
 #ifdef PCIINFO_MACHINES
 
 TEST(SlotWitness, LspciTellsTheSameOfCapturedMachines) {
-  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, &Compare), 10U);
+  EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, &CompareSlots), 10U);
 }
 
 #endif

@@ -21,7 +21,7 @@ using Fields = std::map<std::string, std::string>;
 using Machine = std::map<std::string, Fields>;
 
 /// What lspci tells of the files below `root`, in the words of "lspci -vmmnnkD".
-Machine AskLspci(const std::string& root) {
+Machine ListFunctions(const std::string& root) {
   const RunResult run = RunProcess(
       {"lspci", "-A", "linux-sysfs", "-O", "sysfs.path=" + root + "/sys/bus/pci", "-vmmnnkD"});
   EXPECT_EQ(run.status, 0) << run.err;
@@ -119,14 +119,14 @@ TEST(Witness, LspciTellsTheSameOfAGeneratedServer) {
   const vtq::TemporaryDirectory directory;
   const std::string root = directory / "machine";
   ASSERT_EQ(RunProcess({BENCH_MACHINE, "512", root}).status, 0);
-  ExpectEqual(AskPlugin(root), AskLspci(root), root);
+  ExpectEqual(AskPlugin(root), ListFunctions(root), root);
 }
 
 #ifdef PCIINFO_MACHINES
 
 TEST(Witness, LspciTellsTheSameOfCapturedMachines) {
   const auto compare = [](const std::string& root) {
-    ExpectEqual(AskPlugin(root), AskLspci(root), root);
+    ExpectEqual(AskPlugin(root), ListFunctions(root), root);
     return std::size_t{1};
   };
   EXPECT_GT(CompareCaptures(PCIINFO_MACHINES, compare), 0U) << "no capture has sysfs";

@@ -8,7 +8,7 @@
 namespace pciinfo {
 namespace {
 
-std::string Text(const vtq::SmBiosBytes& bytes) { return {bytes.begin(), bytes.end()}; }
+std::string TextOf(const vtq::SmBiosBytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
 const std::string kEntryPoint = "sys/firmware/dmi/tables/smbios_entry_point";
 const std::string kTable = "sys/firmware/dmi/tables/DMI";
@@ -64,7 +64,7 @@ TEST(Redactor, SerialNumbersAndAddressesInTheKernelsFilesAreRedacted) {
 TEST(Redactor, TheTableUsesTheEntryPointBeforeIt) {
   const std::string table = VendorStructure(1, "SECRET");
   Redactor redactor;
-  CapturePart entry{kEntryPoint, Text(vtq::MakeVersion3Entry(3, 0, table.size())), ""};
+  CapturePart entry{kEntryPoint, TextOf(vtq::MakeVersion3Entry(3, 0, table.size())), ""};
   const std::string before = entry.content;
   redactor.Redact(entry);
   EXPECT_EQ(entry.content, before);

@@ -10,7 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr PciAddress kDevice{3, 0, 0};
+constexpr PciAddress kOwner{3, 0, 0};
 
 /// Facts without findings, except for region 2 of the device.
 ClassFacts WithRegion(std::uint64_t base, std::uint64_t size) {
@@ -44,7 +44,7 @@ TEST(CheckRegions, IoRegionWide) {
 TEST(CheckRegions, IoRegionAsMemory) {
   ClassFacts facts = WithRegion(0x1F0, 8);
   EXPECT_THAT(Doubtful("io-region-as-memory", facts), IsEmpty());
-  facts.functions[{0, kDevice}].isIo[2] = true;
+  facts.functions[{0, kOwner}].isIo[2] = true;
   EXPECT_THAT(Details("io-region-as-memory", facts), ElementsAre("03:00.0: region 2 at 0x1f0"));
   facts.list->front().bases[2] |= 1;
   EXPECT_THAT(Doubtful("io-region-as-memory", facts), IsEmpty());

@@ -85,7 +85,7 @@ std::optional<json> Meaning(const Field& field, const json& wanted) {
   return json::parse(field.text);
 }
 
-void ExpectSame(const vtq::Namespace& repository) {
+void ExpectCsvLikeJson(const vtq::Namespace& repository) {
   const std::vector<Record> records = CsvReader(Written("csv", repository)).Read();
   const json instances = json::parse(Written("json", repository))["instances"];
   ASSERT_EQ(records.size(), instances.size() + 1);
@@ -122,8 +122,8 @@ TEST(CsvWriter, WritesSeveralClassesInOneTable) {
 }
 
 TEST(CsvWriter, HasTheSameContentAsJson) {
-  ExpectSame(*MakeFixedRepository());
-  ExpectSame(*MakeHostileRepository());
+  ExpectCsvLikeJson(*MakeFixedRepository());
+  ExpectCsvLikeJson(*MakeHostileRepository());
 }
 
 TEST(CsvWriter, DoesNotChangeTextsThatLookLikeFormulas) {

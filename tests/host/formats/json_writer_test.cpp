@@ -15,8 +15,8 @@ namespace {
 using nlohmann::json;
 using testing::ElementsAre;
 
-std::string Written(const std::string& format, const std::vector<std::string>& classes,
-                    const vtq::Namespace& repository) {
+std::string WrittenJson(const std::string& format, const std::vector<std::string>& classes,
+                        const vtq::Namespace& repository) {
   OutputToText output;
   WriteInstances(repository, classes, *MakeInstanceWriter(format, output.Get()));
   return output.Text();
@@ -24,7 +24,7 @@ std::string Written(const std::string& format, const std::vector<std::string>& c
 
 TEST(JsonWriter, WritesOneDocumentWithOneInstancePerLine) {
   const std::string text =
-      Written("json", {"QZMSG_PCIBridge", "QZMSG_PCIDevice"}, *MakeFixedRepository());
+      WrittenJson("json", {"QZMSG_PCIBridge", "QZMSG_PCIDevice"}, *MakeFixedRepository());
   const json document = json::parse(text);
   ASSERT_EQ(document["instances"].size(), 5U);
   EXPECT_EQ(document["instances"][0]["class"], "QZMSG_PCIBridge");
@@ -33,7 +33,8 @@ TEST(JsonWriter, WritesOneDocumentWithOneInstancePerLine) {
 }
 
 TEST(JsonWriter, AnInstanceHasClassPathAndTheSetProperties) {
-  const json document = json::parse(Written("json", {"QZMSG_SystemSlot"}, *MakeFixedRepository()));
+  const json document =
+      json::parse(WrittenJson("json", {"QZMSG_SystemSlot"}, *MakeFixedRepository()));
   EXPECT_EQ(document["instances"][0], json::parse(R"({
     "class": "QZMSG_SystemSlot",
     "path": "/root/cimv2:QZMSG_SystemSlot.CreationClassName=\"QZMSG_SystemSlot\",Tag=\"Tag 1\"",
@@ -44,7 +45,7 @@ TEST(JsonWriter, AnInstanceHasClassPathAndTheSetProperties) {
 }
 
 TEST(JsonWriter, PropertiesAreInByteOrderOfTheirNames) {
-  const std::string text = Written("jsonl", {"QZMSG_PCIDevice"}, *MakeFixedRepository());
+  const std::string text = WrittenJson("jsonl", {"QZMSG_PCIDevice"}, *MakeFixedRepository());
   const auto instance = nlohmann::ordered_json::parse(LinesOf(text).front());
   std::vector<std::string> names;
   for (const auto& [name, value] : instance["properties"].items()) names.push_back(name);
@@ -55,35 +56,36 @@ TEST(JsonWriter, PropertiesAreInByteOrderOfTheirNames) {
 
 TEST(JsonWriter, ReferencesArePathTexts) {
   const json document = json::parse(
-      Written("json", {"QZMSG_DeviceInSlot", "QZMSG_SystemSlot"}, *MakeFixedRepository()));
+      WrittenJson("json", {"QZMSG_DeviceInSlot", "QZMSG_SystemSlot"}, *MakeFixedRepository()));
   EXPECT_EQ(document["instances"][0]["properties"]["Antecedent"], document["instances"][1]["path"]);
 }
 
 TEST(JsonWriter, InvalidUtf8IsReadAsLatin1) {
-  const json document = json::parse(Written("json", {"QZMSG_PCIRawData"}, *MakeFixedRepository()));
+  const json document =
+      json::parse(WrittenJson("json", {"QZMSG_PCIRawData"}, *MakeFixedRepository()));
   EXPECT_EQ(document["instances"][0]["properties"]["RawResult"],
             json({"00:00.0 \"quoted\" \\ and\ttabbed", "", "caf\xc3\xa9"}));
 }
 
 TEST(JsonWriter, WithoutInstancesWritesAnEmptyDocument) {
-  EXPECT_EQ(json::parse(Written("json", {"QZMSG_PCIDevice"}, *MakeEmptyRepository())),
+  EXPECT_EQ(json::parse(WrittenJson("json", {"QZMSG_PCIDevice"}, *MakeEmptyRepository())),
             json::parse(R"({"instances": []})"));
 }
 
 TEST(JsonLinesWriter, WritesOneObjectPerLine) {
   const auto repository = MakeFixedRepository();
   const std::vector<std::string> lines =
-      LinesOf(Written("jsonl", {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, *repository));
+      LinesOf(WrittenJson("jsonl", {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, *repository));
   ASSERT_EQ(lines.size(), 3U);
   const json document =
-      json::parse(Written("json", {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, *repository));
+      json::parse(WrittenJson("json", {"QZMSG_SystemBoard", "QZMSG_PCIBridge"}, *repository));
   for (std::size_t i = 0; i < lines.size(); ++i) {
     EXPECT_EQ(json::parse(lines[i]), document["instances"][i]);
   }
 }
 
 TEST(JsonLinesWriter, WritesNothingForNoInstances) {
-  EXPECT_EQ(Written("jsonl", {"QZMSG_PCIDevice"}, *MakeEmptyRepository()), "");
+  EXPECT_EQ(WrittenJson("jsonl", {"QZMSG_PCIDevice"}, *MakeEmptyRepository()), "");
 }
 
 }  // namespace

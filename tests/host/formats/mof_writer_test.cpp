@@ -129,7 +129,7 @@ class MofReader {
   std::string_view rest_;
 };
 
-void ExpectSame(const vtq::Namespace& repository) {
+void ExpectMofLikeJson(const vtq::Namespace& repository) {
   json instances = json::parse(Written("json", repository))["instances"];
   for (json& instance : instances) instance.erase("path");
   EXPECT_EQ(MofReader(Written("mof", repository)).Read(), instances);
@@ -172,8 +172,8 @@ TEST(MofWriter, AReferenceIsAnObjectPath) {
 }
 
 TEST(MofWriter, HasTheSameContentAsJson) {
-  ExpectSame(*MakeFixedRepository());
-  ExpectSame(*MakeHostileRepository());
+  ExpectMofLikeJson(*MakeFixedRepository());
+  ExpectMofLikeJson(*MakeHostileRepository());
 }
 
 TEST(MofWriter, WritesNothingForNoInstances) {

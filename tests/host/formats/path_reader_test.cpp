@@ -12,7 +12,7 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string Failure(const std::string& path) {
+std::string PathFailure(const std::string& path) {
   try {
     return "no failure, but " + ReadPath(path, *MakeEmptyHostileRepository()).ToString();
   } catch (const PathError& error) {
@@ -44,31 +44,34 @@ TEST(PathReader, AcceptsKeysInAnyOrder) {
 }
 
 TEST(PathReader, SaysWhatIsWrong) {
-  EXPECT_THAT(Failure(""), HasSubstr("expected \"/root/cimv2:\""));
-  EXPECT_THAT(Failure("/root/other:C"), HasSubstr("expected \"/root/cimv2:\""));
-  EXPECT_THAT(Failure("/root/cimv2:C.a=1"), HasSubstr("unknown class \"C\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything"), HasSubstr("the key Key of"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Lock=\"\""), HasSubstr("no key \"Lock\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.string=\"\""),
+  EXPECT_THAT(PathFailure(""), HasSubstr("expected \"/root/cimv2:\""));
+  EXPECT_THAT(PathFailure("/root/other:C"), HasSubstr("expected \"/root/cimv2:\""));
+  EXPECT_THAT(PathFailure("/root/cimv2:C.a=1"), HasSubstr("unknown class \"C\""));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything"), HasSubstr("the key Key of"));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Lock=\"\""),
+              HasSubstr("no key \"Lock\""));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.string=\"\""),
               HasSubstr("no key \"string\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key"), HasSubstr("expected \"=\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=a"), HasSubstr("expected \"\"\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a"), HasSubstr("no closing quote"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\\"), HasSubstr("no closing quote"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\"b"), HasSubstr("expected \",\""));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Everything.Key=\"a\",Key=\"a\""),
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Key"), HasSubstr("expected \"=\""));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Key=a"), HasSubstr("expected \"\"\""));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Key=\"a"), HasSubstr("no closing quote"));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Key=\"a\\"),
+              HasSubstr("no closing quote"));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Key=\"a\"b"),
+              HasSubstr("expected \",\""));
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Everything.Key=\"a\",Key=\"a\""),
               HasSubstr("Key occurs twice"));
 }
 
 TEST(PathReader, ChecksTheTypesOfKeys) {
   const std::string target = R"(Target="/root/cimv2:Hostile_Everything.Key=\"a\"")";
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Flag=TRUE,Count=-7," + target),
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Link.Flag=TRUE,Count=-7," + target),
               HasSubstr("no failure"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Flag=yes"),
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Link.Flag=yes"),
               HasSubstr("Flag: yes is not of type boolean"));
-  EXPECT_THAT(Failure("/root/cimv2:Hostile_Link.Count=32768"),
+  EXPECT_THAT(PathFailure("/root/cimv2:Hostile_Link.Count=32768"),
               HasSubstr("Count: 32768 is not of type sint16"));
-  EXPECT_THAT(Failure(R"(/root/cimv2:Hostile_Link.Target="nowhere")"),
+  EXPECT_THAT(PathFailure(R"(/root/cimv2:Hostile_Link.Target="nowhere")"),
               HasSubstr("expected \"/root/cimv2:\" at \"nowhere\""));
 }
 

@@ -12,7 +12,8 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-std::string Written(const std::vector<std::string>& classes, const vtq::Namespace& repository) {
+std::string WrittenTable(const std::vector<std::string>& classes,
+                         const vtq::Namespace& repository) {
   OutputToText output;
   TableWriter writer(output.Get());
   WriteInstances(repository, classes, writer);
@@ -20,7 +21,7 @@ std::string Written(const std::vector<std::string>& classes, const vtq::Namespac
 }
 
 TEST(TableWriter, WritesAHeadingAndOneBlockPerInstance) {
-  EXPECT_EQ(Written({"QZMSG_SystemBoard"}, *MakeFixedRepository()),
+  EXPECT_EQ(WrittenTable({"QZMSG_SystemBoard"}, *MakeFixedRepository()),
             "QZMSG_SystemBoard: 1 instance\n"
             "\n"
             "  CreationClassName       = QZMSG_SystemBoard\n"
@@ -31,24 +32,24 @@ TEST(TableWriter, WritesAHeadingAndOneBlockPerInstance) {
 }
 
 TEST(TableWriter, ClassesWithoutInstancesHaveAHeading) {
-  EXPECT_EQ(Written({"QZMSG_PCIDevice", "QZMSG_PCIBridge"}, *MakeEmptyRepository()),
+  EXPECT_EQ(WrittenTable({"QZMSG_PCIDevice", "QZMSG_PCIBridge"}, *MakeEmptyRepository()),
             "QZMSG_PCIDevice: 0 instances\n\nQZMSG_PCIBridge: 0 instances\n");
 }
 
 TEST(TableWriter, NumberArraysAreOnOneLine) {
-  EXPECT_THAT(Written({"QZMSG_PCIDevice"}, *MakeFixedRepository()),
+  EXPECT_THAT(WrittenTable({"QZMSG_PCIDevice"}, *MakeFixedRepository()),
               HasSubstr("  MEMAddress              = 4143972352, 3758096384\n"));
 }
 
 TEST(TableWriter, TextArraysHaveOneElementPerLine) {
-  EXPECT_THAT(Written({"QZMSG_PCIRawData"}, *MakeFixedRepository()),
+  EXPECT_THAT(WrittenTable({"QZMSG_PCIRawData"}, *MakeFixedRepository()),
               HasSubstr("  RawResult = 00:00.0 \"quoted\" \\ and tabbed\n"
                         "              \n"
                         "              caf\xc3\xa9\n"));
 }
 
 TEST(TableWriter, ReplacesUnprintableBytes) {
-  const std::string text = Written({"QZMSG_SystemSlot"}, *MakeFixedRepository());
+  const std::string text = WrittenTable({"QZMSG_SystemSlot"}, *MakeFixedRepository());
   EXPECT_THAT(text, HasSubstr("J? a designation"));
   EXPECT_THAT(text, Not(HasSubstr("\x01")));
 }

@@ -35,12 +35,11 @@ TEST(ValueText, ScalarsForPeople) {
 }
 
 TEST(ValueText, StringsDatetimesAndReferencesAreTexts) {
-  using Type = TCIMValue::TCIMType;
-  EXPECT_TRUE(IsText(Type(Type::kString)));
-  EXPECT_TRUE(IsText(Type(Type::kDateTime)));
-  EXPECT_TRUE(IsText(Type(Type::kReference)));
-  EXPECT_FALSE(IsText(Type(Type::kBoolean)));
-  EXPECT_FALSE(IsText(Type(Type::kUint16)));
+  EXPECT_TRUE(IsText(TCIMValue::TCIMType(TCIMValue::TCIMType::kString)));
+  EXPECT_TRUE(IsText(TCIMValue::TCIMType(TCIMValue::TCIMType::kDateTime)));
+  EXPECT_TRUE(IsText(TCIMValue::TCIMType(TCIMValue::TCIMType::kReference)));
+  EXPECT_FALSE(IsText(TCIMValue::TCIMType(TCIMValue::TCIMType::kBoolean)));
+  EXPECT_FALSE(IsText(TCIMValue::TCIMType(TCIMValue::TCIMType::kUint16)));
 }
 
 TEST(ValueText, RealNumbersHaveADecimalPoint) {

@@ -43,7 +43,7 @@ json AsYamlCarries(std::string text) {
   return json::parse(text);
 }
 
-void ExpectSame(const vtq::Namespace& repository) {
+void ExpectYamlLikeJson(const vtq::Namespace& repository) {
   EXPECT_EQ(JsonOf(YAML::Load(Written("yaml", repository))),
             AsYamlCarries(Written("json", repository)));
 }
@@ -75,8 +75,8 @@ TEST(YamlWriter, WritesSeveralClassesInOneList) {
 }
 
 TEST(YamlWriter, HasTheSameContentAsJson) {
-  ExpectSame(*MakeFixedRepository());
-  ExpectSame(*MakeHostileRepository());
+  ExpectYamlLikeJson(*MakeFixedRepository());
+  ExpectYamlLikeJson(*MakeHostileRepository());
 }
 
 TEST(YamlWriter, IsPrintableAscii) {

@@ -32,7 +32,7 @@ namespace pciinfo {
 namespace {
 
 /// Whether `holds` is true in a child.
-bool InChild(const std::function<bool()>& holds) {
+bool HoldsInChild(const std::function<bool()>& holds) {
   return RunInChild([&] { return holds() ? 0 : 1; }).status == 0;
 }
 
@@ -57,14 +57,14 @@ bool ThisProcessHas(unsigned capability) {
 }
 
 TEST(Confinement, HardwareAccessIsGivenUpForProgramsToo) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     GiveUpHardwareAccess();
     return !ThisProcessHas(CAP_SYS_RAWIO) && !ProgramsHave(CAP_SYS_RAWIO);
   }));
 }
 
 TEST(Confinement, ForThisMachineOnlyTheRightToReadStays) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     const bool canRead = ThisProcessHas(CAP_DAC_READ_SEARCH);
     const bool seesAll = ThisProcessHas(CAP_SYS_ADMIN);  // of configuration spaces
     Confine({.liveMachine = true});
@@ -76,7 +76,7 @@ TEST(Confinement, ForThisMachineOnlyTheRightToReadStays) {
 }
 
 TEST(Confinement, ForACaptureNoCapabilityStays) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     const bool said = Confine({}).hasNoCapabilities;
     for (unsigned capability = 0; capability <= CAP_LAST_CAP; ++capability) {
       if (ThisProcessHas(capability) || ProgramsHave(capability)) return false;
@@ -88,7 +88,7 @@ TEST(Confinement, ForACaptureNoCapabilityStays) {
 // A sanitizer keeps its user and writes files: see confinement.cpp.
 #ifndef PCIINFO_SANITIZED
 TEST(Confinement, ForACaptureRootBecomesAnOrdinaryUser) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     const uid_t before = geteuid();
     const Confined done = Confine({});
     const uid_t nobody = 65534;
@@ -98,7 +98,7 @@ TEST(Confinement, ForACaptureRootBecomesAnOrdinaryUser) {
 }
 
 TEST(Confinement, TheUserStaysWhereFilesAreMadeForHim) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     const uid_t before = geteuid();
     Confine({.keepsUser = true});
     return geteuid() == before;
@@ -109,7 +109,7 @@ TEST(Confinement, FilesOfRootsCanBeReadUntilTheyAreLoaded) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can read what its user cannot";
   const vtq::TemporaryDirectory directory;  // which only its user may enter
   const std::string file = directory.Write("plugin", "code");
-  EXPECT_TRUE(InChild([&file] {
+  EXPECT_TRUE(HoldsInChild([&file] {
     const auto canRead = [&file] { return std::ifstream(file).is_open(); };
     const Confined done = Confine({.files = {file}});
     const bool could = canRead();
@@ -122,7 +122,7 @@ TEST(Confinement, FilesAreMadeInNamedDirectoriesOnly) {
   const vtq::TemporaryDirectory own;
   const vtq::TemporaryDirectory other;
   other.Write("old", "content");
-  EXPECT_TRUE(InChild([&] {
+  EXPECT_TRUE(HoldsInChild([&] {
     const Confined done = Confine({.liveMachine = true, .writable = {own.GetPath()}});
     if (done.fileRules == 0) return true;  // a kernel without Landlock
     const auto canMake = [](const std::string& file) { return std::ofstream(file).is_open(); };
@@ -148,7 +148,7 @@ bool CanBeCutOff(const char* file) {
 TEST(Confinement, OnlyWhoMayWriteAFileCutsItOff) {
   const vtq::TemporaryDirectory directory;
   const std::string file = directory.Write("old", "content");
-  EXPECT_TRUE(InChild([&file] {
+  EXPECT_TRUE(HoldsInChild([&file] {
     if (!Confine({.liveMachine = true}).filtersCalls) return true;  // a kernel without filters
     return !CanBeCutOff(file.c_str()) && open(file.c_str(), O_RDONLY) >= 0;
   }));
@@ -157,7 +157,7 @@ TEST(Confinement, OnlyWhoMayWriteAFileCutsItOff) {
 
 /// Whether the call fails for want of permission in a process with those needs.
 bool IsRefused(const Needs& needs, const std::function<long()>& call) {
-  return InChild([&] {
+  return HoldsInChild([&] {
     Confine(needs);
     return call() < 0 && errno == EPERM;
   });
@@ -183,7 +183,7 @@ TEST(Confinement, ACaptureReachesNoNetwork) {
 }
 
 TEST(Confinement, ProcessesAndThreadsCanBeMade) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     Confine({});
     bool ran = false;
     std::thread([&ran] { ran = true; }).join();
@@ -192,7 +192,7 @@ TEST(Confinement, ProcessesAndThreadsCanBeMade) {
 }
 
 TEST(Confinement, NobodyGainsPrivilegesAndNoCoreIsWritten) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     Confine({.liveMachine = true});
     rlimit core{};
     getrlimit(RLIMIT_CORE, &core);
@@ -203,7 +203,7 @@ TEST(Confinement, NobodyGainsPrivilegesAndNoCoreIsWritten) {
 // A sanitizer takes more addresses than any limit.
 #ifndef PCIINFO_SANITIZED
 TEST(Confinement, MemoryBeyondTheLimitIsNotToBeHad) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     LimitMemory(256U << 20U);
     const bool had = HasRoom();
     LimitMemory(1);
@@ -212,7 +212,7 @@ TEST(Confinement, MemoryBeyondTheLimitIsNotToBeHad) {
 }
 
 TEST(Confinement, ALowerLimitStays) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(HoldsInChild([] {
     LimitMemory(1);
     LimitMemory(256U << 20U);
     return !HasRoom();

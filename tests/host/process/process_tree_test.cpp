@@ -21,7 +21,7 @@
 namespace pciinfo {
 namespace {
 
-bool InChild(const std::function<bool()>& holds) {
+bool ExitsWellInChild(const std::function<bool()>& holds) {
   return RunInChild([&] { return holds() ? 0 : 1; }).status == 0;
 }
 
@@ -82,7 +82,7 @@ ProcessTree::Ended AwaitEnd() {
 }
 
 TEST(ProcessTree, AProcessLeadsItsOwnGroupAndItsStatusIsKnown) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     const pid_t child = ProcessTree::Start([] { _exit(getpgrp() == getpid() ? 42 : 1); });
     const ProcessTree::Ended ended = AwaitEnd();
     return ended.process == child && WIFEXITED(ended.status) && WEXITSTATUS(ended.status) == 42;
@@ -90,7 +90,7 @@ TEST(ProcessTree, AProcessLeadsItsOwnGroupAndItsStatusIsKnown) {
 }
 
 TEST(ProcessTree, AProcessThatThrowsOrReturnsDoesNotGoOnAsItsParent) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     ProcessTree::Start([] { throw 1; });
     ProcessTree::Start([] {});
     return WEXITSTATUS(AwaitEnd().status) == 1 && WEXITSTATUS(AwaitEnd().status) == 1;
@@ -98,7 +98,7 @@ TEST(ProcessTree, AProcessThatThrowsOrReturnsDoesNotGoOnAsItsParent) {
 }
 
 TEST(ProcessTree, NoEndIsTakenWhereThereIsNone) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     if (ProcessTree::TakeEnded()) return false;
     const pid_t child = ProcessTree::Start(SleepForEver);
     const bool isNone = !ProcessTree::TakeEnded();
@@ -108,7 +108,7 @@ TEST(ProcessTree, NoEndIsTakenWhereThereIsNone) {
 }
 
 TEST(ProcessTree, ChildrenAreSeenUntilTheyHaveBeenWaitedFor) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     if (HasChildren()) return false;
     const pid_t child = fork();
     if (child == 0) _exit(0);
@@ -119,7 +119,7 @@ TEST(ProcessTree, ChildrenAreSeenUntilTheyHaveBeenWaitedFor) {
 }
 
 TEST(ProcessTree, KillEndsTheWholeGroup) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     const Note note;
     const pid_t child = ProcessTree::Start([&] {
       if (fork() == 0) note.Write(getpid());
@@ -132,7 +132,7 @@ TEST(ProcessTree, KillEndsTheWholeGroup) {
 }
 
 TEST(ProcessTree, TheGroupOfAProcessThatEndsIsKilled) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     const Note note;
     ProcessTree::Start([&] {
       if (fork() != 0) _exit(0);
@@ -146,7 +146,7 @@ TEST(ProcessTree, TheGroupOfAProcessThatEndsIsKilled) {
 }
 
 TEST(ProcessTree, OrphansAreKilledAndTheProcessThatIsKeptIsNot) {
-  EXPECT_TRUE(InChild([] {
+  EXPECT_TRUE(ExitsWellInChild([] {
     const ProcessTree processes;
     const Note note;
     const pid_t kept = ProcessTree::Start(SleepForEver);

@@ -21,7 +21,7 @@ constexpr int kEndingSignals[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1,
                                   SIGALRM, SIGXCPU, SIGVTALRM, SIGPROF, SIGIO,   SIGPWR};
 
 /// The status of a child that returns whether `holds` is true: 0 if so.
-int InChild(const std::function<bool()>& holds) {
+int StatusOfChild(const std::function<bool()>& holds) {
   return RunInChild([&] {
            for (const int signal : kEndingSignals) std::signal(signal, SIG_DFL);
            return holds() ? 0 : 1;
@@ -36,7 +36,7 @@ bool IsReadable(const HeldSignals& signals) {
 
 TEST(HeldSignals, GivesEachSignalThatWouldEndTheProcess) {
   for (const int signal : kEndingSignals) {
-    EXPECT_EQ(InChild([signal] {
+    EXPECT_EQ(StatusOfChild([signal] {
                 const HeldSignals signals;
                 if (IsReadable(signals) || signals.Take() != 0) return false;
                 raise(signal);
@@ -48,7 +48,7 @@ TEST(HeldSignals, GivesEachSignalThatWouldEndTheProcess) {
 }
 
 TEST(HeldSignals, LeavesAnIgnoredSignalIgnored) {
-  EXPECT_EQ(InChild([] {
+  EXPECT_EQ(StatusOfChild([] {
               std::signal(SIGHUP, SIG_IGN);
               const HeldSignals signals;
               raise(SIGHUP);
@@ -58,7 +58,7 @@ TEST(HeldSignals, LeavesAnIgnoredSignalIgnored) {
 }
 
 TEST(HeldSignals, GivesTheEndOfAChildAlsoWhereThatIsIgnored) {
-  EXPECT_EQ(InChild([] {
+  EXPECT_EQ(StatusOfChild([] {
               std::signal(SIGCHLD, SIG_IGN);
               const HeldSignals signals;
               const pid_t child = fork();
@@ -73,7 +73,7 @@ TEST(HeldSignals, GivesTheEndOfAChildAlsoWhereThatIsIgnored) {
 }
 
 TEST(HeldSignals, ASignalThatWasNotTakenEndsTheProcessWhenItIsReleased) {
-  EXPECT_EQ(InChild([] {
+  EXPECT_EQ(StatusOfChild([] {
               HeldSignals signals;
               raise(SIGTERM);
               signals.Release();
@@ -83,7 +83,7 @@ TEST(HeldSignals, ASignalThatWasNotTakenEndsTheProcessWhenItIsReleased) {
 }
 
 TEST(HeldSignals, WhatWasBlockedBeforeStaysBlockedWhenItIsReleased) {
-  EXPECT_EQ(InChild([] {
+  EXPECT_EQ(StatusOfChild([] {
               sigset_t blocked;
               sigemptyset(&blocked);
               sigaddset(&blocked, SIGTERM);
@@ -96,13 +96,13 @@ TEST(HeldSignals, WhatWasBlockedBeforeStaysBlockedWhenItIsReleased) {
 }
 
 TEST(EndBySignal, EndsTheProcessThoughTheSignalIsHeldOrHandled) {
-  EXPECT_EQ(InChild([] {
+  EXPECT_EQ(StatusOfChild([] {
               const HeldSignals signals;
               EndBySignal(SIGINT);
               return true;
             }),
             128 + SIGINT);
-  EXPECT_EQ(InChild([] {
+  EXPECT_EQ(StatusOfChild([] {
               std::signal(SIGHUP, [](int) {});
               EndBySignal(SIGHUP);
               return true;

@@ -29,7 +29,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 /// The classes in the output of `instances --format jsonl`, each once.
-std::vector<std::string> ClassesIn(const std::string& out) {
+std::vector<std::string> CollectedClasses(const std::string& out) {
   std::vector<std::string> classes;
   for (const std::string& line : LinesOf(out)) {
     const std::size_t start = line.find("QZMSG_");
@@ -110,7 +110,7 @@ class Survival : public testing::Test {
 TEST_F(Survival, ACrashLosesOnlyItsClass) {
   const RunResult result = Run("Abort QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)"));
 }
@@ -128,8 +128,8 @@ TEST_F(Survival, EachClassThatDiesCostsOneMoreAttempt) {
   EXPECT_EQ(CountQueries("QZMSG_SystemSlot"), 1);
   EXPECT_EQ(CountQueries("QZMSG_SystemBoard"), 2);
   EXPECT_EQ(CountQueries("QZMSG_OnBoardDevice"), 1);
-  EXPECT_THAT(ClassesIn(result.out), ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge",
-                                                 "QZMSG_SystemBoard", "QZMSG_PCIRawData"));
+  EXPECT_THAT(CollectedClasses(result.out), ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge",
+                                                        "QZMSG_SystemBoard", "QZMSG_PCIRawData"));
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in died by signal 6 (Aborted)",
                           "pciinfo: QZMSG_OnBoardDevice: the plug-in died by signal 6 (Aborted)"));
@@ -138,7 +138,7 @@ TEST_F(Survival, EachClassThatDiesCostsOneMoreAttempt) {
 TEST_F(Survival, ATimeoutInTheLastClassLosesOnlyThatClass) {
   const RunResult result = Run("Hang QZMSG_PCIRawData", {"--timeout", "2"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out),
+  EXPECT_THAT(CollectedClasses(result.out),
               ElementsAre("QZMSG_PCIDevice", "QZMSG_PCIBridge", "QZMSG_SystemSlot",
                           "QZMSG_SystemBoard", "QZMSG_DeviceInSlot", "QZMSG_OnBoardDevice"));
   EXPECT_THAT(LinesOf(result.err),
@@ -148,7 +148,7 @@ TEST_F(Survival, ATimeoutInTheLastClassLosesOnlyThatClass) {
 TEST_F(Survival, APluginThatExitsLosesOnlyItsClass) {
   const RunResult result = Run("Exit QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err), ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in ended the "
                                                "program, with exit status 0"));
 }
@@ -158,7 +158,7 @@ TEST_F(Survival, AClassThatHangsIsStopped) {
   const RunResult result = Run("Hang QZMSG_SystemSlot", {"--timeout", "4"});
   EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(60));
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_THAT(
       LinesOf(result.err),
       ElementsAre(AllOf(StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in was stopped after "),
@@ -180,11 +180,11 @@ TEST_F(Survival, APluginThatCrashesWhileLoadingIsAnError) {
 TEST_F(Survival, ACrashAtTheEndIsReportedAfterTheOutput) {
   const RunResult died = Run("Abort DeInit");
   EXPECT_EQ(died.status, 1);
-  EXPECT_THAT(ClassesIn(died.out), kAll);
+  EXPECT_THAT(CollectedClasses(died.out), kAll);
   EXPECT_EQ(died.err, "pciinfo: ending the plug-ins: the process died by signal 6 (Aborted)\n");
   const RunResult exited = Run("Exit DeInit");
   EXPECT_EQ(exited.status, 1);
-  EXPECT_THAT(ClassesIn(exited.out), kAll);
+  EXPECT_THAT(CollectedClasses(exited.out), kAll);
   EXPECT_EQ(exited.err,
             "pciinfo: ending the plug-ins: the process ended the program, with exit status 0\n");
 }
@@ -192,7 +192,7 @@ TEST_F(Survival, ACrashAtTheEndIsReportedAfterTheOutput) {
 TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
   const RunResult result = Run("Hang DeInit");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAll);
+  EXPECT_THAT(CollectedClasses(result.out), kAll);
   EXPECT_EQ(result.err, "pciinfo: ending the plug-ins: the process was stopped after 10 seconds\n");
 }
 
@@ -201,7 +201,7 @@ TEST_F(Survival, APluginThatHangsAtItsEndIsStopped) {
 TEST_F(Survival, ExhaustedMemoryLosesOnlyItsClass) {
   const RunResult result = Run("Flood QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_THAT(LinesOf(result.err),
               ElementsAre("pciinfo: QZMSG_SystemSlot: the plug-in left no memory to go on with "
                           "(--memory-limit)"));
@@ -210,7 +210,7 @@ TEST_F(Survival, ExhaustedMemoryLosesOnlyItsClass) {
 TEST_F(Survival, SilentlyExhaustedMemoryIsReported) {
   const RunResult result = Run("Hoard QZMSG_SystemSlot", {"--memory-limit", "300"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_THAT(result.err, HasSubstr("pciinfo: QZMSG_SystemSlot: the plug-in "));
 }
 #endif
@@ -218,21 +218,21 @@ TEST_F(Survival, SilentlyExhaustedMemoryIsReported) {
 TEST_F(Survival, AProcessThatAPluginLeavesBehindIsEnded) {
   const RunResult result = Run("LeaveProcess QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(ClassesIn(result.out), kAll);
+  EXPECT_THAT(CollectedClasses(result.out), kAll);
   EXPECT_FALSE(IsProcessThere());
 }
 
 TEST_F(Survival, AProcessThatADyingPluginLeavesBehindIsEnded) {
   const RunResult result = Run("LeaveProcessAndAbort QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_FALSE(IsProcessThere());
 }
 
 TEST_F(Survival, APluginThatClosesAllFilesLosesOnlyItsClass) {
   const RunResult result = Run("CloseFiles QZMSG_SystemSlot");
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(ClassesIn(result.out), kAllButSlots);
+  EXPECT_THAT(CollectedClasses(result.out), kAllButSlots);
   EXPECT_THAT(result.err, StartsWith("pciinfo: QZMSG_SystemSlot: the plug-in "));
 }
 
