@@ -10,13 +10,16 @@
 /// Every unsafe character that UTF-8 can hold, each followed by a letter; "\0" only on request,
 /// because file names and arguments end there.
 inline std::string EveryUnsafeCharacter(bool withZero = true) {
-  std::string text;
-  for (char32_t c = withZero ? 0 : 1; c <= 0x10FFFF; ++c) {
-    if (!pciinfo::IsUnsafe(c)) continue;
-    pciinfo::AppendUtf8(text, c);
-    text += 'a';
-  }
-  return text;
+  static const std::string kAll = [] {
+    std::string text;
+    for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+      if (!pciinfo::IsUnsafe(c)) continue;
+      pciinfo::AppendUtf8(text, c);
+      text += 'a';
+    }
+    return text;
+  }();
+  return kAll.substr(withZero ? 0 : 2);
 }
 
 /// Returns the first unsafe character of a text, except those in `allowed`, or what is not UTF-8,

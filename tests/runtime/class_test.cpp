@@ -4,6 +4,7 @@
 #include <random>
 
 #include "framework/add_to_vector_callback.h"
+#include "tests/fakes/fewer_if_sanitized.h"
 #include "tests/runtime/failure_of.h"
 #include "tests/runtime/fan_repository.h"
 
@@ -202,7 +203,7 @@ TEST_F(ClassTest, CountsInstancesThatAreNeitherCommittedNorDropped) {
 
 // If each commit searched all instances, this would take minutes.
 TEST_F(ClassTest, HoldsAHundredThousandInstances) {
-  constexpr unsigned kCount = 100000;
+  constexpr unsigned kCount = FewerIfSanitized(100000);
   for (unsigned round = 1; round <= 2; ++round) {
     for (unsigned number = 0; number < kCount; ++number) {
       Commit(std::to_string(number), static_cast<unsigned short>(round));

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/fakes/fewer_if_sanitized.h"
 #include "tests/topology/random_machine.h"
 #include "tests/topology/resolution_rules.h"
 #include "topology/slot_resolver.h"
@@ -12,7 +13,7 @@ namespace topology {
 namespace {
 
 TEST(RandomMachines, KeepTheRulesOfResolutions) {
-  for (unsigned seed = 0; seed < 5000; ++seed) {
+  for (unsigned seed = 0; seed < FewerIfSanitized(5000); ++seed) {
     const Machine machine = MakeRandomMachine(seed);
     const BusTree tree(machine.functions);
     EXPECT_EQ(BrokenRule(machine, ResolveSlots(machine, tree)), "") << "seed " << seed;

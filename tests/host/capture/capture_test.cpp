@@ -109,12 +109,12 @@ TEST_F(CaptureTest, ASignalLeavesNothingAndStopsIt) {
     const std::string tool = directory_.WriteScript("slow-tool",
                                                     "[ \"$1\" != --version ] || exit\n"
                                                     "while sleep 0.1; do echo x; done");
-    const RunResult result =
-        RunShell("unshare --user --map-root-user --mount bash -c 'mount --bind " + tool +
-                 " /usr/bin/lspci; $PCIINFO capture " + Path(name) +
-                 " & capture=$!; for i in {1..200}; do "
-                 "pgrep -f \"^[^ ]*sh /usr/bin/lspci -\" > /dev/null && break; sleep 0.05; done; "
-                 "kill -TERM $capture; wait $capture'");
+    const RunResult result = RunShell(
+        "unshare --user --map-root-user --mount bash -c 'mount --bind " + tool +
+        " /usr/bin/lspci; $PCIINFO capture " + Path(name) +
+        " & capture=$!; for i in {1..200}; do "
+        "pgrep -f \"^[^ ]*sh /usr/bin/lspci( -[^-]|$)\" > /dev/null && break; sleep 0.05; done; "
+        "kill -TERM $capture; wait $capture'");
     EXPECT_EQ(result.status, 143) << result.err;
     fs::remove(tool);
     EXPECT_THAT(directory_.Names(), IsEmpty());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A plug-in whose raw listing has a quarter of a million lines.
+// A plug-in whose raw listing has a quarter of a million lines, with sanitizers a quarter of these.
+#include "tests/fakes/fewer_if_sanitized.h"
 #include "tests/host/plugins/fake_plugin.h"
 
 namespace {
@@ -10,7 +11,7 @@ using namespace NQZMVTQ20;
 class LongListing final : public fake::FakePlugin {
   void Serve(ICIMClass& cimClass) override {
     if (cimClass.GetName({}) != "QZMSG_PCIRawData") return FakePlugin::Serve(cimClass);
-    constexpr std::uint32_t kLines = 250000;
+    constexpr std::uint32_t kLines = FewerIfSanitized(250000);
     TCIMValue::TArray lines;
     for (std::uint32_t i = 0; i < kLines; ++i) lines.emplace_back("line " + std::to_string(i));
     const std::shared_ptr<ICIMInstance> listing = cimClass.CreateInstance({});

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "tests/fakes/fewer_if_sanitized.h"
 #include "tests/host/run_program.h"
 #include "tests/host/signal_storm.h"
 #include "tests/runtime/temporary_directory.h"
@@ -38,7 +39,7 @@ class Signals : public testing::Test {
 
   void CarryOut(SignalStorm storm) const {
     const char* const count = std::getenv("PCIINFO_SIGNALS");
-    storm.count = count == nullptr ? 100 : std::atoi(count);
+    storm.count = count == nullptr ? static_cast<int>(FewerIfSanitized(100)) : std::atoi(count);
     storm.directory = directory_.GetPath();
     const RunResult result = RunInChild([&storm] {
       if (!HaveOwnScratchPlace()) return kNoNamespaces;
