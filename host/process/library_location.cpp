@@ -8,11 +8,13 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "host/process/plugin_directory.h"
+
 namespace pciinfo {
 namespace {
 
 std::filesystem::path InstalledDirectory(const std::filesystem::path& programDirectory) {
-  return (programDirectory / PCIINFO_PLUGIN_DIRECTORY).lexically_normal();
+  return (programDirectory / kPluginDirectory).lexically_normal();
 }
 
 }  // namespace
