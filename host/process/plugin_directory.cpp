@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// In a file of its own, because only this is compiled again when the place of the installation changes.
+// In a file of its own, because only this is compiled again when the place of the installation
+// changes.
 #include "host/process/plugin_directory.h"
 
 namespace pciinfo {
