@@ -70,12 +70,12 @@ void AddNames(OrderedJson& object, const MachineFunction& function) {
 }
 
 void AddLink(OrderedJson& object, const Link& link) {
-  OrderedJson json = OrderedJson::object();
-  AddValue(json, "width", link.width);
-  AddText(json, "speed", link.speed);
-  AddValue(json, "maxWidth", link.maxWidth);
-  AddText(json, "maxSpeed", link.maxSpeed);
-  if (!json.empty()) object["link"] = std::move(json);
+  OrderedJson known = OrderedJson::object();
+  AddValue(known, "width", link.width);
+  AddText(known, "speed", link.speed);
+  AddValue(known, "maxWidth", link.maxWidth);
+  AddText(known, "maxSpeed", link.maxSpeed);
+  if (!known.empty()) object["link"] = std::move(known);
 }
 
 const char* PlaceName(FunctionPlace place) {
