@@ -43,3 +43,13 @@ function(pciinfo_compile_quickly)
     endif()
   endforeach()
 endfunction()
+
+# pciinfo_count_runs(TARGET...): for programs that consist of such sources alone, after that. What writes the
+# counts cannot be linked where nothing is counted.
+function(pciinfo_count_runs)
+  if(PCIINFO_COVERAGE)
+    foreach(target IN LISTS ARGN)
+      target_compile_options(${target} PRIVATE -fprofile-instr-generate)
+    endforeach()
+  endif()
+endfunction()
