@@ -10,8 +10,9 @@ fail() {
 # Packages that the program needs to be built and to run.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev libarchive-dev
   libxml2-dev libyaml-cpp-dev pciutils)
-# What `pciinfo store` needs to be built, beside these; without them it is left out.
-fleet_packages=(libsoci-dev libsqlite3-dev libpq-dev libssl-dev)
+# What `pciinfo store` needs to be built, beside these; without them it is left out. The headers of
+# libsoci-dev include those of Boost, but the package does not depend on them.
+fleet_packages=(libsoci-dev libboost-dev libsqlite3-dev libpq-dev libssl-dev)
 # What the tests need beside these.
 test_packages=(libgtest-dev libgmock-dev procps binutils dmidecode patch less python3-jsonschema
   man-db groff mandoc "${fleet_packages[@]}" sqlite3)

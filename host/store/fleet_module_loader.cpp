@@ -14,7 +14,7 @@ namespace {
   throw std::runtime_error(
       "databases need a part of this program that is not installed: install the package "
       "pciinfo-fleet; for a program that was built from source, install the packages "
-      "libsoci-dev and libssl-dev and build it again");
+      "libsoci-dev, libboost-dev, libsqlite3-dev, libpq-dev and libssl-dev and build it again");
 }
 
 std::string ModuleFile() {
