@@ -5,6 +5,8 @@
 week later, into PostgreSQL and into two ClickHouse servers, and checks that both answer the questions in the
 same way, also when one of the two servers is stopped. The clickhouse-server is that of the directory PROGRAMS."""
 
+import importlib.machinery
+import importlib.util
 import json
 import os
 import shlex
@@ -119,6 +121,16 @@ def load(server, path):
         run(os.path.join(clickhouse, "load"), *server.options(), stdin=file)
 
 
+def load_in_parts(server, path):
+    """As a fleet is loaded that is too large for one INSERT."""
+    loader = importlib.machinery.SourceFileLoader("load", os.path.join(clickhouse, "load"))
+    program = importlib.util.module_from_spec(importlib.util.spec_from_loader("load", loader))
+    loader.exec_module(program)
+    program.MACHINES_AT_ONCE = 20
+    with open(path, encoding="utf-8") as file:
+        program.load(server.options(), file)
+
+
 def check(directory):
     program = servers.find_program("clickhouse-server", programs)
     lines = make_lines(directory)
@@ -126,7 +138,7 @@ def check(directory):
             program, directory, f"{clickhouse}/tables.sql") as (first, second):
         for path in lines:
             run(pciinfo, "store", database, path, stdout=subprocess.DEVNULL)
-            load(first, path)
+            load_in_parts(first, path)
         check_all(database, first)
         load(second, lines[1])
         check_all(database, second)
