@@ -56,17 +56,20 @@ void Directory::NoteFailure(const char* name) const {
 
 std::vector<std::string> Directory::Names() const {
   std::vector<std::string> names;
-  const int copy = IsOpen() ? openat(file_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
-  DIR* const stream = copy < 0 ? nullptr : fdopendir(copy);
-  if (stream == nullptr) {
-    if (IsOpen()) NoteFailure("");
-    if (copy >= 0) close(copy);
-    return names;
+  if (!IsOpen()) return names;
+  // Without a stream of the C library, which needs seven system calls and 32 KB more for each of
+  // thousands of directories.
+  alignas(dirent64) char part[8192];
+  ssize_t size = lseek(file_, 0, SEEK_SET) < 0 ? -1 : 1;
+  while (size > 0) {
+    size = getdents64(file_, part, sizeof part);
+    for (ssize_t at = 0; at < size;) {
+      const auto* const entry = reinterpret_cast<const dirent64*>(part + at);
+      if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+      at += entry->d_reclen;
+    }
   }
-  while (const dirent* const entry = readdir(stream)) {
-    if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
-  }
-  closedir(stream);
+  if (size < 0) NoteFailure("");
   std::sort(names.begin(), names.end());
   return names;
 }
