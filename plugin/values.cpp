@@ -1,27 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "plugin/values.h"
 
+#include <charconv>
 #include <limits>
 #include <locale>
 #include <sstream>
 #include <string_view>
-#include <tuple>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 
 using NQZMVTQ20::TCIMValue;
-
-namespace {
-
-// Returns the value of a hexadecimal digit; a larger number for any other character.
-unsigned HexDigit(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
-  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A' + 10);
-  return 16;
-}
-
-}  // namespace
 
 template <class T>
 std::string dataToString(T value) {
@@ -42,12 +31,8 @@ T ReadHex(std::string_view text) {
   if (isNegative || text.starts_with('+')) text.remove_prefix(1);
   if (text.starts_with("0x") || text.starts_with("0X")) text.remove_prefix(2);
   T value = 0;
-  for (const char c : text) {
-    const unsigned digit = HexDigit(c);
-    if (digit > 0xF) break;
-    if (value > std::numeric_limits<T>::max() / 16) return std::numeric_limits<T>::max();
-    value = static_cast<T>(value * 16U + digit);
-  }
+  const auto error = std::from_chars(text.data(), text.data() + text.size(), value, 16).ec;
+  if (error == std::errc::result_out_of_range) return std::numeric_limits<T>::max();
   return isNegative ? static_cast<T>(0 - value) : value;
 }
 
@@ -59,9 +44,7 @@ T ExtractDecimalDataToHex(std::string text) {
 template <class Map>
 void InsertProperty(Map* map, std::string name, TCIMValue value) {
   if (value.IsNull()) return;
-  // In two tuples, because emplace with two values searches the map twice.
-  map->emplace(std::piecewise_construct, std::forward_as_tuple(std::move(name)),
-               std::forward_as_tuple(std::move(value)));
+  map->emplace(std::move(name), std::move(value));
 }
 
 template VTQ_EXPORT std::string dataToString(const char* value);

@@ -38,16 +38,6 @@ std::vector<std::size_t> KeysAmong(const std::vector<std::size_t>& positions,
   return keys;
 }
 
-// Not inlined, so that the caller needs no stack space for the message: it seldom has to search.
-[[gnu::noinline]] std::size_t Search(const ClassSchema& schema, const std::string& property) {
-  const std::vector<PropertySchema>& properties = schema.properties;
-  const auto found = std::find_if(properties.begin(), properties.end(),
-                                  [&](const auto& other) { return other.name == property; });
-  if (found != properties.end()) return static_cast<std::size_t>(found - properties.begin());
-  throw TVTQException("the class " + schema.name + " has no property " + property,
-                      TVTQStatusCode::kNotFound);
-}
-
 }  // namespace
 
 Class::Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema schema)
@@ -56,16 +46,17 @@ Class::Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema 
       schema_(std::move(schema)),
       nameOrder_(PositionsInNameOrder(schema_)),
       keyOrder_(KeysAmong(nameOrder_, schema_.properties)),
-      followers_(schema_.properties.size() + 1),  // one is there for a class without properties
       instances_(std::make_shared<std::vector<std::shared_ptr<Instance>>>()) {}
 
 std::size_t Class::PositionOf(const std::string& property) const {
   const std::vector<PropertySchema>& properties = schema_.properties;
-  std::size_t& expected = followers_[last_];
-  if (expected >= properties.size() || properties[expected].name != property) {
-    expected = Search(schema_, property);
+  const auto found = std::find_if(properties.begin(), properties.end(),
+                                  [&](const auto& other) { return other.name == property; });
+  if (found == properties.end()) {
+    throw TVTQException("the class " + schema_.name + " has no property " + property,
+                        TVTQStatusCode::kNotFound);
   }
-  return last_ = expected;
+  return static_cast<std::size_t>(found - properties.begin());
 }
 
 std::shared_ptr<Instance> Class::Find(const std::string& path) const {

@@ -26,11 +26,6 @@ std::string ShapeText(TCIMValue::TCIMType type, bool isArray) {
                       TVTQStatusCode::kInvalidArgument);
 }
 
-// Apart from GetOwner, which every property calls, so that it needs no stack space for the text.
-[[noreturn, gnu::noinline]] void ThrowGone() {
-  throw TVTQException("the class of this instance is gone");
-}
-
 void CheckTarget(const Class& owner, const PropertySchema& property, const TCIMValue& value) {
   if (value.IsNull()) return;
   const std::string& target = value.GetReference().GetClassName();
@@ -69,8 +64,8 @@ Instance::~Instance() {
 }
 
 Class& Instance::GetOwner() const {
-  if (class_.expired()) ThrowGone();
-  return *owner_;
+  if (!class_.expired()) return *owner_;
+  throw TVTQException("the class of this instance is gone");
 }
 
 void Instance::CheckKeys(const Class& owner) const {

@@ -98,10 +98,6 @@ class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
   ClassSchema schema_;
   std::vector<std::size_t> nameOrder_;
   std::vector<std::size_t> keyOrder_;
-  /// For each property the one that was looked up after it the last time, because plug-ins set the
-  /// properties of all instances in the same order.
-  mutable std::vector<std::size_t> followers_;
-  mutable std::size_t last_ = 0;  ///< the property that was looked up last
   // Shared with running enumerations, which continue over the instances that they began with.
   std::shared_ptr<std::vector<std::shared_ptr<Instance>>> instances_;
   std::unordered_map<std::string_view, std::size_t>

@@ -126,13 +126,9 @@ std::vector<Function> ReadFunctions() {
   const Directory devices(kSysDevices);
   std::vector<Function> functions = ReadSysfs(devices);
   if (functions.empty()) functions = ReadProc();
-  const auto isBefore = [](const Function& left, const Function& right) {
+  std::sort(functions.begin(), functions.end(), [](const Function& left, const Function& right) {
     return left.address < right.address;
-  };
-  // Names are in the order of addresses unless domains differ in width.
-  if (!std::is_sorted(functions.begin(), functions.end(), isBefore)) {
-    std::sort(functions.begin(), functions.end(), isBefore);
-  }
+  });
   return functions;
 }
 
