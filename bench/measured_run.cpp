@@ -80,7 +80,10 @@ Taken Measure(const Command& command) {
   taken.cpuSeconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
   taken.peakBytes = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
   if (WIFEXITED(taken.status) && WEXITSTATUS(taken.status) == 127) {
-    throw std::runtime_error(command.front() + " cannot be started");
+    std::string words;
+    for (const std::string& word : command) words += (words.empty() ? "" : " ") + word;
+    throw std::runtime_error("\"" + words +
+                             "\" cannot be started: bench/run installs what it needs");
   }
   return taken;
 }

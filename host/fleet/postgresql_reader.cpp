@@ -77,18 +77,28 @@ DbValue PgNumber(std::string_view text) {
 }
 
 /// "2024-05-06 07:08:09+00" without the time zone, as SQLite has it.
-std::string PgTime(std::string_view text) {
+std::string_view PgTime(std::string_view text) {
   if (text.ends_with("+00")) text.remove_suffix(3);
-  return std::string(text);
+  return text;
 }
 
-DbValue PgValue(const PGresult* result, int column) {
-  if (PQgetisnull(result, 0, column) != 0) return {};
+/// Takes a text into `value`; one that is there lends its memory.
+void TakePgText(std::string_view text, DbValue& value) {
+  if (!std::holds_alternative<std::string>(value)) value.emplace<std::string>();
+  std::get<std::string>(value).assign(text);
+}
+
+void TakePgValue(const PGresult* result, int column, DbValue& value) {
+  if (PQgetisnull(result, 0, column) != 0) {
+    value = {};
+    return;
+  }
   const std::string_view text(PQgetvalue(result, 0, column),
                               static_cast<std::size_t>(PQgetlength(result, 0, column)));
   switch (PQftype(result, column)) {
     case kBool:
-      return text == "t";
+      value = text == "t";
+      break;
     case kInt8:
     case kInt2:
     case kInt4:
@@ -96,11 +106,13 @@ DbValue PgValue(const PGresult* result, int column) {
     case kFloat4:
     case kFloat8:
     case kNumeric:
-      return PgNumber(text);
+      value = PgNumber(text);
+      break;
     case kTimestampTz:
-      return PgTime(text);
+      TakePgText(PgTime(text), value);
+      break;
     default:
-      return std::string(text);
+      TakePgText(text, value);
   }
 }
 
@@ -147,20 +159,20 @@ class PostgresqlReader final : public FleetDatabase {
                       values.data(), nullptr, nullptr, 0);
     PQsetSingleRowMode(connection_);
     bool hasBegun = false;
+    DbRow row;
     while (const PgResult result{PQgetResult(connection_)}) {
       RequireResult(result.get(), connection_);
       if (!hasBegun) sink.Begin(PgNames(result.get()));
       hasBegun = true;
-      if (PQntuples(result.get()) > 0) WriteRow(result.get(), sink);
+      if (PQntuples(result.get()) > 0) WriteRow(result.get(), row, sink);
     }
     sink.End();
   }
 
-  static void WriteRow(const PGresult* result, RowSink& sink) {
-    DbRow row;
-    const int count = PQnfields(result);
-    row.reserve(static_cast<std::size_t>(count));
-    for (int column = 0; column < count; ++column) row.push_back(PgValue(result, column));
+  /// The values before lend `row` their memory.
+  static void WriteRow(const PGresult* result, DbRow& row, RowSink& sink) {
+    row.resize(static_cast<std::size_t>(PQnfields(result)));
+    for (std::size_t i = 0; i < row.size(); ++i) TakePgValue(result, static_cast<int>(i), row[i]);
     sink.Write(row);
   }
 
