@@ -124,7 +124,7 @@ Json Definitions(const std::vector<vtq::ClassSchema>& classes) {
   definitions.update(Json::parse(kCheckJsonSchema));
   definitions.update(Json::parse(kDiffJsonSchema));
   definitions.update(Json::parse(kLinesJsonSchema));
-  definitions.update(Json::parse(kFleetJsonSchema));
+  definitions.update(FleetDefinitions());
   return definitions;
 }
 
