@@ -104,7 +104,7 @@ std::optional<DeviceLine> NextDevice(std::string_view lines, std::size_t at, std
   return std::nullopt;
 }
 
-/// Takes the lines to be in the order of their IDs.
+/// Assumes that the lines are in the order of their IDs.
 std::optional<std::size_t> BisectDevices(std::string_view lines, unsigned device) {
   std::size_t low = 0;
   for (std::size_t high = lines.size(); low < high;) {

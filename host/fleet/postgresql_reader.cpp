@@ -82,7 +82,7 @@ std::string_view PgTime(std::string_view text) {
   return text;
 }
 
-/// Takes a text into `value`; one that is there lends its memory.
+/// Copies a text to `value`. Reuses the memory of a text that `value` already holds.
 void TakePgText(std::string_view text, DbValue& value) {
   if (!std::holds_alternative<std::string>(value)) value.emplace<std::string>();
   std::get<std::string>(value).assign(text);
@@ -169,7 +169,7 @@ class PostgresqlReader final : public FleetDatabase {
     sink.End();
   }
 
-  /// The values before lend `row` their memory.
+  /// Reuses the memory of the values that `row` already holds.
   static void WriteRow(const PGresult* result, DbRow& row, RowSink& sink) {
     row.resize(static_cast<std::size_t>(PQnfields(result)));
     for (std::size_t i = 0; i < row.size(); ++i) TakePgValue(result, static_cast<int>(i), row[i]);

@@ -74,7 +74,7 @@ void BindSqlite(sqlite3_stmt* statement, const std::vector<std::string>& values)
   }
 }
 
-/// Takes a text into `value`; one that is there lends its memory.
+/// Copies a text to `value`. Reuses the memory of a text that `value` already holds.
 void TakeSqliteText(sqlite3_stmt* statement, int column, DbValue& value) {
   const void* bytes = sqlite_api::sqlite3_column_blob(statement, column);
   const int size = sqlite_api::sqlite3_column_bytes(statement, column);

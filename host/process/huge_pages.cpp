@@ -39,8 +39,9 @@ void AdviseHugePages(void* block) noexcept {
   madvise(block, space / kHugePage * kHugePage, MADV_HUGEPAGE);
 }
 
-/// Lets the heap go on a page before a huge one: the allocator writes at the front of what the
-/// heap grows by, before that is advised. What is left out stays without memory.
+/// Moves the end of the heap to one page before a huge page begins. Where the heap grows, the
+/// allocator writes a header before the new part can be advised; that page takes the header.
+/// Nothing is written to the skipped addresses, so they cost no memory.
 void SkipToHugePage() noexcept {
   constexpr std::size_t kPage = 4096;
   sbrk(static_cast<std::intptr_t>(kHugePage - (HeapEnd() + kPage) % kHugePage));

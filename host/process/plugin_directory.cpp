@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// In a file of its own, because only this is compiled again when the place of the installation
-// changes.
+// This is a file of its own, so that another place of the installation recompiles nothing else.
 #include "host/process/plugin_directory.h"
 
 namespace pciinfo {

@@ -86,7 +86,7 @@ const std::vector<FleetAnswer>& FleetAnswers() {
        "changes",
        "fleetChange",
        {"at", "machine", "kind", "object", "change", "property", "before", "after"}},
-      // An empty one is like that of `check`.
+      // An empty list has the definition of `check`, which prints the same.
       {"fleetFindings",
        "findings",
        "findings",
