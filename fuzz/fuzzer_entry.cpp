@@ -16,6 +16,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 
 const char* __asan_default_options() {
-  return "quarantine_size_mb=8:thread_local_quarantine_size_kb=64:max_malloc_fill_size=0:"
+  return "quarantine_size_mb=1:thread_local_quarantine_size_kb=64:max_malloc_fill_size=0:"
          "malloc_context_size=4";
 }
