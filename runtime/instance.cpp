@@ -129,12 +129,12 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, cons
 }
 
 void Instance::SetValue(std::size_t position, const TCIMValue& value) {
-  std::uint32_t& place = places_[position];
+  std::uint16_t& place = places_[position];
   if (place != 0) {
     values_[place] = value;
   } else {
     values_.push_back(value);
-    place = static_cast<std::uint32_t>(values_.size() - 1);
+    place = static_cast<std::uint16_t>(values_.size() - 1);
   }
 }
 

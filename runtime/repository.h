@@ -30,7 +30,7 @@ class VTQ_EXPORT Namespace final : public NQZMVTQ20::ICIMNamespace,
   static std::shared_ptr<Namespace> Create(std::string name);
 
   /// Adds a class. Throws TVTQException when the namespace already has a class of that name, or the
-  /// schema has two properties of the same name.
+  /// schema has two properties of the same name or more than 65,534.
   void Declare(ClassSchema schema);
 
   /// All classes, in the order of their declaration.
@@ -54,7 +54,7 @@ class VTQ_EXPORT Namespace final : public NQZMVTQ20::ICIMNamespace,
 class VTQ_EXPORT Class final : public NQZMVTQ20::ICIMClass,
                                public std::enable_shared_from_this<Class> {
  public:
-  /// Throws TVTQException when the schema has two properties of the same name.
+  /// Throws TVTQException when the schema has two properties of the same name, or more than 65,534.
   Class(std::weak_ptr<Namespace> owner, std::string nameSpace, ClassSchema schema);
 
   const ClassSchema& GetSchema() const noexcept { return schema_; }
@@ -142,7 +142,7 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   std::weak_ptr<Class> class_;
   Class* owner_;  ///< valid unless class_ has expired; avoids locking class_ for every value
   // Many properties of a class are null in most instances, so only those that were set have room.
-  std::vector<std::uint32_t> places_;         ///< of the properties in values_; 0 where unset
+  std::vector<std::uint16_t> places_;         ///< of the properties in values_; 0 where unset
   std::vector<NQZMVTQ20::TCIMValue> values_;  ///< the first is null
   // Built on demand, because nearly all references are never used.
   mutable std::string path_;
