@@ -8,6 +8,7 @@
 #include "host/cli/commands.h"
 #include "host/cli/options.h"
 #include "host/console/output.h"
+#include "host/process/end_process.h"
 #include "host/process/guarded_run.h"
 #include "host/process/supervisor.h"
 
@@ -37,9 +38,9 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   try {
-    return RunGuarded([&] { return Run(argc, argv); });
+    EndProcess(RunGuarded([&] { return Run(argc, argv); }));
   } catch (const EndedBySignal& end) {
     EndBySignal(end.signal);
-    return kFailed;
+    EndProcess(kFailed);
   }
 }

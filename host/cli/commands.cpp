@@ -174,7 +174,6 @@ std::string TimeOf(const std::optional<Manifest>& manifest) {
                         .isCapture = !options.root.empty(),
                         .domainOf = MakeDomainLookup(),
                         .showedNoTables = ShowedNoTables(manifest)});
-  UseHugePages();
   Session session(report, log, plugins.declared.classes);
   session.SetTime(TimeOf(manifest));
   worker.Begin({"loading the plug-ins", true, false});
@@ -185,6 +184,7 @@ std::string TimeOf(const std::optional<Manifest>& manifest) {
   worker.EndStep();
   CollectClasses(session, report, job, worker);
   worker.BeginOutput();
+  TellIdlePlugins(options.plugins, plugins);
   const ExitStatus printed = Print(descriptor, [&](Output& output) { job.print(session, output); });
   const std::size_t seen = job.showsTroubles ? report.GetLines().size() : 0;
   worker.BeginEnding();
@@ -225,14 +225,16 @@ class Runner final {
 };
 
 ExitStatus RunViewTo(int descriptor, Options options, const Terminal& terminal, Runner& runner) {
-  const PluginSet plugins = FindPlugins(options.plugins);  // reads files of the user's
-  const Job job = MakeJob(options, plugins, terminal);
-  TellIdlePlugins(options.plugins, plugins);
   MakeFilesAbsolute(options);
   const LogSettings log = OpenLog(options);  // one file for all workers
   const Machine machine(options);
+  // The worker reads the class files: where the supervisor has written to a page of memory before,
+  // each of the two has to enter the kernel to write to it again.
   return runner.Run(
       [&](Worker& worker) -> ExitStatus {
+        UseHugePages();
+        const PluginSet plugins = FindPlugins(options.plugins);  // reads files of the user's
+        const Job job = MakeJob(options, plugins, terminal);
         const std::optional<Manifest> manifest = machine.Enter(worker, {.files = FilesOf(plugins)});
         Show(options, plugins, job, log, manifest, descriptor, worker);
       },
@@ -263,9 +265,9 @@ ExitStatus RunCapture(Options options) {
 }
 
 ExitStatus RunSchema(const Options& options, const Terminal& terminal) {
-  const PluginSet plugins = FindPlugins(options.plugins);
   return Runner(options).Run(
       [&](Worker& worker) {
+        const PluginSet plugins = FindPlugins(options.plugins);
         worker.BeginOutput();
         return Print(STDOUT_FILENO, [&](Output& output) {
           WriteSchema(output, options.schemaFormat, plugins.declared.classes);

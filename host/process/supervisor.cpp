@@ -255,11 +255,13 @@ void Supervisor::TakeReports() {
 
 void Supervisor::TakeReport(const Report& report) {
   if (report.kind == Kind::kProgress) return line_.Tell(report.text);
-  if (report.kind == Kind::kStep) BeginStep(report);
-  if (report.kind == Kind::kDone) {
-    budget_.NoteDone(report.step, std::chrono::ceil<milliseconds>(Clock::now() - worker_.began));
+  const bool wasInStep = worker_.last.kind == Kind::kStep && worker_.last.step != 0;
+  if (wasInStep && report.kind != Kind::kNoMemory) {
+    const auto taken = std::chrono::ceil<milliseconds>(Clock::now() - worker_.began);
+    budget_.NoteDone(worker_.last.step, taken);
   }
-  if (report.kind == Kind::kDone || report.kind == Kind::kOutput) worker_.deadline.reset();
+  if (report.kind == Kind::kStep) BeginStep(report);
+  if (report.kind == Kind::kOutput) worker_.deadline.reset();
   if (report.kind == Kind::kEnding || report.kind == Kind::kOver) AllowTime(kEndingTime);
   if (report.kind == Kind::kOutput) {
     line_.Erase();
@@ -325,7 +327,6 @@ std::string Supervisor::Reason() const {
 /// What the worker was doing when it ended.
 std::string Supervisor::NameOfWork() const {
   switch (worker_.last.kind) {
-    case Kind::kDone:
     case Kind::kOutput:
       return "printing";
     case Kind::kEnding:

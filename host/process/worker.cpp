@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+
+#include "host/process/end_process.h"
 
 namespace pciinfo {
 
@@ -34,11 +34,9 @@ std::optional<std::string> Worker::Begin(const Step& step) {
 }
 
 void Worker::EndStep() {
-  if (link_.reports.IsOpen() && !HasRoom()) {
-    Send(Report::Kind::kNoMemory);
-    _exit(kFailed);
-  }
-  Send(Report::Kind::kDone);
+  if (!link_.reports.IsOpen() || HasRoom()) return;
+  Send(Report::Kind::kNoMemory);
+  _exit(kFailed);
 }
 
 void Worker::Tell(const std::string& what) { Send(Report::Kind::kProgress, {what}); }
@@ -62,12 +60,7 @@ void Worker::BeginOutput() {
 
 void Worker::End(ExitStatus status) {
   Send(Report::Kind::kOver);
-#ifdef PCIINFO_WATCHED_END
-  std::exit(status);  // sanitizers and coverage look at a process when it exits
-#else
-  std::fflush(nullptr);  // what plug-ins have printed
-  _exit(status);
-#endif
+  EndProcess(status);
 }
 
 }  // namespace pciinfo

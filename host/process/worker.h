@@ -24,11 +24,10 @@ struct Step {
 /// What a worker tells its supervisor, in one packet each.
 struct Report {
   enum class Kind : char {
-    kStep,      ///< a step begins
+    kStep,      ///< a step begins; the one before it is done
     kNoMemory,  ///< the step leaves no memory to go on with, so the worker ends
-    kDone,      ///< the step is done; no time is counted until the next one
     kProgress,  ///< only the text of the progress line changes
-    kOutput,    ///< the output comes next: the supervisor erases the progress line and answers
+    kOutput,    ///< the steps are done; the supervisor erases the progress line and answers
     kEnding,    ///< the plug-ins are being ended
     kOver,      ///< the worker came to its end in good order
   };
@@ -64,7 +63,8 @@ class Worker final {
   /// reason that is returned, as a clause ("died by signal 11 (...)"). Every run begins the same
   /// steps in the same order.
   std::optional<std::string> Begin(const Step& step);
-  /// The step is done. Ends the process when it left no memory to go on with.
+  /// The step is done. Ends the process when it left no memory to go on with. Otherwise tells
+  /// nothing, because another step or the output follows at once.
   void EndStep();
   /// What the step is doing now, for the progress line.
   void Tell(const std::string& what);
