@@ -12,6 +12,9 @@
 namespace pciinfo {
 namespace {
 
+/// As many as the kernel's interface has bits for.
+constexpr unsigned kMostCapabilities = 32 * _LINUX_CAPABILITY_U32S_3;
+
 using CapabilitySets = std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3>;
 
 // The C library has no functions for these calls.
@@ -43,10 +46,11 @@ void KeepOwn(CapabilitySets& sets, Capabilities kept) noexcept {
 
 }  // namespace
 
-// The kernel may have capabilities that <linux/capability.h> does not know yet.
+// The kernel may have capabilities that <linux/capability.h> does not know yet. It refuses to drop
+// the first one that it does not have, and all of them to a process without CAP_SETPCAP.
 void LimitCapabilitiesOfPrograms(Capabilities most) noexcept {
-  for (unsigned capability = 0; prctl(PR_CAPBSET_READ, capability) >= 0; ++capability) {
-    if (!Holds(most, capability)) prctl(PR_CAPBSET_DROP, capability);
+  for (unsigned capability = 0; capability < kMostCapabilities; ++capability) {
+    if (!Holds(most, capability) && prctl(PR_CAPBSET_DROP, capability) != 0) break;
   }
   prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_CLEAR_ALL, 0, 0, 0);
 }
