@@ -19,7 +19,11 @@ class VTQ_EXPORT PathText final {
   /// array or a real number, which cannot be part of a path.
   void AddKey(const std::string& name, const NQZMVTQ20::TCIMValue& value);
 
-  std::string Take() noexcept { return std::move(text_); }
+  /// A machine has tens of thousands of paths, so they take no more memory than they need.
+  std::string Take() {
+    text_.shrink_to_fit();
+    return std::move(text_);
+  }
 
  private:
   const std::string& className_;
