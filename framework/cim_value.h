@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -109,9 +112,9 @@ class VTQ_EXPORT TCIMValue {
   /// all other values, including null.
   explicit operator std::string() const;
 
-  /// The text of a string or datetime, not copied; valid until this value changes. Throws
+  /// The text of a string or datetime, not copied; valid until this value changes or moves. Throws
   /// TVTQException for all other values.
-  const std::string& GetString() const;
+  std::string_view GetString() const;
   /// Throws TVTQException unless the value is a reference.
   const TCIMReference& GetReference() const;
   /// The elements; valid as long as any copy of this value lives. Throws TVTQException unless the
@@ -122,14 +125,64 @@ class VTQ_EXPORT TCIMValue {
   friend VTQ_EXPORT bool operator==(const TCIMValue& left, const TCIMValue& right) noexcept;
 
  private:
-  using TData = std::variant<std::monostate, bool, std::uint64_t, std::int64_t, double, std::string,
-                             TCIMReference, std::shared_ptr<const TArray>>;
+  // A machine has some hundred thousand values. With texts of 16 bytes a value takes 24; with
+  // std::string it would take 40.
+
+  /// A text of few bytes, as most are.
+  class ShortText {
+   public:
+    static constexpr std::size_t kMost = 15;
+
+    explicit ShortText(std::string_view text) noexcept
+        : size_(static_cast<std::uint8_t>(text.copy(bytes_, kMost))) {}
+
+    std::string_view View() const noexcept { return {bytes_, size_}; }
+
+    friend bool operator==(const ShortText& left, const ShortText& right) noexcept {
+      return left.View() == right.View();
+    }
+
+   private:
+    char bytes_[kMost]{};
+    std::uint8_t size_;
+  };
+
+  /// A longer text.
+  class LongText {
+   public:
+    explicit LongText(std::string_view text)
+        : bytes_(std::make_unique<char[]>(text.size())),
+          size_(text.copy(bytes_.get(), text.size())) {}
+    LongText(const LongText& other) : LongText(other.View()) {}
+    LongText(LongText&& other) noexcept
+        : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, 0)) {}
+    LongText& operator=(LongText other) noexcept {
+      bytes_.swap(other.bytes_);
+      std::swap(size_, other.size_);
+      return *this;
+    }
+    ~LongText() = default;
+
+    std::string_view View() const noexcept { return {bytes_.get(), size_}; }
+
+    friend bool operator==(const LongText& left, const LongText& right) noexcept {
+      return left.View() == right.View();
+    }
+
+   private:
+    std::unique_ptr<char[]> bytes_;
+    std::size_t size_;
+  };
+
+  using TData = std::variant<std::monostate, bool, std::uint64_t, std::int64_t, double, ShortText,
+                             LongText, TCIMReference, std::shared_ptr<const TArray>>;
+
+  void SetText(std::string_view text);
 
   template <class Integer>
   Integer ToInteger() const;
 
-  // The attribute puts the type into the padding at the end of the variant. A machine has some
-  // hundred thousand values, and each is a sixth smaller so.
+  // The attribute puts the type into the padding at the end of the variant.
   [[no_unique_address]] TData data_;
   TCIMType type_;
 };

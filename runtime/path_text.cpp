@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "runtime/path_text.h"
 
+#include <string_view>
+
 #include "framework/exception.h"
 
 namespace vtq {
@@ -15,17 +17,17 @@ using TCIMType = TCIMValue::TCIMType;
 
 constexpr std::size_t kUsualLength = 256;
 
-void AppendEscaped(std::string& text, const std::string& escaped) {
+void AppendEscaped(std::string& text, std::string_view escaped) {
   for (const char c : escaped) {
     if (c == '\\' || c == '"') text += '\\';
     text += c;
   }
 }
 
-void AppendQuoted(std::string& text, const std::string& quoted) {
+void AppendQuoted(std::string& text, std::string_view quoted) {
   text += '"';
   const bool isPlain =
-      quoted.find('"') == std::string::npos && quoted.find('\\') == std::string::npos;
+      quoted.find('"') == std::string_view::npos && quoted.find('\\') == std::string_view::npos;
   if (isPlain) {
     text += quoted;
   } else {

@@ -86,10 +86,10 @@ const char* TCIMValue::TCIMType::GetName() const noexcept {
 TCIMValue::TCIMValue() noexcept : type_(TCIMType::kNull) {}
 
 TCIMValue::TCIMValue(const char* text) : TCIMValue() {
-  if (text != nullptr) *this = TCIMValue(std::string(text));
+  if (text != nullptr) SetText(text);
 }
 
-TCIMValue::TCIMValue(std::string text) : data_(std::move(text)), type_(TCIMType::kString) {}
+TCIMValue::TCIMValue(std::string text) : TCIMValue() { SetText(text); }
 
 TCIMValue::TCIMValue(bool value) noexcept : data_(value), type_(TCIMType::kBoolean) {}
 
@@ -145,6 +145,15 @@ void TCIMValue::Set(TCIMType type, std::uint32_t count, TArray elements) {
   type_ = type;
 }
 
+void TCIMValue::SetText(std::string_view text) {
+  if (text.size() <= ShortText::kMost) {
+    data_ = ShortText(text);
+  } else {
+    data_ = LongText(text);
+  }
+  type_ = TCIMType(TCIMType::kString);
+}
+
 template <class Integer>
 Integer TCIMValue::ToInteger() const {
   if (const auto* number = std::get_if<std::uint64_t>(&data_)) return Fitting<Integer>(*number);
@@ -173,11 +182,12 @@ TCIMValue::operator double() const {
 
 TCIMValue::operator std::string() const {
   if (const auto* reference = std::get_if<TCIMReference>(&data_)) return reference->ToString();
-  return GetString();
+  return std::string(GetString());
 }
 
-const std::string& TCIMValue::GetString() const {
-  if (const auto* text = std::get_if<std::string>(&data_)) return *text;
+std::string_view TCIMValue::GetString() const {
+  if (const auto* text = std::get_if<ShortText>(&data_)) return text->View();
+  if (const auto* text = std::get_if<LongText>(&data_)) return text->View();
   ThrowUnreadable(*this, "string");
 }
 

@@ -54,13 +54,13 @@ std::optional<bool> BooleanIn(const TCIMValue& value) {
 }
 
 std::string TextIn(const TCIMValue& value) {
-  return Is(value, TCIMValue::TCIMType::kString) ? value.GetString() : std::string();
+  return Is(value, TCIMValue::TCIMType::kString) ? std::string(value.GetString()) : std::string();
 }
 
 std::vector<std::string> TextsIn(const TCIMValue& value) {
   return ElementsOf<std::string>(value, [](const TCIMValue& element) {
     const bool isText = Is(element, TCIMValue::TCIMType::kString);
-    return isText ? std::optional(element.GetString()) : std::nullopt;
+    return isText ? std::optional(std::string(element.GetString())) : std::nullopt;
   });
 }
 

@@ -56,7 +56,7 @@ void ReadListing(const NQZMVTQ20::TCIMValue& lines, std::map<PciAddress, LinkSta
   std::optional<PciAddress> address;
   for (const NQZMVTQ20::TCIMValue& element : lines.GetArray()) {
     if (element.IsNull()) continue;
-    const std::string& line = element.GetString();
+    const std::string_view line = element.GetString();
     if (!line.empty() && line.front() != '\t' && line.front() != ' ') address = AddressOf(line);
     if (!address) continue;
     if (const auto link = LinkIn(line)) links[*address] = *link;

@@ -28,7 +28,7 @@ PciFunction Resolve(const vtq::Namespace& repository, const TCIMReference& refer
 std::optional<std::string> DesignationOf(const vtq::Instance& instance) {
   const NQZMVTQ20::TCIMValue value = instance.GetProperty("SlotDesignation", {}).value;
   if (value.IsNull()) return std::nullopt;
-  return value.GetString();
+  return std::string(value.GetString());
 }
 
 Slot ReadSlot(const vtq::Instance& instance) {

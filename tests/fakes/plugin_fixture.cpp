@@ -62,7 +62,7 @@ std::vector<unsigned> Numbers(const TCIMValue& value) {
 
 std::vector<std::string> Texts(const TCIMValue& value) {
   std::vector<std::string> texts;
-  for (const TCIMValue& element : value.GetArray()) texts.push_back(element.GetString());
+  for (const TCIMValue& element : value.GetArray()) texts.emplace_back(element.GetString());
   return texts;
 }
 

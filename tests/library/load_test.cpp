@@ -109,7 +109,7 @@ std::ptrdiff_t Count(const Log& log, const std::string& record) {
 Log Texts(const vtq::Class& held, const std::string& property) {
   Log texts;
   for (const auto& instance : held.GetInstances()) {
-    texts.push_back(instance->GetProperty(property, {}).value.GetString());
+    texts.emplace_back(instance->GetProperty(property, {}).value.GetString());
   }
   return texts;
 }

@@ -9,7 +9,7 @@ using Texts = std::vector<std::string>;
 
 Texts Lines(std::string_view text) {
   Texts lines;
-  for (const NQZMVTQ20::TCIMValue& line : SplitLines(text)) lines.push_back(line.GetString());
+  for (const NQZMVTQ20::TCIMValue& line : SplitLines(text)) lines.emplace_back(line.GetString());
   return lines;
 }
 

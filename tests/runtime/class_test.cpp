@@ -23,7 +23,7 @@ class ClassTest : public testing::Test {
   }
 
   static std::string IdOf(const ICIMInstance& fan) {
-    return fan.GetProperty("DeviceID", {}).value.GetString() + "@" +
+    return static_cast<std::string>(fan.GetProperty("DeviceID", {}).value) + "@" +
            std::to_string(static_cast<int>(fan.GetProperty("Speed", {}).value));
   }
 

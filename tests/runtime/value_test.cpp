@@ -190,8 +190,23 @@ TEST(ValueTest, AnArrayTakesItsElementsOverWithoutACopy) {
   EXPECT_EQ(value.GetArray()[1].GetString().data(), text);
 }
 
-TEST(ValueTest, AValueIsLittleLargerThanItsText) {
-  EXPECT_LE(sizeof(TCIMValue), sizeof(std::string) + 8);
+TEST(ValueTest, AValueIsSmallerThanAString) { EXPECT_LT(sizeof(TCIMValue), sizeof(std::string)); }
+
+TEST(ValueTest, TextsOfAnyLengthAreKeptCopiedAndMoved) {
+  for (std::size_t size = 0; size < 40; ++size) {
+    const std::string text(size, static_cast<char>('a' + size % 26));
+    TCIMValue value(text);
+    const TCIMValue copy(value);
+    EXPECT_EQ(copy.GetString(), text);
+    const TCIMValue moved(std::move(value));
+    EXPECT_EQ(moved.GetString(), text);
+    value = copy;
+    EXPECT_EQ(value, moved);
+    EXPECT_EQ(static_cast<std::string>(value), text);
+    EXPECT_FALSE(value == TCIMValue(text + "x"));
+    value = TCIMValue(text.c_str());
+    EXPECT_EQ(value, copy);
+  }
 }
 
 TEST(ValueTest, EqualityAsksForTypeShapeAndContent) {
