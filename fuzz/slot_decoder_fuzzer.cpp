@@ -95,8 +95,8 @@ int PlainPeers(const PlainMemory& slot) {
   return peers >= 1 && peers < 9 && slot.SignedAt(1) > 16 ? peers : 0;
 }
 
-/// The slots of one structure differ in their tags only: they are compared with one slot of the
-/// model, whose tag is set each time, because making slots is most of the work.
+/// The slots of one structure differ in their tags only, and to make a slot takes most of the time.
+/// So the model makes one slot for each structure, and gets the tag of each slot in turn.
 void CheckSlots(const std::vector<TPropertyMap>& slots, const std::vector<PlainMemory>& fetched) {
   std::size_t count = 0;
   for (const PlainMemory& memory : fetched) {

@@ -15,7 +15,7 @@ using NQZMVTQ20::TVTQStatusCode;
 
 namespace {
 
-/// Instances count their values in 16 bits.
+/// An instance stores the position of each value in 16 bits; 0 means that there is none.
 constexpr std::size_t kMostProperties = 0xFFFE;
 
 std::vector<std::size_t> PositionsInNameOrder(const ClassSchema& schema) {

@@ -144,7 +144,8 @@ void Instance::Commit(const TQualifierMap&) {
   if (!committed_) --owner.uncommitted_;
   committed_ = true;
   owner.mostValues_ = std::max(owner.mostValues_, values_.size());
-  // Instances of a class differ in how many values they have: the next one takes the larger room.
+  // The constructor reserved room for as many values as any instance of the class has. What this
+  // one does not need is free for the next one.
   values_.shrink_to_fit();
 }
 

@@ -19,7 +19,7 @@ class VTQ_EXPORT PathText final {
   /// array or a real number, which cannot be part of a path.
   void AddKey(const std::string& name, const NQZMVTQ20::TCIMValue& value);
 
-  /// A machine has tens of thousands of paths, so they take no more memory than they need.
+  /// Returns the path, without spare memory: a machine has tens of thousands of paths.
   std::string Take() {
     text_.shrink_to_fit();
     return std::move(text_);

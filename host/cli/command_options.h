@@ -12,12 +12,12 @@ class App;
 
 namespace pciinfo {
 
-/// Which commands get their options. Making those of all takes a twentieth of the time of a short
-/// run, and only one command can be on the command line.
+/// Which commands get their options: all of them, or the one on the command line. To make the
+/// options of all commands takes a twentieth of the time of a short run.
 enum class CommandsWithOptions { kAll, kParsed };
 
-/// Adds all commands. With kParsed, those on the command line get their options when they are
-/// parsed. Parsing fills `options`.
+/// Adds all commands. With kParsed, a command gets its options when the parser meets its name.
+/// Parsing fills `options`.
 void AddCommands(CLI::App& app, Options& options, CommandsWithOptions which);
 
 /// Adds the option --format, which takes one of `formats`, to a command or to the program.

@@ -228,8 +228,8 @@ ExitStatus RunViewTo(int descriptor, Options options, const Terminal& terminal, 
   MakeFilesAbsolute(options);
   const LogSettings log = OpenLog(options);  // one file for all workers
   const Machine machine(options);
-  // The worker reads the class files: where the supervisor has written to a page of memory before,
-  // each of the two has to enter the kernel to write to it again.
+  // The worker reads the class files. If the supervisor did, both processes would have its memory
+  // after the fork, and the kernel would copy each page of it that one of them writes to.
   return runner.Run(
       [&](Worker& worker) -> ExitStatus {
         UseHugePages();

@@ -12,7 +12,7 @@
 namespace pciinfo {
 namespace {
 
-/// As many as the kernel's interface has bits for.
+/// The kernel's interface has this many bits for capabilities.
 constexpr unsigned kMostCapabilities = 32 * _LINUX_CAPABILITY_U32S_3;
 
 using CapabilitySets = std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3>;
@@ -46,8 +46,8 @@ void KeepOwn(CapabilitySets& sets, Capabilities kept) noexcept {
 
 }  // namespace
 
-// The kernel may have capabilities that <linux/capability.h> does not know yet. It refuses to drop
-// the first one that it does not have, and all of them to a process without CAP_SETPCAP.
+// The kernel may have capabilities that <linux/capability.h> does not know yet, so the loop goes on
+// until the kernel refuses: it does not know the next one, or this process lacks CAP_SETPCAP.
 void LimitCapabilitiesOfPrograms(Capabilities most) noexcept {
   for (unsigned capability = 0; capability < kMostCapabilities; ++capability) {
     if (!Holds(most, capability) && prctl(PR_CAPBSET_DROP, capability) != 0) break;

@@ -79,8 +79,8 @@ class Worker final {
   void BeginOutput();
   /// What comes now is the work of the plug-ins again, and may take ten seconds.
   void BeginEnding() { Send(Report::Kind::kEnding); }
-  /// Ends this process with that status. What it holds is not taken apart: for a large machine
-  /// that takes long.
+  /// Ends this process with that status. Destructors do not run (see EndProcess): for a large
+  /// machine they take long.
   [[noreturn]] void End(ExitStatus status);
 
  private:
