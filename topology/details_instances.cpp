@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <map>
+#include <span>
 
 #include "topology/details_reader.h"
 #include "topology/instances.h"
 #include "topology/properties.h"
+#include "topology/two_threads.h"
 
 namespace topology {
 namespace {
 
 using Type = NQZMVTQ20::TCIMValue::TCIMType;
+using Functions = std::span<const Function>;
+
+/// The details of so many functions are held at a time. A thread is worth its start for them.
+constexpr std::size_t kReadAtOnce = 128;
 
 /// The virtual functions of each physical one.
 using VirtualFunctionsOf = std::map<Address, std::vector<std::string>>;
@@ -168,16 +175,30 @@ void SetDetails(const Function& function, const FunctionDetails& details,
   SetNames(details.names, writer);
 }
 
+std::vector<FunctionDetails> ReadDetails(DetailsReader& reader, Functions functions) {
+  return ReadInHalves(functions, [&reader](Functions half) {
+    std::vector<FunctionDetails> details;
+    details.reserve(half.size());
+    for (const Function& function : half) details.push_back(reader.Read(function));
+    return details;
+  });
+}
+
 }  // namespace
 
 void CommitDetails(const Snapshot& snapshot, NQZMVTQ20::ICIMClass& cimClass) {
   const std::vector<Function>& functions = snapshot.GetMachine().functions;
   const VirtualFunctionsOf virtualFunctions = FindVirtualFunctions(functions);
   DetailsReader reader;
-  for (const Function& function : functions) {
+  std::vector<FunctionDetails> details;
+  for (std::size_t i = 0; i < functions.size(); ++i) {
+    if (i % kReadAtOnce == 0) {
+      const Functions left = Functions(functions).subspan(i);
+      details = ReadDetails(reader, left.first(std::min(left.size(), kReadAtOnce)));
+    }
     const auto instance = cimClass.CreateInstance({});
     PropertyWriter writer(*instance);
-    SetDetails(function, reader.Read(function), virtualFunctions, writer);
+    SetDetails(functions[i], details[i % kReadAtOnce], virtualFunctions, writer);
     writer.Set("DriverModulesUnknownBecause", reader.GetNoModulesBecause());
     instance->Commit({});
   }

@@ -19,7 +19,8 @@ class DetailsReader {
   /// Reads which modules the kernel has.
   DetailsReader();
 
-  /// Reads the files of a function that the list of functions did not need.
+  /// Reads the files of a function that the list of functions did not need. May be called on
+  /// several threads at once.
   FunctionDetails Read(const Function& function);
 
   /// Why no modules are known; empty: they are.

@@ -5,11 +5,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <future>
-#include <iterator>
 #include <span>
 
 #include "topology/kernel_directory.h"
+#include "topology/two_threads.h"
 
 namespace topology {
 namespace {
@@ -77,24 +76,9 @@ std::vector<Function> ReadNamed(const Directory& devices, Names names) {
   return functions;
 }
 
-/// The kernel takes most of the time, and serves two threads at once. A thread is worth its start
-/// from some hundred functions on.
-std::vector<Function> ReadOnTwoThreads(const Directory& devices, Names names) {
-  const std::size_t half = names.size() / 2;
-  auto others = std::async(std::launch::async, [&devices, names, half] {
-    return ReadNamed(devices, names.subspan(half));
-  });
-  std::vector<Function> functions = ReadNamed(devices, names.first(half));
-  std::vector<Function> last = others.get();
-  functions.insert(functions.end(), std::make_move_iterator(last.begin()),
-                   std::make_move_iterator(last.end()));
-  return functions;
-}
-
 std::vector<Function> ReadSysfs(const Directory& devices) {
-  constexpr std::size_t kMany = 256;
   const std::vector<std::string> names = devices.Names();
-  return names.size() < kMany ? ReadNamed(devices, names) : ReadOnTwoThreads(devices, names);
+  return ReadInHalves(Names(names), [&devices](Names part) { return ReadNamed(devices, part); });
 }
 
 /// Directories of /proc/bus/pci are named "01", or "0001:01" in other domains than the first, and

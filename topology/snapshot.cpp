@@ -11,6 +11,7 @@
 #include "topology/kernel_files.h"
 #include "topology/slot_resolver.h"
 #include "topology/slot_states.h"
+#include "topology/two_threads.h"
 
 namespace topology {
 namespace {
@@ -106,20 +107,22 @@ std::string ReadNames() {
 
 }  // namespace
 
-Snapshot::Snapshot(Machine machine, std::string names)
+Snapshot::Snapshot(Machine machine, PciNames names)
     : machine_(std::move(machine)),
       tree_(machine_.functions),
       resolution_(ResolveSlots(machine_, tree_)),
       names_(std::move(names)) {}
 
 std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider* provider) {
+  auto functions = OnThread(ReadFunctions);
+  PciNames names(ReadNames());
   Machine machine;
-  machine.functions = ReadFunctions();
+  machine.functions = functions.get();
   if (machine.functions.empty()) Report("The kernel shows no PCI functions.");
   machine.kernelSlots = ReadKernelSlots();
   ReadSlotStates(machine.kernelSlots);
   ReadFirmware(provider, machine);
-  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), ReadNames()));
+  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), std::move(names)));
 }
 
 }  // namespace topology

@@ -54,6 +54,7 @@ VitalProductBytes ReadUntil(int file, Clock::time_point end) {
 VitalProductBytes VitalProductReader::Read(const Directory& device) {
   const int file = device.OpenFile("vpd");
   if (file < 0) return {"", ReasonOf(errno)};
+  const std::lock_guard lock(mutex_);
   const Clock::time_point begin = Clock::now();
   VitalProductBytes read =
       ReadUntil(file, begin + std::min<Clock::duration>(left_, std::chrono::seconds(1)));

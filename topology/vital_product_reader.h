@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <mutex>
 #include <string>
 
 #include "topology/kernel_directory.h"
@@ -15,12 +16,14 @@ struct VitalProductBytes {
 };
 
 /// Reads the `vpd` files of functions. Some cards answer slowly or not at all, so one function gets
-/// a second, and all together get ten.
+/// a second, and all together get ten. May be called on several threads at once, and then reads one
+/// file after the other.
 class VitalProductReader {
  public:
   VitalProductBytes Read(const Directory& device);
 
  private:
+  std::mutex mutex_;  // of what follows
   std::chrono::steady_clock::duration left_ = std::chrono::seconds(10);
 };
 

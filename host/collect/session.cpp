@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/collect/session.h"
 
+#include <atomic>
 #include <exception>
 #include <new>
 #include <utility>
@@ -53,8 +54,9 @@ std::optional<std::string> FailureOf(const Step& step) {
 
 /// Plug-ins may drop the reason of what went wrong. This one the host can learn before they do.
 [[noreturn]] void ReportLackOfMemory() {
-  static bool isReporting = false;
-  if (std::exchange(isReporting, true)) throw std::bad_alloc();  // the report needs memory too
+  // The report needs memory too, and a plug-in's threads may lack it at once.
+  static std::atomic<bool> isReporting = false;
+  if (isReporting.exchange(true)) throw std::bad_alloc();
   vtq::ReportServiceFailure("there is not enough memory (see --memory-limit)");
   isReporting = false;
   throw std::bad_alloc();
