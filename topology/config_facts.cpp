@@ -109,11 +109,14 @@ ConfigFacts DecodeConfig(const ConfigSpace& config) {
   }
   const std::vector<Capability> capabilities = config.GetCapabilities();
   DecodeSubsystem(config, capabilities, facts);
+  facts.isRead = config.GetSize() != 0;
+  facts.interrupts = DecodeInterrupts(config);
   facts.capabilitiesKnown = config.HoldsCapabilities();
   if (!facts.capabilitiesKnown) return facts;
   if (const auto at = FindCapability(capabilities, PCI_CAP_ID_EXP)) {
     facts.express = DecodeExpress(config, *at);
   }
+  facts.holdsVitalProductData = FindCapability(capabilities, PCI_CAP_ID_VPD).has_value();
   return facts;
 }
 

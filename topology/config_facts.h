@@ -6,6 +6,7 @@
 #include <string>
 
 #include "topology/config_space.h"
+#include "topology/interrupts.h"
 
 namespace topology {
 
@@ -87,8 +88,11 @@ struct ConfigFacts {
   std::optional<std::uint16_t> subsystemDevice;
   std::optional<BridgeBuses> bridge;
 
+  bool isRead = false;             ///< false: not one byte could be read
   bool capabilitiesKnown = false;  ///< false for users without privileges
   std::optional<Express> express;
+  bool holdsVitalProductData = false;  ///< has the capability for it
+  Interrupts interrupts;
 
   std::uint8_t BaseClass() const noexcept { return static_cast<std::uint8_t>(classCode >> 16); }
   std::uint16_t Class() const noexcept { return static_cast<std::uint16_t>(classCode >> 8); }

@@ -30,11 +30,9 @@ VirtualFunctionsOf FindVirtualFunctions(const std::vector<Function>& functions) 
   return found;
 }
 
-void SetInterrupts(const FunctionDetails& details, PropertyWriter& writer) {
-  const Interrupts& interrupts = details.interrupts;
+void SetInterrupts(const Interrupts& interrupts, PropertyWriter& writer) {
   writer.Set("InterruptMode", interrupts.GetMode());
   writer.Set("InterruptPin", interrupts.pin);
-  writer.Set("InterruptNumber", details.irq);
   if (interrupts.msi) {
     writer.Set("MsiVectors", interrupts.msi->vectors);
     writer.Set("EnabledMsiVectors", interrupts.msi->enabledVectors);
@@ -159,7 +157,8 @@ void SetAttributes(const FunctionDetails& details, PropertyWriter& writer) {
 void SetDetails(const Function& function, const FunctionDetails& details,
                 const VirtualFunctionsOf& virtualFunctions, PropertyWriter& writer) {
   writer.Set("Address", ToText(function.address));
-  SetInterrupts(details, writer);
+  SetInterrupts(function.config.interrupts, writer);
+  writer.Set("InterruptNumber", details.irq);
   SetRegions(details.regions, writer);
   SetExtended(details.extended, writer);
   writer.Set("ExtendedUnknownBecause", details.extendedUnknownBecause);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/details_reader.h"
 
-#include <linux/pci_regs.h>
-
 #include <algorithm>
 
 #include "framework/os_specific.h"
@@ -51,8 +49,10 @@ void ReadExtended(const Function& function, const Directory& device, FunctionDet
   }
   details.extended.known = true;
   if (!function.config.express) return;
-  details.extended = DecodeExtended(
-      ConfigSpace(function.front.GetBytes() + ReadExtendedBytes(function.address, device)));
+  // Extended capabilities refer to nothing in the first 256 bytes, so those are not kept.
+  const std::string front(kConventionalSize, '\0');
+  details.extended =
+      DecodeExtended(ConfigSpace(front + ReadExtendedBytes(function.address, device)));
   if (!details.extended.known) {
     details.extendedUnknownBecause = "the kernel shows 256 bytes of configuration space only";
   }
@@ -81,7 +81,6 @@ DetailsReader::DetailsReader() : devices_(kSysDevices) {
 FunctionDetails DetailsReader::Read(const Function& function) {
   const Directory device(devices_, ToText(function.address).c_str());
   FunctionDetails details;
-  details.interrupts = DecodeInterrupts(function.front);
   ReadExtended(function, device, details);
   ReadAttributes(device, details);
   ReadVitalProductData(function, device, details);
@@ -118,7 +117,7 @@ void DetailsReader::ReadVitalProductData(const Function& function, const Directo
     details.noVitalProductDataBecause = "the capabilities could not be read";
     return;
   }
-  if (!FindCapability(function.front.GetCapabilities(), PCI_CAP_ID_VPD)) return;
+  if (!function.config.holdsVitalProductData) return;
   const VitalProductBytes read = vitalProducts_.Read(device);
   if (read.bytes.empty()) {
     details.noVitalProductDataBecause = read.trouble;

@@ -8,7 +8,6 @@
 
 #include "topology/error_counters.h"
 #include "topology/extended_facts.h"
-#include "topology/interrupts.h"
 #include "topology/regions.h"
 #include "topology/system_names.h"
 #include "topology/vital_product_data.h"
@@ -18,7 +17,6 @@ namespace topology {
 /// Everything about a function that the list of functions does not tell. It takes some twenty files
 /// a function, so it is read only for those who ask for it.
 struct FunctionDetails {
-  Interrupts interrupts;
   std::optional<unsigned> irq;  ///< of INTx, as the kernel numbers it
   ExtendedFacts extended;
   /// Why the extended capabilities are not known; empty: they are known.

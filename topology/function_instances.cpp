@@ -55,9 +55,9 @@ void SetPortLink(const Express& port, PropertyWriter& writer) {
 void SetExpress(const Function& function, const Function* parent, PropertyWriter& writer) {
   if (!function.config.capabilitiesKnown) {
     writer.Set("CapabilitiesUnknownBecause",
-               function.front.GetSize() == 0
-                   ? "the configuration space could not be read"
-                   : "only root may read more than the header of the configuration space");
+               function.config.isRead
+                   ? "only root may read more than the header of the configuration space"
+                   : "the configuration space could not be read");
   }
   if (!function.config.express) return;
   const Express& express = *function.config.express;

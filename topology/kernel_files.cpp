@@ -15,9 +15,9 @@ namespace {
 
 constexpr const char* kSlots = "/sys/bus/pci/slots";
 
-void SetConfig(const Directory& in, const char* file, Function& function) {
-  function.front = ConfigSpace(in.Read(file, kConventionalSize).value_or(""));
-  function.config = DecodeConfig(function.front);
+/// The first 256 bytes, or as many as the user may read.
+ConfigSpace ReadConfig(const Directory& in, const char* file) {
+  return ConfigSpace(in.Read(file, kConventionalSize).value_or(""));
 }
 
 /// "0x8086".
@@ -49,7 +49,8 @@ bool MayBeVirtual(const ConfigSpace& config) {
 Function ReadFunction(const Directory& device, const Address& address) {
   Function function;
   function.address = address;
-  SetConfig(device, "config", function);
+  const ConfigSpace config = ReadConfig(device, "config");
+  function.config = DecodeConfig(config);
   SetIdentifiers(device, function);
   function.driver = device.ReadLinkName("driver");
   function.numaNode = device.ReadNumber<int>("numa_node");
@@ -57,7 +58,7 @@ Function ReadFunction(const Directory& device, const Address& address) {
   if (function.numaNode && *function.numaNode < 0) function.numaNode.reset();
   function.label = device.ReadLine("label");
   function.slotUserNumber = device.ReadNumber<std::uint64_t>("firmware_node/sun");
-  if (MayBeVirtual(function.front)) {
+  if (MayBeVirtual(config)) {
     function.physicalFunction = ParseAddress(device.ReadLinkName("physfn"));
   }
   return function;
@@ -95,7 +96,7 @@ std::vector<Function> ReadProc() {
       if (!address) continue;
       Function function;
       function.address = *address;
-      SetConfig(directory, name.c_str(), function);
+      function.config = DecodeConfig(ReadConfig(directory, name.c_str()));
       functions.push_back(std::move(function));
     }
   }

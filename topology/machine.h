@@ -15,7 +15,6 @@ namespace topology {
 /// read when somebody asks for it, see function_details.h.
 struct Function {
   Address address;
-  ConfigSpace front;  ///< the first 256 bytes, of which `config` was decoded
   ConfigFacts config;
   std::string driver;                           ///< empty: none
   std::optional<int> numaNode;                  ///< unknown on machines without NUMA
