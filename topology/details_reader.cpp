@@ -6,6 +6,7 @@
 #include "framework/os_specific.h"
 #include "topology/kernel_files.h"
 #include "topology/system_names_reader.h"
+#include "topology/whole_file.h"
 
 namespace topology {
 namespace {
@@ -73,8 +74,10 @@ DetailsReader::DetailsReader() : devices_(kSysDevices) {
   const std::string path = FindModuleAliases();
   if (path.empty()) {
     noModulesBecause_ = "this system has no modules.alias of its kernel";
+  } else if (const auto text = ReadWhole(path)) {
+    aliases_ = ModuleAliases(*text);
   } else {
-    aliases_ = ModuleAliases(TOSSpecific::CaptureFile(path));
+    noModulesBecause_ = path + " could not be read";
   }
 }
 

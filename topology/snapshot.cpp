@@ -12,6 +12,7 @@
 #include "topology/slot_resolver.h"
 #include "topology/slot_states.h"
 #include "topology/two_threads.h"
+#include "topology/whole_file.h"
 
 namespace topology {
 namespace {
@@ -100,7 +101,7 @@ void ReadFirmware(const NQZMVTQ20::TPluginManagerProvider* provider, Machine& ma
 /// Distributions keep the file of names in one of these places.
 std::string ReadNames() {
   for (const char* path : {"/usr/share/misc/pci.ids", "/usr/share/hwdata/pci.ids"}) {
-    if (TOSSpecific::FileExists(path)) return TOSSpecific::CaptureFile(path);
+    if (TOSSpecific::FileExists(path)) return ReadWhole(path).value_or("");
   }
   return {};
 }

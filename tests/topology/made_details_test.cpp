@@ -21,6 +21,10 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kAddress = "0000:00:05.0";
 
+json PropertiesIn(const RunResult& run) {
+  return json::parse(run.out).at("instances").at(0).at("properties");
+}
+
 /// A machine with one function, which has vital product data.
 class MadeCard {
  public:
@@ -51,6 +55,7 @@ class MadeCard {
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
   }
+  RunResult Run() const { return RunFrom(root_.GetPath()); }
   json Read() const { return ReadFrom(root_.GetPath()); }
 
   /// What is told of the function in a capture that is made of this machine.
@@ -83,12 +88,14 @@ class MadeCard {
     PutAt(directory + "resource", "0x0000000000000000 0x0000000000000000 0x0000000000000000\n");
   }
 
+  static RunResult RunFrom(const std::string& root) {
+    return RunProcess({PCIINFO_PROGRAM, "--root", root, "instances", "VTQ_PCIFunctionDetails",
+                       "--only-plugin", TOPOLOGY_PLUGIN, "--format", "json"});
+  }
   static json ReadFrom(const std::string& root) {
-    const RunResult run =
-        RunProcess({PCIINFO_PROGRAM, "--root", root, "instances", "VTQ_PCIFunctionDetails",
-                    "--only-plugin", TOPOLOGY_PLUGIN, "--format", "json"});
+    const RunResult run = RunFrom(root);
     EXPECT_EQ(run.status, 0) << run.err;
-    return json::parse(run.out).at("instances").at(0).at("properties");
+    return PropertiesIn(run);
   }
 
   vtq::TemporaryDirectory root_;
@@ -239,6 +246,18 @@ TEST(MadeDetails, ModulesComeFromTheCaptureOnly) {
   card.Put("modalias", "pci:v00008086d0000FFFFsv00000000sd00000000bc03sc00i00\n");
   EXPECT_EQ(card.Read().at("DriverModules"), (Texts{"display"}));
   EXPECT_FALSE(card.Read().contains("DriverModulesUnknownBecause"));
+}
+
+TEST(MadeDetails, ModulesThatCannotBeReadAreUnknownAndTheRestIsTold) {
+  MadeCard card;
+  card.PutAt("sys/bus/pci/modules.alias/entry", "");  // root may read every file, but no directory
+  const RunResult run = card.Run();
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.err.find("modules.alias cannot be read: Is a directory"), std::string::npos)
+      << run.err;
+  const json told = PropertiesIn(run);
+  EXPECT_EQ(told.at("DriverModulesUnknownBecause"), "/sys/bus/pci/modules.alias could not be read");
+  EXPECT_EQ(told.at("InterruptNumber"), 17);
 }
 
 TEST(MadeDetails, VirtualFunctionsAreToldByTheirPhysicalOne) {
