@@ -11,7 +11,6 @@
 #include "topology/kernel_files.h"
 #include "topology/slot_resolver.h"
 #include "topology/slot_states.h"
-#include "topology/two_threads.h"
 #include "topology/whole_file.h"
 
 namespace topology {
@@ -108,22 +107,20 @@ std::string ReadNames() {
 
 }  // namespace
 
-Snapshot::Snapshot(Machine machine, PciNames names)
+Snapshot::Snapshot(Machine machine, std::string names)
     : machine_(std::move(machine)),
       tree_(machine_.functions),
       resolution_(ResolveSlots(machine_, tree_)),
       names_(std::move(names)) {}
 
 std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider* provider) {
-  auto functions = OnThread(ReadFunctions);
-  PciNames names(ReadNames());
   Machine machine;
-  machine.functions = functions.get();
+  machine.functions = ReadFunctions();
   if (machine.functions.empty()) Report("The kernel shows no PCI functions.");
   machine.kernelSlots = ReadKernelSlots();
   ReadSlotStates(machine.kernelSlots);
   ReadFirmware(provider, machine);
-  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), std::move(names)));
+  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), ReadNames()));
 }
 
 }  // namespace topology
