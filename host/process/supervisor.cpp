@@ -36,6 +36,7 @@ using Clock = std::chrono::steady_clock;
 using Kind = Report::Kind;
 
 constexpr milliseconds kEndingTime = std::chrono::seconds(10);
+constexpr milliseconds kReportTime{100};
 
 [[noreturn]] void ThrowErrno(const char* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -135,7 +136,7 @@ class Supervisor final {
   void TakeReports();
   void TakeReport(const Report& report);
   void BeginStep(const Report& report);
-  void AllowTime(milliseconds time);
+  void AllowTime(milliseconds time, Clock::time_point from);
   void EndWorker();
   void AwaitPager();
 
@@ -170,7 +171,8 @@ void Supervisor::StartWorker() {
   worker_.reports = std::move(sockets.mine);
   // A step that hung may have used up the time; a worker after that one is to start all the same.
   budget_.NoteDone(0, milliseconds{0});
-  AllowTime(budget_.TimeOf(0, false));
+  const Clock::time_point now = Clock::now();
+  AllowTime(budget_.TimeOf(0, false, now), now);
 }
 
 void Supervisor::RunWorker(vtq::FileDescriptor reports) {
@@ -193,14 +195,21 @@ void Supervisor::ConfineWorker(Needs needs) const {
   DieWithParent(process_);
 }
 
+/// Each report that woke this process would take a processor from the threads that the worker
+/// starts next. So only a progress line follows reports at once; without it they are taken ten
+/// times a second, which is soon enough to see that a step takes too long, and when the worker has
+/// ended.
 void Supervisor::Wait() {
+  const bool isAwake = line_.IsWanted();
   std::array<pollfd, 3> watched = {{{signals_.GetDescriptor(), POLLIN, 0},
-                                    {worker_.reports.Get(), POLLIN, 0},
+                                    {isAwake ? worker_.reports.Get() : -1, POLLIN, 0},
                                     {pager_ ? pager_->GetOutput() : -1, POLLIN, 0}}};
   std::optional<Clock::time_point> next = line_.GetDueTime();
   if (worker_.deadline) next = std::min(next.value_or(*worker_.deadline), *worker_.deadline);
+  if (!isAwake)
+    next = std::min(next.value_or(Clock::time_point::max()), Clock::now() + kReportTime);
   AwaitAny(watched, PollTime(next));
-  if (watched[1].revents != 0) TakeReports();
+  TakeReports();
   if (watched[2].revents != 0) pager_->HandleOutput((watched[2].revents & POLLIN) != 0);
   if (watched[0].revents != 0) TakeSignals();
   const Clock::time_point now = Clock::now();
@@ -249,6 +258,7 @@ void Supervisor::TakeReports() {
     if (size <= 0) return worker_.reports.Close();
     if (size != sizeof report) continue;  // not of the worker's own making
     report.text[Report::kMostText - 1] = '\0';
+    report.sent = std::min(report.sent, Clock::now());  // plug-ins can reach the socket
     TakeReport(report);
   }
 }
@@ -257,12 +267,13 @@ void Supervisor::TakeReport(const Report& report) {
   if (report.kind == Kind::kProgress) return line_.Tell(report.text);
   const bool wasInStep = worker_.last.kind == Kind::kStep && worker_.last.step != 0;
   if (wasInStep && report.kind != Kind::kNoMemory) {
-    const auto taken = std::chrono::ceil<milliseconds>(Clock::now() - worker_.began);
+    const auto taken = std::chrono::ceil<milliseconds>(report.sent - worker_.began);
     budget_.NoteDone(worker_.last.step, taken);
   }
   if (report.kind == Kind::kStep) BeginStep(report);
   if (report.kind == Kind::kOutput) worker_.deadline.reset();
-  if (report.kind == Kind::kEnding || report.kind == Kind::kOver) AllowTime(kEndingTime);
+  if (report.kind == Kind::kEnding || report.kind == Kind::kOver)
+    AllowTime(kEndingTime, report.sent);
   if (report.kind == Kind::kOutput) {
     line_.Erase();
     // The worker waits for the answer, so that its output does not come into the line.
@@ -276,14 +287,14 @@ void Supervisor::TakeReport(const Report& report) {
 
 void Supervisor::BeginStep(const Report& report) {
   worker_.step = report.text;
-  worker_.began = Clock::now();
-  AllowTime(budget_.TimeOf(report.step, report.isLast));
+  worker_.began = report.sent;
+  AllowTime(budget_.TimeOf(report.step, report.isLast, report.sent), report.sent);
   line_.Tell(report.text);
 }
 
-void Supervisor::AllowTime(milliseconds time) {
+void Supervisor::AllowTime(milliseconds time, Clock::time_point from) {
   worker_.limit = time;
-  worker_.deadline = Clock::now() + time;
+  worker_.deadline = from + time;
 }
 
 /// The worker has ended, and the user reads on.

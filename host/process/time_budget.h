@@ -22,7 +22,7 @@ class TimeBudget final {
   /// that hangs leaves some to those after it; all of it for the last one. A step that was done
   /// once already, by a worker that failed later, gets at least twice what it took then and five
   /// seconds more: it did not hang, although the step that did has used up the time.
-  Milliseconds TimeOf(int step, bool isLast, Clock::time_point now = Clock::now()) const;
+  Milliseconds TimeOf(int step, bool isLast, Clock::time_point now) const;
 
   /// A step was done in that time.
   void NoteDone(int step, Milliseconds taken) { taken_[step] = taken; }

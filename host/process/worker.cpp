@@ -18,6 +18,7 @@ void Worker::Send(Report::Kind kind, const Step& step) {
   report.isNeeded = step.isNeeded;
   report.isLast = step.isLast;
   report.step = step_;
+  report.sent = std::chrono::steady_clock::now();
   step.what.copy(report.text, Report::kMostText - 1);
   // Without its supervisor a worker must not go on; a plug-in may have closed the socket.
   if (send(link_.reports.Get(), &report, sizeof report, MSG_NOSIGNAL) != sizeof report) {
@@ -39,7 +40,9 @@ void Worker::EndStep() {
   _exit(kFailed);
 }
 
-void Worker::Tell(const std::string& what) { Send(Report::Kind::kProgress, {what}); }
+void Worker::Tell(const std::string& what) {
+  if (link_.hasProgressLine) Send(Report::Kind::kProgress, {what});
+}
 
 void Worker::Confine(const Needs& needs) const {
   if (link_.confine) link_.confine(needs);

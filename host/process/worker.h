@@ -36,8 +36,9 @@ struct Report {
   Kind kind = Kind::kStep;
   bool isNeeded = false;
   bool isLast = false;
-  int step = 0;            ///< its number, from 1
-  char text[kMostText]{};  ///< zero-terminated
+  int step = 0;                                  ///< its number, from 1
+  std::chrono::steady_clock::time_point sent{};  ///< the supervisor may take it later
+  char text[kMostText]{};                        ///< zero-terminated
 };
 
 /// What a worker needs to know of its supervisor.
@@ -66,7 +67,7 @@ class Worker final {
   /// The step is done. Ends the process when it left no memory to go on with. Otherwise tells
   /// nothing, because another step or the output follows at once.
   void EndStep();
-  /// What the step is doing now, for the progress line.
+  /// What the step is doing now, for the progress line. Tells nothing where there is none.
   void Tell(const std::string& what);
 
   /// Gives up for good what the rest of the work does not need: rights (see Confine) and the user's

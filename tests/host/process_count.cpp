@@ -49,6 +49,16 @@ std::string CommandOf(pid_t process) {
   return command;
 }
 
+/// Whether this is a thread of a process and not its first.
+bool IsThread(pid_t task) {
+  std::ifstream file("/proc/" + std::to_string(task) + "/status");
+  std::string word;
+  pid_t process = task;
+  while (file >> word && word != "Tgid:") continue;
+  file >> process;
+  return process != task;
+}
+
 /// Follows a program by the kernel's means for debuggers, which miss no process.
 class Trace final {
  public:
@@ -74,7 +84,7 @@ class Trace final {
 
  private:
   void GoOn(pid_t process, int status) {
-    if (process != first_) commands_.try_emplace(process);
+    if (process != first_ && !IsThread(process)) commands_.try_emplace(process);
     const int event = status >> 16;
     if (event == PTRACE_EVENT_EXEC && process != first_) commands_[process] = CommandOf(process);
     const int signal = WSTOPSIG(status);

@@ -81,6 +81,7 @@ TEST_F(WorkerTest, LeavesOutTheStepThatFailedInAnotherWorker) {
 }
 
 TEST_F(WorkerTest, CutsALongText) {
+  link_.hasProgressLine = true;
   Start().Tell(std::string(1000, 'x'));
   const Report report = Next().value();
   EXPECT_EQ(report.kind, Kind::kProgress);
@@ -95,6 +96,13 @@ TEST_F(WorkerTest, WithAProgressLineWaitsForTheAnswerBeforeItPrints) {
   EXPECT_THAT(NextKind(), Optional(Kind::kOutput));
   char left = 0;
   EXPECT_LT(recv(supervisor_.Get(), &left, 1, MSG_DONTWAIT), 0);
+}
+
+TEST_F(WorkerTest, WithoutAProgressLineTellsNoProgress) {
+  Worker& worker = Start();
+  worker.Tell("anything");
+  worker.BeginEnding();
+  EXPECT_THAT(NextKind(), Optional(Kind::kEnding));
 }
 
 TEST_F(WorkerTest, WithoutAProgressLineDoesNotWait) {
@@ -129,7 +137,7 @@ TEST_F(WorkerTest, EndsWhenItsSupervisorHasGone) {
   Worker& worker = Start();
   supervisor_.Close();
   EXPECT_EQ(RunInChild([&] {
-              worker.Tell("anything");
+              worker.BeginEnding();
               return 0;
             }).status,
             kFailed);
