@@ -36,7 +36,7 @@ using Clock = std::chrono::steady_clock;
 using Kind = Report::Kind;
 
 constexpr milliseconds kEndingTime = std::chrono::seconds(10);
-constexpr milliseconds kReportTime{100};
+constexpr milliseconds kReportDelay{100};  // at most
 
 [[noreturn]] void ThrowErrno(const char* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -207,7 +207,7 @@ void Supervisor::Wait() {
   std::optional<Clock::time_point> next = line_.GetDueTime();
   if (worker_.deadline) next = std::min(next.value_or(*worker_.deadline), *worker_.deadline);
   if (!isAwake)
-    next = std::min(next.value_or(Clock::time_point::max()), Clock::now() + kReportTime);
+    next = std::min(next.value_or(Clock::time_point::max()), Clock::now() + kReportDelay);
   AwaitAny(watched, PollTime(next));
   TakeReports();
   if (watched[2].revents != 0) pager_->HandleOutput((watched[2].revents & POLLIN) != 0);
