@@ -175,10 +175,10 @@ void SetDetails(const Function& function, const FunctionDetails& details,
 }
 
 std::vector<FunctionDetails> ReadDetails(DetailsReader& reader, Functions functions) {
-  return ReadInHalves(functions, [&reader](Functions half) {
+  return ReadOnTwoThreads(functions, [&reader](Functions part) {
     std::vector<FunctionDetails> details;
-    details.reserve(half.size());
-    for (const Function& function : half) details.push_back(reader.Read(function));
+    details.reserve(part.size());
+    for (const Function& function : part) details.push_back(reader.Read(function));
     return details;
   });
 }

@@ -77,9 +77,10 @@ std::vector<Function> ReadNamed(const Directory& devices, Names names) {
   return functions;
 }
 
-std::vector<Function> ReadSysfs(const Directory& devices) {
+std::vector<Function> ReadSysfs(const Directory& devices, const std::function<void()>& meanwhile) {
   const std::vector<std::string> names = devices.Names();
-  return ReadInHalves(Names(names), [&devices](Names part) { return ReadNamed(devices, part); });
+  const auto read = [&devices](Names part) { return ReadNamed(devices, part); };
+  return ReadOnTwoThreads(Names(names), read, meanwhile);
 }
 
 /// Directories of /proc/bus/pci are named "01", or "0001:01" in other domains than the first, and
@@ -107,9 +108,9 @@ std::vector<Function> ReadProc() {
 
 bool IsWithoutSysfs() { return Directory(kSysDevices).Names().empty(); }
 
-std::vector<Function> ReadFunctions() {
+std::vector<Function> ReadFunctions(const std::function<void()>& meanwhile) {
   const Directory devices(kSysDevices);
-  std::vector<Function> functions = ReadSysfs(devices);
+  std::vector<Function> functions = ReadSysfs(devices, meanwhile);
   if (functions.empty()) functions = ReadProc();
   std::sort(functions.begin(), functions.end(), [](const Function& left, const Function& right) {
     return left.address < right.address;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,8 +18,9 @@ inline constexpr const char* kProcPci = "/proc/bus/pci";
 // unknown.
 
 /// The functions in /sys/bus/pci/devices, or where that is missing those of /proc/bus/pci, sorted
-/// by address. /proc tells less: no drivers, no NUMA nodes, no domains.
-std::vector<Function> ReadFunctions();
+/// by address. /proc tells less: no drivers, no NUMA nodes, no domains. Calls `meanwhile` on this
+/// thread, and reads on another one at the same time.
+std::vector<Function> ReadFunctions(const std::function<void()>& meanwhile = [] {});
 
 /// Whether the functions come from /proc, because sysfs has no PCI devices.
 bool IsWithoutSysfs();

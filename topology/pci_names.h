@@ -13,9 +13,7 @@ namespace topology {
 class PciNames {
  public:
   /// `text` is the whole file. Reading it takes one pass that finds vendors and classes.
-  explicit PciNames(std::string text);
-  PciNames(const PciNames&) = delete;
-  PciNames& operator=(const PciNames&) = delete;
+  explicit PciNames(std::string text = {});
 
   std::string_view Vendor(std::uint16_t vendor) const;
   std::string_view Device(std::uint16_t vendor, std::uint16_t device) const;

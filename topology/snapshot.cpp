@@ -107,7 +107,7 @@ std::string ReadNames() {
 
 }  // namespace
 
-Snapshot::Snapshot(Machine machine, std::string names)
+Snapshot::Snapshot(Machine machine, PciNames names)
     : machine_(std::move(machine)),
       tree_(machine_.functions),
       resolution_(ResolveSlots(machine_, tree_)),
@@ -115,12 +115,15 @@ Snapshot::Snapshot(Machine machine, std::string names)
 
 std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider* provider) {
   Machine machine;
-  machine.functions = ReadFunctions();
+  PciNames names;
+  machine.functions = ReadFunctions([&] {
+    names = PciNames(ReadNames());
+    machine.kernelSlots = ReadKernelSlots();
+    ReadSlotStates(machine.kernelSlots);
+    ReadFirmware(provider, machine);
+  });
   if (machine.functions.empty()) Report("The kernel shows no PCI functions.");
-  machine.kernelSlots = ReadKernelSlots();
-  ReadSlotStates(machine.kernelSlots);
-  ReadFirmware(provider, machine);
-  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), ReadNames()));
+  return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), std::move(names)));
 }
 
 }  // namespace topology

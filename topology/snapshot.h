@@ -24,7 +24,7 @@ class Snapshot {
   const PciNames& GetNames() const { return names_; }
 
  private:
-  Snapshot(Machine machine, std::string names);
+  Snapshot(Machine machine, PciNames names);
 
   Machine machine_;
   BusTree tree_;

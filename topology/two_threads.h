@@ -1,26 +1,50 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
 #include <future>
 #include <iterator>
 #include <span>
+#include <vector>
 
 namespace topology {
 
-/// The results of `read(half)` for both halves of `items`, in the order of the items. `read`
-/// returns a vector, and is called on two threads at once: the kernel takes most of the time of
-/// reading its files, and serves two threads. Where the system lets this process start no thread,
-/// one half is read after the other. Throws what `read` throws.
-template <class Item, class Read>
-auto ReadInHalves(std::span<const Item> items, const Read& read) {
-  const std::size_t half = items.size() / 2;
-  auto others = std::async(std::launch::async | std::launch::deferred,
-                           [&read, last = items.subspan(half)] { return read(last); });
-  auto results = read(items.first(half));
-  auto last = others.get();
-  results.insert(results.end(), std::make_move_iterator(last.begin()),
-                 std::make_move_iterator(last.end()));
+/// The results of `read(part)` for all parts of `items`, in the order of the items. `read` returns
+/// a vector, and is called on two threads at once: the kernel takes most of the time of reading its
+/// files, and serves two threads. This thread calls `meanwhile` first, and then takes what the
+/// other has not taken. It does all where the system lets this process start no thread. Throws what
+/// `read` and `meanwhile` throw.
+template <class Item, class Read, class Meanwhile>
+auto ReadOnTwoThreads(std::span<const Item> items, const Read& read, const Meanwhile& meanwhile) {
+  // Few, so that both threads end at about the same time.
+  constexpr std::size_t kItemsOfPart = 8;
+  std::vector<decltype(read(items))> parts((items.size() + kItemsOfPart - 1) / kItemsOfPart);
+  std::atomic<std::size_t> next = 0;
+  const auto readParts = [&] {
+    for (std::size_t i = next++; i < parts.size(); i = next++) {
+      const auto left = items.subspan(i * kItemsOfPart);
+      parts[i] = read(left.first(std::min(left.size(), kItemsOfPart)));
+    }
+  };
+  auto other = std::async(std::launch::async | std::launch::deferred, readParts);
+  meanwhile();
+  readParts();
+  other.get();
+
+  decltype(read(items)) results;
+  results.reserve(items.size());
+  for (auto& part : parts) {
+    results.insert(results.end(), std::make_move_iterator(part.begin()),
+                   std::make_move_iterator(part.end()));
+  }
   return results;
+}
+
+template <class Item, class Read>
+auto ReadOnTwoThreads(std::span<const Item> items, const Read& read) {
+  return ReadOnTwoThreads(items, read, [] {});
 }
 
 }  // namespace topology

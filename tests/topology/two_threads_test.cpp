@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "topology/two_threads.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <latch>
+#include <numeric>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -14,8 +14,6 @@
 
 namespace topology {
 namespace {
-
-using testing::ElementsAre;
 
 using Numbers = std::span<const int>;
 
@@ -25,37 +23,63 @@ std::vector<int> Doubled(Numbers numbers) {
   return doubled;
 }
 
-TEST(ReadInHalves, KeepsTheOrderOfTheItems) {
-  const std::vector<int> items{1, 2, 3, 4, 5};
-  EXPECT_THAT(ReadInHalves(Numbers(items), Doubled), ElementsAre(2, 4, 6, 8, 10));
+std::vector<int> UpTo(int last) {
+  std::vector<int> numbers(static_cast<std::size_t>(last));
+  std::iota(numbers.begin(), numbers.end(), 1);
+  return numbers;
 }
 
-TEST(ReadInHalves, OfOneItemAndOfNone) {
-  const std::vector<int> items{7};
-  EXPECT_THAT(ReadInHalves(Numbers(items), Doubled), ElementsAre(14));
-  EXPECT_TRUE(ReadInHalves(Numbers(), Doubled).empty());
+// The threads take eight items at a time.
+TEST(ReadOnTwoThreads, KeepsTheOrderOfTheItems) {
+  for (const int last : {0, 1, 7, 8, 9, 16, 1001}) {
+    const std::vector<int> items = UpTo(last);
+    EXPECT_EQ(ReadOnTwoThreads(Numbers(items), Doubled), Doubled(items)) << last;
+  }
 }
 
-// Each half waits until the other one has begun.
-TEST(ReadInHalves, ReadsBothAtOnce) {
-  const std::vector<int> items{1, 2};
+// Each part waits until the other one has begun.
+TEST(ReadOnTwoThreads, ReadsOnBothAtOnce) {
+  const std::vector<int> items = UpTo(9);
   std::latch begun(2);
   const auto read = [&begun](Numbers numbers) {
     begun.arrive_and_wait();
     return Doubled(numbers);
   };
-  EXPECT_THAT(ReadInHalves(Numbers(items), read), ElementsAre(2, 4));
+  EXPECT_EQ(ReadOnTwoThreads(Numbers(items), read), Doubled(items));
 }
 
-TEST(ReadInHalves, PassesOnTheFailureOfEitherHalf) {
-  const std::vector<int> items{1, 2};
-  for (const int bad : items) {
+TEST(ReadOnTwoThreads, ReadsWhileThisThreadDoesAnotherThing) {
+  const std::vector<int> items = UpTo(1);
+  std::latch begun(2);
+  const auto wait = [&begun] { begun.arrive_and_wait(); };
+  const auto read = [&wait](Numbers numbers) {
+    wait();
+    return Doubled(numbers);
+  };
+  const auto thisThread = std::this_thread::get_id();
+  EXPECT_EQ(ReadOnTwoThreads(Numbers(items), read,
+                             [&] {
+                               wait();
+                               EXPECT_EQ(std::this_thread::get_id(), thisThread);
+                             }),
+            Doubled(items));
+}
+
+TEST(ReadOnTwoThreads, PassesOnTheFailureOfAnyPart) {
+  const std::vector<int> items = UpTo(32);
+  for (const int bad : {1, 9, 17, 25}) {
     const auto read = [bad](Numbers numbers) {
       if (numbers.front() == bad) throw std::runtime_error("unreadable");
       return Doubled(numbers);
     };
-    EXPECT_THROW(ReadInHalves(Numbers(items), read), std::runtime_error) << bad;
+    EXPECT_THROW(ReadOnTwoThreads(Numbers(items), read), std::runtime_error) << bad;
   }
+}
+
+TEST(ReadOnTwoThreads, PassesOnTheFailureOfTheOtherThing) {
+  const std::vector<int> items = UpTo(32);
+  const auto fail = [] { throw std::runtime_error("unreadable"); };
+  EXPECT_THROW(ReadOnTwoThreads(Numbers(items), Doubled, fail), std::runtime_error);
 }
 
 void ForbidThreads() {
@@ -71,11 +95,13 @@ void ForbidThreads() {
   }
 }
 
-TEST(ReadInHalves, ReadsOneAfterTheOtherWhereNoThreadMayStart) {
-  const std::vector<int> items{1, 2, 3};
+TEST(ReadOnTwoThreads, ReadsOnThisOneWhereNoThreadMayStart) {
+  const std::vector<int> items = UpTo(20);
   const auto readInChild = [&items] {
     ForbidThreads();
-    _exit(ReadInHalves(Numbers(items), Doubled) == std::vector<int>{2, 4, 6} ? 0 : 1);
+    int calls = 0;
+    const auto results = ReadOnTwoThreads(Numbers(items), Doubled, [&calls] { ++calls; });
+    _exit(results == Doubled(items) && calls == 1 ? 0 : 1);
   };
   EXPECT_EXIT(readInChild(), testing::ExitedWithCode(0), "");
 }
