@@ -120,9 +120,9 @@ std::unique_ptr<Snapshot> Snapshot::Take(const NQZMVTQ20::TPluginManagerProvider
     names = PciNames(ReadNames());
     machine.kernelSlots = ReadKernelSlots();
     ReadSlotStates(machine.kernelSlots);
-    ReadFirmware(provider, machine);
   });
   if (machine.functions.empty()) Report("The kernel shows no PCI functions.");
+  ReadFirmware(provider, machine);
   return std::unique_ptr<Snapshot>(new Snapshot(std::move(machine), std::move(names)));
 }
 
