@@ -14,7 +14,8 @@ namespace {
 using Type = NQZMVTQ20::TCIMValue::TCIMType;
 using Functions = std::span<const Function>;
 
-/// The details of so many functions are held at a time. A thread is worth its start for them.
+/// The details of so many functions are held in memory at a time. To read so many takes much longer
+/// than to start a thread.
 constexpr std::size_t kReadAtOnce = 128;
 
 /// The virtual functions of each physical one.

@@ -18,8 +18,8 @@ inline constexpr const char* kProcPci = "/proc/bus/pci";
 // unknown.
 
 /// The functions in /sys/bus/pci/devices, or where that is missing those of /proc/bus/pci, sorted
-/// by address. /proc tells less: no drivers, no NUMA nodes, no domains. Calls `meanwhile` on this
-/// thread, and reads on another one at the same time.
+/// by address. /proc tells less: no drivers, no NUMA nodes, no domains. Calls `meanwhile` on
+/// the calling thread while another thread reads.
 std::vector<Function> ReadFunctions(const std::function<void()>& meanwhile = [] {});
 
 /// Whether the functions come from /proc, because sysfs has no PCI devices.

@@ -14,6 +14,8 @@ class PciNames {
  public:
   /// `text` is the whole file. Reading it takes one pass that finds vendors and classes.
   explicit PciNames(std::string text = {});
+  PciNames(PciNames&&) = default;
+  PciNames& operator=(PciNames&&) = default;
 
   std::string_view Vendor(std::uint16_t vendor) const;
   std::string_view Device(std::uint16_t vendor, std::uint16_t device) const;

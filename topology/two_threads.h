@@ -13,12 +13,12 @@ namespace topology {
 
 /// The results of `read(part)` for all parts of `items`, in the order of the items. `read` returns
 /// a vector, and is called on two threads at once: the kernel takes most of the time of reading its
-/// files, and serves two threads. This thread calls `meanwhile` first, and then takes what the
-/// other has not taken. It does all where the system lets this process start no thread. Throws what
-/// `read` and `meanwhile` throw.
+/// files, and serves two threads. The calling thread calls `meanwhile` first, and then reads the
+/// parts that the other thread has not begun. Where the system lets this process start no thread,
+/// the calling thread reads all parts. Throws what `read` and `meanwhile` throw.
 template <class Item, class Read, class Meanwhile>
 auto ReadOnTwoThreads(std::span<const Item> items, const Read& read, const Meanwhile& meanwhile) {
-  // Few, so that both threads end at about the same time.
+  // So few that both threads end at about the same time.
   constexpr std::size_t kItemsOfPart = 8;
   std::vector<decltype(read(items))> parts((items.size() + kItemsOfPart - 1) / kItemsOfPart);
   std::atomic<std::size_t> next = 0;

@@ -23,7 +23,7 @@ class VitalProductReader {
   VitalProductBytes Read(const Directory& device);
 
  private:
-  std::mutex mutex_;  // of what follows
+  std::mutex mutex_;  // guards the members below
   std::chrono::steady_clock::duration left_ = std::chrono::seconds(10);
 };
 

@@ -258,7 +258,8 @@ void Supervisor::TakeReports() {
     if (size <= 0) return worker_.reports.Close();
     if (size != sizeof report) continue;  // not of the worker's own making
     report.text[Report::kMostText - 1] = '\0';
-    report.sent = std::min(report.sent, Clock::now());  // plug-ins can reach the socket
+    // A plug-in may write to the socket, also a time in the future.
+    report.sent = std::min(report.sent, Clock::now());
     TakeReport(report);
   }
 }
