@@ -15,16 +15,8 @@ using NQZMVTQ20::TVTQStatusCode;
 
 namespace {
 
-/// An instance stores the position of each value in 16 bits; 0 means that there is none.
-constexpr std::size_t kMostProperties = 0xFFFE;
-
 std::vector<std::size_t> PositionsInNameOrder(const ClassSchema& schema) {
   const std::vector<PropertySchema>& properties = schema.properties;
-  if (properties.size() > kMostProperties) {
-    throw TVTQException("the class " + schema.name + " declares more than " +
-                            std::to_string(kMostProperties) + " properties",
-                        TVTQStatusCode::kInvalidArgument);
-  }
   std::vector<std::size_t> order(properties.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::sort(order.begin(), order.end(), [&properties](std::size_t left, std::size_t right) {

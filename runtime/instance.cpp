@@ -52,9 +52,7 @@ void CheckValue(const Class& owner, const PropertySchema& property, const TCIMVa
 }  // namespace
 
 Instance::Instance(std::shared_ptr<Class> cimClass)
-    : class_(cimClass), owner_(cimClass.get()), places_(cimClass->GetSchema().properties.size()) {
-  values_.reserve(cimClass->mostValues_);
-  values_.emplace_back();
+    : class_(cimClass), owner_(cimClass.get()), values_(cimClass->GetSchema().properties.size()) {
   ++cimClass->uncommitted_;
 }
 
@@ -69,10 +67,10 @@ Class& Instance::GetOwner() const {
 }
 
 void Instance::CheckKeys(const Class& owner) const {
-  for (std::size_t position = 0; position < places_.size(); ++position) {
-    const PropertySchema& property = owner.GetSchema().properties[position];
-    if (property.isKey && GetValue(position).IsNull()) {
-      Refuse(owner, property, "is a key and not set");
+  const std::vector<PropertySchema>& properties = owner.GetSchema().properties;
+  for (std::size_t position = 0; position < properties.size(); ++position) {
+    if (properties[position].isKey && GetValue(position).IsNull()) {
+      Refuse(owner, properties[position], "is a key and not set");
     }
   }
 }
@@ -125,28 +123,26 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, cons
     path_.clear();
     reference_ = TCIMReference();
   }
-  SetValue(position, value);
+  if (packed_) values_ = packed_->Unpack();
+  packed_.reset();
+  values_[position] = value;
 }
 
-void Instance::SetValue(std::size_t position, const TCIMValue& value) {
-  std::uint16_t& place = places_[position];
-  if (place != 0) {
-    values_[place] = value;
-  } else {
-    values_.push_back(value);
-    place = static_cast<std::uint16_t>(values_.size() - 1);
-  }
+TCIMValue Instance::GetValue(std::size_t position) const {
+  return packed_ ? packed_->Find(position) : values_.at(position);
 }
 
 void Instance::Commit(const TQualifierMap&) {
   Class& owner = GetOwner();
+  if (!packed_) packed_ = PackedValues::Pack(values_);
+  if (packed_) values_ = PackedValues::Values();
   owner.Commit(shared_from_this());
   if (!committed_) --owner.uncommitted_;
   committed_ = true;
-  owner.mostValues_ = std::max(owner.mostValues_, values_.size());
-  // The constructor reserved room for as many values as any instance of the class has. What this
-  // one does not need is free for the next one.
-  values_.shrink_to_fit();
 }
+
+InstanceValues::InstanceValues(const Instance& instance)
+    : unpacked_(instance.packed_ ? instance.packed_->Unpack() : PackedValues::Values()),
+      values_(instance.packed_ ? unpacked_ : instance.values_) {}
 
 }  // namespace vtq

@@ -155,8 +155,9 @@ void CimXmlWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instan
   xml_.Open("VALUE.OBJECTWITHLOCALPATH");
   AddPath(xml_, instance.GetObjectReference({}));
   xml_.Open("INSTANCE", {{"CLASSNAME", cimClass.GetSchema().name}});
+  const vtq::InstanceValues values(instance);
   for (const std::size_t position : cimClass.GetNameOrder()) {
-    AddProperty(xml_, properties[position], instance.GetValue(position));
+    AddProperty(xml_, properties[position], values[position]);
   }
   xml_.Close();
   xml_.Close();

@@ -43,8 +43,9 @@ void RequireShortFields(const vtq::Class& cimClass) {
   constexpr std::size_t kMost = 32767;  // a spreadsheet's cell; some libraries take 131,072
   const vtq::ClassSchema& schema = cimClass.GetSchema();
   for (const auto& instance : cimClass.GetInstances()) {
+    const vtq::InstanceValues values(*instance);
     for (std::size_t place = 0; place < schema.properties.size(); ++place) {
-      if (LengthOf(instance->GetValue(place)) <= kMost) continue;
+      if (LengthOf(values[place]) <= kMost) continue;
       throw std::runtime_error(fmt::format(
           "{} does not fit into CSV: its {} has more characters than a spreadsheet's cell can hold "
           "({}); use --format jsonl, or name the classes that are to be printed",
@@ -86,9 +87,10 @@ void CsvWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance)
   WriteText(cimClass.GetSchema().name);
   output_.Write(",");
   WriteText(instance.GetObjectReference({}).ToString());
+  const vtq::InstanceValues values(instance);
   for (const std::size_t position : positions_) {
     output_.Write(",");
-    if (position != kNoProperty) WriteValue(instance.GetValue(position));
+    if (position != kNoProperty) WriteValue(values[position]);
   }
   output_.Write(kCsvLineEnd);
 }

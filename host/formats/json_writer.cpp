@@ -19,8 +19,9 @@ void JsonObjects::Write(const vtq::Class& cimClass, const vtq::Instance& instanc
   WriteJsonString(output_, instance.GetPath());
   output_.Write(",\"properties\":{");
   bool first = true;
+  const vtq::InstanceValues values(instance);
   for (const std::size_t position : cimClass.GetNameOrder()) {
-    const NQZMVTQ20::TCIMValue& value = instance.GetValue(position);
+    const NQZMVTQ20::TCIMValue& value = values[position];
     if (value.IsNull()) continue;
     output_.Write(std::string_view(names_[position]).substr(first ? 1 : 0));
     first = false;

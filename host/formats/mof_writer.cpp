@@ -12,8 +12,9 @@ void MofWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance)
   if (!first_) output_.Write("\n");
   first_ = false;
   output_.Write("instance of " + cimClass.GetSchema().name + " {\n");
+  const vtq::InstanceValues values(instance);
   for (const std::size_t position : cimClass.GetNameOrder()) {
-    const TCIMValue& value = instance.GetValue(position);
+    const TCIMValue& value = values[position];
     if (value.IsNull()) continue;
     output_.Write("    " + cimClass.GetSchema().properties[position].name + " = ");
     WriteValue(value);

@@ -35,9 +35,10 @@ void TableWriter::BeginClass(const vtq::Class& cimClass) {
 
 void TableWriter::Write(const vtq::Class& cimClass, const vtq::Instance& instance) {
   output_.Write("\n");
+  const vtq::InstanceValues values(instance);
   const std::size_t nameWidth = LongestName(cimClass);
   for (const std::size_t position : cimClass.GetNameOrder()) {
-    const TCIMValue& value = instance.GetValue(position);
+    const TCIMValue& value = values[position];
     if (value.IsNull()) continue;
     output_.Write(kIndent);
     output_.Write(PadRight(cimClass.GetSchema().properties[position].name, nameWidth));

@@ -43,9 +43,10 @@ void EmitValue(YAML::Emitter& emitter, const TCIMValue& value) {
 
 void EmitProperties(YAML::Emitter& emitter, const vtq::Class& cimClass,
                     const vtq::Instance& instance) {
+  const vtq::InstanceValues values(instance);
   emitter << YAML::BeginMap;
   for (const std::size_t position : cimClass.GetNameOrder()) {
-    const TCIMValue& value = instance.GetValue(position);
+    const TCIMValue& value = values[position];
     if (value.IsNull()) continue;
     emitter << YAML::Key << cimClass.GetSchema().properties[position].name << YAML::Value;
     EmitValue(emitter, value);

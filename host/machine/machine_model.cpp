@@ -73,7 +73,8 @@ class FieldList {
   }
 
   void Fill(const vtq::Instance& instance, Object& object) const {
-    for (const auto& step : steps_) step(instance, object);
+    const vtq::InstanceValues values(instance);
+    for (const auto& step : steps_) step(values, object);
   }
 
  private:
@@ -81,14 +82,14 @@ class FieldList {
   void AddStep(const char* property, Step step) {
     const auto place = reader_.Place(property);
     if (!place) return;
-    steps_.emplace_back([place = *place, step](const vtq::Instance& instance, Object& object) {
-      const TCIMValue& value = instance.GetValue(place);
+    steps_.emplace_back([place = *place, step](const vtq::InstanceValues& values, Object& object) {
+      const TCIMValue& value = values[place];
       if (!value.IsNull()) step(value, object);
     });
   }
 
   const PropertyReader& reader_;
-  std::vector<std::function<void(const vtq::Instance& instance, Object& object)>> steps_;
+  std::vector<std::function<void(const vtq::InstanceValues& values, Object& object)>> steps_;
 };
 
 /// The link of functions and of slots.

@@ -74,11 +74,9 @@ std::optional<std::size_t> PropertyReader::Place(std::string_view property) cons
   return position == positions_.end() ? std::nullopt : std::optional(position->second);
 }
 
-const TCIMValue& PropertyReader::ValueOf(const vtq::Instance& instance,
-                                         std::string_view property) const {
-  static const TCIMValue unset;
+TCIMValue PropertyReader::ValueOf(const vtq::Instance& instance, std::string_view property) const {
   const auto place = Place(property);
-  return place ? instance.GetValue(*place) : unset;
+  return place ? instance.GetValue(*place) : TCIMValue();
 }
 
 std::optional<std::uint64_t> PropertyReader::LongNumber(const vtq::Instance& instance,
@@ -112,7 +110,7 @@ std::vector<bool> PropertyReader::Booleans(const vtq::Instance& instance,
 
 std::string PropertyReader::KeyText(const vtq::Instance& instance, std::string_view property,
                                     const std::string& key) const {
-  const TCIMValue& value = ValueOf(instance, property);
+  const TCIMValue value = ValueOf(instance, property);
   if (!Is(value, TCIMValue::TCIMType::kReference)) return "";
   const auto& keys = value.GetReference().GetKeys();
   const auto found = keys.find(key);

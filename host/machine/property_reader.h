@@ -52,8 +52,7 @@ class PropertyReader final {
                       const std::string& key) const;
 
  private:
-  const NQZMVTQ20::TCIMValue& ValueOf(const vtq::Instance& instance,
-                                      std::string_view property) const;
+  NQZMVTQ20::TCIMValue ValueOf(const vtq::Instance& instance, std::string_view property) const;
 
   std::unordered_map<std::string_view, std::size_t> positions_;
 };

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <vector>
+
 #include "tests/runtime/failure_of.h"
 #include "tests/runtime/fan_repository.h"
 
@@ -118,6 +121,47 @@ TEST_F(InstanceTest, OutlivesItsClassAndSaysSo) {
   EXPECT_THROW(fan_->SetProperty("Speed", Number(1), {}), TVTQException);
   EXPECT_THROW((void)fan_->GetProperty("Speed", {}), TVTQException);
   EXPECT_THROW(fan_->Commit({}), TVTQException);
+}
+
+std::vector<TCIMValue> ValuesOf(const std::shared_ptr<ICIMInstance>& instance) {
+  const InstanceValues values(static_cast<const Instance&>(*instance));
+  return {values[0], values[1], values[2], values[3]};
+}
+
+TEST_F(InstanceTest, HasTheSameValuesOnceCommitted) {
+  std::vector<TCIMValue> expected = {TCIMValue(), TCIMValue("a"), TCIMValue(), Number(1)};
+  EXPECT_EQ(ValuesOf(fan_), expected);
+  fan_->Commit({});
+  EXPECT_EQ(ValuesOf(fan_), expected);
+  fan_->SetProperty("Speed", Number(9), {});
+  expected[0] = Number(9);
+  EXPECT_EQ(ValuesOf(fan_), expected);
+  fan_->Commit({});
+  fan_->SetProperty("Speed", TCIMValue(), {});
+  fan_->Commit({});
+  expected[0] = TCIMValue();
+  EXPECT_EQ(ValuesOf(fan_), expected);
+}
+
+TEST_F(InstanceTest, HasItsReferencesOnceCommitted) {
+  const auto link = nameSpace_->Find("ACME_Cools")->CreateInstance({});
+  const TCIMValue fan(fan_->GetObjectReference({}));
+  link->SetProperty("Fan", fan, {});
+  link->Commit({});
+  const InstanceValues values(static_cast<const Instance&>(*link));
+  EXPECT_EQ(values[0], fan);
+  EXPECT_TRUE(values[1].IsNull());
+  EXPECT_EQ(link->GetProperty("Fan", {}).value, fan);
+  EXPECT_THROW((void)values[3], std::out_of_range);
+}
+
+TEST_F(InstanceTest, CanBeCommittedAfterACommitWasRefused) {
+  fan_->SetProperty("Bank", TCIMValue(), {});
+  EXPECT_THROW(fan_->Commit({}), TVTQException);
+  fan_->SetProperty("Bank", Number(2), {});
+  fan_->Commit({});
+  EXPECT_EQ(ValuesOf(fan_),
+            (std::vector<TCIMValue>{TCIMValue(), TCIMValue("a"), TCIMValue(), Number(2)}));
 }
 
 TEST_F(InstanceTest, AnswersAValueByItsPosition) {

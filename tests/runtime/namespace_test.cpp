@@ -48,20 +48,5 @@ TEST(NamespaceTest, RefusesTwoPropertiesOfOneName) {
   EXPECT_EQ(nameSpace->Find("ACME_Belt"), nullptr);
 }
 
-TEST(NamespaceTest, RefusesMorePropertiesThanInstancesCount) {
-  const auto nameSpace = MakeFanNamespace();
-  const NQZMVTQ20::TCIMValue::TCIMType text(NQZMVTQ20::TCIMValue::TCIMType::kString);
-  std::vector<PropertySchema> properties;
-  for (int i = 0; i < 0xFFFE; ++i) {
-    properties.push_back({"P" + std::to_string(i), text, false, i == 0, {}, ""});
-  }
-  nameSpace->Declare({"ACME_Rope", "", "", properties});
-  properties.push_back({"Last", text, false, false, {}, ""});
-  const Failure failure = FailureOf([&] {
-    nameSpace->Declare({"ACME_Chain", "", "", properties});
-  });
-  EXPECT_EQ(failure.text, "the class ACME_Chain declares more than 65534 properties");
-}
-
 }  // namespace
 }  // namespace vtq
