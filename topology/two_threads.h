@@ -4,10 +4,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
-#include <future>
 #include <iterator>
 #include <span>
 #include <vector>
+
+#include "topology/second_thread.h"
 
 namespace topology {
 
@@ -28,10 +29,10 @@ auto ReadOnTwoThreads(std::span<const Item> items, const Read& read, const Meanw
       parts[i] = read(left.first(std::min(left.size(), kItemsOfPart)));
     }
   };
-  auto other = std::async(std::launch::async | std::launch::deferred, readParts);
+  SecondThread second(readParts);
   meanwhile();
   readParts();
-  other.get();
+  second.Finish();
 
   decltype(read(items)) results;
   results.reserve(items.size());
