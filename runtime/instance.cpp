@@ -134,7 +134,7 @@ TCIMValue Instance::GetValue(std::size_t position) const {
 
 void Instance::Commit(const TQualifierMap&) {
   Class& owner = GetOwner();
-  GetPath();  // which is costlier to build of packed values
+  GetPath();  // builds it now: its keys take longer to find among packed values
   if (!packed_) packed_ = PackedValues::Pack(values_);
   if (packed_) values_ = PackedValues::Values();
   owner.Commit(shared_from_this());

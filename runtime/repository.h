@@ -142,7 +142,7 @@ class VTQ_EXPORT Instance final : public NQZMVTQ20::ICIMInstance,
   std::weak_ptr<Class> class_;
   Class* owner_;  ///< valid unless class_ has expired; avoids locking class_ for every value
   PackedValues::Values values_;         ///< of all properties of the schema; none if packed
-  std::optional<PackedValues> packed_;  ///< once committed
+  std::optional<PackedValues> packed_;  ///< once committed, where they can be packed
   // Built on demand, because nearly all references are never used.
   mutable std::string path_;
   mutable NQZMVTQ20::TCIMReference reference_;

@@ -8,7 +8,8 @@
 
 namespace topology {
 
-/// Work on a second thread, which begins on another processor than that of the calling thread.
+/// Work on a second thread. It begins on another processor than that of the calling thread, if this
+/// process may use one.
 class SecondThread final {
  public:
   /// Begins `work`. Where the system lets this process start no thread, Finish does it.

@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace vtq {
 namespace {
@@ -76,7 +77,8 @@ TEST(PackedValues, AreFoundBehindValuesOfAllKinds) {
 
 TEST(PackedValues, KeepTheirPositions) {
   Values values(1000);
-  for (const std::size_t set : {0, 1, 127, 128, 600, 998}) values[set] = TCIMValue(set);
+  const std::vector<std::size_t> set = {0, 1, 127, 128, 600, 998};
+  for (const std::size_t position : set) values[position] = TCIMValue(position);
   const auto packed = PackedValues::Pack(values);
   ASSERT_TRUE(packed);
   EXPECT_EQ(packed->Unpack(), values);
