@@ -2,6 +2,7 @@
 #include "runtime/packed_values.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <string_view>
@@ -35,7 +36,7 @@ class Packer final {
   /// False from the first byte on that has no room, and from the first reference.
   bool IsPackable() const { return isPackable_; }
   std::size_t GetSize() const { return size_; }
-  const unsigned char* GetBytes() const { return bytes_; }
+  const unsigned char* GetBytes() const { return bytes_.data(); }
 
   void Byte(unsigned char byte) {
     isPackable_ = isPackable_ && size_ < kMostBytes;
@@ -52,7 +53,7 @@ class Packer final {
     Number(text.size());
     isPackable_ = isPackable_ && text.size() <= kMostBytes - size_;
     if (!isPackable_) return;
-    std::copy(text.begin(), text.end(), bytes_ + size_);
+    std::copy(text.begin(), text.end(), bytes_.data() + size_);
     size_ += text.size();
   }
 
@@ -98,7 +99,7 @@ class Packer final {
 
   bool isPackable_ = true;
   std::size_t size_ = 0;
-  unsigned char bytes_[kMostBytes];  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  std::array<unsigned char, kMostBytes> bytes_{};
 };
 
 /// Reads what a Packer wrote.
